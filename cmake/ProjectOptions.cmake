@@ -1,0 +1,39 @@
+# SPDX-License-Identifier: MIT
+# Build options, the vendor's USB ids and the flags that every target of the project shares.
+
+option(IMAGEACQUISITION_BUILD_TOOLS "Build the command-line tool and the viewer" ON)
+option(IMAGEACQUISITION_BUILD_VIRTUALCAMERA "Build the virtual camera" ON)
+option(IMAGEACQUISITION_BUILD_TESTS "Build the tests" ON)
+option(IMAGEACQUISITION_BUILD_KERNEL_TESTS "Build the programs that run in the virtual machine" ON)
+option(IMAGEACQUISITION_WARNINGS_AS_ERRORS "Stop at the first compiler warning" OFF)
+set(IMAGEACQUISITION_SANITIZE "" CACHE STRING
+    "Sanitizers to build with: empty, 'address,undefined', 'address', 'undefined' or 'thread'")
+
+# Placeholders that are assigned to nobody; whoever ships the library for a camera family sets
+# that family's own numbers.
+set(IMAGEACQUISITION_VENDOR_ID "7a76" CACHE STRING "USB vendor id of the vendor's cameras")
+set(IMAGEACQUISITION_PRODUCT_ID "ca01" CACHE STRING "USB product id of the vendor's cameras")
+foreach(id IN ITEMS VENDOR PRODUCT)
+  if(NOT "${IMAGEACQUISITION_${id}_ID}" MATCHES "^[0-9a-f][0-9a-f][0-9a-f][0-9a-f]$")
+    message(FATAL_ERROR "IMAGEACQUISITION_${id}_ID must be four lower-case hexadecimal digits, "
+                        "as sysfs prints them; it is '${IMAGEACQUISITION_${id}_ID}'")
+  endif()
+endforeach()
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(IMAGEACQUISITION_WARNINGS_AS_ERRORS)
+  add_compile_options(-Werror)
+endif()
+if(IMAGEACQUISITION_SANITIZE)
+  add_compile_options(-fsanitize=${IMAGEACQUISITION_SANITIZE} -fno-omit-frame-pointer
+                      -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${IMAGEACQUISITION_SANITIZE})
+endif()
