@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Export.h"
+
+namespace ImageAcquisition
+{
+
+class ICameraControl;
+class IDevice;
+class IFramePeriod;
+class IFrameSize;
+class IImageFormat;
+
+/**
+ * @brief An open camera: its description, its controls and its formats.
+ *
+ * Everything that a camera hands out by pointer belongs to it and is good until it is deleted.
+ *
+ * Threads: a camera belongs to one thread at a time, called its thread. The one exception is
+ * IBlockingCamera::stopCapture(). Different cameras may be used from different threads.
+ */
+class IMAGEACQUISITION_EXPORT ICamera
+{
+public:
+    virtual ~ICamera();
+
+    /// Number of controls.
+    virtual int controlNumber() const = 0;
+
+    /// The camera's own copy of the record that it was made from; never null.
+    virtual IDevice const* device() const = 0;
+
+    /// The control at @p position; invalidControl() outside 0 to controlNumber() - 1. Never null.
+    virtual ICameraControl* control(int position) const = 0;
+
+    /// The first control whose name equals @p name to the letter; invalidControl() when there is
+    /// none or @p name is null. Never null.
+    virtual ICameraControl* control(char const* name) const = 0;
+
+    /// @name Well-known controls
+    /// Each returns the control, or invalidControl() when the camera has none; never null. Which
+    /// typed interface it offers is told by ICameraControl::type().
+    /// @{
+    virtual ICameraControl* autoContrastBrightnessControl() const = 0;
+    virtual ICameraControl* autoExposureControl() const = 0;
+    virtual ICameraControl* autoFocusControl() const = 0;
+    virtual ICameraControl* autoHueControl() const = 0;
+    virtual ICameraControl* autoSaturationControl() const = 0;
+    virtual ICameraControl* autoSharpnessControl() const = 0;
+    virtual ICameraControl* autoWhiteBalanceControl() const = 0;
+    virtual ICameraControl* brightnessControl() const = 0;
+    virtual ICameraControl* cameraErrorControl() const = 0;
+    virtual ICameraControl* exposureAbsoluteControl() const = 0;
+    virtual ICameraControl* gainControl() const = 0;
+    virtual ICameraControl* focusControl() const = 0;
+    virtual ICameraControl* keepAliveControl() const = 0;
+    virtual ICameraControl* lightIntensityControl() const = 0;
+    virtual ICameraControl* lightModeControl() const = 0;
+    virtual ICameraControl* triggerAutoControl() const = 0;
+    virtual ICameraControl* focusWindowX1Control() const = 0;
+    virtual ICameraControl* focusWindowX2Control() const = 0;
+    virtual ICameraControl* focusWindowY1Control() const = 0;
+    virtual ICameraControl* focusWindowY2Control() const = 0;
+    virtual ICameraControl* lockAutoControlsControl() const = 0;
+    virtual ICameraControl* windowSelectedControl() const = 0;
+    virtual ICameraControl* focusMinControl() const = 0;
+    virtual ICameraControl* focusMaxControl() const = 0;
+    virtual ICameraControl* focusStepControl() const = 0;
+    virtual ICameraControl* focusSensitivityControl() const = 0;
+    virtual ICameraControl* focusStrategyControl() const = 0;
+    virtual ICameraControl* exposureSensitivityControl() const = 0;
+    virtual ICameraControl* whiteBalanceTempControl() const = 0;
+    virtual ICameraControl* sharpnessControl() const = 0;
+    virtual ICameraControl* saturationControl() const = 0;
+    virtual ICameraControl* contrastControl() const = 0;
+    virtual ICameraControl* hueControl() const = 0;
+    virtual ICameraControl* gammaControl() const = 0;
+    virtual ICameraControl* autoGammaControl() const = 0;
+    /// @}
+
+    /// The stand-in that every lookup returns when it finds nothing: type Invalid, name
+    /// "Invalid control". Never null.
+    virtual ICameraControl* invalidControl() const = 0;
+
+    /// Number of pixel formats.
+    virtual int formatNumber() const = 0;
+
+    /// The format at @p position in the driver's order; the invalid format outside 0 to
+    /// formatNumber() - 1. Never null.
+    virtual IImageFormat const* format(int position) const = 0;
+
+    /// The format that is set on the device now, asked from it; the invalid format when it does
+    /// not answer or its format is none of the list. Never null.
+    virtual IImageFormat const* currentImageFormat() const = 0;
+
+    /// The size that is set on the device now; the invalid size when the device does not answer or
+    /// its size is none of the list. Never null.
+    /// @throws std::out_of_range when the device's pixel format is none of the list.
+    virtual IFrameSize const* currentFrameSize() const = 0;
+
+    /// The frame interval that is set on the device now; the invalid period when the device does
+    /// not answer or its interval is none of the list. Never null.
+    /// @throws std::out_of_range when the device's pixel format is none of the list.
+    virtual IFramePeriod const* currentFrameInterval() const = 0;
+
+    /**
+     * @brief Makes one of the vendor's cameras restart itself, by a USB request.
+     *
+     * The camera then leaves the bus and comes back as a new device; this object is of no more use.
+     * @return true when the request was sent; whether the camera obeyed is not known. False for
+     * other cameras, and when the process may not open the USB device.
+     */
+    virtual bool softwareReset() = 0;
+
+    /**
+     * @brief Selects a format, size and interval by their positions in the camera's lists.
+     *
+     * Must not be called while streaming.
+     * @return false when a position is negative or too large (an interval position does not matter
+     * for a size without intervals), or when the device refused. When only the interval was
+     * refused, the new format and size stay set.
+     */
+    virtual bool setCurrentImageFormat(int format, int frameSize, int framePeriod) = 0;
+
+    /**
+     * @brief Selects a format, size and interval by name and value.
+     *
+     * The interval is @p numerator / @p denominator seconds, and must equal one of the size's
+     * intervals in both numbers: 2/60 does not find 1/30. A size without a list of intervals can
+     * only be selected by position.
+     * @param formatName four-character code; null gives false.
+     * @param width in pixels.
+     * @param height in pixels.
+     * @param numerator seconds, above the line.
+     * @param denominator seconds, below the line.
+     * @return false when there is no such format, size or interval, or the device refused.
+     */
+    virtual bool setCurrentImageFormat(char const* formatName, int width, int height, int numerator,
+                                       int denominator) = 0;
+};
+
+} // namespace ImageAcquisition
