@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#include "factory/CameraFactory.h"
+
+#include "IDevice.h"
+#include "camera/Camera.h"
+#include "device/DeviceEnumerator.h"
+#include "device/DeviceList.h"
+#include "monitor/BlockingCameraMonitor.h"
+#include "monitor/CameraEvent.h"
+#include "monitor/ContinuousCameraMonitor.h"
+
+#include <memory>
+
+namespace ImageAcquisition
+{
+
+ICameraFactory::~ICameraFactory() = default;
+
+ICameraFactory& ICameraFactory::getUniqueInstance()
+{
+    return CameraFactory::getUniqueInstance();
+}
+
+CameraFactory& CameraFactory::getUniqueInstance()
+{
+    static CameraFactory factory;
+    return factory;
+}
+
+IDevice* CameraFactory::createDevice(char const* nodeName) const
+{
+    return nodeName == nullptr ? nullptr : DeviceEnumerator::createDevice(nodeName);
+}
+
+IDeviceList* CameraFactory::createDeviceList() const
+{
+    auto list = std::make_unique<DeviceList>();
+    DeviceEnumerator::fillDeviceList(list.get());
+    return list.release();
+}
+
+IBlockingCamera* CameraFactory::createBlockingCamera(IDevice const* device) const
+{
+    if (device == nullptr) {
+        return nullptr;
+    }
+    auto camera = std::make_unique<Camera>(device);
+    if (camera->init()) {
+        return camera.release();
+    }
+    // A camera that could not be set up may be in a state that only a restart ends.
+    camera->softwareReset();
+    return nullptr;
+}
+
+ICameraEvent* CameraFactory::createEvent() const
+{
+    return new CameraEvent;
+}
+
+IBlockingCameraMonitor* CameraFactory::createBlockingCameraMonitor() const
+{
+    return new BlockingCameraMonitor;
+}
+
+IContinuousCameraMonitor* CameraFactory::createContinuousCameraMonitor() const
+{
+    return new ContinuousCameraMonitor;
+}
+
+} // namespace ImageAcquisition
