@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "format/FrameSize.h"
+
+#include "factory/HelperV4l2.h"
+#include "factory/KernelText.h"
+#include "format/DeviceFormat.h"
+
+#include <algorithm>
+
+namespace ImageAcquisition
+{
+
+IFrameSize::~IFrameSize() = default;
+
+IFrameSize const* IFrameSize::invalid()
+{
+    return InvalidFrameSize::getUniqueInstance();
+}
+
+FrameSize::FrameSize(int fd, unsigned int pixelformat, unsigned int width, unsigned int height)
+    : m_fd(fd), m_width(width), m_height(height)
+{
+    enumeratePeriods(pixelformat);
+}
+
+void FrameSize::enumeratePeriods(unsigned int pixelformat)
+{
+    v4l2_frmivalenum interval{};
+    interval.pixel_format = pixelformat;
+    interval.width = m_width;
+    interval.height = m_height;
+    while (interval.index < maximumEnumerated &&
+           HelperV4l2::xioctl(m_fd, VIDIOC_ENUM_FRAMEINTERVALS, &interval) != -1) {
+        // A range is told in the first answer, and no list is made up from it.
+        if (interval.index == 0 && interval.type != V4L2_FRMIVAL_TYPE_DISCRETE) {
+            return;
+        }
+        m_periods.emplace_back(interval.discrete);
+        ++interval.index;
+    }
+}
+
+int FrameSize::bytesPerLine() const
+{
+    v4l2_format format;
+    return queryDeviceFormat(m_fd, format) ? static_cast<int>(format.fmt.pix.bytesperline) : -1;
+}
+
+IFramePeriod const* FrameSize::period(int index) const
+{
+    if (index < 0 || index >= periodNumber()) {
+        return IFramePeriod::invalid();
+    }
+    return &m_periods[static_cast<std::size_t>(index)];
+}
+
+int FrameSize::intervalIndex(v4l2_fract const& interval) const
+{
+    auto const found =
+        std::find_if(m_periods.begin(), m_periods.end(), [&](FramePeriod const& period) {
+            return period.denominator() == interval.denominator &&
+                   period.numerator() == interval.numerator;
+        });
+    return found == m_periods.end() ? -1 : static_cast<int>(found - m_periods.begin());
+}
+
+InvalidFrameSize const* InvalidFrameSize::getUniqueInstance()
+{
+    static InvalidFrameSize const instance;
+    return &instance;
+}
+
+IFramePeriod const* InvalidFrameSize::period(int /*index*/) const
+{
+    return IFramePeriod::invalid();
+}
+
+} // namespace ImageAcquisition

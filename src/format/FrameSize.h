@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "IFrameSize.h"
+#include "format/FramePeriod.h"
+
+#include <vector>
+
+namespace ImageAcquisition
+{
+
+/// One discrete picture size of one pixel format, with its frame intervals.
+class FrameSize : public virtual IFrameSize
+{
+public:
+    /// Asks the device for the intervals. The descriptor stays the camera's.
+    FrameSize(int fd, unsigned int pixelformat, unsigned int width, unsigned int height);
+
+    bool isInvalid() const override { return false; }
+    unsigned int width() const override { return m_width; }
+    unsigned int height() const override { return m_height; }
+    int bytesPerLine() const override;
+    int periodNumber() const override { return static_cast<int>(m_periods.size()); }
+    IFramePeriod const* period(int index) const override;
+
+    /// Index of the first interval with just these two numbers, or -1.
+    int intervalIndex(v4l2_fract const& interval) const;
+
+private:
+    void enumeratePeriods(unsigned int pixelformat);
+
+    int m_fd;
+    unsigned int m_width;
+    unsigned int m_height;
+    std::vector<FramePeriod> m_periods;
+};
+
+/// Stands for a size that does not exist.
+class InvalidFrameSize : public virtual IFrameSize
+{
+public:
+    static InvalidFrameSize const* getUniqueInstance();
+
+    bool isInvalid() const override { return true; }
+    unsigned int width() const override { return 0; }
+    unsigned int height() const override { return 0; }
+    int bytesPerLine() const override { return 0; }
+    int periodNumber() const override { return 0; }
+    IFramePeriod const* period(int index) const override;
+};
+
+} // namespace ImageAcquisition

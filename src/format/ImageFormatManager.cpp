@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#include "format/ImageFormatManager.h"
+
+#include "factory/HelperV4l2.h"
+#include "factory/KernelText.h"
+#include "format/DeviceFormat.h"
+
+#include <cstring>
+
+namespace ImageAcquisition
+{
+
+void ImageFormatManager::init(int fd)
+{
+    m_fd = fd;
+    v4l2_fmtdesc description{};
+    description.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+    while (description.index < maximumEnumerated &&
+           HelperV4l2::xioctl(m_fd, VIDIOC_ENUM_FMT, &description) != -1) {
+        auto format = std::make_unique<ImageFormat>(m_fd, description);
+        // Of formats with the same code the first keeps its place in the map.
+        m_indexByPixelFormat.emplace(description.pixelformat, formatNumber());
+        m_formats.push_back(std::move(format));
+        ++description.index;
+    }
+}
+
+ImageFormat* ImageFormatManager::formatPtr(int index) const
+{
+    return m_formats.at(static_cast<std::size_t>(index)).get();
+}
+
+ImageFormat* ImageFormatManager::formatPtr(char const* name) const
+{
+    if (name == nullptr) {
+        return nullptr;
+    }
+    for (auto const& format : m_formats) {
+        if (std::strcmp(format->name(), name) == 0) {
+            return format.get();
+        }
+    }
+    return nullptr;
+}
+
+IImageFormat const* ImageFormatManager::format(int index) const
+{
+    if (index < 0 || index >= formatNumber()) {
+        return IImageFormat::invalid();
+    }
+    return formatPtr(index);
+}
+
+int ImageFormatManager::formatIndexByPixelFormat(unsigned int pixelformat) const
+{
+    auto const found = m_indexByPixelFormat.find(pixelformat);
+    return found == m_indexByPixelFormat.end() ? -1 : found->second;
+}
+
+bool ImageFormatManager::setCurrentFormat(int formatIndex, int sizeIndex, int intervalIndex)
+{
+    return formatIndex < formatNumber() &&
+           formatPtr(formatIndex)->setToDevice(sizeIndex, intervalIndex);
+}
+
+bool ImageFormatManager::setCurrentFormat(char const* name, int width, int height, int numerator,
+                                          int denominator)
+{
+    ImageFormat const* const format = formatPtr(name);
+    return format != nullptr && format->setToDevice(width, height, numerator, denominator);
+}
+
+unsigned int ImageFormatManager::currentSizeImage() const
+{
+    v4l2_format format;
+    return queryDeviceFormat(m_fd, format) ? format.fmt.pix.sizeimage : 0;
+}
+
+int ImageFormatManager::currentFormat() const
+{
+    v4l2_format format;
+    return queryDeviceFormat(m_fd, format) ? formatIndexByPixelFormat(format.fmt.pix.pixelformat)
+                                           : -1;
+}
+
+int ImageFormatManager::currentFrameSize() const
+{
+    v4l2_format format;
+    if (!queryDeviceFormat(m_fd, format)) {
+        return -1;
+    }
+    return formatPtr(formatIndexByPixelFormat(format.fmt.pix.pixelformat))
+        ->frameSizeIndex(format.fmt.pix.width, format.fmt.pix.height);
+}
+
+int ImageFormatManager::currentFrameInterval() const
+{
+    v4l2_format format;
+    if (!queryDeviceFormat(m_fd, format)) {
+        return -1;
+    }
+    ImageFormat const* const current =
+        formatPtr(formatIndexByPixelFormat(format.fmt.pix.pixelformat));
+    int const sizeIndex = current->frameSizeIndex(format.fmt.pix.width, format.fmt.pix.height);
+    v4l2_streamparm parameters;
+    if (sizeIndex == -1 || !queryDeviceParameters(m_fd, parameters)) {
+        return -1;
+    }
+    return current->sizeAt(sizeIndex).intervalIndex(parameters.parm.capture.timeperframe);
+}
+
+} // namespace ImageAcquisition
