@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "input/InputMethod.h"
+
+#include "monitor/DescriptorSet.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace ImageAcquisition
+{
+
+namespace
+{
+
+constexpr useconds_t leaveWaitMicroseconds = 10000;
+
+} // namespace
+
+IFrame::~IFrame() = default;
+
+IFrame* IFrame::invalid()
+{
+    return InputMethod::InvalidFrame::getUniqueInstance();
+}
+
+InputMethod::InputMethod(Type type, int fd) : m_type(type), m_fd(fd) {}
+
+InputMethod::~InputMethod()
+{
+    // A setup that failed half-way leaves the pipe open, and its caller may never clean up.
+    m_wakeUp.close();
+}
+
+int InputMethod::setup(int /*bufferCount*/, unsigned int /*imageSize*/)
+{
+    return m_wakeUp.open() ? 0 : -1;
+}
+
+int InputMethod::stopCapture()
+{
+    m_wakeUp.write();
+    usleep(leaveWaitMicroseconds);
+    return 0;
+}
+
+int InputMethod::cleanup()
+{
+    m_wakeUp.close();
+    return 0;
+}
+
+bool InputMethod::dataAvailable(int seconds, int microseconds) const
+{
+    if (m_fd < 0) {
+        return false;
+    }
+    DescriptorSet descriptors;
+    descriptors.add(m_fd);
+    descriptors.add(m_wakeUp.readingEnd());
+    timeval timeout{};
+    timeout.tv_sec = seconds;
+    timeout.tv_usec = microseconds;
+    int ready;
+    do {
+        ready = descriptors.waitReadable(&timeout);
+    } while (ready == -1 && errno == EINTR);
+    return ready >= 1;
+}
+
+bool InputMethod::stopPending() const
+{
+    DescriptorSet pipe;
+    pipe.add(m_wakeUp.readingEnd());
+    timeval noTime{};
+    return pipe.waitReadable(&noTime) >= 1;
+}
+
+unsigned int InputMethod::BaseFrame::size() const
+{
+    return bytesUsed();
+}
+
+std::uint64_t InputMethod::BaseFrame::counter() const
+{
+    return 0;
+}
+
+FrameTimeStamp InputMethod::BaseFrame::timeStamp() const
+{
+    return {};
+}
+
+InputMethod::InvalidFrame::InvalidFrame(unsigned int size) : m_bytes(size) {}
+
+InputMethod::InvalidFrame* InputMethod::InvalidFrame::getUniqueInstance()
+{
+    static InvalidFrame instance(1);
+    return &instance;
+}
+
+} // namespace ImageAcquisition

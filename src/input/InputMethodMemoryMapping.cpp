@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "input/InputMethodMemoryMapping.h"
+
+#include "factory/HelperV4l2.h"
+
+#include <libv4l2.h>
+#include <sys/mman.h>
+
+namespace ImageAcquisition
+{
+
+namespace
+{
+
+constexpr int maximumAttempts = 10;
+constexpr int waitSeconds = 2;
+
+} // namespace
+
+InputMethodMemoryMapping::InputMethodMemoryMapping(int fd)
+    : InputMethodStreaming(MemoryMapping, fd, V4L2_MEMORY_MMAP)
+{
+}
+
+InputMethodMemoryMapping::~InputMethodMemoryMapping() = default;
+
+bool InputMethodMemoryMapping::supported(int fd)
+{
+    return InputMethodStreaming::supported(fd, V4L2_MEMORY_MMAP);
+}
+
+int InputMethodMemoryMapping::requestBuffers(int fd, int count, v4l2_requestbuffers& request)
+{
+    return InputMethodStreaming::requestBuffers(fd, count, V4L2_MEMORY_MMAP, request);
+}
+
+int InputMethodMemoryMapping::setup(int bufferCount, unsigned int imageSize)
+{
+    v4l2_requestbuffers request;
+    if (InputMethod::setup(bufferCount, imageSize) != 0 ||
+        requestBuffers(fd(), bufferCount, request) != 0 || request.count == 0) {
+        return -1;
+    }
+    // The driver may grant more buffers than were asked for, or fewer.
+    m_frames.clear();
+    for (unsigned int index = 0; index < request.count; ++index) {
+        if (!mapBuffer(index)) {
+            unmapAll();
+            releaseBuffers();
+            return -1;
+        }
+    }
+    createInvalidFrame(m_frames.front()->allocSize());
+    return 0;
+}
+
+bool InputMethodMemoryMapping::mapBuffer(unsigned int index)
+{
+    v4l2_buffer buffer = bufferRecord(index);
+    if (HelperV4l2::xioctl(fd(), VIDIOC_QUERYBUF, &buffer) == -1) {
+        return false;
+    }
+    void* const address = v4l2_mmap(nullptr, buffer.length, PROT_READ | PROT_WRITE, MAP_SHARED,
+                                    fd(), buffer.m.offset);
+    if (address == MAP_FAILED) {
+        return false;
+    }
+    m_frames.push_back(std::make_unique<Frame>(buffer.length, address));
+    return true;
+}
+
+void InputMethodMemoryMapping::unmapAll()
+{
+    for (auto const& frame : m_frames) {
+        v4l2_munmap(frame->bytePtr(), frame->allocSize());
+    }
+    m_frames.clear();
+}
+
+StreamedFrame* InputMethodMemoryMapping::frameOf(v4l2_buffer const& buffer) const
+{
+    return buffer.index < m_frames.size() ? m_frames[buffer.index].get() : nullptr;
+}
+
+IFrame* InputMethodMemoryMapping::acquireFrame()
+{
+    InputMethod::BaseFrame* result = invalidFrame();
+    if (!isSetUp()) {
+        return result;
+    }
+    // One more wait than attempts: the outcome of the last one does not matter.
+    for (int attempts = 0; dataAvailable(waitSeconds, 0) && attempts < maximumAttempts;
+         ++attempts) {
+        if (acquire(result)) {
+            break;
+        }
+    }
+    return result;
+}
+
+int InputMethodMemoryMapping::cleanup()
+{
+    unmapAll();
+    releaseBuffers();
+    destroyInvalidFrame();
+    return InputMethod::cleanup();
+}
+
+} // namespace ImageAcquisition

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "input/InputMethodStreaming.h"
+
+namespace ImageAcquisition
+{
+
+/// Streams through driver buffers that are mapped into the process; nothing is copied.
+class InputMethodMemoryMapping : public InputMethodStreaming
+{
+public:
+    class Frame;
+
+    explicit InputMethodMemoryMapping(int fd);
+    /// Neither unmaps nor gives buffers back: cleanup() must have run.
+    ~InputMethodMemoryMapping() override;
+
+    static bool supported(int fd);
+
+    /// 0, or the errno of the refusal.
+    static int requestBuffers(int fd, int count, v4l2_requestbuffers& request);
+
+    int setup(int bufferCount, unsigned int imageSize) override;
+    IFrame* acquireFrame() override;
+    int cleanup() override;
+
+protected:
+    StreamedFrame* frameOf(v4l2_buffer const& buffer) const override;
+
+private:
+    bool mapBuffer(unsigned int index);
+    void unmapAll();
+};
+
+/// A mapped driver buffer. The mapping is the input method's to undo.
+class InputMethodMemoryMapping::Frame : public StreamedFrame
+{
+public:
+    Frame(unsigned int length, void* data)
+        : m_length(length), m_data(static_cast<unsigned char*>(data))
+    {
+    }
+
+    unsigned int allocSize() const override { return m_length; }
+    unsigned char const* bytePtr() const override { return m_data; }
+    unsigned char* bytePtr() override { return m_data; }
+
+private:
+    unsigned int m_length;
+    unsigned char* m_data;
+};
+
+} // namespace ImageAcquisition

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "input/InputMethodRead.h"
+
+#include <libv4l2.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace ImageAcquisition
+{
+
+namespace
+{
+
+constexpr int waitSeconds = 2;
+
+} // namespace
+
+InputMethodRead::InputMethodRead(int fd) : InputMethod(Read, fd) {}
+
+InputMethodRead::~InputMethodRead() = default;
+
+int InputMethodRead::setup(int bufferCount, unsigned int imageSize)
+{
+    if (InputMethod::setup(bufferCount, imageSize) == 0) {
+        return -1;
+    }
+    m_pool.resize(static_cast<std::size_t>(std::max(bufferCount, 0)));
+    for (auto& frame : m_pool) {
+        frame = std::make_unique<Frame>(imageSize);
+    }
+    return 0;
+}
+
+int InputMethodRead::startCapture()
+{
+    return 0;
+}
+
+bool InputMethodRead::acquire(InputMethod::BaseFrame* frame) const
+{
+    ssize_t const result = v4l2_read(fd(), frame->bytePtr(), frame->allocSize());
+    return result != -1 || errno != EAGAIN;
+}
+
+IFrame* InputMethodRead::acquireFrame()
+{
+    if (m_pool.empty()) {
+        return IFrame::invalid();
+    }
+    std::unique_ptr<InputMethod::BaseFrame> frame = std::move(m_pool.back());
+    m_pool.pop_back();
+    if (!frame) {
+        return IFrame::invalid();
+    }
+    // A pending stop keeps the wait from ever waiting again, so it has to end the loop as well.
+    while (dataAvailable(waitSeconds, 0) && !acquire(frame.get()) && !stopPending()) {
+    }
+    return frame.release();
+}
+
+int InputMethodRead::releaseFrame(IFrame* frame)
+{
+    if (frame != nullptr && frame->isInvalid()) {
+        return 0;
+    }
+    auto const inPool = [frame](auto const& one) { return frame != nullptr && one.get() == frame; };
+    if (std::any_of(m_pool.begin(), m_pool.end(), inPool)) {
+        return 0;
+    }
+    // Whatever is no frame of this kind leaves an empty place: the pool must not own it.
+    m_pool.emplace_back(dynamic_cast<Frame*>(frame));
+    return 0;
+}
+
+int InputMethodRead::stopCapture()
+{
+    return InputMethod::stopCapture();
+}
+
+int InputMethodRead::cleanup()
+{
+    m_pool.clear();
+    return InputMethod::cleanup();
+}
+
+} // namespace ImageAcquisition

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "input/InputMethod.h"
+
+#include <memory>
+#include <vector>
+
+namespace ImageAcquisition
+{
+
+/// Fetches each frame with one read into a buffer out of a pool. The last resort: such frames tell
+/// neither their length nor their time.
+class InputMethodRead : public InputMethod
+{
+public:
+    class Frame;
+
+    explicit InputMethodRead(int fd);
+    ~InputMethodRead() override;
+
+    /// Fails, and builds nothing, whenever the wake-up pipe could be opened; the pool is built only
+    /// when it could not. Callers rely on this order of things.
+    int setup(int bufferCount, unsigned int imageSize) override;
+    int startCapture() override;
+
+    /// The frame on top of the pool, with its earlier contents if nothing came; the invalid frame
+    /// only if there was none to fill. The frame belongs to the caller until it is released.
+    IFrame* acquireFrame() override;
+    int releaseFrame(IFrame* frame) override;
+    int stopCapture() override;
+    int cleanup() override;
+
+    /// One attempt to read. True means stop trying, false means nothing has come yet.
+    bool acquire(InputMethod::BaseFrame* frame) const;
+
+private:
+    std::vector<std::unique_ptr<InputMethod::BaseFrame>> m_pool;
+};
+
+/// A buffer to read into.
+class InputMethodRead::Frame : public virtual InputMethod::BaseFrame
+{
+public:
+    explicit Frame(unsigned int size) : m_bytes(size) {}
+
+    bool isInvalid() const override { return false; }
+    bool isCorrupted() const override { return false; }
+    unsigned int allocSize() const override { return static_cast<unsigned int>(m_bytes.size()); }
+    unsigned int bytesUsed() const override { return allocSize(); }
+    unsigned char const* bytePtr() const override { return m_bytes.data(); }
+    unsigned char* bytePtr() override { return m_bytes.data(); }
+
+private:
+    std::vector<unsigned char> m_bytes;
+};
+
+} // namespace ImageAcquisition

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "input/InputMethodStreaming.h"
+
+#include "factory/HelperV4l2.h"
+
+#include <cerrno>
+
+namespace ImageAcquisition
+{
+
+InputMethodStreaming::InputMethodStreaming(Type type, int fd, v4l2_memory memory)
+    : InputMethod(type, fd), m_memory(memory)
+{
+}
+
+InputMethodStreaming::~InputMethodStreaming() = default;
+
+int InputMethodStreaming::requestBuffers(int fd, int count, v4l2_memory memory,
+                                         v4l2_requestbuffers& request)
+{
+    request = {};
+    request.count = static_cast<unsigned int>(count);
+    request.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+    request.memory = memory;
+    return HelperV4l2::xioctl(fd, VIDIOC_REQBUFS, &request) == -1 ? errno : 0;
+}
+
+bool InputMethodStreaming::supported(int fd, v4l2_memory memory)
+{
+    constexpr int probeCount = 4;
+    v4l2_requestbuffers request;
+    if (requestBuffers(fd, probeCount, memory, request) == EINVAL) {
+        return false;
+    }
+    requestBuffers(fd, 0, memory, request);
+    return true;
+}
+
+void InputMethodStreaming::releaseBuffers() const
+{
+    v4l2_requestbuffers request;
+    requestBuffers(fd(), 0, m_memory, request);
+}
+
+v4l2_buffer InputMethodStreaming::bufferRecord(unsigned int index) const
+{
+    v4l2_buffer buffer{};
+    buffer.index = index;
+    buffer.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+    buffer.memory = m_memory;
+    return buffer;
+}
+
+void InputMethodStreaming::describe(StreamedFrame& /*frame*/, v4l2_buffer& /*buffer*/) const {}
+
+int InputMethodStreaming::startCapture()
+{
+    for (unsigned int index = 0; index < m_frames.size(); ++index) {
+        v4l2_buffer buffer = bufferRecord(index);
+        describe(*m_frames[index], buffer);
+        if (HelperV4l2::xioctl(fd(), VIDIOC_QBUF, &buffer) == -1) {
+            return -1;
+        }
+    }
+    return switchStream(VIDIOC_STREAMON);
+}
+
+int InputMethodStreaming::stopCapture()
+{
+    InputMethod::stopCapture();
+    return switchStream(VIDIOC_STREAMOFF);
+}
+
+int InputMethodStreaming::switchStream(unsigned long request) const
+{
+    int type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+    return HelperV4l2::xioctl(fd(), request, &type) == -1 ? -1 : 0;
+}
+
+bool InputMethodStreaming::acquire(InputMethod::BaseFrame*& frame)
+{
+    frame = invalidFrame();
+    v4l2_buffer buffer = bufferRecord(0);
+    if (HelperV4l2::xioctl(fd(), VIDIOC_DQBUF, &buffer) == -1) {
+        return errno != EAGAIN;
+    }
+    if (StreamedFrame* const filled = frameOf(buffer)) {
+        filled->setBuffer(buffer);
+        frame = filled;
+    }
+    return true;
+}
+
+int InputMethodStreaming::releaseFrame(IFrame* frame)
+{
+    if (frame == nullptr) {
+        return -1;
+    }
+    StreamedFrame const* const own = ownFrame(frame);
+    if (own == nullptr) {
+        return frame->isInvalid() ? 0 : -1;
+    }
+    v4l2_buffer buffer = own->buffer();
+    return HelperV4l2::xioctl(fd(), VIDIOC_QBUF, &buffer) == -1 ? -1 : 0;
+}
+
+StreamedFrame const* InputMethodStreaming::ownFrame(IFrame const* frame) const
+{
+    for (auto const& own : m_frames) {
+        if (own.get() == frame) {
+            return own.get();
+        }
+    }
+    return nullptr;
+}
+
+void InputMethodStreaming::createInvalidFrame(unsigned int size)
+{
+    m_invalidFrame = std::make_unique<InputMethod::InvalidFrame>(size);
+}
+
+void InputMethodStreaming::destroyInvalidFrame()
+{
+    m_invalidFrame.reset();
+}
+
+InputMethod::BaseFrame* InputMethodStreaming::invalidFrame() const
+{
+    return m_invalidFrame ? m_invalidFrame.get() : InputMethod::InvalidFrame::getUniqueInstance();
+}
+
+} // namespace ImageAcquisition

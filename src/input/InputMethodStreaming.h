@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "input/StreamedFrame.h"
+
+#include <linux/videodev2.h>
+
+#include <memory>
+#include <vector>
+
+namespace ImageAcquisition
+{
+
+/// What both streaming methods do in the same words but for the kind of memory.
+class InputMethodStreaming : public InputMethod
+{
+public:
+    InputMethodStreaming(Type type, int fd, v4l2_memory memory);
+    ~InputMethodStreaming() override;
+
+    int startCapture() override;
+    int releaseFrame(IFrame* frame) override;
+    int stopCapture() override;
+
+    /// One attempt to dequeue. True means stop trying: @p frame is a frame, or the invalid one
+    /// when the buffer is none of ours or the driver failed.
+    bool acquire(InputMethod::BaseFrame*& frame);
+
+    void createInvalidFrame(unsigned int size);
+    void destroyInvalidFrame();
+
+protected:
+    /// Asks for buffers; 0, or the errno of the refusal. The driver's count is left in @p request.
+    static int requestBuffers(int fd, int count, v4l2_memory memory, v4l2_requestbuffers& request);
+
+    /// Whether the driver knows this kind of memory. Only EINVAL says no: a busy device knows it.
+    static bool supported(int fd, v4l2_memory memory);
+
+    /// Gives all buffers back to the driver.
+    void releaseBuffers() const;
+
+    /// A zeroed record of this kind of memory.
+    v4l2_buffer bufferRecord(unsigned int index) const;
+
+    /// Adds to a record what the driver wants to know when the buffer is first lent to it.
+    virtual void describe(StreamedFrame& frame, v4l2_buffer& buffer) const;
+
+    /// The frame that a dequeued buffer belongs to, or null.
+    virtual StreamedFrame* frameOf(v4l2_buffer const& buffer) const = 0;
+
+    bool isSetUp() const { return m_invalidFrame != nullptr; }
+    InputMethod::BaseFrame* invalidFrame() const;
+
+    std::vector<std::unique_ptr<StreamedFrame>> m_frames;
+
+private:
+    StreamedFrame const* ownFrame(IFrame const* frame) const;
+    int switchStream(unsigned long request) const;
+
+    v4l2_memory const m_memory;
+    std::unique_ptr<InputMethod::InvalidFrame> m_invalidFrame;
+};
+
+} // namespace ImageAcquisition

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#include "input/InputMethodUserPointers.h"
+
+#include <algorithm>
+
+namespace ImageAcquisition
+{
+
+namespace
+{
+
+constexpr int waitSeconds = 2;
+
+unsigned long driverAddress(StreamedFrame& frame)
+{
+    return reinterpret_cast<unsigned long>(frame.bytePtr());
+}
+
+} // namespace
+
+InputMethodUserPointers::InputMethodUserPointers(int fd)
+    : InputMethodStreaming(UserPointers, fd, V4L2_MEMORY_USERPTR)
+{
+}
+
+InputMethodUserPointers::~InputMethodUserPointers() = default;
+
+bool InputMethodUserPointers::supported(int fd)
+{
+    return InputMethodStreaming::supported(fd, V4L2_MEMORY_USERPTR);
+}
+
+int InputMethodUserPointers::requestBuffers(int fd, int count, v4l2_requestbuffers& request)
+{
+    return InputMethodStreaming::requestBuffers(fd, count, V4L2_MEMORY_USERPTR, request);
+}
+
+int InputMethodUserPointers::setup(int bufferCount, unsigned int imageSize)
+{
+    if (InputMethod::setup(bufferCount, imageSize) == 0) {
+        return -1;
+    }
+    int const count = std::max(bufferCount, 0);
+    v4l2_requestbuffers request;
+    if (requestBuffers(fd(), count, request) != 0) {
+        return -1;
+    }
+    m_frames.resize(static_cast<std::size_t>(count));
+    for (auto& frame : m_frames) {
+        frame = std::make_unique<Frame>(imageSize);
+    }
+    createInvalidFrame(imageSize);
+    return 0;
+}
+
+void InputMethodUserPointers::describe(StreamedFrame& frame, v4l2_buffer& buffer) const
+{
+    buffer.m.userptr = driverAddress(frame);
+    buffer.length = frame.allocSize();
+}
+
+StreamedFrame* InputMethodUserPointers::frameOf(v4l2_buffer const& buffer) const
+{
+    StreamedFrame* match = nullptr;
+    for (auto const& frame : m_frames) {
+        if (driverAddress(*frame) == buffer.m.userptr && frame->allocSize() == buffer.length) {
+            match = frame.get();
+        }
+    }
+    return match;
+}
+
+IFrame* InputMethodUserPointers::acquireFrame()
+{
+    InputMethod::BaseFrame* result = invalidFrame();
+    if (!isSetUp()) {
+        return result;
+    }
+    // A pending stop keeps the wait from ever waiting again, so it has to end the loop as well.
+    while (dataAvailable(waitSeconds, 0) && !acquire(result) && !stopPending()) {
+    }
+    return result;
+}
+
+int InputMethodUserPointers::cleanup()
+{
+    // The driver first: it must not keep the address of memory that is gone.
+    releaseBuffers();
+    m_frames.clear();
+    destroyInvalidFrame();
+    return InputMethod::cleanup();
+}
+
+} // namespace ImageAcquisition

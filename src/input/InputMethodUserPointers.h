@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "input/InputMethodStreaming.h"
+
+namespace ImageAcquisition
+{
+
+/// Streams into buffers of the process that are lent to the driver.
+class InputMethodUserPointers : public InputMethodStreaming
+{
+public:
+    class Frame;
+
+    explicit InputMethodUserPointers(int fd);
+    ~InputMethodUserPointers() override;
+
+    static bool supported(int fd);
+
+    /// 0, or the errno of the refusal.
+    static int requestBuffers(int fd, int count, v4l2_requestbuffers& request);
+
+    /// Fails, and asks the driver for nothing, whenever the wake-up pipe could be opened; buffers
+    /// are made only when it could not. Callers rely on this order of things.
+    int setup(int bufferCount, unsigned int imageSize) override;
+    IFrame* acquireFrame() override;
+    int cleanup() override;
+
+protected:
+    void describe(StreamedFrame& frame, v4l2_buffer& buffer) const override;
+    StreamedFrame* frameOf(v4l2_buffer const& buffer) const override;
+};
+
+/// A buffer that is lent to the driver.
+class InputMethodUserPointers::Frame : public StreamedFrame
+{
+public:
+    explicit Frame(unsigned int size) : m_bytes(size) {}
+
+    unsigned int allocSize() const override { return static_cast<unsigned int>(m_bytes.size()); }
+    unsigned char const* bytePtr() const override { return m_bytes.data(); }
+    unsigned char* bytePtr() override { return m_bytes.data(); }
+
+private:
+    std::vector<unsigned char> m_bytes;
+};
+
+} // namespace ImageAcquisition
