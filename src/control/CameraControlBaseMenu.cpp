@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "control/CameraControlBaseMenu.h"
+
+#include "factory/HelperV4l2.h"
+
+#include <algorithm>
+
+namespace ImageAcquisition
+{
+
+ICameraControlBaseMenu::~ICameraControlBaseMenu() = default;
+
+CameraControlBaseMenu::CameraControlBaseMenu(Type type, Camera& camera, unsigned int id,
+                                             char const* name)
+    : CameraControl(type, camera, id, name)
+{
+}
+
+void CameraControlBaseMenu::init(v4l2_queryctrl const& qc)
+{
+    CameraControl::init(qc);
+    m_defaultValue = qc.default_value;
+    m_minimum = qc.minimum;
+    m_maximum = qc.maximum;
+    m_indices.clear();
+}
+
+void CameraControlBaseMenu::probeItems()
+{
+    // 64 bits, so that a maximum of INT_MAX ends the loop.
+    for (long long index = m_minimum; index <= m_maximum; ++index) {
+        v4l2_querymenu item{};
+        item.id = id();
+        item.index = static_cast<unsigned int>(index);
+        if (HelperV4l2::xioctl(fileDescriptor(), VIDIOC_QUERYMENU, &item) != -1) {
+            m_indices.push_back(static_cast<unsigned int>(index));
+            itemFound(item);
+        }
+    }
+}
+
+int CameraControlBaseMenu::defaultIndex() const
+{
+    return reverseIndexMapping(static_cast<unsigned int>(m_defaultValue));
+}
+
+int CameraControlBaseMenu::currentIndex() const
+{
+    return isWriteOnly() ? -1
+                         : reverseIndexMapping(static_cast<unsigned int>(inquireControlValue()));
+}
+
+bool CameraControlBaseMenu::setCurrentIndex(int position)
+{
+    // A position outside the list is sent as -1: the driver's refusal is the answer.
+    return !refusesWrites() && setControlValue(static_cast<int>(directIndexMapping(position)));
+}
+
+unsigned int CameraControlBaseMenu::directIndexMapping(int position) const
+{
+    if (position < 0 || static_cast<std::size_t>(position) >= m_indices.size()) {
+        return static_cast<unsigned int>(-1);
+    }
+    return m_indices[static_cast<std::size_t>(position)];
+}
+
+int CameraControlBaseMenu::reverseIndexMapping(unsigned int driverIndex) const
+{
+    auto const found = std::find(m_indices.begin(), m_indices.end(), driverIndex);
+    return found == m_indices.end() ? -1 : static_cast<int>(found - m_indices.begin());
+}
+
+} // namespace ImageAcquisition

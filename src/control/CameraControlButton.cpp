@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#include "control/CameraControlButton.h"
+
+namespace ImageAcquisition
+{
+
+ICameraControlButton::~ICameraControlButton() = default;
+
+CameraControlButton::CameraControlButton(Camera& camera, unsigned int id, char const* name)
+    : CameraControl(Button, camera, id, name)
+{
+}
+
+bool CameraControlButton::clicked()
+{
+    return !refusesWrites() && setControlValue(1);
+}
+
+} // namespace ImageAcquisition

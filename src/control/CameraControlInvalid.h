@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "control/CameraControl.h"
+
+namespace ImageAcquisition
+{
+
+/// Stands for a control that does not exist.
+class CameraControlInvalid : public CameraControl
+{
+public:
+    explicit CameraControlInvalid(Camera& camera);
+};
+
+} // namespace ImageAcquisition
