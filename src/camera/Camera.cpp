@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+#include "camera/Camera.h"
+
+#include "control/CameraControlFactory.h"
+#include "control/ZorvaneExtensionUnit.h"
+#include "device/UsbHandles.h"
+#include "factory/HelperV4l2.h"
+#include "input/InputMethodMemoryMapping.h"
+#include "input/InputMethodRead.h"
+#include "input/InputMethodUserPointers.h"
+
+#include <fcntl.h>
+#include <libv4l2.h>
+
+namespace ImageAcquisition
+{
+
+namespace
+{
+
+constexpr unsigned char softwareResetRequest = 0xE0;
+
+} // namespace
+
+ICamera::~ICamera() = default;
+IBlockingCamera::~IBlockingCamera() = default;
+
+Camera::Camera(IDevice const* device) : m_device(device) {}
+
+Camera::~Camera()
+{
+    if (m_fd != -1) {
+        HelperV4l2::close(m_fd);
+        m_fd = -1;
+    }
+}
+
+bool Camera::init()
+{
+    bool result = true;
+    m_fd = v4l2_open(m_device.systemName(), O_RDWR | O_NONBLOCK);
+    if (m_fd != -1) {
+        if (m_device.isaZorvaneDevice()) {
+            // First, so that the driver lists the unit's controls too.
+            m_extensionUnit.reset(createExtensionUnit());
+        }
+        result = buildMainControlSet();
+        m_formatManager.init(m_fd);
+    }
+    m_invalidControl.reset(CameraControlFactory::createInvalidControl(*this));
+    m_inputMethod = createBestInputMethod();
+    return result;
+}
+
+ExtensionUnit* Camera::createExtensionUnit() const
+{
+    return new ZorvaneExtensionUnit(m_fd);
+}
+
+bool Camera::supportsMemoryMapping() const
+{
+    return InputMethodMemoryMapping::supported(m_fd);
+}
+
+bool Camera::supportsUserPointers() const
+{
+    return InputMethodUserPointers::supported(m_fd);
+}
+
+std::unique_ptr<InputMethod> Camera::createBestInputMethod() const
+{
+    if (m_device.supportsStreaming() && supportsMemoryMapping()) {
+        return std::make_unique<InputMethodMemoryMapping>(m_fd);
+    }
+    if (m_device.supportsStreaming() && supportsUserPointers()) {
+        return std::make_unique<InputMethodUserPointers>(m_fd);
+    }
+    if (m_device.supportsReadWrite()) {
+        return std::make_unique<InputMethodRead>(m_fd);
+    }
+    return nullptr;
+}
+
+bool Camera::softwareReset()
+{
+    unsigned char reply[16];
+    IDevice const* const record = device();
+    if (!record->isaZorvaneDevice()) {
+        return false;
+    }
+    UsbContext const context = createUsbContext();
+    if (!context) {
+        return false;
+    }
+    UsbDeviceHandle const handle =
+        openUsbDevice(context, record->vendorId(), record->productId());
+    if (!handle) {
+        return false;
+    }
+    // The camera may restart before it answers, so the answer tells nothing.
+    readVendorRequest(handle, softwareResetRequest, reply, sizeof reply);
+    return true;
+}
+
+int Camera::formatNumber() const
+{
+    return m_formatManager.formatNumber();
+}
+
+IImageFormat const* Camera::format(int position) const
+{
+    return m_formatManager.format(position);
+}
+
+IImageFormat const* Camera::currentImageFormat() const
+{
+    return format(m_formatManager.currentFormat());
+}
+
+IFrameSize const* Camera::currentFrameSize() const
+{
+    int const size = m_formatManager.currentFrameSize();
+    return currentImageFormat()->frameSize(size);
+}
+
+IFramePeriod const* Camera::currentFrameInterval() const
+{
+    int const interval = m_formatManager.currentFrameInterval();
+    return interval == -1 ? IFramePeriod::invalid() : currentFrameSize()->period(interval);
+}
+
+bool Camera::setCurrentImageFormat(int format, int frameSize, int framePeriod)
+{
+    if (format < 0 || frameSize < 0 || framePeriod < 0) {
+        return false;
+    }
+    return m_formatManager.setCurrentFormat(format, frameSize, framePeriod);
+}
+
+bool Camera::setCurrentImageFormat(char const* formatName, int width, int height, int numerator,
+                                   int denominator)
+{
+    return m_formatManager.setCurrentFormat(formatName, width, height, numerator, denominator);
+}
+
+int Camera::setup(int bufferCount)
+{
+    return m_inputMethod ? m_inputMethod->setup(bufferCount, m_formatManager.currentSizeImage())
+                         : -1;
+}
+
+int Camera::startCapture()
+{
+    return m_inputMethod ? m_inputMethod->startCapture() : -1;
+}
+
+IFrame* Camera::acquireFrame()
+{
+    return m_inputMethod ? m_inputMethod->acquireFrame() : IFrame::invalid();
+}
+
+int Camera::releaseFrame(IFrame* frame)
+{
+    return m_inputMethod ? m_inputMethod->releaseFrame(frame) : -1;
+}
+
+int Camera::stopCapture()
+{
+    return m_inputMethod ? m_inputMethod->stopCapture() : -1;
+}
+
+int Camera::cleanup()
+{
+    return m_inputMethod ? m_inputMethod->cleanup() : -1;
+}
+
+} // namespace ImageAcquisition
