@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+namespace ImageAcquisition
+{
+
+/// Runs a tool of the system and takes what it prints.
+class SystemTool
+{
+public:
+    /// What the tool wrote to its standard output; empty when it could not be started or did not
+    /// finish in time, in which case it and its children are killed.
+    static QByteArray run(QString const& program, QStringList const& arguments);
+
+    /// How long a tool may take. Tests shorten it.
+    static int msTimeout;
+};
+
+} // namespace ImageAcquisition
