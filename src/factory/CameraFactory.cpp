@@ -5,14 +5,30 @@
 #include "camera/Camera.h"
 #include "device/DeviceEnumerator.h"
 #include "device/DeviceList.h"
+#include "factory/FirmwareRevision.h"
 #include "monitor/BlockingCameraMonitor.h"
 #include "monitor/CameraEvent.h"
 #include "monitor/ContinuousCameraMonitor.h"
+#include "serial/ZorvaneCamera.h"
 
 #include <memory>
 
 namespace ImageAcquisition
 {
+
+namespace
+{
+
+std::unique_ptr<Camera> makeCamera(IDevice const* device)
+{
+    long long const firmware = firmwareRank(device->firmwareVersion());
+    if (device->isaZorvaneDevice() && hasSerialControls(firmware)) {
+        return std::make_unique<ZorvaneCamera>(device);
+    }
+    return std::make_unique<Camera>(device);
+}
+
+} // namespace
 
 ICameraFactory::~ICameraFactory() = default;
 
@@ -44,7 +60,7 @@ IBlockingCamera* CameraFactory::createBlockingCamera(IDevice const* device) cons
     if (device == nullptr) {
         return nullptr;
     }
-    auto camera = std::make_unique<Camera>(device);
+    std::unique_ptr<Camera> camera = makeCamera(device);
     if (camera->init()) {
         return camera.release();
     }
