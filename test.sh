@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Sets everything up and runs every test. --quick leaves out the virtual machine.
+set -euo pipefail
+cd "$(dirname "$0")"
+
+quick=false
+for argument in "$@"; do
+    case "$argument" in
+        --quick) quick=true ;;
+        *) echo "usage: ./test.sh [--quick]" >&2; exit 2 ;;
+    esac
+done
+
+jobs=$(nproc)
+passed=0 failed=0 skipped=0
+
+say() { printf '\n== %s (%d s since the start)\n' "$1" "$SECONDS"; }
+
+# Adds up what a run reported, told by "N passed, N failed, N skipped".
+count() {
+    local numbers
+    numbers=$(grep -oE '^[0-9]+ passed, [0-9]+ failed, [0-9]+ skipped$' <<<"$1" | tail -n 1)
+    [ -n "$numbers" ] || { echo "test.sh: a run ended without its summary" >&2; failed=$((failed + 1)); return; }
+    read -r p _ f _ s _ <<<"$numbers"
+    passed=$((passed + p)) failed=$((failed + f)) skipped=$((skipped + s))
+}
+
+# The same of a ctest log.
+ctest_summary() {
+    awk '/tests failed out of/ { total = $NF; bad = $4 }
+         /\(Skipped\)$|\*\*\*Skipped/ { skip[$0] = 1 }
+         END { n = 0; for (line in skip) if (line ~ /^ *[0-9]+\/[0-9]+ /) ++n
+               if (total > 0) print total - bad - n " passed, " bad " failed, " n " skipped" }' "$1"
+}
+
+# Builds a preset and runs its tests. They wait more than they work, hence more jobs than cores.
+build_and_test() {
+    local preset=$1
+    say "$preset: build"
+    [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset" -j "$jobs" | { grep -E 'warning|error|FAILED|note:' || true; }
+    say "$preset: test"
+    local log="build/$preset/tests.log"
+    ctest --preset "$preset" -j $((jobs * 4)) >"$log" 2>&1 ||
+        grep -vE '^ *[0-9]+/[0-9]+ Test .*Passed|^ *Start ' "$log" || true
+    local summary
+    summary=$(ctest_summary "$log")
+    echo "$summary"
+    count "$summary"
+}
+
+groups=(build tools virtualcamera tests)
+$quick || groups+=(kernel)
+scripts/install-packages "${groups[@]}"
+
+for preset in release asan-ubsan tsan; do
+    build_and_test "$preset"
+done
+
+if $quick; then
+    echo "The virtual machine was left out (--quick)."
+else
+    say "kernel: test"
+    tests/kernel/fetch-kernel build/kernel
+    tests/kernel/run --build build/release 2>&1 | tee build/kernel-tests.log || true
+    count "$(cat build/kernel-tests.log)"
+fi
+
+printf '\nThat took %d s.\n%d passed, %d failed, %d skipped\n' "$SECONDS" "$passed" "$failed" "$skipped"
+[ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]
