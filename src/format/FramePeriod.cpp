@@ -8,7 +8,7 @@ IFramePeriod::~IFramePeriod() = default;
 
 IFramePeriod const* IFramePeriod::invalid()
 {
-    return InvalidFramePeriod::getUniqueInstance();
+    return &InvalidFramePeriod::getUniqueInstance();
 }
 
 FramePeriod::FramePeriod(v4l2_fract const& period)
@@ -16,10 +16,10 @@ FramePeriod::FramePeriod(v4l2_fract const& period)
 {
 }
 
-InvalidFramePeriod const* InvalidFramePeriod::getUniqueInstance()
+InvalidFramePeriod const& InvalidFramePeriod::getUniqueInstance()
 {
     static InvalidFramePeriod const instance;
-    return &instance;
+    return instance;
 }
 
 } // namespace ImageAcquisition

@@ -27,7 +27,7 @@ private:
 class InvalidFramePeriod : public virtual IFramePeriod
 {
 public:
-    static InvalidFramePeriod const* getUniqueInstance();
+    static InvalidFramePeriod const& getUniqueInstance();
 
     bool isInvalid() const override { return true; }
     unsigned int numerator() const override { return 0; }

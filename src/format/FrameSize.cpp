@@ -14,7 +14,7 @@ IFrameSize::~IFrameSize() = default;
 
 IFrameSize const* IFrameSize::invalid()
 {
-    return InvalidFrameSize::getUniqueInstance();
+    return &InvalidFrameSize::getUniqueInstance();
 }
 
 FrameSize::FrameSize(int fd, unsigned int pixelformat, unsigned int width, unsigned int height)
@@ -64,10 +64,10 @@ int FrameSize::intervalIndex(v4l2_fract const& interval) const
     return found == m_periods.end() ? -1 : static_cast<int>(found - m_periods.begin());
 }
 
-InvalidFrameSize const* InvalidFrameSize::getUniqueInstance()
+InvalidFrameSize const& InvalidFrameSize::getUniqueInstance()
 {
     static InvalidFrameSize const instance;
-    return &instance;
+    return instance;
 }
 
 IFramePeriod const* InvalidFrameSize::period(int /*index*/) const

@@ -39,7 +39,7 @@ private:
 class InvalidFrameSize : public virtual IFrameSize
 {
 public:
-    static InvalidFrameSize const* getUniqueInstance();
+    static InvalidFrameSize const& getUniqueInstance();
 
     bool isInvalid() const override { return true; }
     unsigned int width() const override { return 0; }

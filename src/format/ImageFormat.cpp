@@ -14,7 +14,7 @@ IImageFormat::~IImageFormat() = default;
 
 IImageFormat const* IImageFormat::invalid()
 {
-    return InvalidImageFormat::getUniqueInstance();
+    return &InvalidImageFormat::getUniqueInstance();
 }
 
 std::string fourCharacterCode(unsigned int pixelformat)
@@ -114,10 +114,10 @@ bool ImageFormat::setToDevice(int width, int height, int numerator, int denomina
     return intervalIndex != -1 && setToDevice(sizeIndex, intervalIndex);
 }
 
-InvalidImageFormat const* InvalidImageFormat::getUniqueInstance()
+InvalidImageFormat const& InvalidImageFormat::getUniqueInstance()
 {
     static InvalidImageFormat const instance;
-    return &instance;
+    return instance;
 }
 
 IFrameSize const* InvalidImageFormat::frameSize(int /*index*/) const

@@ -63,7 +63,7 @@ private:
 class InvalidImageFormat : public virtual IImageFormat
 {
 public:
-    static InvalidImageFormat const* getUniqueInstance();
+    static InvalidImageFormat const& getUniqueInstance();
 
     bool isInvalid() const override { return true; }
     bool isCompressed() const override { return false; }

@@ -21,7 +21,7 @@ IFrame::~IFrame() = default;
 
 IFrame* IFrame::invalid()
 {
-    return InputMethod::InvalidFrame::getUniqueInstance();
+    return &InputMethod::InvalidFrame::getUniqueInstance();
 }
 
 InputMethod::InputMethod(Type type, int fd) : m_type(type), m_fd(fd) {}
@@ -93,10 +93,10 @@ FrameTimeStamp InputMethod::BaseFrame::timeStamp() const
 
 InputMethod::InvalidFrame::InvalidFrame(unsigned int size) : m_bytes(size) {}
 
-InputMethod::InvalidFrame* InputMethod::InvalidFrame::getUniqueInstance()
+InputMethod::InvalidFrame& InputMethod::InvalidFrame::getUniqueInstance()
 {
     static InvalidFrame instance(1);
-    return &instance;
+    return instance;
 }
 
 } // namespace ImageAcquisition

@@ -71,7 +71,7 @@ public:
     explicit InvalidFrame(unsigned int size);
 
     /// The one of 1 byte that stands for all.
-    static InvalidFrame* getUniqueInstance();
+    static InvalidFrame& getUniqueInstance();
 
     bool isInvalid() const override { return true; }
     bool isCorrupted() const override { return false; }
