@@ -41,8 +41,9 @@ int InputMethodMemoryMapping::setup(int bufferCount, unsigned int imageSize)
         requestBuffers(fd(), bufferCount, request) != 0 || request.count == 0) {
         return -1;
     }
+    // Those of an earlier setup that was not cleaned up: the driver has let go of them by now.
+    unmapAll();
     // The driver may grant more buffers than were asked for, or fewer.
-    m_frames.clear();
     for (unsigned int index = 0; index < request.count; ++index) {
         if (!mapBuffer(index)) {
             unmapAll();
