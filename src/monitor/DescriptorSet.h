@@ -9,7 +9,8 @@ namespace ImageAcquisition
 {
 
 /// The descriptors that a select() waits for. Unlike a bare fd_set, which a descriptor of 1024 or
-/// more overflows, it grows with its largest descriptor.
+/// more overflows, it grows with its largest descriptor; below that it needs no heap, since a
+/// capture makes one for every frame.
 class DescriptorSet
 {
 public:
@@ -25,8 +26,14 @@ public:
     bool isReady(int fd) const;
 
 private:
-    std::vector<fd_mask> m_wanted;
-    std::vector<fd_mask> m_ready;
+    fd_mask* wanted();
+    fd_mask* ready();
+
+    fd_set m_smallWanted{};
+    fd_set m_smallReady{};
+    // In use, and then instead of the small ones, as soon as a descriptor needs it.
+    std::vector<fd_mask> m_largeWanted;
+    std::vector<fd_mask> m_largeReady;
     int m_count = 0;
 };
 
