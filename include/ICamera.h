@@ -117,9 +117,14 @@ public:
      * @brief Selects a format, size and interval by their positions in the camera's lists.
      *
      * Must not be called while streaming.
-     * @return false when a position is negative or too large (an interval position does not matter
-     * for a size without intervals), or when the device refused. When only the interval was
-     * refused, the new format and size stay set.
+     * @param format position below formatNumber().
+     * @param frameSize position below the format's IImageFormat::sizeNumber().
+     * @param framePeriod position below the size's IFrameSize::periodNumber(); it does not matter
+     * for a size without intervals. One that is too large asks the device for the interval 0/1,
+     * which most drivers answer by setting one of their own choice.
+     * @return false when a position is negative, when the format or size position is too large, or
+     * when the device refused. When only the interval was refused, the new format and size stay
+     * set.
      */
     virtual bool setCurrentImageFormat(int format, int frameSize, int framePeriod) = 0;
 
