@@ -3,6 +3,7 @@
 
 #include "CameraBuilder.h"
 #include "CameraJson.h"
+#include "TestPattern.h"
 
 namespace VirtualCamera
 {

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#include "CallLog.h"
+
+#include <utility>
+
+namespace VirtualCamera
+{
+
+namespace
+{
+// A program that streams for days under the virtual camera must not grow without bound.
+constexpr std::size_t mostRecords = 20000;
+} // namespace
+
+CallLog::CallLog(std::vector<Fault> const& faults, bool recording) : _recording(recording)
+{
+    for (Fault const& fault : faults)
+        addFault(fault);
+}
+
+int CallLog::countUse(CallId const& call)
+{
+    bool known = false;
+    for (Counter& counter : _counters) {
+        if (counter.call == call) {
+            ++counter.uses;
+            known = true;
+            break;
+        }
+    }
+    if (!known)
+        _counters.push_back({call, 1});
+
+    int error = 0;
+    for (CountedFault& counted : _faults) {
+        if (!counted.fault.call.covers(call))
+            continue;
+        ++counted.uses;
+        bool const due = counted.uses == counted.fault.use ||
+                         (counted.fault.fromThenOn && counted.uses > counted.fault.use);
+        if (due && error == 0)
+            error = counted.fault.error;
+    }
+    return error;
+}
+
+void CallLog::record(CallRecord record)
+{
+    if (!_recording)
+        return;
+    if (_records.size() >= mostRecords)
+        _records.pop_front();
+    _records.push_back(std::move(record));
+}
+
+void CallLog::clear()
+{
+    _counters.clear();
+    _records.clear();
+}
+
+unsigned CallLog::countOf(CallId const& call) const
+{
+    unsigned uses = 0;
+    for (Counter const& counter : _counters)
+        if (call.covers(counter.call))
+            uses += counter.uses;
+    return uses;
+}
+
+} // namespace VirtualCamera

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+#include "Device.h"
+
+#include "KernelText.h"
+#include "RecordedCall.h"
+
+#include <cerrno>
+
+namespace VirtualCamera
+{
+
+namespace
+{
+
+template <typename Argument>
+Argument& as(void* argument)
+{
+    return *static_cast<Argument*>(argument);
+}
+
+std::uint32_t usualCapabilities(CameraScript const& script)
+{
+    std::uint32_t capabilities = V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_EXT_PIX_FORMAT;
+    if (script.mmapOffered || script.userPointersOffered)
+        capabilities |= V4L2_CAP_STREAMING;
+    if (script.readOffered)
+        capabilities |= V4L2_CAP_READWRITE;
+    return capabilities;
+}
+
+} // namespace
+
+int Device::ioctl(int file, std::uint32_t request, void* argument)
+{
+    Lock lock(_mutex);
+    catchUp();
+    Announcement const announcement(*this);
+    CallId const id(static_cast<unsigned long>(request));
+    RecordedCall call(_log, id, file);
+    call.sent(argument);
+    if (int const scripted = _log.countUse(id))
+        return call.end(-scripted, argument);
+    if (_gone)
+        return call.end(-ENODEV, argument);
+    if (argument == nullptr)
+        return call.end(-EFAULT);
+    int const result = answer(lock, file, request, argument);
+    return call.end(result, argument);
+}
+
+int Device::answer(Lock& lock, int file, std::uint32_t request, void* argument)
+{
+    int result = answerStream(lock, file, request, argument);
+    if (result == -ENOTTY)
+        result = answerControl(request, argument);
+    if (result == -ENOTTY)
+        result = answerFormat(request, argument);
+    if (result == -ENOTTY)
+        result = answerDevice(request, argument);
+    return result;
+}
+
+int Device::answerDevice(std::uint32_t request, void* argument)
+{
+    switch (request) {
+    case VIDIOC_QUERYCAP:
+        return queryCapabilities(as<v4l2_capability>(argument));
+    case VIDIOC_ENUMINPUT: {
+        auto& input = as<v4l2_input>(argument);
+        if (input.index != 0)
+            return -EINVAL;
+        input = {};
+        copyKernelText(input.name, "Camera 1");
+        input.type = V4L2_INPUT_TYPE_CAMERA;
+        return 0;
+    }
+    case VIDIOC_G_INPUT:
+        as<int>(argument) = 0;
+        return 0;
+    case VIDIOC_S_INPUT:
+        return as<int>(argument) == 0 ? 0 : -EINVAL;
+    default:
+        return -ENOTTY;
+    }
+}
+
+int Device::queryCapabilities(v4l2_capability& capability) const
+{
+    std::uint32_t const usual = usualCapabilities(_script);
+    capability = {};
+    copyKernelText(capability.driver, _script.driver);
+    copyKernelText(capability.card, _script.card);
+    copyKernelText(capability.bus_info, _script.busInfo);
+    capability.version = _script.driverVersion;
+    capability.device_caps = _script.deviceCapabilities.value_or(usual);
+    capability.capabilities =
+        _script.capabilities.value_or(capability.device_caps | V4L2_CAP_DEVICE_CAPS);
+    return 0;
+}
+
+int Device::answerFormat(std::uint32_t request, void* argument)
+{
+    switch (request) {
+    case VIDIOC_ENUM_FMT:
+        return _formats.enumerateFormats(as<v4l2_fmtdesc>(argument));
+    case VIDIOC_ENUM_FRAMESIZES:
+        return _formats.enumerateSizes(as<v4l2_frmsizeenum>(argument));
+    case VIDIOC_ENUM_FRAMEINTERVALS:
+        return _formats.enumerateIntervals(as<v4l2_frmivalenum>(argument));
+    case VIDIOC_G_FMT:
+        return _formats.currentFormat(as<v4l2_format>(argument));
+    case VIDIOC_TRY_FMT:
+        return _formats.tryFormat(as<v4l2_format>(argument));
+    case VIDIOC_S_FMT:
+        // Like uvcvideo: allocated buffers have the present format's size.
+        return _queue.count() != 0 ? -EBUSY : _formats.setFormat(as<v4l2_format>(argument));
+    case VIDIOC_G_PARM:
+        return _formats.currentParameters(as<v4l2_streamparm>(argument));
+    case VIDIOC_S_PARM:
+        return _queue.streaming() ? -EBUSY
+                                  : _formats.setParameters(as<v4l2_streamparm>(argument));
+    default:
+        return -ENOTTY;
+    }
+}
+
+int Device::answerStream(Lock& lock, int file, std::uint32_t request, void* argument)
+{
+    switch (request) {
+    case VIDIOC_REQBUFS:
+        return _queue.request(file, as<v4l2_requestbuffers>(argument),
+                              _formats.pixels().sizeimage);
+    case VIDIOC_QUERYBUF:
+        return _queue.query(as<v4l2_buffer>(argument));
+    case VIDIOC_QBUF:
+        return _queue.queue(file, as<v4l2_buffer>(argument));
+    case VIDIOC_DQBUF:
+        return dequeue(lock, file, as<v4l2_buffer>(argument));
+    case VIDIOC_STREAMON:
+        return streamOn(file, as<int>(argument));
+    case VIDIOC_STREAMOFF:
+        return _queue.streamOff(file, as<int>(argument));
+    default:
+        return -ENOTTY;
+    }
+}
+
+int Device::answerControl(std::uint32_t request, void* argument)
+{
+    switch (request) {
+    case VIDIOC_QUERYCTRL:
+        return _controls.query(as<v4l2_queryctrl>(argument));
+    case VIDIOC_QUERY_EXT_CTRL:
+        return _controls.queryExtended(as<v4l2_query_ext_ctrl>(argument));
+    case VIDIOC_QUERYMENU:
+        return _controls.queryMenu(as<v4l2_querymenu>(argument));
+    case VIDIOC_G_CTRL:
+        return _controls.get(as<v4l2_control>(argument));
+    case VIDIOC_S_CTRL:
+        return _controls.set(as<v4l2_control>(argument));
+    case VIDIOC_G_EXT_CTRLS:
+        return _controls.getExtended(as<v4l2_ext_controls>(argument));
+    case VIDIOC_S_EXT_CTRLS:
+        return _controls.setExtended(as<v4l2_ext_controls>(argument), true);
+    case VIDIOC_TRY_EXT_CTRLS:
+        return _controls.setExtended(as<v4l2_ext_controls>(argument), false);
+    case UVCIOC_CTRL_MAP:
+        return mapControl(as<uvc_xu_control_mapping>(argument));
+    default:
+        return -ENOTTY;
+    }
+}
+
+int Device::mapControl(uvc_xu_control_mapping const& mapping)
+{
+    if (_script.driver != "uvcvideo")
+        return -ENOTTY;
+    std::unique_ptr<ControlNode> added;
+    int const result = _extensionUnit.map(mapping, added);
+    if (result == 0)
+        _controls.add(std::move(added));
+    return result;
+}
+
+} // namespace VirtualCamera

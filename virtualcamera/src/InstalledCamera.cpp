@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+#include "InstalledCamera.h"
+
+#include "Device.h"
+#include "Registry.h"
+#include "VirtualCamera.h"
+
+#include <linux/videodev2.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace VirtualCamera
+{
+
+namespace
+{
+
+bool writesControl(CallRecord const& record)
+{
+    return record.call == CallId(VIDIOC_S_CTRL) || record.call == CallId(VIDIOC_S_EXT_CTRLS);
+}
+
+} // namespace
+
+InstalledCamera::InstalledCamera(std::shared_ptr<Device> device) : _device(std::move(device)) {}
+
+InstalledCamera::InstalledCamera(InstalledCamera&&) noexcept = default;
+
+InstalledCamera& InstalledCamera::operator=(InstalledCamera&& other) noexcept
+{
+    std::swap(_device, other._device);
+    return *this;
+}
+
+InstalledCamera::~InstalledCamera()
+{
+    if (_device)
+        Registry::instance().unplug(_device);
+}
+
+std::string const& InstalledCamera::node() const
+{
+    return _device->node();
+}
+
+void InstalledCamera::unplug()
+{
+    Registry::instance().unplug(_device);
+}
+
+Accounting InstalledCamera::accounting() const
+{
+    return _device->accounting();
+}
+
+std::vector<CallRecord> InstalledCamera::calls() const
+{
+    return _device->locked([](Device& device) {
+        auto const& records = device.log().records();
+        return std::vector<CallRecord>(records.begin(), records.end());
+    });
+}
+
+std::vector<CallRecord> InstalledCamera::calls(CallId call) const
+{
+    std::vector<CallRecord> covered = calls();
+    auto const other = [&call](CallRecord const& record) { return !call.covers(record.call); };
+    covered.erase(std::remove_if(covered.begin(), covered.end(), other), covered.end());
+    return covered;
+}
+
+unsigned InstalledCamera::countOf(CallId call) const
+{
+    return _device->locked([&call](Device& device) { return device.log().countOf(call); });
+}
+
+std::optional<std::int64_t> InstalledCamera::lastControlValueSent() const
+{
+    std::optional<std::int64_t> last;
+    for (CallRecord const& record : calls())
+        if (writesControl(record) && !record.controls.empty())
+            last = record.controls.back().value;
+    return last;
+}
+
+std::optional<std::int64_t> InstalledCamera::lastControlValueSent(std::uint32_t controlId) const
+{
+    std::optional<std::int64_t> last;
+    for (CallRecord const& record : calls())
+        if (writesControl(record))
+            for (ControlTransfer const& transfer : record.controls)
+                if (transfer.id == controlId)
+                    last = transfer.value;
+    return last;
+}
+
+unsigned InstalledCamera::controlWrites(std::uint32_t controlId) const
+{
+    unsigned writes = 0;
+    for (CallRecord const& record : calls())
+        if (writesControl(record))
+            for (ControlTransfer const& transfer : record.controls)
+                if (transfer.id == controlId)
+                    ++writes;
+    return writes;
+}
+
+void InstalledCamera::clearLog()
+{
+    _device->locked([](Device& device) { device.log().clear(); });
+}
+
+void InstalledCamera::fail(CallId call, int error, unsigned nthUse)
+{
+    Fault const fault{call, error, nthUse, false};
+    _device->locked([&fault](Device& device) { device.log().addFault(fault); });
+}
+
+void InstalledCamera::failFrom(CallId call, int error, unsigned nthUse)
+{
+    Fault const fault{call, error, nthUse, true};
+    _device->locked([&fault](Device& device) { device.log().addFault(fault); });
+}
+
+void InstalledCamera::stopFailing()
+{
+    _device->locked([](Device& device) { device.log().clearFaults(); });
+}
+
+void InstalledCamera::deliverFrames(unsigned count)
+{
+    _device->deliverFrames(count);
+}
+
+void reset()
+{
+    Registry::instance().reset();
+}
+
+Accounting totalAccounting()
+{
+    return Registry::instance().accounting();
+}
+
+} // namespace VirtualCamera

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+#include "Registry.h"
+
+#include "ConfigurationFile.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace VirtualCamera
+{
+
+Registry& Registry::instance()
+{
+    static Registry* const registry = new Registry;
+    return *registry;
+}
+
+Registry::Registry()
+{
+    for (CameraScript& script : camerasOfEnvironment())
+        plug(std::make_shared<Device>(std::move(script)));
+}
+
+void Registry::plug(std::shared_ptr<Device> const& device)
+{
+    std::shared_ptr<Device> replaced;
+    {
+        std::lock_guard const lock(_mutex);
+        auto const expired = [](auto const& known) { return known.expired(); };
+        _known.erase(std::remove_if(_known.begin(), _known.end(), expired), _known.end());
+        _known.push_back(device);
+        replaced = std::exchange(_nodes[device->node()], device);
+    }
+    if (replaced)
+        replaced->unplug();
+}
+
+void Registry::unplug(std::shared_ptr<Device> const& device)
+{
+    {
+        std::lock_guard const lock(_mutex);
+        auto const found = _nodes.find(device->node());
+        if (found != _nodes.end() && found->second == device)
+            _nodes.erase(found);
+    }
+    device->unplug();
+}
+
+void Registry::reset()
+{
+    std::map<std::string, std::shared_ptr<Device>> removed;
+    {
+        std::lock_guard const lock(_mutex);
+        removed.swap(_nodes);
+    }
+    for (auto const& [node, device] : removed)
+        device->unplug();
+}
+
+std::shared_ptr<Device> Registry::byNode(std::string const& node)
+{
+    std::shared_ptr<Device> device;
+    {
+        std::lock_guard const lock(_mutex);
+        auto const found = _nodes.find(node);
+        if (found != _nodes.end())
+            device = found->second;
+    }
+    return device && device->gone() ? nullptr : device;
+}
+
+std::shared_ptr<Device> Registry::byDescriptor(int descriptor)
+{
+    std::lock_guard const lock(_mutex);
+    auto const found = _descriptors.find(descriptor);
+    return found == _descriptors.end() ? nullptr : found->second;
+}
+
+void Registry::addDescriptor(int descriptor, std::shared_ptr<Device> const& device)
+{
+    std::shared_ptr<Device> stale;
+    {
+        std::lock_guard const lock(_mutex);
+        stale = std::exchange(_descriptors[descriptor], device);
+    }
+    // The number is new, so the earlier descriptor was closed behind the library's back.
+    if (stale && stale != device)
+        stale->forgetFile(descriptor);
+}
+
+void Registry::removeDescriptor(int descriptor)
+{
+    std::shared_ptr<Device> released;
+    std::lock_guard const lock(_mutex);
+    auto const found = _descriptors.find(descriptor);
+    if (found == _descriptors.end())
+        return;
+    released = std::move(found->second);
+    _descriptors.erase(found);
+}
+
+void Registry::addMapping(MappingTicket const& ticket, std::shared_ptr<Device> const& device)
+{
+    std::lock_guard const lock(_mutex);
+    _mappings[ticket.address] = {ticket, device};
+}
+
+bool Registry::findMapping(void* address, MappingTicket& ticket, std::shared_ptr<Device>& device)
+{
+    std::lock_guard const lock(_mutex);
+    auto const found = _mappings.find(address);
+    if (found == _mappings.end())
+        return false;
+    ticket = found->second.ticket;
+    device = found->second.device;
+    return true;
+}
+
+void Registry::removeMapping(void* address)
+{
+    std::lock_guard const lock(_mutex);
+    _mappings.erase(address);
+}
+
+Accounting Registry::accounting()
+{
+    std::vector<std::shared_ptr<Device>> devices;
+    {
+        std::lock_guard const lock(_mutex);
+        for (auto const& known : _known)
+            if (auto device = known.lock())
+                devices.push_back(std::move(device));
+    }
+    Accounting total;
+    for (auto const& device : devices) {
+        Accounting const account = device->accounting();
+        total.openDescriptors += account.openDescriptors;
+        total.liveMappings += account.liveMappings;
+        total.allocatedBuffers += account.allocatedBuffers;
+        total.queuedBuffers += account.queuedBuffers;
+        total.streaming = total.streaming || account.streaming;
+        total.totalOpens += account.totalOpens;
+        total.totalMappings += account.totalMappings;
+        total.totalFrames += account.totalFrames;
+        total.droppedFrames += account.droppedFrames;
+    }
+    return total;
+}
+
+} // namespace VirtualCamera

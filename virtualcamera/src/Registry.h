@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Device.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace VirtualCamera
+{
+
+/// All virtual cameras of the process, and which descriptor and mapping belongs to which.
+class Registry
+{
+public:
+    /// Made on first use, when it plugs in the cameras of the configuration file, if one is named
+    /// in the environment; never destroyed, since clients may close their cameras very late.
+    static Registry& instance();
+
+    void plug(std::shared_ptr<Device> const& device);
+    void unplug(std::shared_ptr<Device> const& device);
+    void reset();
+
+    /// Null for what isn't virtual.
+    std::shared_ptr<Device> byNode(std::string const& node);
+    std::shared_ptr<Device> byDescriptor(int descriptor);
+
+    void addDescriptor(int descriptor, std::shared_ptr<Device> const& device);
+    void removeDescriptor(int descriptor);
+    void addMapping(MappingTicket const& ticket, std::shared_ptr<Device> const& device);
+    bool findMapping(void* address, MappingTicket& ticket, std::shared_ptr<Device>& device);
+    void removeMapping(void* address);
+
+    Accounting accounting();
+
+private:
+    struct Mapping
+    {
+        MappingTicket ticket;
+        std::shared_ptr<Device> device;
+    };
+
+    Registry();
+
+    std::mutex _mutex;
+    std::map<std::string, std::shared_ptr<Device>> _nodes;
+    std::unordered_map<int, std::shared_ptr<Device>> _descriptors;
+    std::unordered_map<void*, Mapping> _mappings;
+    std::vector<std::weak_ptr<Device>> _known;
+};
+
+} // namespace VirtualCamera

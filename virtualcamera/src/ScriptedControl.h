@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ControlNode.h"
+#include "ControlScript.h"
+
+namespace VirtualCamera
+{
+
+/// A control that keeps its own value.
+class ScriptedControl : public ControlNode
+{
+public:
+    explicit ScriptedControl(ControlScript script);
+
+    std::uint32_t id() const override { return _script.id; }
+    std::uint32_t type() const override { return _script.type; }
+    std::string const& name() const override { return _script.name; }
+    std::uint32_t flags() const override { return _script.flags; }
+    ControlRange range() const override;
+    int menuItem(v4l2_querymenu& item) const override;
+
+    int read(std::int64_t& value) const override;
+    int validate(std::int64_t& value) const override;
+    int write(std::int64_t value) override;
+    void force(std::int64_t value) override;
+
+    ControlScript const& script() const { return _script; }
+    void setFlags(std::uint32_t flags) { _script.flags = flags; }
+    std::string const& text() const { return _script.text; }
+    int validateText(std::string const& text) const;
+    void setText(std::string text);
+
+private:
+    bool hasItem(std::int64_t index) const;
+
+    ControlScript _script;
+    std::int64_t _value;
+};
+
+} // namespace VirtualCamera
