@@ -15,6 +15,10 @@ namespace
 
 constexpr useconds_t pauseMicroseconds = 10000;
 
+// The monitor whose thread this is. A thread id would not tell: it may not be stored yet when the
+// first callback runs, and after a join it may be another thread's.
+thread_local ContinuousCameraMonitor const* monitorOfThisThread = nullptr;
+
 } // namespace
 
 IContinuousCameraMonitor::~IContinuousCameraMonitor() = default;
@@ -33,7 +37,11 @@ bool ContinuousCameraMonitor::startMonitoring(IContinuousCameraMonitor::IClient&
     if (!m_monitor.startMonitoring()) {
         return false;
     }
-    m_hasThread = pthread_create(&m_thread, nullptr, listenForEvents, this) == 0;
+    // Beforehand, because the client may be called before pthread_create() returns.
+    m_hasThread = true;
+    if (pthread_create(&m_thread, nullptr, listenForEvents, this) != 0) {
+        m_hasThread = false;
+    }
     return m_hasThread;
 }
 
@@ -43,15 +51,15 @@ bool ContinuousCameraMonitor::stopMonitoring()
     usleep(pauseMicroseconds);
     m_monitor.stopMonitoring();
     // The client may stop from within its callback: a thread cannot join itself.
-    if (!m_hasThread || pthread_equal(m_thread, pthread_self()) != 0) {
+    if (monitorOfThisThread == this || !m_hasThread.exchange(false)) {
         return false;
     }
-    m_hasThread = false;
     return pthread_join(m_thread, nullptr) == 0;
 }
 
 void* ContinuousCameraMonitor::listenForEvents(void* monitor) noexcept
 {
+    monitorOfThisThread = static_cast<ContinuousCameraMonitor*>(monitor);
     static_cast<ContinuousCameraMonitor*>(monitor)->listenForEvents();
     return nullptr;
 }

@@ -32,7 +32,8 @@ private:
     static void* listenForEvents(void* monitor) noexcept;
 
     pthread_t m_thread{};
-    bool m_hasThread = false;
+    // Atomic, because the client may start or stop from within its callback.
+    std::atomic<bool> m_hasThread{false};
     std::atomic<bool> m_stopRequested{false};
     BlockingCameraMonitor m_monitor;
     IContinuousCameraMonitor::IClient* m_client = nullptr;
