@@ -109,7 +109,7 @@ int CameraControl::inquireControlValue() const
     if (!wantsExtendedTransfer(id(), result)) {
         return control.value;
     }
-    v4l2_ext_control extended{};
+    v4l2_ext_control extended = emptyExt();
     readExt(extended);
     return extended.value;
 }
@@ -123,23 +123,31 @@ bool CameraControl::setControlValue(int value)
     if (!wantsExtendedTransfer(id(), result)) {
         return result == 0;
     }
-    v4l2_ext_control extended{};
+    v4l2_ext_control extended = emptyExt();
     extended.value = value;
     return writeExt(extended) == 0;
 }
 
 long long CameraControl::inquireControlValueExt() const
 {
-    v4l2_ext_control control{};
+    v4l2_ext_control control = emptyExt();
     readExt(control);
     return control.value64;
 }
 
 bool CameraControl::setControlValueExt(long long value)
 {
-    v4l2_ext_control control{};
+    v4l2_ext_control control = emptyExt();
     control.value64 = value;
     return writeExt(control) == 0;
+}
+
+v4l2_ext_control CameraControl::emptyExt()
+{
+    v4l2_ext_control control{};
+    // Braces need not clear more than the union's first, 32-bit member.
+    control.value64 = 0;
+    return control;
 }
 
 int CameraControl::readExt(v4l2_ext_control& control) const

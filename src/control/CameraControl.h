@@ -69,6 +69,9 @@ protected:
     /// Whether the flags refuse a write at present. The driver is not asked.
     bool refusesWrites() const;
 
+    /// A record for an extended transfer, zero in all its bytes.
+    static v4l2_ext_control emptyExt();
+
     /// A transfer of one control by extended calls; the result is the ioctl's. Reads name the
     /// control's class and writes do not, which drivers accept either way.
     int readExt(v4l2_ext_control& control) const;

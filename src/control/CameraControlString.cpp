@@ -30,7 +30,7 @@ void CameraControlString::setMinMaxStep(int minimum, int maximum, int step)
 unsigned int CameraControlString::stringSize() const
 {
     // With no room at all the driver refuses and tells how much the value needs.
-    v4l2_ext_control control{};
+    v4l2_ext_control control = emptyExt();
     readExt(control);
     return control.size;
 }
@@ -40,7 +40,7 @@ bool CameraControlString::getValue(char* buffer, int size) const
     if (isWriteOnly() || buffer == nullptr || size < 0) {
         return false;
     }
-    v4l2_ext_control control{};
+    v4l2_ext_control control = emptyExt();
     control.size = static_cast<unsigned int>(size);
     control.string = buffer;
     return readExt(control) == 0;
@@ -53,7 +53,7 @@ bool CameraControlString::setValue(char const* value)
     }
     // A copy, because the driver's interface takes a buffer that may be written to.
     std::vector<char> text(value, value + std::strlen(value) + 1);
-    v4l2_ext_control control{};
+    v4l2_ext_control control = emptyExt();
     control.size = static_cast<unsigned int>(text.size());
     control.string = text.data();
     return writeExt(control) == 0;
