@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#include "factory/KernelText.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace
+{
+
+using ImageAcquisition::kernelText;
+
+TEST(KernelText, EndsAtTheFirstZero)
+{
+    unsigned char const field[8] = {'a', 'b', 0, 'c', 0, 0, 0, 0};
+    EXPECT_EQ("ab", kernelText(field));
+}
+
+TEST(KernelText, EndsWithTheFieldWhenThereIsNoZero)
+{
+    struct
+    {
+        char field[4];
+        char behind[4];
+    } record;
+    std::memcpy(record.field, "full", 4);
+    std::memcpy(record.behind, "more", 4);
+    EXPECT_EQ("full", kernelText(record.field));
+}
+
+TEST(KernelText, IsEmptyForAnEmptyField)
+{
+    char const field[4] = {};
+    EXPECT_EQ("", kernelText(field));
+}
+
+TEST(KernelText, KeepsBytesAbove127)
+{
+    unsigned char const field[4] = {0xc3, 0xa4, 0, 0};
+    EXPECT_EQ("\xc3\xa4", kernelText(field));
+}
+
+} // namespace

@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: MIT
+#include "monitor/DescriptorSet.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace
+{
+
+using ImageAcquisition::DescriptorSet;
+
+/// A pipe, its reading end moved to a chosen number.
+class Pipe
+{
+public:
+    explicit Pipe(int readingEnd = -1)
+    {
+        int ends[2] = {-1, -1};
+        if (pipe(ends) != 0) {
+            return;
+        }
+        _reading = ends[0];
+        _writing = ends[1];
+        if (readingEnd != -1) {
+            _reading = dup2(ends[0], readingEnd);
+            close(ends[0]);
+        }
+    }
+    Pipe(Pipe const&) = delete;
+    Pipe& operator=(Pipe const&) = delete;
+    ~Pipe()
+    {
+        close(_reading);
+        close(_writing);
+    }
+
+    int readingEnd() const { return _reading; }
+    void fill() const { EXPECT_EQ(1, write(_writing, "x", 1)); }
+
+private:
+    int _reading = -1;
+    int _writing = -1;
+};
+
+class LargeDescriptors : public testing::TestWithParam<int>
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &_earlier));
+        rlimit raised = _earlier;
+        raised.rlim_cur = static_cast<rlim_t>(GetParam()) + 16;
+        if (raised.rlim_max < raised.rlim_cur) {
+            GTEST_SKIP() << "the process may not have descriptor " << GetParam();
+        }
+        ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &raised));
+    }
+    void TearDown() override { setrlimit(RLIMIT_NOFILE, &_earlier); }
+
+    static timeval noTime() { return {}; }
+
+private:
+    rlimit _earlier{};
+};
+
+TEST_P(LargeDescriptors, AreWaitedFor)
+{
+    Pipe const pipe(GetParam());
+    ASSERT_EQ(GetParam(), pipe.readingEnd());
+    DescriptorSet set;
+    set.add(pipe.readingEnd());
+    timeval none = noTime();
+    EXPECT_EQ(0, set.waitReadable(&none));
+    EXPECT_FALSE(set.isReady(pipe.readingEnd()));
+    pipe.fill();
+    EXPECT_EQ(1, set.waitReadable(&none));
+    EXPECT_TRUE(set.isReady(pipe.readingEnd()));
+}
+
+TEST_P(LargeDescriptors, AreToldFromSmallOnesInTheSameSet)
+{
+    Pipe const small;
+    Pipe const large(GetParam());
+    ASSERT_EQ(GetParam(), large.readingEnd());
+    for (bool const smallFirst : {true, false}) {
+        DescriptorSet set;
+        set.add(smallFirst ? small.readingEnd() : large.readingEnd());
+        set.add(smallFirst ? large.readingEnd() : small.readingEnd());
+        if (smallFirst) {
+            small.fill();
+        }
+        timeval none = noTime();
+        EXPECT_EQ(1, set.waitReadable(&none));
+        EXPECT_TRUE(set.isReady(small.readingEnd()));
+        EXPECT_FALSE(set.isReady(large.readingEnd()));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(DescriptorSet, LargeDescriptors,
+                         testing::Values(FD_SETSIZE - 1, FD_SETSIZE, FD_SETSIZE + 1, 1088, 4000));
+
+TEST(DescriptorSet, LeavesNegativeDescriptorsOut)
+{
+    Pipe const pipe;
+    DescriptorSet set;
+    set.add(-1);
+    set.add(-2147483647 - 1);
+    set.add(pipe.readingEnd());
+    pipe.fill();
+    timeval none{};
+    EXPECT_EQ(1, set.waitReadable(&none));
+    EXPECT_FALSE(set.isReady(-1));
+    EXPECT_TRUE(set.isReady(pipe.readingEnd()));
+}
+
+TEST(DescriptorSet, WaitsForTheTimeAloneWhenItIsEmpty)
+{
+    DescriptorSet set;
+    set.add(-1);
+    timeval short_{0, 1000};
+    EXPECT_EQ(0, set.waitReadable(&short_));
+}
+
+TEST(DescriptorSet, CanBeWaitedForAgain)
+{
+    Pipe const pipe;
+    DescriptorSet set;
+    set.add(pipe.readingEnd());
+    timeval none{};
+    EXPECT_EQ(0, set.waitReadable(&none));
+    pipe.fill();
+    EXPECT_EQ(1, set.waitReadable(&none));
+    EXPECT_EQ(1, set.waitReadable(&none));
+}
+
+TEST(DescriptorSet, WaitsWithoutLimitWhenNoTimeIsGiven)
+{
+    Pipe const pipe;
+    pipe.fill();
+    DescriptorSet set;
+    set.add(pipe.readingEnd());
+    EXPECT_EQ(1, set.waitReadable(nullptr));
+}
+
+TEST(DescriptorSet, ReportsAFailedWaitAndNothingReady)
+{
+    int closed = -1;
+    {
+        Pipe const pipe;
+        closed = pipe.readingEnd();
+    }
+    DescriptorSet set;
+    set.add(closed);
+    timeval none{};
+    errno = 0;
+    EXPECT_EQ(-1, set.waitReadable(&none));
+    EXPECT_EQ(EBADF, errno);
+    EXPECT_FALSE(set.isReady(closed));
+}
+
+TEST(DescriptorSet, KnowsNothingReadyThatWasNotAdded)
+{
+    Pipe const added;
+    Pipe const other;
+    added.fill();
+    other.fill();
+    DescriptorSet set;
+    set.add(added.readingEnd());
+    timeval none{};
+    EXPECT_EQ(1, set.waitReadable(&none));
+    EXPECT_FALSE(set.isReady(other.readingEnd()));
+    EXPECT_FALSE(set.isReady(100000));
+}
+
+} // namespace
