@@ -25,18 +25,18 @@ class IMAGEACQUISITION_EXPORT ICameraControl
 public:
     /// What kind of value a control has, and so which typed interface it offers.
     enum Type : int {
-        Invalid = 0,     ///< The stand-in for a control that does not exist.
-        BitMask = 1,     ///< ICameraControlBitMask
-        Boolean = 2,     ///< ICameraControlBoolean
-        Button = 3,      ///< ICameraControlButton
-        Int32 = 4,       ///< ICameraControlNumeric<int>
-        Int64 = 5,       ///< ICameraControlNumeric<long long>
-        Int64Menu = 6,   ///< ICameraControlInt64Menu
-        UInt8 = 7,       ///< ICameraControlNumeric<unsigned char>
-        UInt16 = 8,      ///< ICameraControlNumeric<unsigned short>
-        UInt32 = 9,      ///< ICameraControlNumeric<unsigned int>
-        String = 10,     ///< ICameraControlString
-        StringMenu = 11  ///< ICameraControlStringMenu
+        Invalid = 0,    ///< The stand-in for a control that does not exist.
+        BitMask = 1,    ///< ICameraControlBitMask
+        Boolean = 2,    ///< ICameraControlBoolean
+        Button = 3,     ///< ICameraControlButton
+        Int32 = 4,      ///< ICameraControlNumeric<int>
+        Int64 = 5,      ///< ICameraControlNumeric<long long>
+        Int64Menu = 6,  ///< ICameraControlInt64Menu
+        UInt8 = 7,      ///< ICameraControlNumeric<unsigned char>
+        UInt16 = 8,     ///< ICameraControlNumeric<unsigned short>
+        UInt32 = 9,     ///< ICameraControlNumeric<unsigned int>
+        String = 10,    ///< ICameraControlString
+        StringMenu = 11 ///< ICameraControlStringMenu
     };
 
     /// What a control acts on. Single bits, so that an application can filter by a mask.

@@ -92,8 +92,7 @@ bool Camera::softwareReset()
     if (!context) {
         return false;
     }
-    UsbDeviceHandle const handle =
-        openUsbDevice(context, record->vendorId(), record->productId());
+    UsbDeviceHandle const handle = openUsbDevice(context, record->vendorId(), record->productId());
     if (!handle) {
         return false;
     }

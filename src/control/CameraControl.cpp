@@ -23,8 +23,7 @@ bool wantsExtendedTransfer(unsigned int id, int plainResult)
     return plainResult == -1 && errno == EINVAL && id >= V4L2_CID_PRIVATE_BASE;
 }
 
-int transferOne(int fd, unsigned long request, unsigned int controlClass,
-                v4l2_ext_control& control)
+int transferOne(int fd, unsigned long request, unsigned int controlClass, v4l2_ext_control& control)
 {
     v4l2_ext_controls controls{};
     controls.ctrl_class = controlClass;

@@ -18,9 +18,7 @@ void CameraControlInt64Menu::init(v4l2_queryctrl const& qc)
     probeItems();
 }
 
-void CameraControlInt64Menu::itemFound(v4l2_querymenu const& /*item*/)
-{
-}
+void CameraControlInt64Menu::itemFound(v4l2_querymenu const& /*item*/) {}
 
 long long CameraControlInt64Menu::value(int position) const
 {

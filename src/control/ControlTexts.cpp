@@ -16,14 +16,14 @@ namespace
 
 constexpr unsigned int privateBase = V4L2_CID_PRIVATE_BASE;
 
-constexpr char const* typeTexts[] = {"UnknownType", "BitMask",   "Boolean", "Button",
-                                     "Int32",       "Int64",     "Int64Menu", "UInt8",
-                                     "UInt16",      "UInt32",    "String",  "StringMenu"};
+constexpr char const* typeTexts[] = {"UnknownType", "BitMask", "Boolean",   "Button",
+                                     "Int32",       "Int64",   "Int64Menu", "UInt8",
+                                     "UInt16",      "UInt32",  "String",    "StringMenu"};
 
 // These name V4L2's control classes, not the families; programs compare them as they are.
-constexpr char const* familyTexts[] = {"User", "MPEG",         "Camera",     "FM Tx",
-                                       "Flash", "JPEG",        "Image Source", "Image Proc",
-                                       "FM Rx", "RF Tuner",    "Detect",     "Unknown"};
+constexpr char const* familyTexts[] = {"User",  "MPEG",     "Camera",       "FM Tx",
+                                       "Flash", "JPEG",     "Image Source", "Image Proc",
+                                       "FM Rx", "RF Tuner", "Detect",       "Unknown"};
 
 struct FamilyRange
 {

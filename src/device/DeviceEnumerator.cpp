@@ -130,10 +130,9 @@ void DeviceEnumerator::fillDeviceList(DeviceList* list)
     UdevContext const context(udev_new());
     for (int number = 0; number <= lastNodeNumber; ++number) {
         std::string const nodeName = "video" + std::to_string(number);
-        std::unique_ptr<IDevice> device(createDevice(list->size(),
-                                                     (nodeDirectory + nodeName).c_str(),
-                                                     (sysDirectory + nodeName).c_str(),
-                                                     context.get()));
+        std::unique_ptr<IDevice> device(
+            createDevice(list->size(), (nodeDirectory + nodeName).c_str(),
+                         (sysDirectory + nodeName).c_str(), context.get()));
         list->append(device.release());
     }
 }
@@ -188,8 +187,7 @@ void DeviceEnumerator::getFirmwareRevision(Device* device)
     if (!context) {
         return;
     }
-    UsbDeviceHandle const handle =
-        openUsbDevice(context, device->vendorId(), device->productId());
+    UsbDeviceHandle const handle = openUsbDevice(context, device->vendorId(), device->productId());
     if (!handle) {
         return;
     }

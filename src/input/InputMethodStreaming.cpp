@@ -126,8 +126,7 @@ void InputMethodStreaming::destroyInvalidFrame()
 
 InputMethod::BaseFrame* InputMethodStreaming::invalidFrame() const
 {
-    return m_invalidFrame ? m_invalidFrame.get()
-                          : &InputMethod::InvalidFrame::getUniqueInstance();
+    return m_invalidFrame ? m_invalidFrame.get() : &InputMethod::InvalidFrame::getUniqueInstance();
 }
 
 } // namespace ImageAcquisition

@@ -15,10 +15,10 @@ namespace ImageAcquisition
 class UVCStringBuilder
 {
 public:
-    static constexpr int __baseRequestLength = 8;  ///< Bytes of header, in requests and replies.
-    static constexpr int __maxLength = 8;          ///< Largest data length.
-    static constexpr int __CIDLength = 4;          ///< Hexadecimal digits of the selector.
-    static constexpr int __unitLength = 4;         ///< Hexadecimal digits of the unit.
+    static constexpr int __baseRequestLength = 8;   ///< Bytes of header, in requests and replies.
+    static constexpr int __maxLength = 8;           ///< Largest data length.
+    static constexpr int __CIDLength = 4;           ///< Hexadecimal digits of the selector.
+    static constexpr int __unitLength = 4;          ///< Hexadecimal digits of the unit.
     static constexpr int __lengthRequestLength = 2; ///< Data length of GET_LEN.
     static constexpr int __infoRequestLength = 1;   ///< Data length of GET_INFO.
 

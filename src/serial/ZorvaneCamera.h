@@ -145,8 +145,7 @@ public:
     std::unique_ptr<ZorvaneCameraControl> createControl(ControlStruct const& row);
 
     /// Copies the items of a menu; none when the name's pointer is no key.
-    static std::vector<ZorvaneCameraControlStringMenu::IndexSetting>
-    menuSettings(char const* name);
+    static std::vector<ZorvaneCameraControlStringMenu::IndexSetting> menuSettings(char const* name);
 
 protected:
     /// Makes the controls of the table. Stops at the first that the camera does not answer, which

@@ -89,9 +89,8 @@ bool ZorvaneCameraControl::initControlLength()
 {
     QByteArray request;
     QByteArray reply;
-    bool const answered =
-        UVCStringBuilder::buildLengthRequest(m_selector, m_unit, request) &&
-        sendCommand(request, UVCStringBuilder::__lengthRequestLength, reply);
+    bool const answered = UVCStringBuilder::buildLengthRequest(m_selector, m_unit, request) &&
+                          sendCommand(request, UVCStringBuilder::__lengthRequestLength, reply);
     if (answered) {
         m_dataLength = static_cast<int>(UVCStringBuilder::extractValueFromData(
             reply, UVCStringBuilder::__lengthRequestLength, 0));
@@ -104,9 +103,9 @@ bool ZorvaneCameraControl::initFlags()
 {
     QByteArray request;
     QByteArray reply;
-    bool const answered =
-        hasUsableLayout() && UVCStringBuilder::buildInfoRequest(m_selector, m_unit, request) &&
-        sendCommand(request, UVCStringBuilder::__infoRequestLength, reply);
+    bool const answered = hasUsableLayout() &&
+                          UVCStringBuilder::buildInfoRequest(m_selector, m_unit, request) &&
+                          sendCommand(request, UVCStringBuilder::__infoRequestLength, reply);
     if (answered) {
         m_infoFlags = static_cast<int>(UVCStringBuilder::extractValueFromData(
             reply, UVCStringBuilder::__infoRequestLength, 0));
@@ -206,8 +205,7 @@ bool ZorvaneCameraControl::setControlValue(int value)
 bool ZorvaneCameraControl::setSharedControlValue(int value, int offset, int length)
 {
     long long current = 0;
-    bool const known =
-        fieldLiesWithinData(offset, length) && getControlValue(current);
+    bool const known = fieldLiesWithinData(offset, length) && getControlValue(current);
     QThread::msleep(_msDelay);
     return known && sendWhole(UVCStringBuilder::buildSharedValue(
                         static_cast<unsigned long long>(current), value, length, offset));

@@ -7,9 +7,8 @@ namespace ImageAcquisition
 {
 
 template <typename T>
-ZorvaneCameraControlNumeric<T>::ZorvaneCameraControlNumeric(ZorvaneCamera* camera,
-                                                            char const* name, int selector,
-                                                            int unit, Family family)
+ZorvaneCameraControlNumeric<T>::ZorvaneCameraControlNumeric(ZorvaneCamera* camera, char const* name,
+                                                            int selector, int unit, Family family)
     : ZorvaneCameraControl(camera, name, selector, unit, family, numericType<T>)
 {
 }
