@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "factory/HelperV4l2.h"
+
+#include "OpenNode.h"
+#include "V4l2Hook.h"
+#include "VirtualCamera.h"
+
+#include <gtest/gtest.h>
+
+#include <linux/videodev2.h>
+
+#include <cerrno>
+#include <vector>
+
+namespace
+{
+
+using ImageAcquisition::HelperV4l2;
+using VirtualCamera::aCamera;
+using VirtualCamera::Call;
+
+/// Gives the results in turn; -1 sets the errno at the same position.
+struct Answers
+{
+    int next()
+    {
+        errno = errors.at(used);
+        return results.at(used++);
+    }
+
+    std::vector<int> results;
+    std::vector<int> errors;
+    std::size_t used = 0;
+};
+
+TEST(HelperV4l2, HandsTheRequestOnWithoutItsSign)
+{
+    unsigned long seen = 0;
+    V4l2Hook const hook([&seen](int, unsigned long request, void*) {
+        seen = request;
+        return 0;
+    });
+    EXPECT_EQ(0, HelperV4l2::xioctl(3, static_cast<int>(VIDIOC_QUERYCAP), nullptr));
+    EXPECT_EQ(VIDIOC_QUERYCAP, seen);
+    EXPECT_EQ(0, HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr));
+    EXPECT_EQ(VIDIOC_QUERYCAP, seen);
+}
+
+TEST(HelperV4l2, RepeatsAnIoctlThatASignalInterrupted)
+{
+    auto const camera = aCamera().failing(VIDIOC_QUERYCAP, EINTR, 1).install();
+    OpenNode const node;
+    v4l2_capability capability{};
+    EXPECT_EQ(0, HelperV4l2::xioctl(node.fd(), VIDIOC_QUERYCAP, &capability));
+    EXPECT_EQ(2u, camera.countOf(VIDIOC_QUERYCAP));
+}
+
+TEST(HelperV4l2, RepeatsAnIoctlForAsLongAsItIsInterrupted)
+{
+    Answers answers{{-1, -1, -1, 0}, {EINTR, EINTR, EINTR, 0}};
+    V4l2Hook const hook([&answers](int, unsigned long, void*) { return answers.next(); });
+    EXPECT_EQ(0, HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr));
+    EXPECT_EQ(4u, answers.used);
+}
+
+TEST(HelperV4l2, ReturnsAnyOtherFailureOfAnIoctlAtOnce)
+{
+    for (int const error : {EINVAL, EAGAIN, ENODEV, EBUSY, EIO, EBADF}) {
+        Answers answers{{-1}, {error}};
+        V4l2Hook const hook([&answers](int, unsigned long, void*) { return answers.next(); });
+        EXPECT_EQ(-1, HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr));
+        EXPECT_EQ(error, errno);
+    }
+}
+
+TEST(HelperV4l2, ReturnsAPositiveResultOfAnIoctl)
+{
+    Answers answers{{7}, {EINTR}};
+    V4l2Hook const hook([&answers](int, unsigned long, void*) { return answers.next(); });
+    EXPECT_EQ(7, HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr));
+}
+
+TEST(HelperV4l2, RepeatsACloseThatASignalInterrupted)
+{
+    auto const camera = aCamera().failing(Call::Close, EINTR, 1).install();
+    int const fd = v4l2_open("/dev/video0", O_RDWR | O_NONBLOCK);
+    EXPECT_EQ(0, HelperV4l2::close(fd));
+    EXPECT_EQ(2u, camera.countOf(Call::Close));
+    EXPECT_EQ(0, camera.accounting().openDescriptors);
+}
+
+TEST(HelperV4l2, ReturnsAnyOtherFailureOfACloseAtOnce)
+{
+    Answers answers{{-1}, {EIO}};
+    V4l2Hook const hook([&answers](int) { return answers.next(); });
+    EXPECT_EQ(-1, HelperV4l2::close(3));
+    EXPECT_EQ(EIO, errno);
+}
+
+TEST(HelperV4l2, RepeatsACloseWithAResultThatIsNeitherSuccessNorFailure)
+{
+    Answers answers{{1, -2, -1, 0}, {EIO, EIO, EINTR, 0}};
+    V4l2Hook const hook([&answers](int) { return answers.next(); });
+    EXPECT_EQ(0, HelperV4l2::close(3));
+    EXPECT_EQ(4u, answers.used);
+}
+
+} // namespace

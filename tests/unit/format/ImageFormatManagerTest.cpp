@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: MIT
+#include "format/ImageFormatManager.h"
+
+#include "OpenNode.h"
+#include "V4l2Hook.h"
+#include "VirtualCamera.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <stdexcept>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+using VirtualCamera::aCamera;
+using VirtualCamera::Call;
+
+class ImageFormatManagerWithCamera : public testing::Test
+{
+protected:
+    ImageFormatManagerWithCamera()
+    {
+        manager.init(node.fd());
+        camera.clearLog();
+    }
+
+    VirtualCamera::InstalledCamera camera = aCamera()
+                                                .withFormat("YUYV")
+                                                .withSize(640, 480)
+                                                .withInterval(1, 30)
+                                                .withInterval(1, 15)
+                                                .withSize(320, 240)
+                                                .withInterval(1, 60)
+                                                .withFormat("MJPG")
+                                                .withSize(1280, 720)
+                                                .withInterval(1, 30)
+                                                .install();
+    OpenNode const node;
+    ImageFormatManager manager;
+};
+
+TEST(ImageFormatManager, IsEmptyBeforeInit)
+{
+    ImageFormatManager const manager;
+    EXPECT_EQ(0, manager.formatNumber());
+    EXPECT_TRUE(manager.invariants());
+    EXPECT_EQ(-1, manager.currentFormat());
+    EXPECT_EQ(-1, manager.currentFrameSize());
+    EXPECT_EQ(-1, manager.currentFrameInterval());
+    EXPECT_EQ(0u, manager.currentSizeImage());
+}
+
+TEST(ImageFormatManager, StaysEmptyWhenTheDeviceListsNoFormats)
+{
+    auto const camera =
+        aCamera().withFormat("YUYV").failing(VIDIOC_ENUM_FMT, EINVAL).install();
+    OpenNode const node;
+    ImageFormatManager manager;
+    manager.init(node.fd());
+    EXPECT_EQ(0, manager.formatNumber());
+    EXPECT_EQ(IImageFormat::invalid(), manager.format(0));
+    EXPECT_EQ(nullptr, manager.formatPtr("YUYV"));
+    EXPECT_THROW(manager.formatPtr(0), std::out_of_range);
+    EXPECT_TRUE(manager.invariants());
+}
+
+TEST(ImageFormatManager, KeepsAFormatThatIsListedTwiceButFindsTheFirst)
+{
+    auto const camera = aCamera()
+                            .withFormat("MJPG", "first")
+                            .withFormat("YUYV", "first")
+                            .withFormat("YUYV", "second")
+                            .install();
+    OpenNode const node;
+    ImageFormatManager manager;
+    manager.init(node.fd());
+    ASSERT_EQ(3, manager.formatNumber());
+    EXPECT_EQ(1, manager.formatIndexByPixelFormat(V4L2_PIX_FMT_YUYV));
+    EXPECT_STREQ("second", manager.format(2)->description());
+    EXPECT_EQ(manager.format(1), manager.formatPtr("YUYV"));
+    EXPECT_FALSE(manager.invariants());
+}
+
+TEST(ImageFormatManager, EndsTheListOfADriverThatNeverDoes)
+{
+    V4l2Hook const hook([](int, unsigned long request, void*) {
+        errno = EINVAL;
+        return request == VIDIOC_ENUM_FMT ? 0 : -1;
+    });
+    ImageFormatManager manager;
+    manager.init(3);
+    EXPECT_EQ(4096, manager.formatNumber());
+}
+
+TEST_F(ImageFormatManagerWithCamera, ListsTheFormatsInTheDriversOrder)
+{
+    ASSERT_EQ(2, manager.formatNumber());
+    EXPECT_STREQ("YUYV", manager.format(0)->name());
+    EXPECT_STREQ("MJPG", manager.format(1)->name());
+    EXPECT_EQ(2, manager.format(0)->sizeNumber());
+    EXPECT_EQ(manager.format(1), manager.formatPtr(1));
+    EXPECT_TRUE(manager.invariants());
+}
+
+TEST_F(ImageFormatManagerWithCamera, GivesTheInvalidFormatOutsideItsList)
+{
+    EXPECT_EQ(IImageFormat::invalid(), manager.format(-1));
+    EXPECT_EQ(IImageFormat::invalid(), manager.format(2));
+    EXPECT_THROW(manager.formatPtr(-1), std::out_of_range);
+    EXPECT_THROW(manager.formatPtr(2), std::out_of_range);
+}
+
+TEST_F(ImageFormatManagerWithCamera, FindsAFormatByItsNameToTheLetter)
+{
+    EXPECT_EQ(manager.formatPtr(1), manager.formatPtr("MJPG"));
+    EXPECT_EQ(nullptr, manager.formatPtr("mjpg"));
+    EXPECT_EQ(nullptr, manager.formatPtr("MJP"));
+    EXPECT_EQ(nullptr, manager.formatPtr("MJPG "));
+    EXPECT_EQ(nullptr, manager.formatPtr(""));
+}
+
+TEST_F(ImageFormatManagerWithCamera, FindsAFormatByItsCode)
+{
+    EXPECT_EQ(1, manager.formatIndexByPixelFormat(V4L2_PIX_FMT_MJPEG));
+    EXPECT_EQ(-1, manager.formatIndexByPixelFormat(V4L2_PIX_FMT_NV12));
+}
+
+TEST_F(ImageFormatManagerWithCamera, SelectsByPosition)
+{
+    EXPECT_TRUE(manager.setCurrentFormat(0, 1, 0));
+    EXPECT_EQ(0, manager.currentFormat());
+    EXPECT_EQ(1, manager.currentFrameSize());
+    EXPECT_EQ(0, manager.currentFrameInterval());
+    EXPECT_TRUE(manager.setCurrentFormat(0, 0, 1));
+    EXPECT_EQ(0, manager.currentFrameSize());
+    EXPECT_EQ(1, manager.currentFrameInterval());
+    EXPECT_TRUE(manager.setCurrentFormat(1, 0, 0));
+    EXPECT_EQ(1, manager.currentFormat());
+}
+
+TEST_F(ImageFormatManagerWithCamera, SelectsByNameAndValue)
+{
+    EXPECT_TRUE(manager.setCurrentFormat("YUYV", 640, 480, 1, 15));
+    EXPECT_EQ(0, manager.currentFormat());
+    EXPECT_EQ(0, manager.currentFrameSize());
+    EXPECT_EQ(1, manager.currentFrameInterval());
+}
+
+TEST_F(ImageFormatManagerWithCamera, RefusesAFormatPositionThatIsTooLargeWithoutAskingTheDevice)
+{
+    EXPECT_FALSE(manager.setCurrentFormat(manager.formatNumber(), 0, 0));
+    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+}
+
+TEST_F(ImageFormatManagerWithCamera, ThrowsForANegativeFormatPosition)
+{
+    EXPECT_THROW(manager.setCurrentFormat(-1, 0, 0), std::out_of_range);
+}
+
+TEST_F(ImageFormatManagerWithCamera, RefusesNamesThatNoFormatHas)
+{
+    EXPECT_FALSE(manager.setCurrentFormat(nullptr, 640, 480, 1, 30));
+    EXPECT_FALSE(manager.setCurrentFormat("NV12", 640, 480, 1, 30));
+    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+}
+
+TEST_F(ImageFormatManagerWithCamera, ReportsTheImageSizeOfTheFormatThatIsSetNow)
+{
+    EXPECT_EQ(640u * 480u * 2u, manager.currentSizeImage());
+    EXPECT_TRUE(manager.setCurrentFormat(0, 1, 0));
+    EXPECT_EQ(320u * 240u * 2u, manager.currentSizeImage());
+}
+
+TEST_F(ImageFormatManagerWithCamera, ReadsWhatAnotherProgramSelected)
+{
+    camera.setCurrentFormat("YUYV", 320, 240);
+    camera.setCurrentInterval(1, 60);
+    EXPECT_EQ(0, manager.currentFormat());
+    EXPECT_EQ(1, manager.currentFrameSize());
+    EXPECT_EQ(0, manager.currentFrameInterval());
+}
+
+TEST_F(ImageFormatManagerWithCamera, FindsNoSizeWhenTheDevicesSizeIsNotInTheList)
+{
+    camera.setCurrentFormat("MJPG", 1000, 700);
+    EXPECT_EQ(1, manager.currentFormat());
+    EXPECT_EQ(-1, manager.currentFrameSize());
+    camera.clearLog();
+    EXPECT_EQ(-1, manager.currentFrameInterval());
+    EXPECT_EQ(0u, camera.countOf(VIDIOC_G_PARM));
+}
+
+TEST_F(ImageFormatManagerWithCamera, FindsNoIntervalWhenTheDevicesIntervalIsNotInTheList)
+{
+    camera.setCurrentInterval(2, 60);
+    EXPECT_EQ(0, manager.currentFrameSize());
+    EXPECT_EQ(-1, manager.currentFrameInterval());
+}
+
+TEST_F(ImageFormatManagerWithCamera, ThrowsWhenTheDevicesFormatIsNotInTheCatalogue)
+{
+    camera.setCurrentFormat("NV12", 640, 480);
+    EXPECT_EQ(-1, manager.currentFormat());
+    EXPECT_THROW(manager.currentFrameSize(), std::out_of_range);
+    EXPECT_THROW(manager.currentFrameInterval(), std::out_of_range);
+}
+
+TEST_F(ImageFormatManagerWithCamera, KnowsNothingOfADeviceThatDoesNotAnswer)
+{
+    camera.failFrom(VIDIOC_G_FMT, EIO);
+    EXPECT_EQ(-1, manager.currentFormat());
+    EXPECT_EQ(-1, manager.currentFrameSize());
+    EXPECT_EQ(-1, manager.currentFrameInterval());
+    EXPECT_EQ(0u, manager.currentSizeImage());
+}
+
+TEST_F(ImageFormatManagerWithCamera, KnowsNoIntervalWhenTheDeviceDoesNotTell)
+{
+    camera.failFrom(VIDIOC_G_PARM, EIO);
+    EXPECT_EQ(0, manager.currentFrameSize());
+    EXPECT_EQ(-1, manager.currentFrameInterval());
+}
+
+} // namespace

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+// What ImageFormat::setToDevice sends to the device.
+#include "format/ImageFormat.h"
+
+#include "OpenNode.h"
+#include "VirtualCamera.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+using VirtualCamera::aCamera;
+using VirtualCamera::Call;
+
+v4l2_fmtdesc const mjpg = [] {
+    v4l2_fmtdesc description{};
+    description.pixelformat = V4L2_PIX_FMT_MJPEG;
+    return description;
+}();
+
+class ImageFormatSelection : public testing::Test
+{
+protected:
+    ImageFormatSelection() { camera.clearLog(); }
+
+    /// Two formats; the second with a size that has a list of intervals and one that has not.
+    VirtualCamera::InstalledCamera camera = aCamera()
+                                                .withFormat("YUYV")
+                                                .withSize(160, 120)
+                                                .withFormat("MJPG")
+                                                .withSize(640, 480)
+                                                .withInterval(1, 30)
+                                                .withInterval(1, 15)
+                                                .withSize(320, 240)
+                                                .install();
+    OpenNode const node;
+    ImageFormat const format{node.fd(), mjpg};
+};
+
+TEST_F(ImageFormatSelection, TriesAndSetsTheFormatThenTheInterval)
+{
+    camera.clearLog();
+    EXPECT_TRUE(format.setToDevice(0, 1));
+    auto const calls = camera.calls();
+    ASSERT_EQ(4u, calls.size());
+    EXPECT_EQ(VirtualCamera::CallId(VIDIOC_TRY_FMT), calls[0].call);
+    EXPECT_EQ(VirtualCamera::CallId(VIDIOC_S_FMT), calls[1].call);
+    EXPECT_EQ(VirtualCamera::CallId(VIDIOC_G_PARM), calls[2].call);
+    EXPECT_EQ(VirtualCamera::CallId(VIDIOC_S_PARM), calls[3].call);
+    auto const set = calls[3].argument<v4l2_streamparm>();
+    EXPECT_EQ(1u, set.parm.capture.timeperframe.numerator);
+    EXPECT_EQ(15u, set.parm.capture.timeperframe.denominator);
+    EXPECT_EQ(static_cast<__u32>(V4L2_BUF_TYPE_VIDEO_CAPTURE), set.type);
+}
+
+TEST_F(ImageFormatSelection, LeavesAllOtherMembersOfTheFormatZero)
+{
+    camera.clearLog();
+    EXPECT_TRUE(format.setToDevice(1, 0));
+    auto const sent = camera.calls(VIDIOC_TRY_FMT).front().argument<v4l2_format>();
+    v4l2_format expected{};
+    expected.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+    expected.fmt.pix.width = 320;
+    expected.fmt.pix.height = 240;
+    expected.fmt.pix.pixelformat = V4L2_PIX_FMT_MJPEG;
+    EXPECT_EQ(0, std::memcmp(&expected, &sent, sizeof sent));
+}
+
+TEST_F(ImageFormatSelection, SetsTheFormatAsTheDriverLeftItAfterTrying)
+{
+    camera.clearLog();
+    EXPECT_TRUE(format.setToDevice(0, 0));
+    auto const tried = camera.calls(VIDIOC_TRY_FMT).front().answer<v4l2_format>();
+    auto const set = camera.calls(VIDIOC_S_FMT).front().argument<v4l2_format>();
+    EXPECT_NE(0u, tried.fmt.pix.sizeimage);
+    EXPECT_EQ(0, std::memcmp(&tried, &set, sizeof set));
+}
+
+TEST_F(ImageFormatSelection, LeavesTheFrameRateAloneForASizeWithoutIntervals)
+{
+    camera.clearLog();
+    EXPECT_TRUE(format.setToDevice(1, 7));
+    EXPECT_EQ(1u, camera.countOf(VIDIOC_S_FMT));
+    EXPECT_EQ(1u, camera.countOf(VIDIOC_G_PARM));
+    EXPECT_EQ(0u, camera.countOf(VIDIOC_S_PARM));
+}
+
+TEST_F(ImageFormatSelection, RefusesASizePositionThatIsTooLargeWithoutAskingTheDevice)
+{
+    camera.clearLog();
+    EXPECT_FALSE(format.setToDevice(format.sizeNumber(), 0));
+    EXPECT_FALSE(format.setToDevice(2147483647, 0));
+    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+}
+
+TEST_F(ImageFormatSelection, ThrowsForANegativeSizePosition)
+{
+    camera.clearLog();
+    EXPECT_THROW(format.setToDevice(-1, 0), std::out_of_range);
+    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+}
+
+TEST_F(ImageFormatSelection, SendsTheInvalidPeriodForAnIntervalPositionOutsideTheList)
+{
+    for (int const position : {-1, 2, 2147483647}) {
+        camera.clearLog();
+        EXPECT_TRUE(format.setToDevice(0, position));
+        auto const set = camera.calls(VIDIOC_S_PARM).front().argument<v4l2_streamparm>();
+        EXPECT_EQ(0u, set.parm.capture.timeperframe.numerator);
+        EXPECT_EQ(1u, set.parm.capture.timeperframe.denominator);
+    }
+}
+
+TEST_F(ImageFormatSelection, FailsWithAnyCallThatFails)
+{
+    struct
+    {
+        unsigned long request;
+        unsigned int callsBefore;
+    } const cases[] = {
+        {VIDIOC_TRY_FMT, 0}, {VIDIOC_S_FMT, 1}, {VIDIOC_G_PARM, 2}, {VIDIOC_S_PARM, 3}};
+    for (auto const& one : cases) {
+        camera.clearLog();
+        camera.fail(one.request, EIO);
+        EXPECT_FALSE(format.setToDevice(0, 0)) << VirtualCamera::callName(one.request);
+        EXPECT_EQ(one.callsBefore + 1, camera.countOf(Call::Ioctl));
+        camera.stopFailing();
+    }
+}
+
+TEST_F(ImageFormatSelection, KeepsTheNewFormatWhenOnlyTheIntervalIsRefused)
+{
+    camera.fail(VIDIOC_S_PARM, EINVAL);
+    EXPECT_FALSE(format.setToDevice(0, 1));
+    v4l2_format present{};
+    present.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+    ASSERT_EQ(0, v4l2_ioctl(node.fd(), VIDIOC_G_FMT, &present));
+    EXPECT_EQ(static_cast<__u32>(V4L2_PIX_FMT_MJPEG), present.fmt.pix.pixelformat);
+    EXPECT_EQ(640u, present.fmt.pix.width);
+}
+
+TEST_F(ImageFormatSelection, TakesSizeAndIntervalByValueToo)
+{
+    camera.clearLog();
+    EXPECT_TRUE(format.setToDevice(640, 480, 1, 15));
+    auto const set = camera.calls(VIDIOC_S_PARM).front().argument<v4l2_streamparm>();
+    EXPECT_EQ(15u, set.parm.capture.timeperframe.denominator);
+}
+
+TEST_F(ImageFormatSelection, RefusesValuesThatAreNotInTheLists)
+{
+    camera.clearLog();
+    EXPECT_FALSE(format.setToDevice(640, 481, 1, 30));
+    EXPECT_FALSE(format.setToDevice(160, 120, 1, 30)) << "a size of another format";
+    EXPECT_FALSE(format.setToDevice(640, 480, 2, 60)) << "1/30, but not in these numbers";
+    EXPECT_FALSE(format.setToDevice(640, 480, 1, 29));
+    EXPECT_FALSE(format.setToDevice(-640, 480, 1, 30));
+    EXPECT_FALSE(format.setToDevice(640, 480, -1, -30));
+    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+}
+
+TEST_F(ImageFormatSelection, CannotSetASizeWithoutIntervalsByValue)
+{
+    camera.clearLog();
+    EXPECT_FALSE(format.setToDevice(320, 240, 1, 30));
+    EXPECT_FALSE(format.setToDevice(320, 240, 0, 1));
+    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+    EXPECT_TRUE(format.setToDevice(1, 0));
+}
+
+} // namespace
