@@ -10,7 +10,7 @@
 namespace VirtualCamera
 {
 
-class Device;
+class CameraDriver;
 
 /// What a client holds of a camera at present, and what it held in total.
 struct Accounting
@@ -45,7 +45,7 @@ struct ControlMapping
 class VIRTUALCAMERA_EXPORT InstalledCamera
 {
 public:
-    explicit InstalledCamera(std::shared_ptr<Device> device);
+    explicit InstalledCamera(std::shared_ptr<CameraDriver> device);
     InstalledCamera(InstalledCamera&&) noexcept;
     InstalledCamera& operator=(InstalledCamera&&) noexcept;
     ~InstalledCamera();
@@ -91,7 +91,7 @@ public:
     void setSelectorBytes(std::uint8_t selector, std::vector<std::uint8_t> const& bytes);
 
 private:
-    std::shared_ptr<Device> _device;
+    std::shared_ptr<CameraDriver> _device;
 };
 
 } // namespace VirtualCamera

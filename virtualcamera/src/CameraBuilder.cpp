@@ -2,7 +2,7 @@
 #include "CameraBuilder.h"
 
 #include "ControlClass.h"
-#include "Device.h"
+#include "CameraDriver.h"
 #include "Registry.h"
 
 #include <linux/videodev2.h>
@@ -29,7 +29,7 @@ CameraBuilder aCamera(std::string node)
 
 InstalledCamera CameraBuilder::install() const
 {
-    auto device = std::make_shared<Device>(_script);
+    auto device = std::make_shared<CameraDriver>(_script);
     Registry::instance().plug(device);
     return InstalledCamera(std::move(device));
 }

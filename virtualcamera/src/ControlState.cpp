@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ControlState.h"
 
-#include "KernelText.h"
+#include "FixedText.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -116,7 +116,7 @@ int ControlState::query(v4l2_queryctrl& answer) const
     answer = {};
     answer.id = found->id();
     answer.type = found->type();
-    copyKernelText(answer.name, found->name());
+    copyFixedText(answer.name, found->name());
     answer.flags = flagsOf(*found);
     auto const* const scripted = dynamic_cast<ScriptedControl const*>(found);
     if (scripted != nullptr && !scripted->script().rangeShown)
@@ -137,7 +137,7 @@ int ControlState::queryExtended(v4l2_query_ext_ctrl& answer) const
     answer = {};
     answer.id = found->id();
     answer.type = found->type();
-    copyKernelText(answer.name, found->name());
+    copyFixedText(answer.name, found->name());
     answer.flags = flagsOf(*found);
     ControlRange const range = found->range();
     answer.minimum = range.minimum;

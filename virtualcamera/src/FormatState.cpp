@@ -2,7 +2,7 @@
 #include "FormatState.h"
 
 #include "ImageLayout.h"
-#include "KernelText.h"
+#include "FixedText.h"
 #include "Nearest.h"
 
 #include <cerrno>
@@ -107,7 +107,7 @@ int FormatState::enumerateFormats(v4l2_fmtdesc& description) const
     description.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
     description.flags = format.flags;
     description.pixelformat = format.pixelFormat;
-    copyKernelText(description.description, format.description);
+    copyFixedText(description.description, format.description);
     return 0;
 }
 

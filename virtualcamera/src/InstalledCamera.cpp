@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "InstalledCamera.h"
 
-#include "Device.h"
+#include "CameraDriver.h"
 #include "Registry.h"
 #include "VirtualCamera.h"
 
@@ -23,7 +23,7 @@ bool writesControl(CallRecord const& record)
 
 } // namespace
 
-InstalledCamera::InstalledCamera(std::shared_ptr<Device> device) : _device(std::move(device)) {}
+InstalledCamera::InstalledCamera(std::shared_ptr<CameraDriver> device) : _device(std::move(device)) {}
 
 InstalledCamera::InstalledCamera(InstalledCamera&&) noexcept = default;
 
@@ -56,7 +56,7 @@ Accounting InstalledCamera::accounting() const
 
 std::vector<CallRecord> InstalledCamera::calls() const
 {
-    return _device->locked([](Device& device) {
+    return _device->locked([](CameraDriver& device) {
         auto const& records = device.log().records();
         return std::vector<CallRecord>(records.begin(), records.end());
     });
@@ -72,7 +72,7 @@ std::vector<CallRecord> InstalledCamera::calls(CallId call) const
 
 unsigned InstalledCamera::countOf(CallId call) const
 {
-    return _device->locked([&call](Device& device) { return device.log().countOf(call); });
+    return _device->locked([&call](CameraDriver& device) { return device.log().countOf(call); });
 }
 
 std::optional<std::int64_t> InstalledCamera::lastControlValueSent() const
@@ -108,24 +108,24 @@ unsigned InstalledCamera::controlWrites(std::uint32_t controlId) const
 
 void InstalledCamera::clearLog()
 {
-    _device->locked([](Device& device) { device.log().clear(); });
+    _device->locked([](CameraDriver& device) { device.log().clear(); });
 }
 
 void InstalledCamera::fail(CallId call, int error, unsigned nthUse)
 {
     Fault const fault{call, error, nthUse, false};
-    _device->locked([&fault](Device& device) { device.log().addFault(fault); });
+    _device->locked([&fault](CameraDriver& device) { device.log().addFault(fault); });
 }
 
 void InstalledCamera::failFrom(CallId call, int error, unsigned nthUse)
 {
     Fault const fault{call, error, nthUse, true};
-    _device->locked([&fault](Device& device) { device.log().addFault(fault); });
+    _device->locked([&fault](CameraDriver& device) { device.log().addFault(fault); });
 }
 
 void InstalledCamera::stopFailing()
 {
-    _device->locked([](Device& device) { device.log().clearFaults(); });
+    _device->locked([](CameraDriver& device) { device.log().clearFaults(); });
 }
 
 void InstalledCamera::deliverFrames(unsigned count)

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "InstalledCamera.h"
 
-#include "Device.h"
+#include "CameraDriver.h"
 
 namespace VirtualCamera
 {
 
 std::int64_t InstalledCamera::controlValue(std::uint32_t controlId) const
 {
-    return _device->locked([controlId](Device& device) {
+    return _device->locked([controlId](CameraDriver& device) {
         std::int64_t value = 0;
         device.controls().at(controlId).read(value);
         return value;
@@ -18,12 +18,12 @@ std::int64_t InstalledCamera::controlValue(std::uint32_t controlId) const
 std::string InstalledCamera::controlText(std::uint32_t controlId) const
 {
     return _device->locked(
-        [controlId](Device& device) { return device.controls().scriptedAt(controlId).text(); });
+        [controlId](CameraDriver& device) { return device.controls().scriptedAt(controlId).text(); });
 }
 
 std::uint32_t InstalledCamera::controlFlags(std::uint32_t controlId) const
 {
-    return _device->locked([controlId](Device& device) {
+    return _device->locked([controlId](CameraDriver& device) {
         return device.controls().flagsOf(device.controls().at(controlId));
     });
 }
@@ -31,19 +31,19 @@ std::uint32_t InstalledCamera::controlFlags(std::uint32_t controlId) const
 void InstalledCamera::setControlValue(std::uint32_t controlId, std::int64_t value)
 {
     _device->locked(
-        [controlId, value](Device& device) { device.controls().at(controlId).force(value); });
+        [controlId, value](CameraDriver& device) { device.controls().at(controlId).force(value); });
 }
 
 void InstalledCamera::setControlText(std::uint32_t controlId, std::string const& text)
 {
-    _device->locked([controlId, &text](Device& device) {
+    _device->locked([controlId, &text](CameraDriver& device) {
         device.controls().scriptedAt(controlId).setText(text);
     });
 }
 
 void InstalledCamera::setControlFlags(std::uint32_t controlId, std::uint32_t flags)
 {
-    _device->locked([controlId, flags](Device& device) {
+    _device->locked([controlId, flags](CameraDriver& device) {
         device.controls().scriptedAt(controlId).setFlags(flags);
     });
 }
@@ -52,31 +52,31 @@ void InstalledCamera::setCurrentFormat(std::string const& pixelFormat, std::uint
                                        std::uint32_t height)
 {
     std::uint32_t const code = pixelFormatByName(pixelFormat);
-    _device->locked([=](Device& device) { device.formats().force(code, width, height); });
+    _device->locked([=](CameraDriver& device) { device.formats().force(code, width, height); });
 }
 
 void InstalledCamera::setCurrentInterval(std::uint32_t numerator, std::uint32_t denominator)
 {
-    _device->locked([=](Device& device) {
+    _device->locked([=](CameraDriver& device) {
         device.formats().force(Interval{numerator, denominator});
     });
 }
 
 std::vector<ControlMapping> InstalledCamera::mappings() const
 {
-    return _device->locked([](Device& device) { return device.extensionUnit().mappings(); });
+    return _device->locked([](CameraDriver& device) { return device.extensionUnit().mappings(); });
 }
 
 std::vector<std::uint8_t> InstalledCamera::selectorBytes(std::uint8_t selector) const
 {
     return _device->locked(
-        [selector](Device& device) { return device.extensionUnit().selector(selector).current; });
+        [selector](CameraDriver& device) { return device.extensionUnit().selector(selector).current; });
 }
 
 void InstalledCamera::setSelectorBytes(std::uint8_t selector,
                                        std::vector<std::uint8_t> const& bytes)
 {
-    _device->locked([selector, &bytes](Device& device) {
+    _device->locked([selector, &bytes](CameraDriver& device) {
         SelectorScript& target = device.extensionUnit().selector(selector);
         target.current = bytes;
         target.current.resize(target.size);

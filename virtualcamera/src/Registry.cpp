@@ -18,12 +18,12 @@ Registry& Registry::instance()
 Registry::Registry()
 {
     for (CameraScript& script : camerasOfEnvironment())
-        plug(std::make_shared<Device>(std::move(script)));
+        plug(std::make_shared<CameraDriver>(std::move(script)));
 }
 
-void Registry::plug(std::shared_ptr<Device> const& device)
+void Registry::plug(std::shared_ptr<CameraDriver> const& device)
 {
-    std::shared_ptr<Device> replaced;
+    std::shared_ptr<CameraDriver> replaced;
     {
         std::lock_guard const lock(_mutex);
         auto const expired = [](auto const& known) { return known.expired(); };
@@ -35,7 +35,7 @@ void Registry::plug(std::shared_ptr<Device> const& device)
         replaced->unplug();
 }
 
-void Registry::unplug(std::shared_ptr<Device> const& device)
+void Registry::unplug(std::shared_ptr<CameraDriver> const& device)
 {
     {
         std::lock_guard const lock(_mutex);
@@ -48,7 +48,7 @@ void Registry::unplug(std::shared_ptr<Device> const& device)
 
 void Registry::reset()
 {
-    std::map<std::string, std::shared_ptr<Device>> removed;
+    std::map<std::string, std::shared_ptr<CameraDriver>> removed;
     {
         std::lock_guard const lock(_mutex);
         removed.swap(_nodes);
@@ -57,9 +57,9 @@ void Registry::reset()
         device->unplug();
 }
 
-std::shared_ptr<Device> Registry::byNode(std::string const& node)
+std::shared_ptr<CameraDriver> Registry::byNode(std::string const& node)
 {
-    std::shared_ptr<Device> device;
+    std::shared_ptr<CameraDriver> device;
     {
         std::lock_guard const lock(_mutex);
         auto const found = _nodes.find(node);
@@ -69,16 +69,16 @@ std::shared_ptr<Device> Registry::byNode(std::string const& node)
     return device && device->gone() ? nullptr : device;
 }
 
-std::shared_ptr<Device> Registry::byDescriptor(int descriptor)
+std::shared_ptr<CameraDriver> Registry::byDescriptor(int descriptor)
 {
     std::lock_guard const lock(_mutex);
     auto const found = _descriptors.find(descriptor);
     return found == _descriptors.end() ? nullptr : found->second;
 }
 
-void Registry::addDescriptor(int descriptor, std::shared_ptr<Device> const& device)
+void Registry::addDescriptor(int descriptor, std::shared_ptr<CameraDriver> const& device)
 {
-    std::shared_ptr<Device> stale;
+    std::shared_ptr<CameraDriver> stale;
     {
         std::lock_guard const lock(_mutex);
         stale = std::exchange(_descriptors[descriptor], device);
@@ -90,7 +90,7 @@ void Registry::addDescriptor(int descriptor, std::shared_ptr<Device> const& devi
 
 void Registry::removeDescriptor(int descriptor)
 {
-    std::shared_ptr<Device> released;
+    std::shared_ptr<CameraDriver> released;
     std::lock_guard const lock(_mutex);
     auto const found = _descriptors.find(descriptor);
     if (found == _descriptors.end())
@@ -99,13 +99,13 @@ void Registry::removeDescriptor(int descriptor)
     _descriptors.erase(found);
 }
 
-void Registry::addMapping(MappingTicket const& ticket, std::shared_ptr<Device> const& device)
+void Registry::addMapping(MappingTicket const& ticket, std::shared_ptr<CameraDriver> const& device)
 {
     std::lock_guard const lock(_mutex);
     _mappings[ticket.address] = {ticket, device};
 }
 
-bool Registry::findMapping(void* address, MappingTicket& ticket, std::shared_ptr<Device>& device)
+bool Registry::findMapping(void* address, MappingTicket& ticket, std::shared_ptr<CameraDriver>& device)
 {
     std::lock_guard const lock(_mutex);
     auto const found = _mappings.find(address);
@@ -124,7 +124,7 @@ void Registry::removeMapping(void* address)
 
 Accounting Registry::accounting()
 {
-    std::vector<std::shared_ptr<Device>> devices;
+    std::vector<std::shared_ptr<CameraDriver>> devices;
     {
         std::lock_guard const lock(_mutex);
         for (auto const& known : _known)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Device.h"
+#include "CameraDriver.h"
 
 #include <map>
 #include <memory>
@@ -21,18 +21,18 @@ public:
     /// in the environment; never destroyed, since clients may close their cameras very late.
     static Registry& instance();
 
-    void plug(std::shared_ptr<Device> const& device);
-    void unplug(std::shared_ptr<Device> const& device);
+    void plug(std::shared_ptr<CameraDriver> const& device);
+    void unplug(std::shared_ptr<CameraDriver> const& device);
     void reset();
 
     /// Null for what isn't virtual.
-    std::shared_ptr<Device> byNode(std::string const& node);
-    std::shared_ptr<Device> byDescriptor(int descriptor);
+    std::shared_ptr<CameraDriver> byNode(std::string const& node);
+    std::shared_ptr<CameraDriver> byDescriptor(int descriptor);
 
-    void addDescriptor(int descriptor, std::shared_ptr<Device> const& device);
+    void addDescriptor(int descriptor, std::shared_ptr<CameraDriver> const& device);
     void removeDescriptor(int descriptor);
-    void addMapping(MappingTicket const& ticket, std::shared_ptr<Device> const& device);
-    bool findMapping(void* address, MappingTicket& ticket, std::shared_ptr<Device>& device);
+    void addMapping(MappingTicket const& ticket, std::shared_ptr<CameraDriver> const& device);
+    bool findMapping(void* address, MappingTicket& ticket, std::shared_ptr<CameraDriver>& device);
     void removeMapping(void* address);
 
     Accounting accounting();
@@ -41,16 +41,16 @@ private:
     struct Mapping
     {
         MappingTicket ticket;
-        std::shared_ptr<Device> device;
+        std::shared_ptr<CameraDriver> device;
     };
 
     Registry();
 
     std::mutex _mutex;
-    std::map<std::string, std::shared_ptr<Device>> _nodes;
-    std::unordered_map<int, std::shared_ptr<Device>> _descriptors;
+    std::map<std::string, std::shared_ptr<CameraDriver>> _nodes;
+    std::unordered_map<int, std::shared_ptr<CameraDriver>> _descriptors;
     std::unordered_map<void*, Mapping> _mappings;
-    std::vector<std::weak_ptr<Device>> _known;
+    std::vector<std::weak_ptr<CameraDriver>> _known;
 };
 
 } // namespace VirtualCamera

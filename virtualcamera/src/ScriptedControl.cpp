@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ScriptedControl.h"
 
-#include "KernelText.h"
+#include "FixedText.h"
 #include "Rounding.h"
 
 #include <algorithm>
@@ -41,7 +41,7 @@ int ScriptedControl::menuItem(v4l2_querymenu& item) const
         } else {
             // The structure is packed: its text is filled through a plain array.
             __u8 label[sizeof item.name];
-            copyKernelText(label, candidate.label);
+            copyFixedText(label, candidate.label);
             std::copy(std::begin(label), std::end(label), item.name);
         }
         return 0;

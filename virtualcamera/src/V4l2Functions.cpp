@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <cstdarg>
 
-using VirtualCamera::Device;
+using VirtualCamera::CameraDriver;
 using VirtualCamera::MappingTicket;
 using VirtualCamera::Registry;
 
@@ -118,7 +118,7 @@ VIRTUALCAMERA_EXPORT void* v4l2_mmap(void* start, size_t length, int prot, int f
 VIRTUALCAMERA_EXPORT int v4l2_munmap(void* _start, size_t length)
 {
     MappingTicket ticket;
-    std::shared_ptr<Device> device;
+    std::shared_ptr<CameraDriver> device;
     if (Registry::instance().findMapping(_start, ticket, device)) {
         // Unmapping a part would leave the rest behind for good.
         if (VirtualCamera::roundToPages(length) != VirtualCamera::roundToPages(ticket.length))

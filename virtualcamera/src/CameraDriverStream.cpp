@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Device.h"
+#include "CameraDriver.h"
 
 #include "RecordedCall.h"
 
@@ -13,7 +13,7 @@
 namespace VirtualCamera
 {
 
-int Device::streamOn(int file, int type)
+int CameraDriver::streamOn(int file, int type)
 {
     bool const wasStreaming = _queue.streaming();
     int const result = _queue.streamOn(file, type);
@@ -22,7 +22,7 @@ int Device::streamOn(int file, int type)
     return result;
 }
 
-int Device::awaitFrame(Lock& lock, int file)
+int CameraDriver::awaitFrame(Lock& lock, int file)
 {
     for (;;) {
         catchUp();
@@ -44,7 +44,7 @@ int Device::awaitFrame(Lock& lock, int file)
     }
 }
 
-std::uint32_t Device::fill(Buffer const& buffer, unsigned char* target, FrameFault const& fault)
+std::uint32_t CameraDriver::fill(Buffer const& buffer, unsigned char* target, FrameFault const& fault)
 {
     std::uint32_t const number = _script.stillPattern ? 0 : buffer.frame;
     std::size_t const painted = _painter.paint(_formats.pixels(), _formats.present(), number,
@@ -53,7 +53,7 @@ std::uint32_t Device::fill(Buffer const& buffer, unsigned char* target, FrameFau
     return fault.bytesUsed ? std::min(*fault.bytesUsed, used) : used;
 }
 
-int Device::dequeue(Lock& lock, int file, v4l2_buffer& buffer)
+int CameraDriver::dequeue(Lock& lock, int file, v4l2_buffer& buffer)
 {
     if (int const refused = _queue.checkDequeue(file, buffer))
         return refused;
@@ -77,7 +77,7 @@ int Device::dequeue(Lock& lock, int file, v4l2_buffer& buffer)
     return 0;
 }
 
-int Device::checkRead(int file)
+int CameraDriver::checkRead(int file)
 {
     if (_gone)
         return -ENODEV;
@@ -94,7 +94,7 @@ int Device::checkRead(int file)
     return started;
 }
 
-int Device::nextReadImage(Lock& lock, int file)
+int CameraDriver::nextReadImage(Lock& lock, int file)
 {
     if (int const failed = awaitFrame(lock, file))
         return failed;
@@ -108,7 +108,7 @@ int Device::nextReadImage(Lock& lock, int file)
     return 0;
 }
 
-std::int64_t Device::read(int file, void* target, std::size_t size)
+std::int64_t CameraDriver::read(int file, void* target, std::size_t size)
 {
     Lock lock(_mutex);
     catchUp();

@@ -28,10 +28,10 @@ struct MappingTicket
 
 /// A virtual camera's driver: one per plugged camera, shared by all its open descriptors. Results
 /// are 0 (or a count) or a negative errno. Every public member takes the lock.
-class Device
+class CameraDriver
 {
 public:
-    explicit Device(CameraScript script);
+    explicit CameraDriver(CameraScript script);
 
     std::string const& node() const { return _script.node; }
     bool gone() const;
@@ -76,11 +76,11 @@ private:
     /// Announces the state that a call leaves behind, whichever way it ends.
     struct Announcement
     {
-        explicit Announcement(Device& changed) : device(changed) {}
+        explicit Announcement(CameraDriver& changed) : device(changed) {}
         ~Announcement() { device.announce(); }
         Announcement(Announcement const&) = delete;
         Announcement& operator=(Announcement const&) = delete;
-        Device& device;
+        CameraDriver& device;
     };
 
     void catchUp();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "Device.h"
+#include "CameraDriver.h"
 
-#include "KernelText.h"
+#include "FixedText.h"
 #include "RecordedCall.h"
 
 #include <cerrno>
@@ -30,7 +30,7 @@ std::uint32_t usualCapabilities(CameraScript const& script)
 
 } // namespace
 
-int Device::ioctl(int file, std::uint32_t request, void* argument)
+int CameraDriver::ioctl(int file, std::uint32_t request, void* argument)
 {
     Lock lock(_mutex);
     catchUp();
@@ -48,7 +48,7 @@ int Device::ioctl(int file, std::uint32_t request, void* argument)
     return call.end(result, argument);
 }
 
-int Device::answer(Lock& lock, int file, std::uint32_t request, void* argument)
+int CameraDriver::answer(Lock& lock, int file, std::uint32_t request, void* argument)
 {
     int result = answerStream(lock, file, request, argument);
     if (result == -ENOTTY)
@@ -60,7 +60,7 @@ int Device::answer(Lock& lock, int file, std::uint32_t request, void* argument)
     return result;
 }
 
-int Device::answerDevice(std::uint32_t request, void* argument)
+int CameraDriver::answerDevice(std::uint32_t request, void* argument)
 {
     switch (request) {
     case VIDIOC_QUERYCAP:
@@ -70,7 +70,7 @@ int Device::answerDevice(std::uint32_t request, void* argument)
         if (input.index != 0)
             return -EINVAL;
         input = {};
-        copyKernelText(input.name, "Camera 1");
+        copyFixedText(input.name, "Camera 1");
         input.type = V4L2_INPUT_TYPE_CAMERA;
         return 0;
     }
@@ -84,13 +84,13 @@ int Device::answerDevice(std::uint32_t request, void* argument)
     }
 }
 
-int Device::queryCapabilities(v4l2_capability& capability) const
+int CameraDriver::queryCapabilities(v4l2_capability& capability) const
 {
     std::uint32_t const usual = usualCapabilities(_script);
     capability = {};
-    copyKernelText(capability.driver, _script.driver);
-    copyKernelText(capability.card, _script.card);
-    copyKernelText(capability.bus_info, _script.busInfo);
+    copyFixedText(capability.driver, _script.driver);
+    copyFixedText(capability.card, _script.card);
+    copyFixedText(capability.bus_info, _script.busInfo);
     capability.version = _script.driverVersion;
     capability.device_caps = _script.deviceCapabilities.value_or(usual);
     capability.capabilities =
@@ -98,7 +98,7 @@ int Device::queryCapabilities(v4l2_capability& capability) const
     return 0;
 }
 
-int Device::answerFormat(std::uint32_t request, void* argument)
+int CameraDriver::answerFormat(std::uint32_t request, void* argument)
 {
     switch (request) {
     case VIDIOC_ENUM_FMT:
@@ -124,7 +124,7 @@ int Device::answerFormat(std::uint32_t request, void* argument)
     }
 }
 
-int Device::answerStream(Lock& lock, int file, std::uint32_t request, void* argument)
+int CameraDriver::answerStream(Lock& lock, int file, std::uint32_t request, void* argument)
 {
     switch (request) {
     case VIDIOC_REQBUFS:
@@ -145,7 +145,7 @@ int Device::answerStream(Lock& lock, int file, std::uint32_t request, void* argu
     }
 }
 
-int Device::answerControl(std::uint32_t request, void* argument)
+int CameraDriver::answerControl(std::uint32_t request, void* argument)
 {
     switch (request) {
     case VIDIOC_QUERYCTRL:
@@ -171,7 +171,7 @@ int Device::answerControl(std::uint32_t request, void* argument)
     }
 }
 
-int Device::mapControl(uvc_xu_control_mapping const& mapping)
+int CameraDriver::mapControl(uvc_xu_control_mapping const& mapping)
 {
     if (_script.driver != "uvcvideo")
         return -ENOTTY;

@@ -11,7 +11,7 @@ namespace VirtualCamera
 
 /// Fills a fixed-size text of the kernel's, cut and zero-terminated like the kernel's own.
 template <typename Character, std::size_t Size>
-void copyKernelText(Character (&target)[Size], std::string const& text)
+void copyFixedText(Character (&target)[Size], std::string const& text)
 {
     static_assert(sizeof(Character) == 1);
     std::memset(target, 0, Size);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Device.h"
+#include "CameraDriver.h"
 
 #include "RecordedCall.h"
 
@@ -15,31 +15,31 @@
 namespace VirtualCamera
 {
 
-Device::Device(CameraScript script)
+CameraDriver::CameraDriver(CameraScript script)
     : _script(std::move(script)), _log(_script.faults, _script.callsLogged), _formats(_script),
       _controls(_script), _extensionUnit(_script.extensionUnit), _queue(_script), _source(_script)
 {}
 
-bool Device::gone() const
+bool CameraDriver::gone() const
 {
     std::lock_guard const lock(_mutex);
     return _gone;
 }
 
-void Device::unplug()
+void CameraDriver::unplug()
 {
     std::lock_guard const lock(_mutex);
     _gone = true;
     announce();
 }
 
-void Device::catchUp()
+void CameraDriver::catchUp()
 {
     _source.advance(monotonicNow(), _queue);
     _gone = _gone || _source.vanished();
 }
 
-std::optional<Nanoseconds> Device::wakeTime() const
+std::optional<Nanoseconds> CameraDriver::wakeTime() const
 {
     // select() finds a kernel's node readable when it has a frame, and when it has an error to
     // report: gone, not streaming, or nothing queued since streaming was last stopped.
@@ -49,7 +49,7 @@ std::optional<Nanoseconds> Device::wakeTime() const
     return _source.nextEvent(_queue);
 }
 
-void Device::announce()
+void CameraDriver::announce()
 {
     catchUp();
     std::optional<Nanoseconds> const wake = wakeTime();
@@ -67,7 +67,7 @@ void Device::announce()
     _changed.notify_all();
 }
 
-int Device::open(std::string const& path, int flags)
+int CameraDriver::open(std::string const& path, int flags)
 {
     std::lock_guard const lock(_mutex);
     RecordedCall call(_log, Call::Open);
@@ -87,7 +87,7 @@ int Device::open(std::string const& path, int flags)
     return file;
 }
 
-int Device::close(int file)
+int CameraDriver::close(int file)
 {
     std::lock_guard const lock(_mutex);
     RecordedCall call(_log, Call::Close, file);
@@ -99,7 +99,7 @@ int Device::close(int file)
     return call.end(-scripted);
 }
 
-void Device::release(int file)
+void CameraDriver::release(int file)
 {
     _queue.closed(file);
     auto const sameFile = [file](OpenFile const& open) { return open.descriptor == file; };
@@ -107,13 +107,13 @@ void Device::release(int file)
     announce();
 }
 
-void Device::forgetFile(int file)
+void CameraDriver::forgetFile(int file)
 {
     std::lock_guard const lock(_mutex);
     release(file);
 }
 
-int Device::map(int file, std::size_t length, int protection, int flags, std::int64_t offset,
+int CameraDriver::map(int file, std::size_t length, int protection, int flags, std::int64_t offset,
                 MappingTicket& ticket)
 {
     std::lock_guard const lock(_mutex);
@@ -137,7 +137,7 @@ int Device::map(int file, std::size_t length, int protection, int flags, std::in
     return call.end(result);
 }
 
-int Device::unmap(MappingTicket const& ticket)
+int CameraDriver::unmap(MappingTicket const& ticket)
 {
     std::lock_guard const lock(_mutex);
     RecordedCall call(_log, Call::Munmap);
@@ -150,7 +150,7 @@ int Device::unmap(MappingTicket const& ticket)
     return call.end(0);
 }
 
-Accounting Device::accounting() const
+Accounting CameraDriver::accounting() const
 {
     std::lock_guard const lock(_mutex);
     Accounting account;
@@ -166,7 +166,7 @@ Accounting Device::accounting() const
     return account;
 }
 
-void Device::deliverFrames(unsigned count)
+void CameraDriver::deliverFrames(unsigned count)
 {
     std::lock_guard const lock(_mutex);
     _source.deliver(count, monotonicNow(), _queue);

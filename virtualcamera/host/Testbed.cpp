@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+#include "Testbed.h"
+
+#include "UsbDescriptors.h"
+#include "UsbdevfsNode.h"
+
+#include <umockdev.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace VirtualCamera
+{
+
+namespace
+{
+
+std::string takeText(gchar* text)
+{
+    std::string const copy = text != nullptr ? text : "";
+    g_free(text);
+    return copy;
+}
+
+/// Attributes or properties in the form that umockdev takes them.
+class TextList
+{
+public:
+    void add(std::string name, std::string value)
+    {
+        _texts.push_back(std::move(name));
+        _texts.push_back(std::move(value));
+    }
+    void add(std::string name, std::optional<std::string> const& value)
+    {
+        if (value)
+            add(std::move(name), *value);
+    }
+    gchar** pointers()
+    {
+        _pointers.clear();
+        for (std::string& text : _texts)
+            _pointers.push_back(text.data());
+        _pointers.push_back(nullptr);
+        return _pointers.data();
+    }
+
+private:
+    std::vector<std::string> _texts;
+    std::vector<gchar*> _pointers;
+};
+
+} // namespace
+
+struct Testbed::State
+{
+    struct PluggedDevice
+    {
+        std::string interfacePath;
+        std::string node;
+        std::unique_ptr<UsbdevfsNode> served;
+        std::vector<std::string> videoNodes;
+    };
+
+    UMockdevTestbed* testbed = umockdev_testbed_new();
+    std::map<std::string, PluggedDevice> devices; ///< By syspath.
+    int nextDeviceNumber = 2;
+    int nextMinor = 0;
+};
+
+Testbed::Testbed() : _state(std::make_unique<State>())
+{
+    _rootDirectory = takeText(umockdev_testbed_get_root_dir(_state->testbed));
+}
+
+Testbed::~Testbed()
+{
+    _state->devices.clear();
+    g_object_unref(_state->testbed);
+    std::error_code ignored;
+    std::filesystem::remove_all(_rootDirectory, ignored);
+}
+
+bool Testbed::visible()
+{
+    return umockdev_in_mock_environment() != FALSE;
+}
+
+void Testbed::addNodeFile(std::string const& path)
+{
+    std::filesystem::path const file = _rootDirectory + path;
+    std::filesystem::create_directories(file.parent_path());
+    if (!std::ofstream(file))
+        throw std::runtime_error("cannot make " + file.string());
+}
+
+void Testbed::removeNodeFile(std::string const& path)
+{
+    std::error_code ignored;
+    std::filesystem::remove(_rootDirectory + path, ignored);
+}
+
+UsbDevice Testbed::plug(UsbDeviceScript const& script)
+{
+    int const bus = std::atoi(script.port.c_str());
+    int const number = _state->nextDeviceNumber++;
+    char node[64];
+    std::snprintf(node, sizeof node, "/dev/bus/usb/%03d/%03d", bus, number);
+    TextList attributes;
+    attributes.add("idVendor", script.vendorId);
+    attributes.add("idProduct", script.productId);
+    attributes.add("manufacturer", script.manufacturer);
+    attributes.add("product", script.product);
+    attributes.add("serial", script.serial);
+    attributes.add("speed", script.speed);
+    attributes.add("busnum", std::to_string(bus));
+    attributes.add("devnum", std::to_string(number));
+    attributes.add("bConfigurationValue", std::string("1"));
+    attributes.add("dev", "189:" + std::to_string((bus - 1) * 128 + number - 1));
+    TextList properties;
+    properties.add("DEVTYPE", std::string("usb_device"));
+    properties.add("DEVNAME", std::string(node));
+    if (!script.openRefused)
+        addNodeFile(node);
+    std::string const syspath =
+        takeText(umockdev_testbed_add_devicev(_state->testbed, "usb", script.port.c_str(), nullptr,
+                                              attributes.pointers(), properties.pointers()));
+    std::vector<std::uint8_t> descriptors = usbDescriptors(script);
+    umockdev_testbed_set_attribute_binary(_state->testbed, syspath.c_str(), "descriptors",
+                                          descriptors.data(),
+                                          static_cast<gint>(descriptors.size()));
+
+    TextList noAttributes;
+    TextList interfaceProperties;
+    interfaceProperties.add("DEVTYPE", std::string("usb_interface"));
+    State::PluggedDevice& plugged = _state->devices[syspath];
+    plugged.interfacePath = takeText(umockdev_testbed_add_devicev(
+        _state->testbed, "usb", (script.port + ":1.0").c_str(), syspath.c_str(),
+        noAttributes.pointers(), interfaceProperties.pointers()));
+    plugged.node = node;
+    auto endpoint = std::make_shared<UsbEndpointZero>(script);
+    plugged.served = std::make_unique<UsbdevfsNode>(_state->testbed, node, endpoint);
+    _syspaths[script.port] = syspath;
+    return UsbDevice(syspath, std::move(endpoint));
+}
+
+void Testbed::unplug(UsbDevice const& device)
+{
+    auto const found = _state->devices.find(device.syspath());
+    if (found == _state->devices.end())
+        throw std::invalid_argument("the device isn't plugged in");
+    std::vector<std::string> const videoNodes = found->second.videoNodes;
+    for (std::string const& name : videoNodes)
+        if (_syspaths.count(name) != 0)
+            removeVideoNode(name);
+    for (std::string const& path : {found->second.interfacePath, found->first}) {
+        umockdev_testbed_uevent(_state->testbed, path.c_str(), "remove");
+        umockdev_testbed_remove_device(_state->testbed, path.c_str());
+    }
+    removeNodeFile(found->second.node);
+    _state->devices.erase(found);
+}
+
+void Testbed::addVideoNode(std::string const& name)
+{
+    addVideo(name, nullptr);
+}
+
+void Testbed::addVideoNode(std::string const& name, UsbDevice const& parent)
+{
+    auto const found = _state->devices.find(parent.syspath());
+    if (found == _state->devices.end())
+        throw std::invalid_argument("the parent isn't plugged in");
+    addVideo(name, found->second.interfacePath.c_str());
+    found->second.videoNodes.push_back(name);
+}
+
+std::string Testbed::addVideo(std::string const& name, char const* parent)
+{
+    // First the node, so that whoever hears of the device finds it.
+    addNodeFile("/dev/" + name);
+    TextList attributes;
+    attributes.add("dev", "81:" + std::to_string(_state->nextMinor++));
+    attributes.add("index", std::string("0"));
+    TextList properties;
+    properties.add("DEVNAME", "/dev/" + name);
+    std::string const syspath =
+        takeText(umockdev_testbed_add_devicev(_state->testbed, "video4linux", name.c_str(), parent,
+                                              attributes.pointers(), properties.pointers()));
+    _syspaths[name] = syspath;
+    return syspath;
+}
+
+void Testbed::removeVideoNode(std::string const& name)
+{
+    std::string const syspath = syspathOf(name);
+    removeNodeFile("/dev/" + name);
+    umockdev_testbed_uevent(_state->testbed, syspath.c_str(), "remove");
+    umockdev_testbed_remove_device(_state->testbed, syspath.c_str());
+    _syspaths.erase(name);
+}
+
+void Testbed::addOtherDevice(std::string const& subsystem, std::string const& name,
+                             std::string const& node)
+{
+    TextList attributes;
+    TextList properties;
+    if (!node.empty()) {
+        addNodeFile(node);
+        properties.add("DEVNAME", node);
+    }
+    _syspaths[name] =
+        takeText(umockdev_testbed_add_devicev(_state->testbed, subsystem.c_str(), name.c_str(),
+                                              nullptr, attributes.pointers(),
+                                              properties.pointers()));
+}
+
+void Testbed::sendEvent(std::string const& name, std::string const& action)
+{
+    umockdev_testbed_uevent(_state->testbed, syspathOf(name).c_str(), action.c_str());
+}
+
+std::string Testbed::syspathOf(std::string const& name) const
+{
+    auto const found = _syspaths.find(name);
+    if (found == _syspaths.end())
+        throw std::out_of_range("the testbed has no device named " + name);
+    return found->second;
+}
+
+} // namespace VirtualCamera

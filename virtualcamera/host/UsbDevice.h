@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "UsbDeviceScript.h"
+
+#include <functional>
+#include <memory>
+
+namespace VirtualCamera
+{
+
+class UsbEndpointZero;
+
+/// A control transfer that a client sent.
+struct UsbRequest
+{
+    std::uint8_t requestType = 0;
+    std::uint8_t request = 0;
+    std::uint16_t value = 0;
+    std::uint16_t index = 0;
+    std::uint16_t length = 0;
+};
+
+/// A device plugged into a `Testbed`; copies stand for the same device.
+class UsbDevice
+{
+public:
+    UsbDevice(std::string syspath, std::shared_ptr<UsbEndpointZero> endpoint);
+
+    /// "/sys/devices/..."
+    std::string const& syspath() const { return _syspath; }
+    /// Every control transfer so far, oldest first.
+    std::vector<UsbRequest> requests() const;
+    /// How many asked for the firmware text, and how many for a reset.
+    int firmwareRequests() const;
+    int resetRequests() const;
+    void setFirmware(std::optional<std::vector<std::uint8_t>> firmware);
+    /// Called in another thread after each reset request has been answered.
+    void onReset(std::function<void()> action);
+
+private:
+    std::string _syspath;
+    std::shared_ptr<UsbEndpointZero> _endpoint;
+};
+
+} // namespace VirtualCamera

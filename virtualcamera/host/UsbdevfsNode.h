@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "UsbEndpointZero.h"
+
+#include <umockdev.h>
+
+namespace VirtualCamera
+{
+
+/// Serves the ioctls of one /dev/bus/usb node, through which libusb reaches the device.
+class UsbdevfsNode
+{
+public:
+    UsbdevfsNode(UMockdevTestbed* testbed, std::string node,
+                 std::shared_ptr<UsbEndpointZero> endpoint);
+    ~UsbdevfsNode();
+    UsbdevfsNode(UsbdevfsNode const&) = delete;
+    UsbdevfsNode& operator=(UsbdevfsNode const&) = delete;
+
+private:
+    class Server;
+
+    UMockdevTestbed* _testbed;
+    std::string _node;
+    UMockdevIoctlBase* _handler;
+};
+
+} // namespace VirtualCamera
