@@ -3,8 +3,6 @@
 
 #include "Export.h"
 
-#include <cstdint>
-
 namespace ImageAcquisition
 {
 

@@ -4,8 +4,6 @@
 #include "Export.h"
 #include "FrameTimeStamp.h"
 
-#include <cstdint>
-
 namespace ImageAcquisition
 {
 
@@ -32,7 +30,7 @@ public:
 
     /// The driver's number of the frame since streaming began; a gap means lost frames. 0 where
     /// the transfer method has none.
-    virtual std::uint64_t counter() const = 0;
+    virtual unsigned long long counter() const = 0;
 
     /// When the driver captured the frame; zero where the transfer method has none.
     virtual FrameTimeStamp timeStamp() const = 0;

@@ -81,7 +81,7 @@ unsigned int InputMethod::BaseFrame::size() const
     return bytesUsed();
 }
 
-std::uint64_t InputMethod::BaseFrame::counter() const
+unsigned long long InputMethod::BaseFrame::counter() const
 {
     return 0;
 }

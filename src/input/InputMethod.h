@@ -59,7 +59,7 @@ class InputMethod::BaseFrame : public IFrame
 {
 public:
     unsigned int size() const override;
-    std::uint64_t counter() const override;
+    unsigned long long counter() const override;
     FrameTimeStamp timeStamp() const override;
 };
 

@@ -15,7 +15,7 @@ public:
     bool isInvalid() const override { return false; }
     bool isCorrupted() const override { return (m_buffer.flags & V4L2_BUF_FLAG_ERROR) != 0; }
     unsigned int bytesUsed() const override { return m_buffer.bytesused; }
-    std::uint64_t counter() const override { return m_buffer.sequence; }
+    unsigned long long counter() const override { return m_buffer.sequence; }
     FrameTimeStamp timeStamp() const override
     {
         return {m_buffer.timestamp.tv_sec, m_buffer.timestamp.tv_usec};
