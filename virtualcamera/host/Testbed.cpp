@@ -14,6 +14,19 @@
 #include <utility>
 #include <vector>
 
+#ifdef __SANITIZE_THREAD__
+extern "C" char const* __tsan_default_suppressions();
+// umockdev serves its clients from a thread of its own, and GLib's locks are built on futexes,
+// which the sanitizer cannot see.
+extern "C" char const* __tsan_default_suppressions()
+{
+    return "called_from_lib:libumockdev.so.0\n"
+           "called_from_lib:libglib-2.0.so.0\n"
+           "called_from_lib:libgobject-2.0.so.0\n"
+           "called_from_lib:libgio-2.0.so.0\n";
+}
+#endif
+
 namespace VirtualCamera
 {
 

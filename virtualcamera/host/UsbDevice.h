@@ -35,7 +35,8 @@ public:
     int firmwareRequests() const;
     int resetRequests() const;
     void setFirmware(std::optional<std::vector<std::uint8_t>> firmware);
-    /// Called in another thread after each reset request has been answered.
+    /// Called in another thread after each reset request has been answered; must leave the
+    /// testbed alone.
     void onReset(std::function<void()> action);
 
 private:

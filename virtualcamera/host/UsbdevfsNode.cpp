@@ -26,12 +26,29 @@ public:
             g_object_unref(finished.block);
     }
 
+    static Server* make(std::shared_ptr<UsbEndpointZero> endpoint)
+    {
+        std::lock_guard const lock(handover());
+        return new Server(std::move(endpoint));
+    }
     static gboolean handle(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer server)
     {
-        static_cast<Server*>(server)->serve(client);
+        std::function<void()> afterwards;
+        {
+            std::lock_guard const lock(handover());
+            auto* const own = static_cast<Server*>(server);
+            own->serve(client);
+            afterwards.swap(own->_afterwards);
+        }
+        if (afterwards)
+            afterwards();
         return TRUE;
     }
-    static void destroy(gpointer server, GClosure*) { delete static_cast<Server*>(server); }
+    static void destroy(gpointer server, GClosure*)
+    {
+        std::lock_guard const lock(handover());
+        delete static_cast<Server*>(server);
+    }
 
 private:
     /// A request block that waits for its client to fetch it.
@@ -41,15 +58,23 @@ private:
         UMockdevIoctlData* block;
     };
 
+    /// Guards every server from being made in one thread, used in umockdev's and destroyed in
+    /// either, in a way that the thread sanitizer can follow.
+    static std::mutex& handover()
+    {
+        static std::mutex mutex;
+        return mutex;
+    }
+
     void serve(UMockdevIoctlClient* client);
     int submit(UMockdevIoctlClient* client);
     int reap(UMockdevIoctlClient* client);
     static int tellCapabilities(UMockdevIoctlClient* client);
     int run(UMockdevIoctlData* block, usbdevfs_urb& request);
 
-    std::mutex _mutex;
     std::shared_ptr<UsbEndpointZero> _endpoint;
     std::list<Finished> _finished;
+    std::function<void()> _afterwards;
 };
 
 namespace
@@ -84,7 +109,6 @@ UsbRequest requestOf(guint8 const* setup)
 
 void UsbdevfsNode::Server::serve(UMockdevIoctlClient* client)
 {
-    std::lock_guard const lock(_mutex);
     int error = 0;
     switch (umockdev_ioctl_client_get_request(client)) {
     case USBDEVFS_GET_CAPABILITIES:
@@ -156,8 +180,7 @@ int UsbdevfsNode::Server::run(UMockdevIoctlData* block, usbdevfs_urb& request)
     g_object_unref(buffer);
     update(block, offsetof(usbdevfs_urb, status), reply.stalled ? -EPIPE : 0);
     update(block, offsetof(usbdevfs_urb, actual_length), static_cast<int>(reply.bytes.size()));
-    if (reply.afterwards)
-        reply.afterwards();
+    _afterwards = reply.afterwards;
     return 0;
 }
 
@@ -183,7 +206,7 @@ UsbdevfsNode::UsbdevfsNode(UMockdevTestbed* testbed, std::string node,
     : _testbed(testbed), _node(std::move(node)), _handler(umockdev_ioctl_base_new())
 {
     g_signal_connect_data(_handler, "handle-ioctl", G_CALLBACK(Server::handle),
-                          new Server(std::move(endpoint)), Server::destroy, GConnectFlags{});
+                          Server::make(std::move(endpoint)), Server::destroy, GConnectFlags{});
     GError* error = nullptr;
     if (umockdev_testbed_attach_ioctl(_testbed, _node.c_str(), _handler, &error) == FALSE) {
         std::string const message = error != nullptr ? error->message : "unknown failure";
