@@ -3,6 +3,7 @@
 
 option(IMAGEACQUISITION_BUILD_TOOLS "Build the command-line tool and the viewer" ON)
 option(IMAGEACQUISITION_BUILD_VIRTUALCAMERA "Build the virtual camera" ON)
+option(IMAGEACQUISITION_BUILD_EXAMPLES "Build the examples" ON)
 option(IMAGEACQUISITION_BUILD_TESTS "Build the tests" ON)
 option(IMAGEACQUISITION_BUILD_KERNEL_TESTS "Build the programs that run in the virtual machine" ON)
 option(IMAGEACQUISITION_WARNINGS_AS_ERRORS "Stop at the first compiler warning" OFF)
