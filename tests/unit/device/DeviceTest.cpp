@@ -28,10 +28,9 @@ TEST(Device, StartsWithItsIndexAndTheDefaults)
     EXPECT_EQ(3, device.index());
     EXPECT_STREQ("Unknown Device", device.name());
     EXPECT_STREQ("Unknown", device.systemName());
-    for (char const* const text :
-         {device.driverName(), device.driverVersion(), device.busInfo(), device.vendorId(),
-          device.productId(), device.manufacturer(), device.product(), device.serial(),
-          device.firmwareVersion()}) {
+    for (char const* const text : {device.driverName(), device.driverVersion(), device.busInfo(),
+                                   device.vendorId(), device.productId(), device.manufacturer(),
+                                   device.product(), device.serial(), device.firmwareVersion()}) {
         EXPECT_STREQ("", text);
     }
     EXPECT_FALSE(device.supportsAsynchIO());
@@ -65,9 +64,9 @@ TEST(Device, KeepsATextWhenItIsSetToNull)
 {
     Device device(0);
     void (Device::*const setters[])(char const*) = {
-        &Device::setIdVendor,   &Device::setIdProduct,  &Device::setManufacturer,
-        &Device::setProduct,    &Device::setSerial,     &Device::setDriverName,
-        &Device::setBusInfo,    &Device::setName,       &Device::setSystemName,
+        &Device::setIdVendor,       &Device::setIdProduct, &Device::setManufacturer,
+        &Device::setProduct,        &Device::setSerial,    &Device::setDriverName,
+        &Device::setBusInfo,        &Device::setName,      &Device::setSystemName,
         &Device::setFirmwareVersion};
     for (auto const setter : setters) {
         (device.*setter)("A1");
@@ -162,10 +161,9 @@ TEST(Device, KeepsTheDefaultsForNullTextsOfAnApplicationsRecord)
     Device const copy(&other);
     EXPECT_STREQ("Unknown Device", copy.name());
     EXPECT_STREQ("Unknown", copy.systemName());
-    for (char const* const text :
-         {copy.driverName(), copy.driverVersion(), copy.busInfo(), copy.vendorId(),
-          copy.productId(), copy.manufacturer(), copy.product(), copy.serial(),
-          copy.firmwareVersion()}) {
+    for (char const* const text : {copy.driverName(), copy.driverVersion(), copy.busInfo(),
+                                   copy.vendorId(), copy.productId(), copy.manufacturer(),
+                                   copy.product(), copy.serial(), copy.firmwareVersion()}) {
         EXPECT_STREQ("", text);
     }
 }

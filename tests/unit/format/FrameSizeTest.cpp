@@ -199,11 +199,8 @@ TEST(FrameSize, FindsTheFirstOfTwoEqualIntervals)
 
 TEST(FrameSize, ReportsTheLineLengthOfTheFormatThatIsSetNow)
 {
-    auto const camera = aCamera()
-                            .withFormat("YUYV")
-                            .withSize(640, 480)
-                            .withSize(320, 240)
-                            .install();
+    auto const camera =
+        aCamera().withFormat("YUYV").withSize(640, 480).withSize(320, 240).install();
     OpenNode const node;
     FrameSize const size(node.fd(), yuyv, 320, 240);
     EXPECT_EQ(1280, size.bytesPerLine());

@@ -54,8 +54,7 @@ TEST(ImageFormatManager, IsEmptyBeforeInit)
 
 TEST(ImageFormatManager, StaysEmptyWhenTheDeviceListsNoFormats)
 {
-    auto const camera =
-        aCamera().withFormat("YUYV").failing(VIDIOC_ENUM_FMT, EINVAL).install();
+    auto const camera = aCamera().withFormat("YUYV").failing(VIDIOC_ENUM_FMT, EINVAL).install();
     OpenNode const node;
     ImageFormatManager manager;
     manager.init(node.fd());

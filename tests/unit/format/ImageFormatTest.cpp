@@ -62,7 +62,10 @@ TEST(ImageFormat, TellsCompressedFromEmulated)
         unsigned int flags;
         bool compressed;
         bool emulated;
-    } const cases[] = {{0, false, false}, {1, true, false}, {2, false, true}, {3, true, true},
+    } const cases[] = {{0, false, false},
+                       {1, true, false},
+                       {2, false, true},
+                       {3, true, true},
                        {0xfffffffc, false, false}};
     for (auto const& one : cases) {
         ImageFormat const format(-1, describe(V4L2_PIX_FMT_MJPEG, one.flags));

@@ -1,0 +1,260 @@
+// SPDX-License-Identifier: MIT
+// Buffers of the memory-mapped method: asking, mapping, giving back.
+#include "input/InputMethodMemoryMapping.h"
+
+#include "DescriptorLimit.h"
+#include "OpenNode.h"
+#include "SmallCamera.h"
+#include "V4l2Hook.h"
+
+#include <gtest/gtest.h>
+
+#include <linux/videodev2.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+using VirtualCamera::Call;
+using VirtualCamera::InstalledCamera;
+
+v4l2_requestbuffers lastRequest(InstalledCamera const& camera)
+{
+    return camera.calls(VIDIOC_REQBUFS).back().argument<v4l2_requestbuffers>();
+}
+
+TEST(InputMethodMemoryMapping, AsksForMappedCaptureBuffers)
+{
+    auto const camera = smallCamera().install();
+    OpenNode const node;
+    v4l2_requestbuffers request;
+    std::memset(&request, 0xff, sizeof request);
+    EXPECT_EQ(0, InputMethodMemoryMapping::requestBuffers(node.fd(), 3, request));
+    EXPECT_EQ(3u, request.count);
+    v4l2_requestbuffers expected{};
+    expected.count = 3;
+    expected.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+    expected.memory = V4L2_MEMORY_MMAP;
+    v4l2_requestbuffers const sent = lastRequest(camera);
+    EXPECT_EQ(0, std::memcmp(&expected, &sent, sizeof sent));
+}
+
+TEST(InputMethodMemoryMapping, ReportsTheErrorOfARefusedRequest)
+{
+    auto const camera = smallCamera().failing(VIDIOC_REQBUFS, EBUSY).install();
+    OpenNode const node;
+    v4l2_requestbuffers request;
+    EXPECT_EQ(EBUSY, InputMethodMemoryMapping::requestBuffers(node.fd(), 3, request));
+}
+
+TEST(InputMethodMemoryMapping, IsSupportedByADriverThatGrantsBuffers)
+{
+    auto const camera = smallCamera().install();
+    OpenNode const node;
+    EXPECT_TRUE(InputMethodMemoryMapping::supported(node.fd()));
+    auto const calls = camera.calls(VIDIOC_REQBUFS);
+    ASSERT_EQ(2u, calls.size());
+    EXPECT_EQ(4u, calls[0].argument<v4l2_requestbuffers>().count);
+    EXPECT_EQ(0u, calls[1].argument<v4l2_requestbuffers>().count);
+    EXPECT_TRUE(camera.accounting().allocatedBuffers == 0);
+}
+
+TEST(InputMethodMemoryMapping, IsNotSupportedByADriverThatAnswersEinval)
+{
+    auto const camera = smallCamera().offeringMmap(false).install();
+    OpenNode const node;
+    EXPECT_FALSE(InputMethodMemoryMapping::supported(node.fd()));
+    EXPECT_EQ(1u, camera.countOf(VIDIOC_REQBUFS));
+}
+
+TEST(InputMethodMemoryMapping, CountsAnyOtherErrorAsSupport)
+{
+    for (int const error : {EBUSY, EIO, ENODEV, ENOTTY, ENOMEM}) {
+        auto const camera = smallCamera().failing(VIDIOC_REQBUFS, error).install();
+        OpenNode const node;
+        EXPECT_TRUE(InputMethodMemoryMapping::supported(node.fd())) << error;
+        EXPECT_EQ(2u, camera.countOf(VIDIOC_REQBUFS));
+        EXPECT_EQ(0u, lastRequest(camera).count);
+    }
+}
+
+TEST(InputMethodMemoryMapping, MapsEveryBufferThatTheDriverGrants)
+{
+    struct
+    {
+        unsigned int most;
+        unsigned int fewest;
+        int expected;
+    } const cases[] = {{32, 0, 4}, {2, 0, 2}, {1, 0, 1}, {32, 6, 6}};
+    for (auto const& one : cases) {
+        auto const camera =
+            smallCamera().grantingAtMost(one.most).grantingAtLeast(one.fewest).install();
+        OpenNode const node;
+        InputMethodMemoryMapping method(node.fd());
+        ASSERT_EQ(0, method.setup(4, smallImageSize));
+        EXPECT_EQ(one.expected, camera.accounting().liveMappings);
+        ASSERT_EQ(0, method.startCapture());
+        EXPECT_EQ(static_cast<unsigned>(one.expected), camera.countOf(VIDIOC_QBUF));
+        IFrame* const frame = method.acquireFrame();
+        EXPECT_FALSE(frame->isInvalid());
+        EXPECT_EQ(0, method.releaseFrame(frame));
+        EXPECT_EQ(0, method.stopCapture());
+        EXPECT_EQ(0, method.cleanup());
+        EXPECT_EQ(0, camera.accounting().liveMappings);
+        EXPECT_EQ(0, camera.accounting().allocatedBuffers);
+    }
+}
+
+TEST(InputMethodMemoryMapping, MapsForReadingAndWritingAtTheDriversOffsets)
+{
+    auto const camera = smallCamera().install();
+    OpenNode const node;
+    InputMethodMemoryMapping method(node.fd());
+    ASSERT_EQ(0, method.setup(2, 1));
+    auto const maps = camera.calls(Call::Mmap);
+    auto const queries = camera.calls(VIDIOC_QUERYBUF);
+    ASSERT_EQ(2u, maps.size());
+    ASSERT_EQ(2u, queries.size());
+    for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(i, queries[i].argument<v4l2_buffer>().index);
+        auto const described = queries[i].answer<v4l2_buffer>();
+        EXPECT_EQ(described.length, maps[i].length);
+        EXPECT_EQ(described.m.offset, maps[i].offset);
+    }
+    method.cleanup();
+}
+
+TEST(InputMethodMemoryMapping, FailsToSetUpWhenTheDriverGrantsNothing)
+{
+    auto const camera = smallCamera().grantingAtMost(0).install();
+    OpenNode const node;
+    InputMethodMemoryMapping method(node.fd());
+    EXPECT_EQ(-1, method.setup(4, smallImageSize));
+    EXPECT_TRUE(method.acquireFrame()->isInvalid());
+}
+
+TEST(InputMethodMemoryMapping, FailsToSetUpWhenTheDriverRefuses)
+{
+    auto const camera = smallCamera().failing(VIDIOC_REQBUFS, EBUSY).install();
+    OpenNode const node;
+    InputMethodMemoryMapping method(node.fd());
+    EXPECT_EQ(-1, method.setup(4, smallImageSize));
+    EXPECT_EQ(0u, camera.countOf(VIDIOC_QUERYBUF));
+}
+
+TEST(InputMethodMemoryMapping, FailsToSetUpWithoutAPipeBeforeItTouchesTheDevice)
+{
+    auto const camera = smallCamera().install();
+    OpenNode const node;
+    InputMethodMemoryMapping method(node.fd());
+    {
+        DescriptorLimit const none;
+        EXPECT_EQ(-1, method.setup(4, smallImageSize));
+    }
+    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+}
+
+TEST(InputMethodMemoryMapping, PassesANegativeCountOnToTheDriver)
+{
+    auto const camera = smallCamera().grantingAtMost(3).install();
+    OpenNode const node;
+    InputMethodMemoryMapping method(node.fd());
+    EXPECT_EQ(0, method.setup(-1, smallImageSize));
+    EXPECT_EQ(0xffffffffu, lastRequest(camera).count);
+    EXPECT_EQ(3, camera.accounting().liveMappings);
+    method.cleanup();
+}
+
+TEST(InputMethodMemoryMapping, GivesEverythingBackWhenABufferCannotBeHad)
+{
+    struct
+    {
+        VirtualCamera::CallId call;
+        unsigned use;
+    } const cases[] = {
+        {VIDIOC_QUERYBUF, 1}, {VIDIOC_QUERYBUF, 3}, {Call::Mmap, 1}, {Call::Mmap, 4}};
+    for (auto const& one : cases) {
+        auto const camera = smallCamera().failing(one.call, ENOMEM, one.use).install();
+        OpenNode const node;
+        InputMethodMemoryMapping method(node.fd());
+        EXPECT_EQ(-1, method.setup(4, smallImageSize));
+        EXPECT_EQ(0, camera.accounting().liveMappings);
+        EXPECT_EQ(0, camera.accounting().allocatedBuffers);
+        EXPECT_EQ(0u, lastRequest(camera).count);
+        EXPECT_EQ(0, method.setup(4, smallImageSize)) << "it works once the driver does";
+        method.cleanup();
+    }
+}
+
+TEST(InputMethodMemoryMapping, ReleasesBuffersInTheOrderThatDriversNeed)
+{
+    auto const camera = smallCamera().install();
+    OpenNode const node;
+    InputMethodMemoryMapping method(node.fd());
+    ASSERT_EQ(0, method.setup(2, smallImageSize));
+    EXPECT_EQ(0, method.cleanup());
+    auto const calls = camera.calls();
+    ASSERT_LE(3u, calls.size());
+    EXPECT_EQ(VirtualCamera::CallId(Call::Munmap), calls[calls.size() - 3].call);
+    EXPECT_EQ(VirtualCamera::CallId(Call::Munmap), calls[calls.size() - 2].call);
+    EXPECT_EQ(VirtualCamera::CallId(VIDIOC_REQBUFS), calls[calls.size() - 1].call);
+    EXPECT_TRUE(calls.back().succeeded());
+}
+
+TEST(InputMethodMemoryMapping, IgnoresFailuresOfCleaningUp)
+{
+    auto camera = smallCamera().install();
+    OpenNode const node;
+    InputMethodMemoryMapping method(node.fd());
+    ASSERT_EQ(0, method.setup(2, smallImageSize));
+    camera.fail(VIDIOC_REQBUFS, EIO);
+    EXPECT_EQ(0, method.cleanup());
+    EXPECT_EQ(0, method.cleanup()) << "and may be repeated";
+    EXPECT_EQ(0, camera.accounting().liveMappings);
+}
+
+TEST(InputMethodMemoryMapping, KeepsItsBuffersWhenTheDriverRefusesASecondSetup)
+{
+    auto const camera = smallCamera().install();
+    OpenNode const node;
+    InputMethodMemoryMapping method(node.fd());
+    ASSERT_EQ(0, method.setup(2, smallImageSize));
+    EXPECT_EQ(-1, method.setup(2, smallImageSize));
+    EXPECT_EQ(2, camera.accounting().liveMappings);
+    EXPECT_EQ(0, method.cleanup());
+    EXPECT_EQ(0, camera.accounting().liveMappings);
+}
+
+TEST(InputMethodMemoryMapping, UnmapsItsBuffersWhenTheDriverAllowsASecondSetup)
+{
+    auto const camera = smallCamera().install();
+    OpenNode const node;
+    InputMethodMemoryMapping method(node.fd());
+    ASSERT_EQ(0, method.setup(2, smallImageSize));
+    {
+        // Newer kernels let go of buffers that are still mapped.
+        V4l2Hook const hook([](int fd, unsigned long request, void* argument) {
+            return request == VIDIOC_REQBUFS ? 0 : V4l2Hook::realIoctl(fd, request, argument);
+        });
+        EXPECT_EQ(0, method.setup(2, smallImageSize));
+    }
+    EXPECT_EQ(2, camera.accounting().liveMappings);
+    EXPECT_EQ(0, method.cleanup());
+    EXPECT_EQ(0, camera.accounting().liveMappings);
+}
+
+TEST(InputMethodMemoryMapping, LeavesMappingsToCleanupAndNotToItsDestruction)
+{
+    auto const camera = smallCamera().install();
+    OpenNode const node;
+    {
+        InputMethodMemoryMapping method(node.fd());
+        ASSERT_EQ(0, method.setup(2, smallImageSize));
+    }
+    EXPECT_EQ(2, camera.accounting().liveMappings);
+}
+
+} // namespace

@@ -1,0 +1,310 @@
+// SPDX-License-Identifier: MIT
+#include "input/InputMethodRead.h"
+
+#include "DescriptorCount.h"
+#include "DescriptorLimit.h"
+#include "OpenNode.h"
+#include "SmallCamera.h"
+#include "Stopwatch.h"
+#include "input/InputMethodMemoryMapping.h"
+
+#include <gtest/gtest.h>
+
+#include <linux/videodev2.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+using VirtualCamera::Call;
+using VirtualCamera::CameraBuilder;
+using VirtualCamera::InstalledCamera;
+using VirtualCamera::Pace;
+
+CameraBuilder readingCamera()
+{
+    return smallCamera().offeringMmap(false);
+}
+
+/// A camera with a read method that was set up where no pipe could be made.
+class Reader
+{
+public:
+    explicit Reader(CameraBuilder const& builder, int buffers = 2)
+        : camera(builder.install()), method(node.fd())
+    {
+        DescriptorLimit const none;
+        EXPECT_EQ(0, method.setup(buffers, smallImageSize));
+        EXPECT_EQ(0, method.startCapture());
+    }
+
+    InstalledCamera camera;
+    OpenNode const node;
+    InputMethodRead method;
+};
+
+TEST(InputMethodRead, FailsToSetUpWithAPipeAndKeepsItsPool)
+{
+    auto const camera = readingCamera().install();
+    OpenNode const node;
+    InputMethodRead method(node.fd());
+    EXPECT_EQ(-1, method.setup(2, smallImageSize));
+    EXPECT_EQ(IFrame::invalid(), method.acquireFrame());
+    {
+        DescriptorLimit const none;
+        method.cleanup();
+        EXPECT_EQ(0, method.setup(1, smallImageSize));
+    }
+    EXPECT_EQ(-1, method.setup(5, 1));
+    IFrame* const frame = method.acquireFrame();
+    EXPECT_EQ(smallImageSize, frame->allocSize());
+    EXPECT_EQ(IFrame::invalid(), method.acquireFrame()) << "there is still one only";
+    EXPECT_EQ(0, method.releaseFrame(frame));
+    EXPECT_EQ(0, method.cleanup());
+}
+
+TEST(InputMethodRead, LosesNoDescriptorByFailingSetups)
+{
+    auto const camera = readingCamera().install();
+    OpenNode const node;
+    int const before = openDescriptors();
+    {
+        InputMethodRead method(node.fd());
+        EXPECT_EQ(-1, method.setup(2, smallImageSize));
+        EXPECT_EQ(-1, method.setup(2, smallImageSize));
+        EXPECT_EQ(before + 2, openDescriptors());
+    }
+    EXPECT_EQ(before, openDescriptors());
+}
+
+TEST(InputMethodRead, StartsAndSetsUpWithoutTheDevice)
+{
+    Reader reader(readingCamera());
+    EXPECT_EQ(0u, reader.camera.countOf(Call::Ioctl));
+    EXPECT_EQ(InputMethod::Read, reader.method.type());
+}
+
+TEST(InputMethodRead, EmptiesThePoolForACountBelowOne)
+{
+    for (int const count : {0, -1, -2147483647 - 1}) {
+        Reader reader(readingCamera());
+        {
+            DescriptorLimit const none;
+            EXPECT_EQ(0, reader.method.setup(count, smallImageSize));
+        }
+        EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
+        EXPECT_EQ(0u, reader.camera.countOf(Call::Read));
+    }
+}
+
+TEST(InputMethodRead, ReplacesItsFramesWhenItIsSetUpAgain)
+{
+    Reader reader(readingCamera(), 1);
+    DescriptorLimit const none;
+    EXPECT_EQ(0, reader.method.setup(2, 100));
+    IFrame* const frames[] = {reader.method.acquireFrame(), reader.method.acquireFrame()};
+    for (IFrame* const frame : frames) {
+        EXPECT_EQ(100u, frame->allocSize());
+        reader.method.releaseFrame(frame);
+    }
+    EXPECT_EQ(0, reader.method.setup(1, smallImageSize));
+    IFrame* const frame = reader.method.acquireFrame();
+    EXPECT_EQ(smallImageSize, frame->allocSize());
+    EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
+    reader.method.releaseFrame(frame);
+}
+
+TEST(InputMethodRead, ReadsAWholePictureWithOneCall)
+{
+    Reader reader(readingCamera().withStillPattern());
+    IFrame* const frame = reader.method.acquireFrame();
+    EXPECT_FALSE(frame->isInvalid());
+    EXPECT_FALSE(frame->isCorrupted());
+    EXPECT_EQ(smallImageSize, frame->allocSize());
+    EXPECT_EQ(smallImageSize, frame->bytesUsed());
+    EXPECT_EQ(smallImageSize, frame->size());
+    EXPECT_EQ(0u, frame->counter());
+    EXPECT_EQ(0, frame->timeStamp().seconds);
+    EXPECT_EQ(0, frame->timeStamp().microseconds);
+    auto const expected = VirtualCamera::testPattern(V4L2_PIX_FMT_YUYV, 64, 48, 0);
+    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), frame->bytePtr()));
+    auto const reads = reader.camera.calls(Call::Read);
+    EXPECT_EQ(smallImageSize, reads.back().length);
+    EXPECT_EQ(0, reader.method.releaseFrame(frame));
+}
+
+TEST(InputMethodRead, DoesNotRecordHowMuchCame)
+{
+    Reader reader(readingCamera().withShortFrame(0, 100));
+    IFrame* const frame = reader.method.acquireFrame();
+    EXPECT_EQ(100, reader.camera.calls(Call::Read).back().result);
+    EXPECT_EQ(smallImageSize, frame->bytesUsed());
+    EXPECT_EQ(smallImageSize, frame->allocSize());
+    reader.method.releaseFrame(frame);
+}
+
+TEST(InputMethodRead, HandsOutTheFrameThatWasReleasedLastFirst)
+{
+    Reader reader(readingCamera(), 3);
+    IFrame* const a = reader.method.acquireFrame();
+    IFrame* const b = reader.method.acquireFrame();
+    IFrame* const c = reader.method.acquireFrame();
+    EXPECT_TRUE(a != b && b != c && a != c);
+    EXPECT_EQ(0, reader.method.releaseFrame(a));
+    EXPECT_EQ(0, reader.method.releaseFrame(c));
+    EXPECT_EQ(0, reader.method.releaseFrame(b));
+    EXPECT_EQ(b, reader.method.acquireFrame());
+    EXPECT_EQ(c, reader.method.acquireFrame());
+    EXPECT_EQ(a, reader.method.acquireFrame());
+    for (IFrame* const frame : {a, b, c}) {
+        reader.method.releaseFrame(frame);
+    }
+}
+
+TEST(InputMethodRead, HandsOutTheInvalidFrameWhenThePoolIsEmpty)
+{
+    Reader reader(readingCamera(), 1);
+    IFrame* const only = reader.method.acquireFrame();
+    unsigned const before = reader.camera.countOf(Call::Read);
+    EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
+    EXPECT_EQ(before, reader.camera.countOf(Call::Read));
+    EXPECT_EQ(0, reader.method.releaseFrame(only));
+    EXPECT_EQ(only, reader.method.acquireFrame());
+    reader.method.releaseFrame(only);
+}
+
+TEST(InputMethodRead, KeepsAnEmptyPlaceForWhatIsNoFrameOfItsKind)
+{
+    Reader reader(readingCamera(), 1);
+    char bytes[10];
+    InputMethodMemoryMapping::Frame foreign(sizeof bytes, bytes);
+    for (IFrame* const nothing : {static_cast<IFrame*>(nullptr), static_cast<IFrame*>(&foreign)}) {
+        EXPECT_EQ(0, reader.method.releaseFrame(nothing));
+        EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
+        IFrame* const frame = reader.method.acquireFrame();
+        EXPECT_FALSE(frame->isInvalid());
+        reader.method.releaseFrame(frame);
+    }
+}
+
+TEST(InputMethodRead, PutsNoInvalidFrameIntoThePool)
+{
+    Reader reader(readingCamera(), 1);
+    InputMethod::InvalidFrame other(5);
+    EXPECT_EQ(0, reader.method.releaseFrame(IFrame::invalid()));
+    EXPECT_EQ(0, reader.method.releaseFrame(&other));
+    IFrame* const frame = reader.method.acquireFrame();
+    EXPECT_FALSE(frame->isInvalid());
+    reader.method.releaseFrame(frame);
+}
+
+TEST(InputMethodRead, IgnoresAFrameThatIsReleasedTwice)
+{
+    Reader reader(readingCamera(), 1);
+    IFrame* const frame = reader.method.acquireFrame();
+    EXPECT_EQ(0, reader.method.releaseFrame(frame));
+    EXPECT_EQ(0, reader.method.releaseFrame(frame));
+    EXPECT_EQ(frame, reader.method.acquireFrame());
+    EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
+    reader.method.releaseFrame(frame);
+}
+
+TEST(InputMethodRead, TakesFramesBackAfterCleanup)
+{
+    Reader reader(readingCamera(), 2);
+    IFrame* const frame = reader.method.acquireFrame();
+    EXPECT_EQ(0, reader.method.cleanup());
+    frame->bytePtr()[0] = 1; // It belongs to whoever holds it.
+    EXPECT_EQ(0, reader.method.releaseFrame(frame));
+    EXPECT_EQ(0, reader.method.releaseFrame(frame));
+    EXPECT_EQ(0, reader.method.cleanup());
+    EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
+}
+
+TEST(InputMethodRead, HandsOutTheFrameAsItWasWhenNothingCameForTwoSeconds)
+{
+    Reader reader(readingCamera().withoutFrames(), 1);
+    {
+        Stopwatch const watch;
+        IFrame* const frame = reader.method.acquireFrame();
+        EXPECT_GE(watch.seconds(), 1.99);
+        EXPECT_LT(watch.seconds(), 3);
+        EXPECT_FALSE(frame->isInvalid());
+        EXPECT_TRUE(std::all_of(frame->bytePtr(), frame->bytePtr() + frame->allocSize(),
+                                [](unsigned char byte) { return byte == 0; }));
+        frame->bytePtr()[5] = 42;
+        reader.method.releaseFrame(frame);
+    }
+    IFrame* const frame = reader.method.acquireFrame();
+    EXPECT_FALSE(frame->isInvalid());
+    EXPECT_EQ(42, frame->bytePtr()[5]);
+    reader.method.releaseFrame(frame);
+}
+
+TEST(InputMethodRead, HandsOutTheFrameAsItWasWhenTheReadFailed)
+{
+    for (int const error : {EIO, ENODEV, EINVAL, EBUSY, EINTR}) {
+        Reader reader(readingCamera().failing(Call::Read, error), 1);
+        IFrame* const frame = reader.method.acquireFrame();
+        EXPECT_FALSE(frame->isInvalid()) << error;
+        EXPECT_EQ(1u, reader.camera.countOf(Call::Read));
+        EXPECT_EQ(0, frame->bytePtr()[0]);
+        reader.method.releaseFrame(frame);
+    }
+}
+
+TEST(InputMethodRead, TriesAsOftenAsTheDriverSaysAgain)
+{
+    Reader reader(readingCamera());
+    for (unsigned int use = 1; use <= 50; ++use) {
+        reader.camera.fail(Call::Read, EAGAIN, use);
+    }
+    IFrame* const frame = reader.method.acquireFrame();
+    EXPECT_LT(50u, reader.camera.countOf(Call::Read));
+    reader.method.releaseFrame(frame);
+}
+
+TEST(InputMethodRead, TellsWhetherAnAttemptWasTheLast)
+{
+    Reader reader(readingCamera());
+    InputMethodRead::Frame frame(smallImageSize);
+    struct
+    {
+        int error;
+        bool last;
+    } const cases[] = {{EAGAIN, false}, {EIO, true}, {EINTR, true}};
+    for (auto const& one : cases) {
+        reader.camera.fail(Call::Read, one.error);
+        EXPECT_EQ(one.last, reader.method.acquire(&frame)) << one.error;
+    }
+    EXPECT_TRUE(reader.method.acquire(&frame));
+}
+
+TEST(InputMethodRead, EndsTheAttemptsOnceAStopIsPending)
+{
+    Reader reader(readingCamera());
+    // A second setup leaves the pool alone, and opens the pipe that the first could not.
+    ASSERT_EQ(-1, reader.method.setup(2, smallImageSize));
+    reader.camera.failFrom(Call::Read, EAGAIN);
+    EXPECT_EQ(0, reader.method.stopCapture());
+    Stopwatch const watch;
+    IFrame* const frame = reader.method.acquireFrame();
+    EXPECT_FALSE(frame->isInvalid());
+    EXPECT_EQ(1u, reader.camera.countOf(Call::Read));
+    EXPECT_LT(watch.seconds(), 1);
+    reader.method.releaseFrame(frame);
+}
+
+TEST(InputMethodRead, StopsWithoutTheDevice)
+{
+    Reader reader(readingCamera());
+    Stopwatch const watch;
+    EXPECT_EQ(0, reader.method.stopCapture());
+    EXPECT_GE(watch.seconds(), 0.01);
+    EXPECT_EQ(0u, reader.camera.countOf(Call::Ioctl));
+}
+
+} // namespace

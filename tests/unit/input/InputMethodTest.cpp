@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: MIT
+#include "input/InputMethod.h"
+
+#include "DescriptorCount.h"
+#include "DescriptorLimit.h"
+#include "Stopwatch.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <optional>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+
+/// The base alone.
+class PlainInputMethod : public InputMethod
+{
+public:
+    explicit PlainInputMethod(int fd) : InputMethod(Read, fd) {}
+
+    int startCapture() override { return 0; }
+    IFrame* acquireFrame() override { return IFrame::invalid(); }
+    int releaseFrame(IFrame*) override { return 0; }
+
+    using InputMethod::stopPending;
+};
+
+class InputMethodBase : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(0, pipe(_ends));
+        method.emplace(_ends[0]);
+    }
+    void TearDown() override
+    {
+        method.reset();
+        close(_ends[0]);
+        close(_ends[1]);
+    }
+
+    int device() const { return _ends[0]; }
+    void deliver() const { ASSERT_EQ(1, write(_ends[1], "x", 1)); }
+
+    /// Waits on a pipe that stands for the device.
+    std::optional<PlainInputMethod> method;
+
+private:
+    int _ends[2] = {-1, -1};
+};
+
+TEST_F(InputMethodBase, NumbersTheMethods)
+{
+    EXPECT_EQ(0, InputMethod::Read);
+    EXPECT_EQ(1, InputMethod::MemoryMapping);
+    EXPECT_EQ(2, InputMethod::UserPointers);
+    EXPECT_EQ(InputMethod::Read, method->type());
+}
+
+TEST_F(InputMethodBase, WaitsAsLongAsItIsToldForADeviceThatDeliversNothing)
+{
+    ASSERT_EQ(0, method->setup(1, 1));
+    Stopwatch const watch;
+    EXPECT_FALSE(method->dataAvailable(2, 0));
+    EXPECT_GE(watch.seconds(), 1.99);
+    EXPECT_LT(watch.seconds(), 3);
+}
+
+TEST_F(InputMethodBase, TakesTheMicrosecondsOfAWaitIntoAccount)
+{
+    Stopwatch const watch;
+    EXPECT_FALSE(method->dataAvailable(0, 50000));
+    EXPECT_GE(watch.seconds(), 0.05);
+    EXPECT_LT(watch.seconds(), 1);
+}
+
+TEST_F(InputMethodBase, EndsAWaitWhenTheDeviceDelivers)
+{
+    ASSERT_EQ(0, method->setup(1, 1));
+    deliver();
+    Stopwatch const watch;
+    EXPECT_TRUE(method->dataAvailable(2, 0));
+    EXPECT_LT(watch.seconds(), 1);
+}
+
+TEST_F(InputMethodBase, EndsEveryWaitAtOnceAfterAStopUntilCleanup)
+{
+    ASSERT_EQ(0, method->setup(1, 1));
+    EXPECT_FALSE(method->stopPending());
+    EXPECT_EQ(0, method->stopCapture());
+    Stopwatch const watch;
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_TRUE(method->dataAvailable(2, 0));
+        EXPECT_TRUE(method->stopPending());
+    }
+    EXPECT_LT(watch.seconds(), 1);
+    EXPECT_EQ(0, method->cleanup());
+    EXPECT_FALSE(method->dataAvailable(0, 0));
+    EXPECT_FALSE(method->stopPending());
+}
+
+TEST_F(InputMethodBase, GivesAWaiterTenMillisecondsToLeave)
+{
+    Stopwatch const watch;
+    EXPECT_EQ(0, method->stopCapture());
+    EXPECT_GE(watch.seconds(), 0.01);
+}
+
+TEST_F(InputMethodBase, WaitsForTheDeviceAloneWhileItHasNoPipe)
+{
+    EXPECT_FALSE(method->dataAvailable(0, 1000));
+    deliver();
+    EXPECT_TRUE(method->dataAvailable(2, 0));
+}
+
+TEST_F(InputMethodBase, DoesNotWaitForANegativeDevice)
+{
+    PlainInputMethod without(-1);
+    ASSERT_EQ(0, without.setup(1, 1));
+    Stopwatch const watch;
+    EXPECT_FALSE(without.dataAvailable(2, 0));
+    without.stopCapture();
+    EXPECT_FALSE(without.dataAvailable(2, 0)) << "a stop is no data of a device that is not there";
+    EXPECT_LT(watch.seconds(), 1);
+}
+
+TEST_F(InputMethodBase, ReportsNothingWhenTheWaitFails)
+{
+    int const closed = dup(device());
+    close(closed);
+    PlainInputMethod const broken(closed);
+    Stopwatch const watch;
+    EXPECT_FALSE(broken.dataAvailable(2, 0));
+    EXPECT_LT(watch.seconds(), 1);
+}
+
+/// Interrupts the process every 5 ms with a signal that does not restart system calls.
+class Interruptions
+{
+public:
+    Interruptions()
+    {
+        struct sigaction action
+        {
+        };
+        action.sa_handler = [](int) { ++count; };
+        sigaction(SIGALRM, &action, &_earlier);
+        itimerval const often{{0, 5000}, {0, 5000}};
+        setitimer(ITIMER_REAL, &often, nullptr);
+    }
+    Interruptions(Interruptions const&) = delete;
+    Interruptions& operator=(Interruptions const&) = delete;
+    ~Interruptions()
+    {
+        itimerval const never{};
+        setitimer(ITIMER_REAL, &never, nullptr);
+        sigaction(SIGALRM, &_earlier, nullptr);
+    }
+
+    static inline volatile std::sig_atomic_t count = 0;
+
+private:
+    struct sigaction _earlier
+    {
+    };
+};
+
+TEST_F(InputMethodBase, WaitsForTheRestOfItsTimeAfterASignal)
+{
+    Interruptions const interruptions;
+    Stopwatch const watch;
+    EXPECT_FALSE(method->dataAvailable(0, 200000));
+    EXPECT_GE(watch.seconds(), 0.19);
+    EXPECT_LT(watch.seconds(), 1);
+    EXPECT_GT(Interruptions::count, 1);
+}
+
+TEST_F(InputMethodBase, WaitsForADescriptorBeyondAnFdSet)
+{
+    constexpr int large = FD_SETSIZE + 500;
+    rlimit earlier{};
+    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &earlier));
+    rlimit raised = earlier;
+    raised.rlim_cur = large + 1;
+    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &raised));
+    ASSERT_EQ(large, dup2(device(), large));
+    PlainInputMethod far(large);
+    ASSERT_EQ(0, far.setup(1, 1));
+    EXPECT_FALSE(far.dataAvailable(0, 1000));
+    deliver();
+    EXPECT_TRUE(far.dataAvailable(2, 0));
+    close(large);
+    setrlimit(RLIMIT_NOFILE, &earlier);
+}
+
+TEST_F(InputMethodBase, FailsToSetUpWithoutAPipe)
+{
+    DescriptorLimit const none;
+    EXPECT_EQ(-1, method->setup(1, 1));
+}
+
+TEST_F(InputMethodBase, LosesNoDescriptorWhenItIsSetUpAgain)
+{
+    int const before = openDescriptors();
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_EQ(0, method->setup(1, 1));
+        EXPECT_EQ(before + 2, openDescriptors());
+    }
+    EXPECT_EQ(0, method->cleanup());
+    EXPECT_EQ(before, openDescriptors());
+}
+
+TEST_F(InputMethodBase, ForgetsAStopWhenItIsSetUpAgain)
+{
+    ASSERT_EQ(0, method->setup(1, 1));
+    method->stopCapture();
+    method->cleanup();
+    ASSERT_EQ(0, method->setup(1, 1));
+    EXPECT_FALSE(method->dataAvailable(0, 0));
+}
+
+TEST_F(InputMethodBase, ClosesItsPipeWithItself)
+{
+    int const before = openDescriptors();
+    {
+        PlainInputMethod other(device());
+        ASSERT_EQ(0, other.setup(1, 1));
+    }
+    EXPECT_EQ(before, openDescriptors());
+}
+
+} // namespace

@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: MIT
+// Streaming with the user-pointer method, which only sets up where no pipe can be made.
+#include "input/InputMethodUserPointers.h"
+
+#include "DescriptorLimit.h"
+#include "OpenNode.h"
+#include "SmallCamera.h"
+#include "Stopwatch.h"
+#include "input/InputMethodRead.h"
+
+#include <gtest/gtest.h>
+
+#include <linux/videodev2.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <set>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+using VirtualCamera::Call;
+using VirtualCamera::CameraBuilder;
+using VirtualCamera::InstalledCamera;
+using VirtualCamera::Pace;
+
+CameraBuilder userPointerCamera()
+{
+    return smallCamera().offeringMmap(false).offeringUserPointers();
+}
+
+class UserPointerStream
+{
+public:
+    explicit UserPointerStream(CameraBuilder const& builder, int buffers = 3)
+        : camera(builder.install()), method(node.fd())
+    {
+        DescriptorLimit const none;
+        _setUp = method.setup(buffers, smallImageSize) == 0 && method.startCapture() == 0;
+    }
+    UserPointerStream(UserPointerStream const&) = delete;
+    UserPointerStream& operator=(UserPointerStream const&) = delete;
+    ~UserPointerStream()
+    {
+        EXPECT_TRUE(_setUp);
+        method.stopCapture();
+        method.cleanup();
+        EXPECT_EQ(0, camera.accounting().allocatedBuffers);
+    }
+
+    InstalledCamera camera;
+    OpenNode const node;
+    InputMethodUserPointers method;
+
+private:
+    bool _setUp = false;
+};
+
+TEST(UserPointerStream, LendsItsBuffersInOrderAndStarts)
+{
+    UserPointerStream stream(userPointerCamera());
+    auto const queued = stream.camera.calls(VIDIOC_QBUF);
+    ASSERT_EQ(3u, queued.size());
+    std::set<unsigned long> addresses;
+    for (unsigned int i = 0; i < 3; ++i) {
+        auto const buffer = queued[i].argument<v4l2_buffer>();
+        EXPECT_EQ(i, buffer.index);
+        EXPECT_EQ(static_cast<__u32>(V4L2_BUF_TYPE_VIDEO_CAPTURE), buffer.type);
+        EXPECT_EQ(static_cast<__u32>(V4L2_MEMORY_USERPTR), buffer.memory);
+        EXPECT_EQ(smallImageSize, buffer.length);
+        addresses.insert(buffer.m.userptr);
+    }
+    EXPECT_EQ(3u, addresses.size());
+    EXPECT_TRUE(stream.camera.accounting().streaming);
+    EXPECT_EQ(InputMethod::UserPointers, stream.method.type());
+}
+
+TEST(UserPointerStream, DoesNotStartWhenTheDriverRefuses)
+{
+    struct
+    {
+        unsigned long request;
+        unsigned use;
+    } const cases[] = {{VIDIOC_QBUF, 2}, {VIDIOC_STREAMON, 1}};
+    for (auto const& one : cases) {
+        auto const camera = userPointerCamera().failing(one.request, EIO, one.use).install();
+        OpenNode const node;
+        InputMethodUserPointers method(node.fd());
+        {
+            DescriptorLimit const none;
+            ASSERT_EQ(0, method.setup(3, smallImageSize));
+        }
+        EXPECT_EQ(-1, method.startCapture());
+        EXPECT_FALSE(camera.accounting().streaming);
+        method.cleanup();
+    }
+}
+
+TEST(UserPointerStream, DeliversThePicturesInOrder)
+{
+    UserPointerStream stream(userPointerCamera().paced(Pace::OnDemand));
+    for (unsigned int number = 0; number < 10; ++number) {
+        stream.camera.deliverFrames(1);
+        IFrame* const frame = stream.method.acquireFrame();
+        ASSERT_FALSE(frame->isInvalid());
+        EXPECT_EQ(number, frame->counter());
+        EXPECT_EQ(smallImageSize, frame->size());
+        EXPECT_EQ(smallImageSize, frame->allocSize());
+        EXPECT_LT(0, frame->timeStamp().seconds * 1000000 + frame->timeStamp().microseconds);
+        EXPECT_FALSE(frame->isCorrupted());
+        auto const expected = VirtualCamera::testPattern(V4L2_PIX_FMT_YUYV, 64, 48, number);
+        EXPECT_TRUE(std::equal(expected.begin(), expected.end(), frame->bytePtr()));
+        EXPECT_EQ(0, stream.method.releaseFrame(frame));
+    }
+}
+
+TEST(UserPointerStream, GivesBackTheBufferAsItWasDequeued)
+{
+    UserPointerStream stream(userPointerCamera());
+    IFrame* const frame = stream.method.acquireFrame();
+    auto const dequeued = stream.camera.calls(VIDIOC_DQBUF).back().answer<v4l2_buffer>();
+    EXPECT_EQ(reinterpret_cast<unsigned long>(frame->bytePtr()), dequeued.m.userptr);
+    EXPECT_EQ(0, stream.method.releaseFrame(frame));
+    auto const queued = stream.camera.calls(VIDIOC_QBUF).back().argument<v4l2_buffer>();
+    EXPECT_EQ(0, std::memcmp(&dequeued, &queued, sizeof queued));
+}
+
+TEST(UserPointerStream, ReportsThatTheDriverRefusedAFrame)
+{
+    UserPointerStream stream(userPointerCamera());
+    IFrame* const frame = stream.method.acquireFrame();
+    stream.camera.fail(VIDIOC_QBUF, EIO);
+    EXPECT_EQ(-1, stream.method.releaseFrame(frame));
+}
+
+TEST(UserPointerStream, RefusesNullAndForeignFramesAndTakesInvalidOnes)
+{
+    UserPointerStream stream(userPointerCamera());
+    InputMethodRead::Frame foreign(10);
+    unsigned const before = stream.camera.countOf(Call::Ioctl);
+    EXPECT_EQ(-1, stream.method.releaseFrame(nullptr));
+    EXPECT_EQ(-1, stream.method.releaseFrame(&foreign));
+    EXPECT_EQ(0, stream.method.releaseFrame(IFrame::invalid()));
+    EXPECT_EQ(before, stream.camera.countOf(Call::Ioctl));
+}
+
+TEST(UserPointerStream, FindsTheFrameByItsAddressAndNotByTheIndex)
+{
+    UserPointerStream stream(userPointerCamera().withWrongIndex(0, 77));
+    IFrame* const frame = stream.method.acquireFrame();
+    EXPECT_FALSE(frame->isInvalid());
+    auto const dequeued = stream.camera.calls(VIDIOC_DQBUF).back().answer<v4l2_buffer>();
+    EXPECT_EQ(77u, dequeued.index);
+    EXPECT_EQ(reinterpret_cast<unsigned long>(frame->bytePtr()), dequeued.m.userptr);
+}
+
+TEST(UserPointerStream, GivesUpAtOnceForABufferThatIsNotItsOwn)
+{
+    for (bool const wrongLength : {true, false}) {
+        auto builder = userPointerCamera();
+        if (wrongLength) {
+            builder.withWrongLength(0, smallImageSize + 1);
+        } else {
+            builder.withWrongUserPointer(0, 0x1000);
+        }
+        UserPointerStream stream(builder);
+        Stopwatch const watch;
+        IFrame* const frame = stream.method.acquireFrame();
+        EXPECT_TRUE(frame->isInvalid());
+        EXPECT_EQ(smallImageSize, frame->allocSize());
+        EXPECT_EQ(1u, stream.camera.countOf(VIDIOC_DQBUF));
+        EXPECT_LT(watch.seconds(), 1);
+    }
+}
+
+TEST(UserPointerStream, HandsOutDamagedFramesMarked)
+{
+    UserPointerStream stream(userPointerCamera().withCorruptedFrame(0));
+    IFrame* const frame = stream.method.acquireFrame();
+    EXPECT_FALSE(frame->isInvalid());
+    EXPECT_TRUE(frame->isCorrupted());
+    EXPECT_EQ(0, stream.method.releaseFrame(frame));
+}
+
+TEST(UserPointerStream, ReportsShortFramesByTheirBytes)
+{
+    UserPointerStream stream(userPointerCamera().withShortFrame(0, 100));
+    IFrame* const frame = stream.method.acquireFrame();
+    EXPECT_EQ(100u, frame->bytesUsed());
+    EXPECT_EQ(100u, frame->size());
+    EXPECT_EQ(smallImageSize, frame->allocSize());
+}
+
+TEST(UserPointerStream, GivesUpAfterTwoSecondsWithoutAFrame)
+{
+    UserPointerStream stream(userPointerCamera().withoutFrames());
+    Stopwatch const watch;
+    EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
+    EXPECT_GE(watch.seconds(), 1.99);
+    EXPECT_LT(watch.seconds(), 3);
+    EXPECT_EQ(0u, stream.camera.countOf(VIDIOC_DQBUF));
+}
+
+TEST(UserPointerStream, TriesAsOftenAsTheDriverSaysAgain)
+{
+    UserPointerStream stream(userPointerCamera());
+    for (unsigned int use = 1; use <= 50; ++use) {
+        stream.camera.fail(VIDIOC_DQBUF, EAGAIN, use);
+    }
+    EXPECT_FALSE(stream.method.acquireFrame()->isInvalid());
+    EXPECT_EQ(51u, stream.camera.countOf(VIDIOC_DQBUF));
+}
+
+TEST(UserPointerStream, GivesUpAtOnceForAnyOtherError)
+{
+    for (int const error : {EIO, ENODEV, EINVAL}) {
+        UserPointerStream stream(userPointerCamera());
+        stream.camera.failFrom(VIDIOC_DQBUF, error);
+        EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
+        EXPECT_EQ(1u, stream.camera.countOf(VIDIOC_DQBUF));
+    }
+}
+
+TEST(UserPointerStream, EndsTheAttemptsOnceAStopIsPending)
+{
+    UserPointerStream stream(userPointerCamera());
+    // A second setup leaves the buffers alone, and opens the pipe that the first could not.
+    ASSERT_EQ(-1, stream.method.setup(3, smallImageSize));
+    stream.camera.failFrom(VIDIOC_DQBUF, EAGAIN);
+    stream.camera.fail(VIDIOC_STREAMOFF, EIO);
+    EXPECT_EQ(-1, stream.method.stopCapture());
+    Stopwatch const watch;
+    EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
+    EXPECT_EQ(1u, stream.camera.countOf(VIDIOC_DQBUF));
+    EXPECT_LT(watch.seconds(), 1);
+}
+
+TEST(UserPointerStream, StopsStreaming)
+{
+    UserPointerStream stream(userPointerCamera());
+    EXPECT_EQ(0, stream.method.stopCapture());
+    EXPECT_FALSE(stream.camera.accounting().streaming);
+}
+
+} // namespace

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "ExtensionUnitTable.h"
+
+#include <algorithm>
+#include <map>
+
+namespace
+{
+
+// V4L2_CTRL_TYPE_... and UVC_CTRL_DATA_TYPE_..., as the kernel numbers them.
+constexpr unsigned int integer = 1;
+constexpr unsigned int boolean = 2;
+constexpr unsigned int menu = 3;
+constexpr unsigned int rawData = 0;
+constexpr unsigned int signedData = 1;
+constexpr unsigned int unsignedData = 2;
+constexpr unsigned int booleanData = 3;
+constexpr unsigned int enumData = 4;
+
+} // namespace
+
+std::vector<ExpectedMapping> const& expectedMappings()
+{
+    static std::vector<ExpectedMapping> const table = {
+        {0x08000000, "Light Mode", 1, 8, 0, menu, enumData, {{0, "Off"}, {3, "Continuous"}}},
+        {0x08000001, "Light Intensity", 2, 16, 0, integer, rawData, {}},
+        {0x08000002, "Error Status", 3, 32, 0, integer, rawData, {}},
+        {0x08000003, "Temperature (C)", 4, 16, 0, integer, rawData, {}},
+        {0x08000004, "Trigger Auto Controls", 5, 32, 0, integer, rawData, {}},
+        {0x08000005, "Contrast/Brightness (Auto)", 16, 8, 0, boolean, booleanData, {}},
+        {0x08000006, "Saturation (Auto)", 17, 8, 0, boolean, booleanData, {}},
+        {0x08000007, "Sharpness (Auto)", 18, 8, 0, boolean, booleanData, {}},
+        {0x08000008, "Keep Alive", 6, 8, 0, boolean, booleanData, {}},
+        {0x08000009, "Window 1 x1 (Focus)", 20, 16, 0, integer, unsignedData, {}},
+        {0x0800000A, "Window 1 x2 (Focus)", 20, 16, 16, integer, unsignedData, {}},
+        {0x0800000B, "Window 1 y1 (Focus)", 20, 16, 32, integer, unsignedData, {}},
+        {0x0800000C, "Window 1 y2 (Focus)", 20, 16, 48, integer, unsignedData, {}},
+        {0x0800000D, "Lock Auto Controls", 7, 32, 0, integer, rawData, {}},
+        {0x0800000E, "Window Selected", 8, 8, 0, integer, unsignedData, {}},
+        {0x0800000F, "Focus, Min (Range)", 9, 16, 0, integer, unsignedData, {}},
+        {0x08000010, "Focus, Max (Range)", 9, 16, 16, integer, unsignedData, {}},
+        {0x08000011, "Focus, Step (Range)", 9, 16, 32, integer, unsignedData, {}},
+        {0x08000012, "White Balance, Red (custom)", 10, 16, 0, integer, unsignedData, {}},
+        {0x08000013, "White Balance, Blue (custom)", 10, 16, 32, integer, unsignedData, {}},
+        {0x08000014, "White Balance, Green (custom)", 10, 16, 16, integer, unsignedData, {}},
+        {0x08000015, "Focus Sensitivity, Auto", 11, 8, 0, integer, unsignedData, {}},
+        {0x08000016,
+         "Image Mode, Debug",
+         12,
+         8,
+         0,
+         menu,
+         enumData,
+         {{0, "Normal"},
+          {1, "Vertical Lines"},
+          {2, "Random, noise"},
+          {3, "Colored Squares"},
+          {4, "Black"}}},
+        {0x08000017,
+         "Image Ratio, Pixel",
+         13,
+         8,
+         0,
+         menu,
+         enumData,
+         {{0, "Full View"}, {1, "640p (640x480)"}, {2, "640p (1280x960)"}}},
+        {0x08000018, "Image Pan", 14, 16, 0, integer, signedData, {}},
+        {0x08000019, "Image Tilt", 14, 16, 16, integer, signedData, {}},
+        {0x0800001A,
+         "Focus Strategy",
+         15,
+         8,
+         0,
+         menu,
+         enumData,
+         {{0, "Smart Scan All"}, {1, "Bisection"}, {2, "Smart Scan Refocus"}}},
+        {0x0800001B, "Exposure Sensitivity, Auto", 24, 8, 0, integer, signedData, {}},
+        {0x0800001C, "Gamma, Auto", 25, 8, 0, boolean, booleanData, {}},
+    };
+    return table;
+}
+
+VirtualCamera::CameraBuilder aVendorCamera()
+{
+    std::map<unsigned int, unsigned int> bytes;
+    for (ExpectedMapping const& row : expectedMappings()) {
+        bytes[row.selector] = std::max(bytes[row.selector], (row.offset + row.size) / 8);
+    }
+    std::vector<VirtualCamera::SelectorScript> selectors;
+    for (auto const& [number, size] : bytes) {
+        VirtualCamera::SelectorScript selector;
+        selector.selector = static_cast<std::uint8_t>(number);
+        selector.size = static_cast<std::uint16_t>(size);
+        selectors.push_back(selector);
+    }
+    VirtualCamera::Guid guid{};
+    guid[0] = 1;
+    return VirtualCamera::aCamera().withExtensionUnit(guid, selectors);
+}

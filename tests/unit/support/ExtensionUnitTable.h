@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VirtualCamera.h"
+
+#include <string>
+#include <vector>
+
+/// One row of the vendor's extension unit, written down apart from the library.
+struct ExpectedMapping
+{
+    struct Item
+    {
+        unsigned int value;
+        std::string name;
+    };
+
+    unsigned int id;
+    std::string name;
+    unsigned int selector;
+    unsigned int size;   ///< In bits.
+    unsigned int offset; ///< In bits.
+    unsigned int v4l2Type;
+    unsigned int dataType;
+    std::vector<Item> menu;
+};
+
+/// All rows, in the order in which the driver is to learn of them.
+std::vector<ExpectedMapping> const& expectedMappings();
+
+/// A virtual camera whose extension unit has every selector of the table, and no other control.
+VirtualCamera::CameraBuilder aVendorCamera();
