@@ -5,8 +5,9 @@
 #include "VirtualCamera.h"
 #include "camera/Camera.h"
 
+#include <memory>
 #include <stdexcept>
-#include <utility>
+#include <string>
 #include <vector>
 
 /// The library's camera on a virtual one whose controls a test scripts. Opening it is not logged.
@@ -17,7 +18,7 @@ public:
 
     explicit CameraWithControls(VirtualCamera::CameraBuilder const& builder,
                                 Maker maker = Maker::Other)
-        : node(builder.install()), camera(recordOf(maker).get())
+        : node(builder.install()), camera(recordOf(builder.script().node, maker).get())
     {
         if (!camera.init()) {
             throw std::runtime_error("the camera could not be initialised");
@@ -66,9 +67,10 @@ public:
     ImageAcquisition::Camera camera;
 
 private:
-    static std::unique_ptr<DeviceStub> recordOf(Maker maker)
+    static std::unique_ptr<DeviceStub> recordOf(std::string const& node, Maker maker)
     {
         auto record = std::make_unique<DeviceStub>();
+        record->node = node.c_str();
         if (maker == Maker::Vendor) {
             record->vendor = IMAGEACQUISITION_VENDOR_ID;
             record->product = IMAGEACQUISITION_PRODUCT_ID;

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+#include "control/CameraControlString.h"
+#include "CameraWithControls.h"
+
+#include <gtest/gtest.h>
+#include <linux/videodev2.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstring>
+
+using namespace ImageAcquisition;
+using namespace VirtualCamera;
+
+namespace
+{
+
+constexpr unsigned int id = V4L2_CID_USER_BASE + 0x1000;
+
+ControlScript text()
+{
+    return stringControl(id, "Text").range(0, 31).currently("abc");
+}
+
+class CameraControlStringTest : public testing::Test
+{
+protected:
+    ICameraControlString& control() const { return opened.as<ICameraControlString>(id); }
+
+    CameraWithControls opened{{text().namingExactSize()}};
+};
+
+} // namespace
+
+TEST_F(CameraControlStringTest, LengthsAreTheDriversEvenInTheWrongOrder)
+{
+    EXPECT_EQ(0, control().minLength());
+    EXPECT_EQ(31, control().maxLength());
+    CameraWithControls const odd(aCamera("/dev/video1").withControl(text().range(8, 4, 3)));
+    EXPECT_EQ(8, odd.as<ICameraControlString>(id).minLength());
+    EXPECT_EQ(4, odd.as<ICameraControlString>(id).maxLength());
+    EXPECT_EQ(3, dynamic_cast<CameraControlString&>(odd.control(id)).step());
+}
+
+TEST_F(CameraControlStringTest, SizeIsWhatTheDriverNames)
+{
+    EXPECT_EQ(4u, control().stringSize());
+    CallRecord const call = opened.onlyCall();
+    EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), call.call);
+    EXPECT_EQ(ENOSPC, call.error);
+    EXPECT_EQ(0x00980000u, call.controlClass);
+    ASSERT_EQ(1u, call.controls.size());
+    EXPECT_EQ(id, call.controls[0].id);
+    EXPECT_EQ(0u, call.controls[0].size);
+    EXPECT_EQ(0, call.controls[0].value); // A buffer of nothing, at address nothing.
+}
+
+TEST_F(CameraControlStringTest, KernelNamesTheSizeOfTheLongestText)
+{
+    CameraWithControls const kernel(aCamera("/dev/video1").withControl(text()));
+    EXPECT_EQ(32u, kernel.as<ICameraControlString>(id).stringSize());
+}
+
+TEST_F(CameraControlStringTest, SizeIsZeroWhenTheDriverNamesNone)
+{
+    opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
+    EXPECT_EQ(0u, control().stringSize());
+}
+
+TEST_F(CameraControlStringTest, ReadsIntoABufferOfTheNamedSize)
+{
+    char buffer[8];
+    std::memset(buffer, '#', sizeof buffer);
+    EXPECT_TRUE(control().getValue(buffer, 4));
+    EXPECT_STREQ("abc", buffer);
+    EXPECT_EQ('#', buffer[4]);
+    CallRecord const call = opened.onlyCall();
+    EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), call.call);
+    EXPECT_EQ(0x00980000u, call.controlClass);
+    ASSERT_EQ(1u, call.controls.size());
+    EXPECT_EQ(4u, call.controls[0].size);
+}
+
+TEST_F(CameraControlStringTest, BufferThatIsTooSmallIsRefused)
+{
+    char buffer[4];
+    for (int const size : {0, 1, 2, 3}) {
+        EXPECT_FALSE(control().getValue(buffer, size)) << size;
+    }
+}
+
+TEST_F(CameraControlStringTest, NegativeSizeAndNullBufferAreRefusedWithoutAsking)
+{
+    char buffer[8];
+    EXPECT_FALSE(control().getValue(buffer, -1));
+    EXPECT_FALSE(control().getValue(buffer, INT_MIN));
+    EXPECT_FALSE(control().getValue(nullptr, 8));
+    EXPECT_FALSE(control().getValue(nullptr, 0));
+    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+}
+
+TEST_F(CameraControlStringTest, WriteOnlyIsRefusedWithoutAsking)
+{
+    CameraWithControls const silent(
+        aCamera("/dev/video1").withControl(text().withFlags(V4L2_CTRL_FLAG_WRITE_ONLY)));
+    char buffer[32];
+    EXPECT_FALSE(silent.as<ICameraControlString>(id).getValue(buffer, 32));
+    EXPECT_EQ(0u, silent.node.countOf(Call::Ioctl));
+}
+
+TEST_F(CameraControlStringTest, WritesTheTextAndItsZeroWithoutNamingAClass)
+{
+    EXPECT_TRUE(control().setValue("hello"));
+    CallRecord const call = opened.onlyCall();
+    EXPECT_EQ(CallId(VIDIOC_S_EXT_CTRLS), call.call);
+    EXPECT_EQ(0u, call.controlClass);
+    ASSERT_EQ(1u, call.controls.size());
+    EXPECT_EQ(id, call.controls[0].id);
+    EXPECT_EQ(6u, call.controls[0].size);
+    EXPECT_EQ("hello", call.controls[0].text);
+    EXPECT_EQ("hello", opened.node.controlText(id));
+}
+
+TEST_F(CameraControlStringTest, EmptyTextIsSentAsItsZero)
+{
+    EXPECT_TRUE(control().setValue(""));
+    EXPECT_EQ(1u, opened.onlyCall().controls.at(0).size);
+    EXPECT_EQ("", opened.node.controlText(id));
+}
+
+TEST_F(CameraControlStringTest, TextThatIsTooLongIsSentAndRefused)
+{
+    std::string const longText(40, 'x');
+    EXPECT_FALSE(control().setValue(longText.c_str()));
+    CallRecord const call = opened.onlyCall();
+    EXPECT_EQ(ERANGE, call.error);
+    EXPECT_EQ(41u, call.controls.at(0).size);
+    EXPECT_EQ(longText, call.controls.at(0).text);
+    EXPECT_EQ("abc", opened.node.controlText(id));
+}
+
+TEST_F(CameraControlStringTest, TextThatIsTooShortIsSentAndRefused)
+{
+    CameraWithControls const strict(aCamera("/dev/video1").withControl(text().range(2, 4)));
+    EXPECT_FALSE(strict.as<ICameraControlString>(id).setValue("x"));
+    EXPECT_EQ(1u, strict.node.countOf(VIDIOC_S_EXT_CTRLS));
+}
+
+TEST_F(CameraControlStringTest, NullTextIsRefusedWithoutAsking)
+{
+    EXPECT_FALSE(control().setValue(nullptr));
+    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+}
+
+TEST_F(CameraControlStringTest, ClientsTextIsNotTouchedByTheDriver)
+{
+    char const original[] = "untouched";
+    char handedOver[sizeof original];
+    std::memcpy(handedOver, original, sizeof original);
+    control().setValue(handedOver);
+    EXPECT_STREQ(original, handedOver);
+}
+
+TEST_F(CameraControlStringTest, RefusedTransfersAreFalseAndSilent)
+{
+    opened.node.fail(VIDIOC_S_EXT_CTRLS, EIO);
+    opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
+    char buffer[32];
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(control().setValue("x"));
+    EXPECT_FALSE(control().getValue(buffer, 32));
+    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+}
+
+TEST_F(CameraControlStringTest, PresentTextIsAlwaysTheDrivers)
+{
+    char buffer[32];
+    opened.node.setControlText(id, "one");
+    EXPECT_TRUE(control().getValue(buffer, 32));
+    EXPECT_STREQ("one", buffer);
+    opened.node.setControlText(id, "another");
+    EXPECT_EQ(8u, control().stringSize());
+    EXPECT_TRUE(control().getValue(buffer, 32));
+    EXPECT_STREQ("another", buffer);
+}

@@ -1,0 +1,318 @@
+// SPDX-License-Identifier: MIT
+#include "control/CameraControl.h"
+#include "CameraWithControls.h"
+
+#include <gtest/gtest.h>
+#include <linux/videodev2.h>
+
+#include <cerrno>
+#include <cstring>
+
+using namespace ImageAcquisition;
+using namespace VirtualCamera;
+
+namespace
+{
+
+using Accessor = bool (ICameraControl::*)() const;
+
+struct FlagAndAccessor
+{
+    unsigned int flag;
+    Accessor accessor;
+};
+
+constexpr FlagAndAccessor allFlags[] = {
+    {0x0001, &ICameraControl::isDisabled},  {0x0002, &ICameraControl::isGrabbed},
+    {0x0004, &ICameraControl::isReadOnly},  {0x0008, &ICameraControl::needsClassUpdate},
+    {0x0010, &ICameraControl::isInactive},  {0x0020, &ICameraControl::bestAsSlider},
+    {0x0040, &ICameraControl::isWriteOnly}, {0x0080, &ICameraControl::isVolatile},
+    {0x0100, &ICameraControl::hasPayload},  {0x0200, &ICameraControl::executesOnWrite},
+};
+
+/// The raw transfers of a control that need no type.
+class CameraControlTest : public testing::Test
+{
+protected:
+    CameraControl& raw(unsigned int id) const
+    {
+        return dynamic_cast<CameraControl&>(opened.control(id));
+    }
+
+    void initWithFlags(CameraControl& control, unsigned int flags) const
+    {
+        v4l2_queryctrl record{};
+        record.id = control.id();
+        record.flags = flags;
+        control.init(record);
+    }
+
+    CameraWithControls opened{{
+        integerControl(V4L2_CID_BRIGHTNESS, "Brightness").range(-100, 100).byDefault(7),
+        integerControl(V4L2_CID_CONTRAST, "Contrast").refusingReads(EIO).refusingWrites(EBUSY),
+        integer64Control(V4L2_CID_GAIN, "Gain").range(-0x7000000000LL, 0x7000000000LL).byDefault(5),
+    }};
+};
+
+/// Says something else than it was built with, to show who is asked.
+class Disguised : public CameraControl
+{
+public:
+    using CameraControl::CameraControl;
+    Type type() const override { return String; }
+    Family family() const override { return AutoControl; }
+};
+
+} // namespace
+
+TEST_F(CameraControlTest, KeepsWhatItWasBuiltWith)
+{
+    std::string name = "Sharpness, or so";
+    CameraControl const control(ICameraControl::Boolean, opened.camera, 0x0098091B, name.c_str());
+    name.clear();
+    EXPECT_EQ(0x0098091Bu, control.id());
+    EXPECT_EQ(ICameraControl::Boolean, control.type());
+    EXPECT_STREQ("Sharpness, or so", control.name());
+    EXPECT_STREQ("Boolean", control.typeString());
+}
+
+TEST_F(CameraControlTest, HasNeitherFlagsNorFamilyBeforeItIsInitialised)
+{
+    CameraControl const control(ICameraControl::Int32, opened.camera, V4L2_CID_BRIGHTNESS, "B");
+    for (FlagAndAccessor const& row : allFlags) {
+        EXPECT_FALSE((control.*row.accessor)()) << row.flag;
+    }
+    EXPECT_EQ(0x80000000u, control.family());
+    EXPECT_STREQ("Unknown", control.familyString());
+}
+
+TEST_F(CameraControlTest, EachFlagSpeaksThroughItsOwnAccessorOnly)
+{
+    for (FlagAndAccessor const& set : allFlags) {
+        CameraControl control(ICameraControl::Int32, opened.camera, V4L2_CID_BRIGHTNESS, "B");
+        initWithFlags(control, set.flag);
+        for (FlagAndAccessor const& asked : allFlags) {
+            EXPECT_EQ(asked.flag == set.flag, (control.*asked.accessor)())
+                << set.flag << " set, " << asked.flag << " asked";
+        }
+    }
+}
+
+TEST_F(CameraControlTest, FlagsOfAReadOnlySliderAreReadOnlyAndSlider)
+{
+    CameraControl control(ICameraControl::Int32, opened.camera, V4L2_CID_BRIGHTNESS, "B");
+    initWithFlags(control, 0x0024);
+    for (FlagAndAccessor const& row : allFlags) {
+        bool const wanted = row.flag == 0x0004 || row.flag == 0x0020;
+        EXPECT_EQ(wanted, (control.*row.accessor)()) << row.flag;
+    }
+}
+
+TEST_F(CameraControlTest, BrightnessIsOfImageQualityWithTheTextAtItsNumber)
+{
+    EXPECT_EQ(ICameraControl::ImageQuality, opened.control(V4L2_CID_BRIGHTNESS).family());
+    EXPECT_STREQ("FM Rx", opened.control(V4L2_CID_BRIGHTNESS).familyString());
+}
+
+TEST_F(CameraControlTest, WarnsOnceOfAnIdWithoutFamily)
+{
+    testing::internal::CaptureStderr();
+    CameraWithControls const zooming({integerControl(V4L2_CID_ZOOM_ABSOLUTE, "Zoom")});
+    EXPECT_EQ("WARNING: Control with id 0x009a090d as no family\n",
+              testing::internal::GetCapturedStderr());
+    EXPECT_EQ(0x80000000u, zooming.control(0x009A090D).family());
+    EXPECT_STREQ("Unknown", zooming.control(0x009A090D).familyString());
+}
+
+TEST_F(CameraControlTest, SaysNothingOfAnIdWithAFamily)
+{
+    testing::internal::CaptureStderr();
+    CameraWithControls const second(
+        aCamera("/dev/video1").withControl(integerControl(V4L2_CID_FOCUS_ABSOLUTE, "Focus")));
+    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+}
+
+TEST_F(CameraControlTest, TextsFollowTheVirtualTypeAndFamily)
+{
+    Disguised const control(ICameraControl::Int32, opened.camera, V4L2_CID_BRIGHTNESS, "B");
+    EXPECT_STREQ("String", control.typeString());
+    EXPECT_STREQ("Camera", static_cast<ICameraControl const&>(control).familyString());
+}
+
+TEST_F(CameraControlTest, TypeOutsideTheTableIsAnUnknownType)
+{
+    for (int const number : {0, 12, -1}) {
+        CameraControl const control(static_cast<ICameraControl::Type>(number), opened.camera, 1,
+                                    "");
+        EXPECT_STREQ("UnknownType", control.typeString());
+    }
+}
+
+TEST_F(CameraControlTest, UpdateStateTakesOverThePresentFlags)
+{
+    ICameraControl& control = opened.control(V4L2_CID_BRIGHTNESS);
+    opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, V4L2_CTRL_FLAG_INACTIVE);
+    EXPECT_FALSE(control.isInactive());
+    EXPECT_TRUE(control.updateState());
+    EXPECT_TRUE(control.isInactive());
+
+    opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, V4L2_CTRL_FLAG_GRABBED);
+    EXPECT_TRUE(control.updateState());
+    EXPECT_FALSE(control.isInactive());
+    EXPECT_TRUE(control.isGrabbed());
+}
+
+TEST_F(CameraControlTest, UpdateStateAsksForItsOwnIdWithAnOtherwiseEmptyRecord)
+{
+    opened.control(V4L2_CID_BRIGHTNESS).updateState();
+    CallRecord const call = opened.onlyCall();
+    EXPECT_EQ(CallId(VIDIOC_QUERYCTRL), call.call);
+    v4l2_queryctrl wanted{};
+    wanted.id = V4L2_CID_BRIGHTNESS;
+    auto const sent = call.argument<v4l2_queryctrl>();
+    EXPECT_EQ(0, std::memcmp(&wanted, &sent, sizeof wanted));
+}
+
+TEST_F(CameraControlTest, UpdateStateKeepsTheOldFlagsWhenTheDriverDoesNotAnswer)
+{
+    ICameraControl& control = opened.control(V4L2_CID_BRIGHTNESS);
+    opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, V4L2_CTRL_FLAG_INACTIVE);
+    control.updateState();
+    opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, 0);
+    opened.node.fail(VIDIOC_QUERYCTRL, EIO);
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(control.updateState());
+    EXPECT_TRUE(control.isInactive());
+    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+}
+
+TEST_F(CameraControlTest, UpdateStateLeavesFamilyNameAndTypeAlone)
+{
+    ICameraControl& control = opened.control(V4L2_CID_BRIGHTNESS);
+    control.updateState();
+    EXPECT_EQ(ICameraControl::ImageQuality, control.family());
+    EXPECT_STREQ("Brightness", control.name());
+    EXPECT_EQ(ICameraControl::Int32, control.type());
+}
+
+TEST_F(CameraControlTest, ReadsAndWritesNeverAskForTheFlags)
+{
+    raw(V4L2_CID_BRIGHTNESS).setControlValue(1);
+    raw(V4L2_CID_BRIGHTNESS).inquireControlValue();
+    raw(V4L2_CID_GAIN).setControlValueExt(1);
+    raw(V4L2_CID_GAIN).inquireControlValueExt();
+    EXPECT_EQ(0u, opened.node.countOf(VIDIOC_QUERYCTRL));
+}
+
+TEST_F(CameraControlTest, PlainReadSendsIdAndZero)
+{
+    opened.node.setControlValue(V4L2_CID_BRIGHTNESS, -42);
+    EXPECT_EQ(-42, raw(V4L2_CID_BRIGHTNESS).inquireControlValue());
+    CallRecord const call = opened.onlyCall();
+    EXPECT_EQ(CallId(VIDIOC_G_CTRL), call.call);
+    EXPECT_EQ(V4L2_CID_BRIGHTNESS, call.argument<v4l2_control>().id);
+    EXPECT_EQ(0, call.argument<v4l2_control>().value);
+    EXPECT_EQ(opened.camera.fileDescriptor(), call.descriptor);
+}
+
+TEST_F(CameraControlTest, PlainReadIsNeverAnsweredFromMemory)
+{
+    for (int const value : {3, 4, 5}) {
+        opened.node.setControlValue(V4L2_CID_BRIGHTNESS, value);
+        EXPECT_EQ(value, raw(V4L2_CID_BRIGHTNESS).inquireControlValue());
+    }
+}
+
+TEST_F(CameraControlTest, FailedPlainReadGivesZero)
+{
+    EXPECT_EQ(0, raw(V4L2_CID_CONTRAST).inquireControlValue());
+    EXPECT_EQ(CallId(VIDIOC_G_CTRL), opened.onlyCall().call);
+}
+
+TEST_F(CameraControlTest, PlainWriteSendsIdAndValue)
+{
+    EXPECT_TRUE(raw(V4L2_CID_BRIGHTNESS).setControlValue(-99));
+    CallRecord const call = opened.onlyCall();
+    EXPECT_EQ(CallId(VIDIOC_S_CTRL), call.call);
+    EXPECT_EQ(V4L2_CID_BRIGHTNESS, call.argument<v4l2_control>().id);
+    EXPECT_EQ(-99, call.argument<v4l2_control>().value);
+    EXPECT_EQ(-99, opened.node.controlValue(V4L2_CID_BRIGHTNESS));
+}
+
+TEST_F(CameraControlTest, RefusedPlainWriteIsFalseAndLeavesErrno)
+{
+    errno = 0;
+    EXPECT_FALSE(raw(V4L2_CID_CONTRAST).setControlValue(1));
+    EXPECT_EQ(EBUSY, errno);
+    EXPECT_EQ(1u, opened.node.countOf(Call::Ioctl));
+}
+
+TEST_F(CameraControlTest, InterruptedTransfersAreRepeated)
+{
+    opened.node.setControlValue(V4L2_CID_BRIGHTNESS, 12);
+    opened.node.fail(VIDIOC_G_CTRL, EINTR);
+    EXPECT_EQ(12, raw(V4L2_CID_BRIGHTNESS).inquireControlValue());
+    EXPECT_EQ(2u, opened.node.countOf(VIDIOC_G_CTRL));
+    opened.node.fail(VIDIOC_S_EXT_CTRLS, EINTR);
+    EXPECT_TRUE(raw(V4L2_CID_GAIN).setControlValueExt(13));
+    EXPECT_EQ(2u, opened.node.countOf(VIDIOC_S_EXT_CTRLS));
+}
+
+TEST_F(CameraControlTest, ExtendedReadNamesTheClassAndGivesSixtyFourBits)
+{
+    opened.node.setControlValue(V4L2_CID_GAIN, -0x123456789ALL);
+    EXPECT_EQ(-0x123456789ALL, raw(V4L2_CID_GAIN).inquireControlValueExt());
+    CallRecord const call = opened.onlyCall();
+    EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), call.call);
+    EXPECT_EQ(0x00980000u, call.controlClass);
+    ASSERT_EQ(1u, call.controls.size());
+    EXPECT_EQ(V4L2_CID_GAIN, call.controls[0].id);
+    EXPECT_EQ(0u, call.controls[0].size);
+    EXPECT_EQ(0, call.controls[0].value);
+}
+
+TEST_F(CameraControlTest, ExtendedWriteNamesNoClass)
+{
+    EXPECT_TRUE(raw(V4L2_CID_GAIN).setControlValueExt(0x6543210FEDLL));
+    CallRecord const call = opened.onlyCall();
+    EXPECT_EQ(CallId(VIDIOC_S_EXT_CTRLS), call.call);
+    EXPECT_EQ(0u, call.controlClass);
+    ASSERT_EQ(1u, call.controls.size());
+    EXPECT_EQ(V4L2_CID_GAIN, call.controls[0].id);
+    EXPECT_EQ(0u, call.controls[0].size);
+    EXPECT_EQ(0x6543210FEDLL, call.controls[0].value);
+    EXPECT_EQ(0x6543210FEDLL, opened.node.controlValue(V4L2_CID_GAIN));
+}
+
+TEST_F(CameraControlTest, ExtendedRecordsAreEmptyBesidesTheirOneControl)
+{
+    raw(V4L2_CID_GAIN).inquireControlValueExt();
+    raw(V4L2_CID_GAIN).setControlValueExt(1);
+    for (CallRecord const& call : opened.node.calls()) {
+        auto const sent = call.argument<v4l2_ext_controls>();
+        EXPECT_EQ(1u, sent.count);
+        EXPECT_EQ(0u, sent.error_idx);
+        EXPECT_EQ(0, sent.request_fd);
+        EXPECT_EQ(0u, sent.reserved[0]);
+    }
+}
+
+TEST_F(CameraControlTest, FailedExtendedTransfersGiveZeroAndFalse)
+{
+    opened.node.setControlValue(V4L2_CID_GAIN, 77);
+    opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
+    EXPECT_EQ(0, raw(V4L2_CID_GAIN).inquireControlValueExt());
+    opened.node.fail(VIDIOC_S_EXT_CTRLS, ENOSPC);
+    errno = 0;
+    EXPECT_FALSE(raw(V4L2_CID_GAIN).setControlValueExt(78));
+    EXPECT_EQ(ENOSPC, errno);
+}
+
+TEST_F(CameraControlTest, ExtendedTransferOfAStandardIdIsNotAskedAgainWhenInvalid)
+{
+    opened.node.fail(VIDIOC_G_EXT_CTRLS, EINVAL);
+    opened.node.fail(VIDIOC_S_EXT_CTRLS, EINVAL);
+    EXPECT_EQ(0, raw(V4L2_CID_GAIN).inquireControlValueExt());
+    EXPECT_FALSE(raw(V4L2_CID_GAIN).setControlValueExt(1));
+    EXPECT_EQ(2u, opened.node.countOf(Call::Ioctl));
+}

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "CameraWithControls.h"
+#include "ExtensionUnitTable.h"
+#include "ICameraControlBoolean.h"
+#include "ICameraControlNumeric.h"
+#include "ICameraControlStringMenu.h"
+
+#include <gtest/gtest.h>
+#include <linux/videodev2.h>
+
+using namespace ImageAcquisition;
+using namespace VirtualCamera;
+
+namespace
+{
+
+class ExtensionUnitControlsTest : public testing::Test
+{
+protected:
+    CameraWithControls opened{aVendorCamera(), CameraWithControls::Maker::Vendor};
+};
+
+ICameraControl::Type typeOf(ExpectedMapping const& row)
+{
+    switch (row.v4l2Type) {
+    case V4L2_CTRL_TYPE_MENU:
+        return ICameraControl::StringMenu;
+    case V4L2_CTRL_TYPE_BOOLEAN:
+        return ICameraControl::Boolean;
+    default:
+        return ICameraControl::Int32;
+    }
+}
+
+} // namespace
+
+TEST_F(ExtensionUnitControlsTest, AllAreListedWithNameTypeAndItems)
+{
+    EXPECT_EQ(29, opened.camera.controlNumber());
+    for (ExpectedMapping const& row : expectedMappings()) {
+        ICameraControl const& control = opened.control(row.id);
+        EXPECT_EQ(row.name, control.name());
+        EXPECT_EQ(typeOf(row), control.type()) << row.name;
+        EXPECT_EQ(&control, opened.camera.control(row.name.c_str()));
+        EXPECT_NE(ICameraControl::Unknown, control.family()) << row.name;
+        if (!row.menu.empty()) {
+            auto const& menu = opened.as<ICameraControlStringMenu>(row.id);
+            ASSERT_EQ(static_cast<int>(row.menu.size()), menu.count()) << row.name;
+            for (int position = 0; position < menu.count(); ++position) {
+                EXPECT_EQ(row.menu[static_cast<std::size_t>(position)].name, menu.string(position));
+            }
+        }
+    }
+}
+
+TEST_F(ExtensionUnitControlsTest, NoneIsWarnedOfForItsFamily)
+{
+    testing::internal::CaptureStderr();
+    DeviceStub record;
+    record.vendor = IMAGEACQUISITION_VENDOR_ID;
+    record.product = IMAGEACQUISITION_PRODUCT_ID;
+    Camera again(&record);
+    ASSERT_TRUE(again.init());
+    EXPECT_EQ(29, again.controlNumber());
+    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+}
+
+TEST_F(ExtensionUnitControlsTest, LightModeSendsTheDevicesValueOfItsItem)
+{
+    auto& light = opened.as<ICameraControlStringMenu>(0x08000000);
+    ASSERT_EQ(2, light.count());
+    EXPECT_STREQ("Off", light.string(0));
+    EXPECT_STREQ("Continuous", light.string(1));
+    EXPECT_TRUE(light.setCurrentIndex(1));
+    EXPECT_EQ(std::vector<std::uint8_t>{3}, opened.node.selectorBytes(1));
+    EXPECT_EQ(1, light.currentIndex());
+    EXPECT_STREQ("Continuous", light.currentString());
+    EXPECT_TRUE(light.setCurrentIndex(0));
+    EXPECT_EQ(std::vector<std::uint8_t>{0}, opened.node.selectorBytes(1));
+    EXPECT_FALSE(light.setCurrentIndex(2));
+}
+
+TEST_F(ExtensionUnitControlsTest, WhiteBalanceFieldsLieRedGreenBlue)
+{
+    EXPECT_TRUE(opened.as<ICameraControlNumeric<int>>(0x08000012).setValue(0x1122)); // Red
+    EXPECT_TRUE(opened.as<ICameraControlNumeric<int>>(0x08000013).setValue(0x5566)); // Blue
+    EXPECT_TRUE(opened.as<ICameraControlNumeric<int>>(0x08000014).setValue(0x3344)); // Green
+    std::vector<std::uint8_t> const wanted = {0x22, 0x11, 0x44, 0x33, 0x66, 0x55};
+    EXPECT_EQ(wanted, opened.node.selectorBytes(10));
+}
+
+TEST_F(ExtensionUnitControlsTest, PanAndTiltAreSigned)
+{
+    opened.node.setSelectorBytes(14, {0xFF, 0xFF, 0xFE, 0xFF});
+    EXPECT_EQ(-1, opened.as<ICameraControlNumeric<int>>(0x08000018).value());
+    EXPECT_EQ(-2, opened.as<ICameraControlNumeric<int>>(0x08000019).value());
+}
+
+TEST_F(ExtensionUnitControlsTest, BooleansAndWordsReachTheirSelectors)
+{
+    EXPECT_TRUE(opened.as<ICameraControlBoolean>(0x08000008).setValue(true));
+    EXPECT_EQ(std::vector<std::uint8_t>{1}, opened.node.selectorBytes(6));
+    EXPECT_TRUE(opened.as<ICameraControlBoolean>(0x08000008).value());
+
+    opened.node.setSelectorBytes(3, {0x78, 0x56, 0x34, 0x12});
+    EXPECT_EQ(0x12345678, opened.as<ICameraControlNumeric<int>>(0x08000002).value());
+}

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// Built like a client: it sees the public interfaces and links the shared library alone.
+#include "DeviceStub.h"
+#include "ImageAcquisition.h"
+#include "VirtualCamera.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <linux/videodev2.h>
+
+#include <stdexcept>
+
+using namespace ImageAcquisition;
+using namespace VirtualCamera;
+
+namespace
+{
+
+constexpr unsigned int firstPrivate = V4L2_CID_PRIVATE_BASE;
+
+class SharedLibraryTest : public testing::Test
+{
+protected:
+    ICameraControl* control(char const* name) const { return camera->control(name); }
+
+    template <typename Interface>
+    Interface* as(char const* name) const
+    {
+        return dynamic_cast<Interface*>(control(name));
+    }
+
+    InstalledCamera node =
+        aCamera()
+            .withControl(integerControl(V4L2_CID_BRIGHTNESS, "Int32").range(0, 9).byDefault(4))
+            .withControl(integer64Control(V4L2_CID_GAIN, "Int64").currently(0x500000000))
+            .withControl(unsigned8Control(V4L2_CID_CONTRAST, "UInt8").byDefault(8))
+            .withControl(unsigned16Control(V4L2_CID_HUE, "UInt16").byDefault(16))
+            .withControl(booleanControl(V4L2_CID_AUTO_WHITE_BALANCE, "Boolean").byDefault(1))
+            .withControl(buttonControl(V4L2_CID_GAMMA, "Button"))
+            .withControl(bitMaskControl(V4L2_CID_SHARPNESS, "BitMask").range(0, 7).byDefault(5))
+            .withControl(menuControl(V4L2_CID_EXPOSURE_AUTO, "StringMenu").withItem("One"))
+            .withControl(
+                integerMenuControl(V4L2_CID_HUE_AUTO, "Int64Menu").withItem(0, std::int64_t{1}))
+            .withControl(stringControl(firstPrivate, "String").range(0, 9).currently("text"))
+            .install();
+    std::unique_ptr<IBlockingCamera> camera{
+        ICameraFactory::getUniqueInstance().createBlockingCamera(
+            std::make_unique<DeviceStub>().get())};
+};
+
+/// Whether the shared library itself, apart from the program, offers a symbol.
+bool libraryExports(std::string const& symbol)
+{
+    // The program may hold a copy, so the library is asked by its own name.
+    void* const library = dlopen("libimageacquisition.so.1", RTLD_LAZY | RTLD_NOLOAD);
+    if (library == nullptr) {
+        throw std::runtime_error("the shared library is not loaded");
+    }
+    void* const address = dlsym(library, symbol.c_str());
+    dlclose(library);
+    return address != nullptr;
+}
+
+} // namespace
+
+TEST_F(SharedLibraryTest, NumbersAreReachedByCast)
+{
+    ASSERT_NE(nullptr, as<ICameraControlNumeric<int>>("Int32"));
+    EXPECT_EQ(4, as<ICameraControlNumeric<int>>("Int32")->value());
+    ASSERT_NE(nullptr, as<ICameraControlNumeric<long long>>("Int64"));
+    EXPECT_EQ(0x500000000, as<ICameraControlNumeric<long long>>("Int64")->value());
+    ASSERT_NE(nullptr, as<ICameraControlNumeric<unsigned char>>("UInt8"));
+    EXPECT_EQ(8, as<ICameraControlNumeric<unsigned char>>("UInt8")->value());
+    ASSERT_NE(nullptr, as<ICameraControlNumeric<unsigned short>>("UInt16"));
+    EXPECT_EQ(16, as<ICameraControlNumeric<unsigned short>>("UInt16")->value());
+}
+
+TEST_F(SharedLibraryTest, OtherTypesAreReachedByCast)
+{
+    ASSERT_NE(nullptr, as<ICameraControlBoolean>("Boolean"));
+    EXPECT_TRUE(as<ICameraControlBoolean>("Boolean")->value());
+    ASSERT_NE(nullptr, as<ICameraControlButton>("Button"));
+    EXPECT_TRUE(as<ICameraControlButton>("Button")->clicked());
+    ASSERT_NE(nullptr, as<ICameraControlBitMask>("BitMask"));
+    EXPECT_EQ(5u, as<ICameraControlBitMask>("BitMask")->value());
+    ASSERT_NE(nullptr, as<ICameraControlStringMenu>("StringMenu"));
+    EXPECT_STREQ("One", as<ICameraControlStringMenu>("StringMenu")->currentString());
+    ASSERT_NE(nullptr, as<ICameraControlInt64Menu>("Int64Menu"));
+    EXPECT_EQ(0, as<ICameraControlInt64Menu>("Int64Menu")->currentIndex());
+    ASSERT_NE(nullptr, as<ICameraControlBaseMenu>("Int64Menu"));
+    ASSERT_NE(nullptr, as<ICameraControlString>("String"));
+    char buffer[16];
+    EXPECT_TRUE(as<ICameraControlString>("String")->getValue(buffer, 16));
+    EXPECT_STREQ("text", buffer);
+}
+
+TEST_F(SharedLibraryTest, CastToAnotherTypeGivesNull)
+{
+    EXPECT_EQ(nullptr, as<ICameraControlNumeric<long long>>("Int32"));
+    EXPECT_EQ(nullptr, as<ICameraControlNumeric<unsigned int>>("Int32"));
+    EXPECT_EQ(nullptr, as<ICameraControlNumeric<int>>("Boolean"));
+    EXPECT_EQ(nullptr, as<ICameraControlStringMenu>("Int64Menu"));
+    EXPECT_EQ(nullptr, as<ICameraControlNumeric<int>>("no such control"));
+}
+
+TEST_F(SharedLibraryTest, OutOfRangeCanBeCaughtByTheClient)
+{
+    EXPECT_THROW(as<ICameraControlStringMenu>("StringMenu")->string(1), std::out_of_range);
+    EXPECT_THROW(as<ICameraControlInt64Menu>("Int64Menu")->value(0), std::out_of_range);
+}
+
+TEST_F(SharedLibraryTest, TypeInformationOfEachInstantiationIsExported)
+{
+    for (char const* const code : {"i", "x", "h", "t", "j"}) {
+        std::string const type =
+            std::string("N16ImageAcquisition21ICameraControlNumericI") + code + "EE";
+        EXPECT_TRUE(libraryExports("_ZTI" + type)) << type;
+    }
+    EXPECT_TRUE(libraryExports("_ZTIN16ImageAcquisition14ICameraControlE"));
+}
+
+TEST_F(SharedLibraryTest, ImplementationsAreHidden)
+{
+    EXPECT_FALSE(libraryExports("_ZTIN16ImageAcquisition13CameraControlE"));
+    EXPECT_FALSE(libraryExports("_ZTIN16ImageAcquisition20CameraControlNumericIiEE"));
+}
