@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: MIT
+#include "CommandInterpreter.h"
+
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <stdexcept>
+
+namespace UsbCamera
+{
+
+namespace
+{
+
+std::uint32_t number(const Words& words, std::size_t position, std::uint32_t otherwise,
+                     std::uint32_t limit = std::numeric_limits<std::uint32_t>::max())
+{
+    if (words.size() <= position) {
+        return otherwise;
+    }
+    std::size_t used = 0;
+    unsigned long value = 0;
+    try {
+        value = std::stoul(words[position], &used, 0);
+    } catch (const std::logic_error&) {
+        used = 0;
+    }
+    if (used == 0 || used != words[position].size() || value > limit) {
+        throw std::invalid_argument("not a number, or too large: " + words[position]);
+    }
+    return static_cast<std::uint32_t>(value);
+}
+
+std::uint32_t number(const Words& words, std::size_t position)
+{
+    if (words.size() <= position) {
+        throw std::invalid_argument("a number is missing");
+    }
+    return number(words, position, 0);
+}
+
+std::uint8_t byte(const Words& words, std::size_t position)
+{
+    number(words, position);
+    return static_cast<std::uint8_t>(number(words, position, 0, 0xff));
+}
+
+const std::string& text(const Words& words, std::size_t position)
+{
+    if (words.size() <= position) {
+        throw std::invalid_argument("an argument is missing");
+    }
+    return words[position];
+}
+
+std::optional<std::uint8_t> byteOrAny(const Words& words, std::size_t position)
+{
+    if (text(words, position) == "any") {
+        return std::nullopt;
+    }
+    return byte(words, position);
+}
+
+std::string addStall(CameraDevice& camera, const Words& words)
+{
+    if (text(words, 1) == "vendor") {
+        camera.faults().vendorStalls = number(words, 2, 1);
+        return "";
+    }
+    StallFault stall;
+    stall.unit = byteOrAny(words, 1);
+    stall.selector = byteOrAny(words, 2);
+    if (text(words, 3) != "any") {
+        stall.request = requestCode(words[3]);
+    }
+    stall.remaining = number(words, 4, 1);
+    stall.error = static_cast<UvcError>(number(words, 5, 1, 0xff));
+    camera.faults().stalls.push_back(stall);
+    return "";
+}
+
+std::string setSerialMode(CameraDevice& camera, const Words& words)
+{
+    static const std::map<std::string, SerialMode> modes{{"normal", SerialMode::Normal},
+                                                         {"silent", SerialMode::Silent},
+                                                         {"slow", SerialMode::Slow},
+                                                         {"split", SerialMode::Split},
+                                                         {"short", SerialMode::Short}};
+    const auto found = modes.find(text(words, 1));
+    if (found == modes.end()) {
+        throw std::invalid_argument("a serial port is normal, silent, slow, split or short");
+    }
+    Faults& faults = camera.faults();
+    faults.serialMode = found->second;
+    if (found->second == SerialMode::Short) {
+        faults.serialSize = number(words, 2);
+    } else if (found->second == SerialMode::Slow || found->second == SerialMode::Split) {
+        faults.serialDelay = std::chrono::milliseconds(number(words, 2));
+    }
+    return "";
+}
+
+std::string unplug(CameraDevice& camera, const Words& words)
+{
+    const std::string when = words.size() > 1 ? words[1] : "now";
+    if (when == "now") {
+        camera.unplug("by command");
+    } else if (when == "frame") {
+        camera.faults().unplugAtFrame = number(words, 2);
+    } else if (when == "control") {
+        camera.faults().unplugInControl = number(words, 2, 1);
+    } else if (when == "serial") {
+        camera.faults().unplugInSerial = number(words, 2, 1);
+    } else {
+        throw std::invalid_argument("unplug now, at a frame, in a control or a serial request");
+    }
+    return "";
+}
+
+std::string describe(CameraDevice& camera)
+{
+    nlohmann::ordered_json status;
+    status["kind"] = camera.model().kind;
+    status["port"] = camera.model().port;
+    status["controller"] = camera.model().controller;
+    status["plugged"] = camera.isPlugged();
+    status["plugs"] = camera.plugged();
+    status["streaming"] = camera.stream().isRunning();
+    status["held"] = camera.stream().isHeld();
+    status["frame"] = camera.stream().frameNumber();
+    status["serialPackets"] = camera.serial().packets();
+    return status.dump();
+}
+
+} // namespace
+
+CommandInterpreter::CommandInterpreter(std::vector<std::unique_ptr<CameraDevice>>& cameras,
+                                       RequestLog& log)
+    : _cameras(cameras), _log(log)
+{
+    addPlugCommands();
+    addStreamCommands();
+    addControlCommands();
+    addOtherCommands();
+}
+
+void CommandInterpreter::addPlugCommands()
+{
+    _handlers["unplug"] = unplug;
+    _handlers["plug"] = [](CameraDevice& camera, const Words&) {
+        camera.plug();
+        return std::string();
+    };
+    _handlers["firmware"] = [](CameraDevice& camera, const Words& words) {
+        camera.model().firmware = firmwareReply(text(words, 1));
+        return std::string();
+    };
+}
+
+void CommandInterpreter::addStreamCommands()
+{
+    _handlers["corrupt"] = [](CameraDevice& camera, const Words& words) {
+        camera.faults().corruptedFrames[number(words, 1)] = true;
+        return std::string();
+    };
+    _handlers["cut"] = [](CameraDevice& camera, const Words& words) {
+        camera.faults().cutFrames[number(words, 1)] = number(words, 2);
+        return std::string();
+    };
+    _handlers["hold"] = [](CameraDevice& camera, const Words& words) {
+        camera.faults().holdAtFrame = number(words, 1, 0);
+        return std::string();
+    };
+    _handlers["release"] = [](CameraDevice& camera, const Words&) {
+        camera.faults().holdAtFrame.reset();
+        return std::string();
+    };
+}
+
+void CommandInterpreter::addControlCommands()
+{
+    _handlers["stall"] = addStall;
+    _handlers["serial"] = setSerialMode;
+    _handlers["length"] = [](CameraDevice& camera, const Words& words) {
+        camera.faults().lengths[{byte(words, 1), byte(words, 2)}] =
+            static_cast<std::uint16_t>(number(words, 3, 0, 0xffff));
+        return std::string();
+    };
+    _handlers["get"] = [](CameraDevice& camera, const Words& words) {
+        return toHex(camera.controls().current(byte(words, 1), byte(words, 2)));
+    };
+    _handlers["set"] = [](CameraDevice& camera, const Words& words) {
+        camera.controls().change(byte(words, 1), byte(words, 2), fromHex(text(words, 3)));
+        return std::string();
+    };
+}
+
+void CommandInterpreter::addOtherCommands()
+{
+    _handlers["status"] = [](CameraDevice& camera, const Words&) { return describe(camera); };
+    _handlers["clear"] = [](CameraDevice& camera, const Words&) {
+        camera.faults() = Faults{};
+        return std::string();
+    };
+    _handlers["mark"] = [this](CameraDevice&, const Words& words) {
+        _log.event(_current, "mark", text(words, 1));
+        return std::string();
+    };
+    _handlers["quit"] = [this](CameraDevice&, const Words&) {
+        _isQuitting = true;
+        return std::string();
+    };
+}
+
+std::string CommandInterpreter::executeWords(unsigned camera, const Words& words)
+{
+    if (camera == 0 || camera > _cameras.size()) {
+        return "error there is no camera " + std::to_string(camera);
+    }
+    const auto handler = words.empty() ? _handlers.end() : _handlers.find(words[0]);
+    if (handler == _handlers.end()) {
+        std::string known;
+        for (const auto& entry : _handlers) {
+            known += " " + entry.first;
+        }
+        return "error the commands are" + known;
+    }
+    _current = camera;
+    const std::string result = handler->second(*_cameras[camera - 1], words);
+    return result.empty() ? "ok" : "ok " + result;
+}
+
+std::string CommandInterpreter::execute(const std::string& line)
+{
+    std::istringstream stream(line);
+    unsigned camera = 0;
+    stream >> camera;
+    Words words;
+    std::string word;
+    while (stream >> word) {
+        words.push_back(word);
+    }
+    try {
+        return executeWords(camera, words);
+    } catch (const std::exception& error) {
+        return std::string("error ") + error.what();
+    }
+}
+
+} // namespace UsbCamera

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "CameraDevice.h"
+
+#include <functional>
+#include <map>
+
+namespace UsbCamera
+{
+
+using Words = std::vector<std::string>;
+
+/// Carries out what a user orders at run time: one line, one answer.
+class CommandInterpreter
+{
+public:
+    CommandInterpreter(std::vector<std::unique_ptr<CameraDevice>>& cameras, RequestLog& log);
+
+    /// `line` is a camera's number, a command and its arguments. The answer is "ok", perhaps with
+    /// a result behind it, or "error" and the reason.
+    std::string execute(const std::string& line);
+
+    bool isQuitting() const { return _isQuitting; }
+
+private:
+    using Handler = std::function<std::string(CameraDevice&, const Words&)>;
+
+    void addPlugCommands();
+    void addStreamCommands();
+    void addControlCommands();
+    void addOtherCommands();
+    std::string executeWords(unsigned number, const Words& words);
+
+    std::vector<std::unique_ptr<CameraDevice>>& _cameras;
+    RequestLog& _log;
+    std::map<std::string, Handler> _handlers;
+    unsigned _current = 0; ///< number of the camera that the command is for
+    bool _isQuitting = false;
+};
+
+} // namespace UsbCamera

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+#include "CommandServer.h"
+
+#include <cerrno>
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace UsbCamera
+{
+
+namespace
+{
+
+[[noreturn]] void fail(const std::string& what)
+{
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+sockaddr_un makeAddress(const std::string& path)
+{
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof address.sun_path) {
+        errno = ENAMETOOLONG;
+        fail(path);
+    }
+    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+    return address;
+}
+
+int makeSocket()
+{
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (socket < 0) {
+        fail("socket");
+    }
+    return socket;
+}
+
+bool sendText(int socket, const std::string& text)
+{
+    return ::send(socket, text.data(), text.size(), MSG_NOSIGNAL) ==
+           static_cast<ssize_t>(text.size());
+}
+
+} // namespace
+
+CommandServer::CommandServer(const std::string& path, CommandInterpreter& interpreter)
+    : _path(path), _interpreter(interpreter), _listener(makeSocket())
+{
+    const sockaddr_un address = makeAddress(path);
+    ::unlink(path.c_str());
+    if (::bind(_listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        ::listen(_listener, 8) != 0) {
+        const int error = errno;
+        ::close(_listener);
+        errno = error;
+        fail(path);
+    }
+}
+
+CommandServer::~CommandServer()
+{
+    for (const auto& client : _clients) {
+        ::close(client.first);
+    }
+    ::close(_listener);
+    ::unlink(_path.c_str());
+}
+
+void CommandServer::addDescriptors(std::vector<pollfd>& descriptors) const
+{
+    descriptors.push_back({_listener, POLLIN, 0});
+    for (const auto& client : _clients) {
+        descriptors.push_back({client.first, POLLIN, 0});
+    }
+}
+
+void CommandServer::handle(const std::vector<pollfd>& descriptors)
+{
+    for (const pollfd& descriptor : descriptors) {
+        if (descriptor.revents == 0) {
+            continue;
+        }
+        if (descriptor.fd == _listener) {
+            accept();
+        } else if (_clients.count(descriptor.fd) > 0 && !read(descriptor.fd)) {
+            ::close(descriptor.fd);
+            _clients.erase(descriptor.fd);
+        }
+    }
+}
+
+void CommandServer::accept()
+{
+    const int client = ::accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC);
+    if (client >= 0) {
+        _clients[client];
+    }
+}
+
+bool CommandServer::read(int client)
+{
+    char bytes[1024];
+    const ssize_t size = ::recv(client, bytes, sizeof bytes, 0);
+    if (size <= 0) {
+        return false;
+    }
+    std::string& text = _clients[client];
+    text.append(bytes, static_cast<std::size_t>(size));
+    for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n')) {
+        const std::string line = text.substr(0, end);
+        text.erase(0, end + 1);
+        if (!sendText(client, _interpreter.execute(line) + "\n")) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string sendCommand(const std::string& path, const std::string& line)
+{
+    const sockaddr_un address = makeAddress(path);
+    const int socket = makeSocket();
+    std::string answer;
+    if (::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
+        sendText(socket, line + "\n")) {
+        char byte = 0;
+        while (::recv(socket, &byte, 1, 0) == 1 && byte != '\n') {
+            answer += byte;
+        }
+    }
+    const int error = errno;
+    ::close(socket);
+    if (answer.empty()) {
+        errno = error;
+        fail("no answer from " + path);
+    }
+    return answer;
+}
+
+} // namespace UsbCamera

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "CommandInterpreter.h"
+
+#include <map>
+#include <poll.h>
+
+namespace UsbCamera
+{
+
+/// Takes commands over a Unix socket, a line each, and answers each with a line.
+class CommandServer
+{
+public:
+    /// Throws std::system_error when the socket can't be made at this path.
+    CommandServer(const std::string& path, CommandInterpreter& interpreter);
+    ~CommandServer();
+    CommandServer(const CommandServer&) = delete;
+    CommandServer& operator=(const CommandServer&) = delete;
+
+    void addDescriptors(std::vector<pollfd>& descriptors) const;
+    void handle(const std::vector<pollfd>& descriptors);
+
+private:
+    void accept();
+    bool read(int client);
+
+    std::string _path;
+    CommandInterpreter& _interpreter;
+    int _listener;
+    std::map<int, std::string> _clients; ///< descriptor, and what came of a line so far
+};
+
+/// The other side: sends one line and returns the answer. Throws std::system_error.
+std::string sendCommand(const std::string& path, const std::string& line);
+
+} // namespace UsbCamera

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Bytes.h"
+#include "CameraModel.h"
+
+namespace UsbCamera
+{
+
+/// The only configuration, with all its interfaces, endpoints and class descriptors.
+Bytes makeConfiguration(const CameraModel& model);
+
+} // namespace UsbCamera

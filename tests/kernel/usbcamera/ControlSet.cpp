@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+#include "ControlSet.h"
+
+#include <stdexcept>
+
+namespace UsbCamera
+{
+
+namespace
+{
+
+/// Entity 0 is the video control interface itself; its selector 2 tells the last error.
+constexpr std::uint8_t interfaceEntity = 0;
+constexpr std::uint8_t errorCodeSelector = 2;
+
+Bytes pack(const ControlDefinition& definition, std::int64_t ControlField::*member)
+{
+    Bytes bytes;
+    for (const ControlField& field : definition.fields) {
+        appendLittle(bytes, static_cast<std::uint64_t>(field.*member), field.size);
+    }
+    return bytes;
+}
+
+std::int64_t fieldValue(const ControlField& field, const Bytes& data, std::size_t offset)
+{
+    const std::uint64_t raw = readLittle(data, offset, field.size);
+    const std::uint64_t sign = std::uint64_t{1} << (8 * field.size - 1);
+    if (field.isSigned && (raw & sign) != 0) {
+        return static_cast<std::int64_t>(raw | ~(sign - 1));
+    }
+    return static_cast<std::int64_t>(raw);
+}
+
+bool isInRange(const ControlDefinition& definition, const Bytes& data)
+{
+    std::size_t offset = 0;
+    for (const ControlField& field : definition.fields) {
+        const std::int64_t value = fieldValue(field, data, offset);
+        if (value < field.minimum || value > field.maximum) {
+            return false;
+        }
+        offset += field.size;
+    }
+    return true;
+}
+
+Bytes little(std::uint64_t value, std::size_t size)
+{
+    Bytes bytes;
+    appendLittle(bytes, value, size);
+    return bytes;
+}
+
+} // namespace
+
+ControlSet::ControlSet(const CameraModel& model, Faults& faults) : _faults(faults)
+{
+    for (const ControlDefinition& definition : controlTable(model)) {
+        _controls[{definition.unit, definition.selector}] =
+            Control{definition, pack(definition, &ControlField::initial)};
+    }
+}
+
+UnitReply ControlSet::execute(const UnitRequest& request)
+{
+    if (request.unit == interfaceEntity) {
+        return readErrorCode(request);
+    }
+    UnitReply reply;
+    const auto found = _controls.find({request.unit, request.selector});
+    if (const auto stall = _faults.takeStall(request.unit, request.selector, request.code)) {
+        reply.error = *stall;
+    } else if (request.unit > extensionUnit) {
+        reply.error = UvcError::InvalidUnit;
+    } else if (found == _controls.end()) {
+        reply.error = UvcError::InvalidControl;
+    } else if (request.code == setCur) {
+        reply = write(found->second, request.data);
+    } else {
+        reply = read(found->second, request);
+    }
+    _lastError = reply.error;
+    return reply;
+}
+
+UnitReply ControlSet::readErrorCode(const UnitRequest& request) const
+{
+    if (request.selector != errorCodeSelector || request.code != getCur) {
+        return {UvcError::InvalidControl, {}};
+    }
+    return {UvcError::None, {static_cast<std::uint8_t>(_lastError)}};
+}
+
+UnitReply ControlSet::read(const Control& control, const UnitRequest& request) const
+{
+    const ControlDefinition& definition = control.definition;
+    switch (request.code) {
+    case getCur:
+        return {UvcError::None, control.current};
+    case getMin:
+        return {UvcError::None, pack(definition, &ControlField::minimum)};
+    case getMax:
+        return {UvcError::None, pack(definition, &ControlField::maximum)};
+    case getRes:
+        return {UvcError::None, pack(definition, &ControlField::step)};
+    case getDef:
+        return {UvcError::None, pack(definition, &ControlField::initial)};
+    case getInfo:
+        return {UvcError::None, {definition.info}};
+    case getLen: {
+        const auto absurd = _faults.lengths.find({request.unit, request.selector});
+        const std::size_t length =
+            absurd == _faults.lengths.end() ? control.current.size() : absurd->second;
+        return {UvcError::None, little(length, 2)};
+    }
+    default:
+        return {UvcError::InvalidRequest, {}};
+    }
+}
+
+UnitReply ControlSet::write(Control& control, const Bytes& data)
+{
+    if ((control.definition.info & canSet) == 0) {
+        return {UvcError::InvalidRequest, {}};
+    }
+    if (data.size() != control.current.size() || !isInRange(control.definition, data)) {
+        return {UvcError::OutOfRange, {}};
+    }
+    control.current = data;
+    return {UvcError::None, data};
+}
+
+Bytes ControlSet::current(std::uint8_t unit, std::uint8_t selector) const
+{
+    const auto found = _controls.find({unit, selector});
+    if (found == _controls.end()) {
+        throw std::invalid_argument("the camera has no such control");
+    }
+    return found->second.current;
+}
+
+void ControlSet::change(std::uint8_t unit, std::uint8_t selector, const Bytes& data)
+{
+    if (data.size() != current(unit, selector).size()) {
+        throw std::invalid_argument("the control has another length");
+    }
+    _controls[{unit, selector}].current = data;
+}
+
+void ControlSet::reset()
+{
+    for (auto& entry : _controls) {
+        entry.second.current = pack(entry.second.definition, &ControlField::initial);
+    }
+    _lastError = UvcError::None;
+}
+
+} // namespace UsbCamera

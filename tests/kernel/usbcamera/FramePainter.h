@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Bytes.h"
+
+namespace UsbCamera
+{
+
+/// Paints the test picture in YUYV: colour bars that stand still; in the top rows the frame number
+/// as 32 black or white blocks, most significant bit first; below them the number in digits.
+/// A picture depends on its number only, so that a test can compare whole frames.
+class FramePainter
+{
+public:
+    /// `width` is a multiple of 32, `height` at least 64.
+    FramePainter(unsigned width, unsigned height);
+
+    /// The bytes stay good until the next call.
+    const Bytes& paint(std::uint32_t number);
+
+    /// The number that the blocks of a picture show.
+    static std::uint32_t readNumber(const std::uint8_t* picture, unsigned width);
+
+private:
+    void fill(unsigned x, unsigned y, unsigned width, unsigned height, std::uint8_t luma);
+    void paintBars();
+    void paintDigit(unsigned position, unsigned digit);
+
+    unsigned _width;
+    unsigned _height;
+    Bytes _picture;
+    std::uint32_t _number = 0;
+};
+
+} // namespace UsbCamera

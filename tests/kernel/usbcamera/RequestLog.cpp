@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "RequestLog.h"
+
+#include "Descriptors.h"
+
+#include <cerrno>
+#include <chrono>
+#include <nlohmann/json.hpp>
+#include <system_error>
+
+namespace UsbCamera
+{
+
+namespace
+{
+
+using Json = nlohmann::ordered_json;
+
+Json makeLine(unsigned camera, const std::string& kind)
+{
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    Json line;
+    line["time"] = std::chrono::duration<double>(now).count();
+    line["camera"] = camera;
+    line["kind"] = kind;
+    return line;
+}
+
+void write(std::FILE* file, const Json& line)
+{
+    std::fputs((line.dump() + "\n").c_str(), file);
+    std::fflush(file);
+}
+
+std::string kindOf(const SetupPacket& setup)
+{
+    switch (setup.requestType >> 5 & 3) {
+    case 0:
+        return "standard";
+    case 2:
+        return "vendor";
+    default:
+        break;
+    }
+    if (ControlEndpoint::isUnitRequest(setup)) {
+        return "unit";
+    }
+    switch (setup.index & 0xff) {
+    case videoControlInterface:
+        return "interface";
+    case videoStreamingInterface:
+        return "streaming";
+    default:
+        return "port";
+    }
+}
+
+} // namespace
+
+RequestLog::RequestLog(const std::string& fileName)
+{
+    if (fileName.empty()) {
+        return;
+    }
+    _file.reset(std::fopen(fileName.c_str(), "we"));
+    if (_file == nullptr) {
+        throw std::system_error(errno, std::generic_category(), fileName);
+    }
+}
+
+void RequestLog::control(unsigned camera, const SetupPacket& setup, const Bytes& sent,
+                         const ControlReply& reply)
+{
+    if (_file == nullptr) {
+        return;
+    }
+    const std::string kind = kindOf(setup);
+    Json line = makeLine(camera, kind);
+    if (kind == "standard" || kind == "port") {
+        line["request"] = setup.request;
+    } else if (kind == "vendor") {
+        line["request"] = toHex({setup.request});
+    } else {
+        line["request"] = requestName(setup.request);
+        line["unit"] = setup.index >> 8;
+        line["selector"] = setup.value >> 8;
+    }
+    line["requestType"] = setup.requestType;
+    line["value"] = setup.value;
+    line["index"] = setup.index;
+    line["length"] = setup.length;
+    line["data"] = toHex(setup.isIn() ? reply.data : sent);
+    line["stalled"] = reply.isStalled;
+    write(_file.get(), line);
+}
+
+void RequestLog::serial(unsigned camera, const UnitRequest& request, const Bytes& packet,
+                        const UnitReply& reply, const Bytes& answer)
+{
+    if (_file == nullptr) {
+        return;
+    }
+    Json line = makeLine(camera, "serial");
+    line["request"] = requestName(request.code);
+    line["unit"] = request.unit;
+    line["selector"] = request.selector;
+    line["length"] = request.length;
+    line["data"] = toHex(request.code == setCur ? request.data : reply.data);
+    line["refused"] = reply.isRefused();
+    line["packet"] = toHex(packet);
+    line["reply"] = toHex(answer);
+    write(_file.get(), line);
+}
+
+void RequestLog::event(unsigned camera, const std::string& name, const std::string& detail)
+{
+    if (_file == nullptr) {
+        return;
+    }
+    Json line = makeLine(camera, "event");
+    line["event"] = name;
+    if (!detail.empty()) {
+        line["detail"] = detail;
+    }
+    write(_file.get(), line);
+}
+
+} // namespace UsbCamera

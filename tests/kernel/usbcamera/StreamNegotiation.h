@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "CameraModel.h"
+#include "UvcRequests.h"
+#include "VideoFormats.h"
+
+#include <optional>
+
+namespace UsbCamera
+{
+
+/// The stream that host and camera have agreed on.
+struct StreamChoice
+{
+    std::size_t format = 0; ///< position in videoFormats()
+    std::size_t size = 0;   ///< position in the format's sizes
+    std::uint32_t interval = 0;
+
+    const VideoFormat& videoFormat() const { return videoFormats()[format]; }
+    const VideoSize& videoSize() const { return videoFormat().sizes[size]; }
+};
+
+/// The probe and commit controls of the video streaming interface.
+class StreamNegotiation
+{
+public:
+    explicit StreamNegotiation(Speed speed);
+
+    /// The reply's data to a get request; nothing when it is to stall.
+    std::optional<Bytes> read(std::uint8_t selector, std::uint8_t code) const;
+
+    /// Takes a SET_CUR; what can't be had becomes what is nearest to it. False: stall.
+    bool write(std::uint8_t selector, const Bytes& data);
+
+    const StreamChoice& committed() const { return _committed; }
+    std::size_t payloadSize() const { return _payloadSize; }
+
+private:
+    Bytes describe(const StreamChoice& choice) const;
+
+    std::size_t _payloadSize;
+    StreamChoice _probed;
+    StreamChoice _committed;
+};
+
+constexpr std::uint8_t probeSelector = 1;
+constexpr std::uint8_t commitSelector = 2;
+
+} // namespace UsbCamera

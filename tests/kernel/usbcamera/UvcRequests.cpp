@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#include "UvcRequests.h"
+
+#include "Bytes.h"
+
+#include <map>
+#include <stdexcept>
+
+namespace UsbCamera
+{
+
+namespace
+{
+
+const std::map<std::uint8_t, std::string>& names()
+{
+    static const std::map<std::uint8_t, std::string> table{
+        {setCur, "SET_CUR"}, {getCur, "GET_CUR"}, {getMin, "GET_MIN"},   {getMax, "GET_MAX"},
+        {getRes, "GET_RES"}, {getLen, "GET_LEN"}, {getInfo, "GET_INFO"}, {getDef, "GET_DEF"}};
+    return table;
+}
+
+} // namespace
+
+std::string requestName(std::uint8_t code)
+{
+    const auto found = names().find(code);
+    return found == names().end() ? toHex({code}) : found->second;
+}
+
+std::uint8_t requestCode(const std::string& name)
+{
+    for (const auto& entry : names()) {
+        if (entry.second == name) {
+            return entry.first;
+        }
+    }
+    throw std::invalid_argument("no such UVC request: " + name);
+}
+
+} // namespace UsbCamera

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Faults.h"
+#include "FramePainter.h"
+#include "JpegFrames.h"
+#include "StreamNegotiation.h"
+#include "UsbIp.h"
+
+#include <deque>
+#include <map>
+#include <memory>
+
+namespace UsbCamera
+{
+
+using Clock = std::chrono::steady_clock;
+
+/// What became of serving the host's transfers.
+enum class Served { Well, HostIsGone, MustUnplug };
+
+/// Sends the test pictures in the payloads of a bulk endpoint, one payload a transfer, at the
+/// agreed pace. A camera that the host doesn't read from waits: no frame number is ever left out,
+/// so a gap that a test sees was made by the host.
+class VideoStream
+{
+public:
+    explicit VideoStream(Faults& faults) : _faults(faults) {}
+
+    void start(const StreamChoice& choice, std::size_t payloadSize, Clock::time_point now);
+    void stop();
+
+    void submit(std::uint32_t sequence, std::size_t length);
+    bool unlink(std::uint32_t sequence);
+    void forgetTransfers() { _transfers.clear(); }
+
+    Served serve(UsbIpConnection& connection, Clock::time_point now);
+
+    /// When serve() will have something to do; nothing while it waits for the host or is held.
+    std::optional<Clock::time_point> nextDue() const;
+
+    bool isRunning() const { return _isRunning; }
+    bool isHeld() const;
+    std::uint32_t frameNumber() const { return _number; }
+
+private:
+    struct Transfer
+    {
+        std::uint32_t sequence;
+        std::size_t length;
+    };
+
+    void openFrame();
+    void closeFrame(Clock::time_point now);
+    Served sendPayload(UsbIpConnection& connection, Clock::time_point now);
+    const Bytes& currentFrame();
+
+    Faults& _faults;
+    std::deque<Transfer> _transfers;
+    StreamChoice _choice;
+    std::size_t _payloadSize = 0;
+    std::unique_ptr<FramePainter> _painter;
+    std::map<std::size_t, std::unique_ptr<JpegFrames>> _jpegs; ///< by size, made when first wanted
+    bool _isRunning = false;
+    bool _isOpen = false;
+    bool _toggle = false;
+    bool _isCorrupted = false;
+    std::uint32_t _number = 0;
+    const std::uint8_t* _frame = nullptr;
+    std::size_t _frameSize = 0;
+    std::size_t _offset = 0;
+    Clock::time_point _due;
+};
+
+} // namespace UsbCamera

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "CommandServer.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+int main(int argc, char** argv)
+{
+    std::string socket = "/run/usbcamera.sock";
+    unsigned camera = 1;
+    std::vector<std::string> words;
+    CLI::App app{"Gives a command to a running usbcamera"};
+    app.add_option("--socket", socket, "The socket of usbcamera");
+    app.add_option("--camera", camera, "The camera's number, from 1 on");
+    app.add_option("COMMAND", words, "The command and its arguments")->required();
+    app.prefix_command();
+    CLI11_PARSE(app, argc, argv);
+
+    std::string line = std::to_string(camera);
+    for (const std::string& word : words) {
+        line += " " + word;
+    }
+    try {
+        const std::string answer = UsbCamera::sendCommand(socket, line);
+        const bool isGood = answer.compare(0, 2, "ok") == 0;
+        const std::size_t space = answer.find(' ');
+        const std::string rest = space == std::string::npos ? "" : answer.substr(space + 1);
+        if (!rest.empty()) {
+            (isGood ? std::cout : std::cerr) << (isGood ? "" : "usbcamera-ctl: ") << rest << '\n';
+        }
+        return isGood ? 0 : 1;
+    } catch (const std::exception& error) {
+        std::cerr << "usbcamera-ctl: " << error.what() << '\n';
+        return 1;
+    }
+}
