@@ -4,10 +4,12 @@
 #include "UsbDescriptors.h"
 #include "UsbdevfsNode.h"
 
+#include <link.h>
 #include <umockdev.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -101,7 +103,10 @@ Testbed::~Testbed()
 
 bool Testbed::visible()
 {
-    return umockdev_in_mock_environment() != FALSE;
+    auto const isPreload = [](dl_phdr_info* library, std::size_t, void*) {
+        return std::strstr(library->dlpi_name, "libumockdev-preload.so") != nullptr ? 1 : 0;
+    };
+    return dl_iterate_phdr(isPreload, nullptr) != 0;
 }
 
 void Testbed::addNodeFile(std::string const& path)

@@ -35,7 +35,7 @@ struct UsbDeviceScript
 
     std::string port; ///< Bus, and port path below its root hub: "1-2", "2-1.4".
     std::optional<std::string> vendorId = "1d6b";  ///< Absent: the attribute is missing.
-    std::optional<std::string> productId = "0102"; ///< The same; the descriptor says 0 then.
+    std::optional<std::string> productId = "0104"; ///< The same; the descriptor says 0 then.
     std::optional<std::string> manufacturer;
     std::optional<std::string> product;
     std::optional<std::string> serial;

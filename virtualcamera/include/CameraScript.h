@@ -54,6 +54,9 @@ struct CameraScript
     std::vector<Fault> faults;
     std::vector<FrameFault> frameFaults;
     std::optional<std::uint32_t> vanishingFrame; ///< The device is gone when this frame is due.
+    /// When not empty: the camera is there as long as this file is. It is looked for at each call,
+    /// so that another process can unplug the camera.
+    std::string presenceFile;
     bool callsLogged = true;        ///< False: calls are counted but not recorded.
 };
 

@@ -20,10 +20,16 @@ CameraDriver::CameraDriver(CameraScript script)
       _controls(_script), _extensionUnit(_script.extensionUnit), _queue(_script), _source(_script)
 {}
 
-bool CameraDriver::gone() const
+bool CameraDriver::gone()
 {
     std::lock_guard const lock(_mutex);
+    catchUp();
     return _gone;
+}
+
+bool CameraDriver::present() const
+{
+    return _script.presenceFile.empty() || access(_script.presenceFile.c_str(), F_OK) == 0;
 }
 
 void CameraDriver::unplug()
@@ -36,7 +42,7 @@ void CameraDriver::unplug()
 void CameraDriver::catchUp()
 {
     _source.advance(monotonicNow(), _queue);
-    _gone = _gone || _source.vanished();
+    _gone = _gone || _source.vanished() || !present();
 }
 
 std::optional<Nanoseconds> CameraDriver::wakeTime() const

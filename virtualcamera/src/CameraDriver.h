@@ -34,7 +34,10 @@ public:
     explicit CameraDriver(CameraScript script);
 
     std::string const& node() const { return _script.node; }
-    bool gone() const;
+    CameraScript const& script() const { return _script; }
+    bool gone();
+    /// False while the camera's presence file is missing.
+    bool present() const;
     void unplug();
 
     /// The result is the descriptor.

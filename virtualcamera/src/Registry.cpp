@@ -66,7 +66,14 @@ std::shared_ptr<CameraDriver> Registry::byNode(std::string const& node)
         if (found != _nodes.end())
             device = found->second;
     }
-    return device && device->gone() ? nullptr : device;
+    if (!device || !device->gone())
+        return device;
+    if (device->script().presenceFile.empty() || !device->present())
+        return nullptr;
+    // Plugged in again by another process, with the state of a fresh camera.
+    auto const fresh = std::make_shared<CameraDriver>(device->script());
+    plug(fresh);
+    return fresh;
 }
 
 std::shared_ptr<CameraDriver> Registry::byDescriptor(int descriptor)

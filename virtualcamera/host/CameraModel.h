@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "HostCamera.h"
+
+namespace VirtualCamera
+{
+
+/// A ready-made camera. Models know neither nodes nor ports: those come from the place that a
+/// camera takes among the others.
+struct CameraModel
+{
+    std::string name;
+    std::string description;
+    /// The camera as the `place`-th one, counted from 0.
+    HostCamera (*make)(unsigned place);
+};
+
+std::vector<CameraModel> const& cameraModels();
+/// Null for a name that is none.
+CameraModel const* cameraModel(std::string const& name);
+
+/// The vendor's extension unit, with a selector of the right size for each of its controls.
+ExtensionUnitScript vendorExtensionUnit();
+
+} // namespace VirtualCamera

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "HostCamera.h"
+
+#include "CameraJson.h"
+#include "JsonArchive.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace VirtualCamera
+{
+
+namespace
+{
+
+std::uint16_t revisionByText(std::string const& text)
+{
+    unsigned major = 0;
+    unsigned minor = 0;
+    if (std::sscanf(text.c_str(), "%x.%2x", &major, &minor) != 2 || major > 0xff)
+        throw std::invalid_argument("a USB revision is written as \"2.00\"");
+    return static_cast<std::uint16_t>(major << 8 | minor);
+}
+
+UsbDeviceScript usbFromJson(Json const& json, std::string const& place)
+{
+    JsonReader reader(json, place);
+    UsbDeviceScript script(reader.need("port").get<std::string>());
+    reader.field("vendorId", script.vendorId);
+    reader.field("productId", script.productId);
+    reader.field("manufacturer", script.manufacturer);
+    reader.field("product", script.product);
+    reader.field("serial", script.serial);
+    reader.field(
+        "usbRevision", script.usbRevision,
+        [](Json const& text) { return revisionByText(text.get<std::string>()); },
+        [](std::uint16_t) { return Json(); });
+    reader.field("speed", script.speed);
+    reader.field("openRefused", script.openRefused);
+    std::optional<std::string> firmware;
+    reader.field("firmware", firmware);
+    if (firmware)
+        script.withFirmware(*firmware);
+    reader.finish();
+    return script;
+}
+
+} // namespace
+
+std::vector<HostCamera> hostCamerasFromJson(std::string const& text)
+{
+    std::vector<CameraScript> scripts = camerasFromJson(text);
+    Json const json = Json::parse(text);
+    std::vector<HostCamera> cameras;
+    for (std::size_t index = 0; index < scripts.size(); ++index) {
+        Json const& camera = json["cameras"][index];
+        std::optional<UsbDeviceScript> usb;
+        if (camera.contains("usb"))
+            usb = usbFromJson(camera["usb"],
+                              "configuration.cameras[" + std::to_string(index) + "].usb");
+        auto const samePort = [&usb](HostCamera const& other) {
+            return usb && other.usb && other.usb->port == usb->port;
+        };
+        auto const owner = std::find_if(cameras.begin(), cameras.end(), samePort);
+        if (owner != cameras.end())
+            owner->nodes.push_back(std::move(scripts[index]));
+        else
+            cameras.push_back({{std::move(scripts[index])}, std::move(usb)});
+    }
+    return cameras;
+}
+
+} // namespace VirtualCamera

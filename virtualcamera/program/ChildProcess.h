@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace VirtualCamera
+{
+
+/// A program that runs with this process's environment and terminal. Signals that end this process
+/// are passed on to it, so that the two end together.
+class ChildProcess
+{
+public:
+    /// Throws `std::system_error` when the program can't be started.
+    explicit ChildProcess(std::vector<std::string> const& command);
+
+    /// Waits for its end, at most so long; -1 waits for ever. True when it has ended.
+    bool waitFor(int milliseconds);
+    /// Once it has ended: its exit status, or 128 and the number of the signal that ended it.
+    int exitStatus() const { return _exitStatus; }
+
+private:
+    void ended(int status);
+
+    pid_t _process = -1;
+    int _processDescriptor = -1;
+    bool _running = true;
+    int _exitStatus = 0;
+};
+
+} // namespace VirtualCamera

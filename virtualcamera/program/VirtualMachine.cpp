@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "VirtualMachine.h"
+
+#include "CameraJson.h"
+
+#include <fstream>
+#include <stdexcept>
+#include <utility>
+
+namespace VirtualCamera
+{
+
+namespace
+{
+
+std::string nodeName(CameraScript const& node)
+{
+    return node.node.substr(node.node.rfind('/') + 1);
+}
+
+} // namespace
+
+VirtualMachine::VirtualMachine(std::vector<HostCamera> cameras)
+{
+    for (HostCamera& camera : cameras) {
+        for (CameraScript& node : camera.nodes)
+            node.presenceFile = _testbed.rootDirectory() + node.node;
+        _cameras.push_back({std::move(camera), std::nullopt});
+        plug(_cameras.back());
+    }
+    writeConfiguration();
+}
+
+std::string VirtualMachine::configurationFile() const
+{
+    return _testbed.rootDirectory() + "/virtualcamera.json";
+}
+
+void VirtualMachine::plug(PlacedCamera& placed)
+{
+    if (placed.plugged)
+        return;
+    if (placed.camera.usb)
+        placed.usb = _testbed.plug(*placed.camera.usb);
+    for (CameraScript const& node : placed.camera.nodes) {
+        if (placed.usb)
+            _testbed.addVideoNode(nodeName(node), *placed.usb);
+        else
+            _testbed.addVideoNode(nodeName(node));
+    }
+    placed.plugged = true;
+}
+
+void VirtualMachine::unplug(PlacedCamera& placed)
+{
+    if (!placed.plugged)
+        return;
+    if (placed.usb)
+        _testbed.unplug(*placed.usb);
+    else
+        for (CameraScript const& node : placed.camera.nodes)
+            _testbed.removeVideoNode(nodeName(node));
+    placed.usb.reset();
+    placed.plugged = false;
+}
+
+void VirtualMachine::unplugLast()
+{
+    if (!_cameras.empty())
+        unplug(_cameras.back());
+}
+
+void VirtualMachine::plugLast()
+{
+    if (!_cameras.empty())
+        plug(_cameras.back());
+}
+
+void VirtualMachine::writeConfiguration() const
+{
+    std::vector<CameraScript> nodes;
+    for (PlacedCamera const& placed : _cameras)
+        nodes.insert(nodes.end(), placed.camera.nodes.begin(), placed.camera.nodes.end());
+    std::ofstream file(configurationFile());
+    file << camerasToJson(nodes) << '\n';
+    file.close();
+    if (!file)
+        throw std::runtime_error("cannot write " + configurationFile());
+}
+
+} // namespace VirtualCamera

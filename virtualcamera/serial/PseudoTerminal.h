@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "SerialControl.h"
+
+#include <string>
+
+namespace VirtualCamera
+{
+
+/// The camera's end of a tty. Opens nothing on the client's end: a tool that looks who holds the
+/// tty finds the client only.
+class PseudoTerminal
+{
+public:
+    /// @throws std::system_error
+    PseudoTerminal();
+    PseudoTerminal(PseudoTerminal const&) = delete;
+    PseudoTerminal& operator=(PseudoTerminal const&) = delete;
+    ~PseudoTerminal();
+
+    /// The client's end, such as "/dev/pts/7".
+    std::string const& path() const { return _path; }
+    /// The camera's end, for poll(); it reports a hang-up while no client is there.
+    int descriptor() const { return _descriptor; }
+    /// What has come in; empty when there is nothing.
+    SerialBytes read();
+    /// What no client takes is lost.
+    void write(SerialBytes const& bytes);
+
+private:
+    int _descriptor;
+    std::string _path;
+};
+
+} // namespace VirtualCamera

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "SerialAnswer.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace VirtualCamera
+{
+
+namespace
+{
+
+std::ptrdiff_t upTo(std::size_t place, SerialBytes const& bytes)
+{
+    return static_cast<std::ptrdiff_t>(std::min(place, bytes.size()));
+}
+
+} // namespace
+
+bool SerialPacket::complete() const
+{
+    return bytes.size() >= headerLength &&
+           (code() != SetCur || bytes.size() >= headerLength + length());
+}
+
+SerialBytes SerialPacket::header() const
+{
+    return SerialBytes(bytes.begin(), bytes.begin() + headerLength);
+}
+
+SerialBytes SerialPacket::data() const
+{
+    return SerialBytes(bytes.begin() + headerLength, bytes.end());
+}
+
+bool SerialRequests::cover(SerialPacket const& packet) const
+{
+    return code.value_or(packet.code()) == packet.code() &&
+           unit.value_or(packet.unit()) == packet.unit() &&
+           selector.value_or(packet.selector()) == packet.selector();
+}
+
+SerialAnswer SerialAnswer::prompt()
+{
+    return {};
+}
+
+SerialAnswer SerialAnswer::late(Milliseconds delay)
+{
+    SerialAnswer answer;
+    answer._delay = delay;
+    return answer;
+}
+
+SerialAnswer SerialAnswer::split(std::size_t firstBytes, Milliseconds delay)
+{
+    SerialAnswer answer;
+    answer._splitAt = firstBytes;
+    answer._delay = delay;
+    return answer;
+}
+
+SerialAnswer SerialAnswer::cutTo(std::size_t bytes)
+{
+    SerialAnswer answer;
+    answer._cutAt = bytes;
+    return answer;
+}
+
+SerialAnswer SerialAnswer::silence()
+{
+    return wrong({});
+}
+
+SerialAnswer SerialAnswer::wrong(SerialBytes bytes)
+{
+    SerialAnswer answer;
+    answer._instead = std::move(bytes);
+    return answer;
+}
+
+std::vector<SerialAnswer::Piece> SerialAnswer::pieces(SerialBytes reply) const
+{
+    if (_instead)
+        reply = *_instead;
+    if (_cutAt)
+        reply.resize(std::min(*_cutAt, reply.size()));
+    if (reply.empty())
+        return {};
+    if (!_splitAt)
+        return {{std::move(reply), _delay}};
+    auto const middle = reply.begin() + upTo(*_splitAt, reply);
+    return {{SerialBytes(reply.begin(), middle), Milliseconds(0)},
+            {SerialBytes(middle, reply.end()), _delay}};
+}
+
+} // namespace VirtualCamera

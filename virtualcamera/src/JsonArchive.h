@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ScriptNames.h"
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace VirtualCamera
+{
+
+using Json = nlohmann::ordered_json;
+
+/// Reads the members of a JSON object into a script; the writer below does the reverse. Both are
+/// driven by the one description of each script in `ScriptFields.h`.
+class JsonReader
+{
+public:
+    JsonReader(Json const& object, std::string place) : _object(object), _place(std::move(place))
+    {
+        if (!_object.is_object())
+            fail(_place, "an object is expected");
+    }
+
+    /// Throws for members that nobody has asked for: mostly misspelt ones.
+    void finish() const
+    {
+        for (auto const& [key, value] : _object.items())
+            if (_used.count(key) == 0)
+                fail(_place + "." + key, "unknown key");
+    }
+
+    template <typename Value>
+    void field(char const* key, Value& value)
+    {
+        visit(key, [&value](Json const& json, std::string const&) { value = json.get<Value>(); });
+    }
+    template <typename Value>
+    void field(char const* key, std::optional<Value>& value)
+    {
+        visit(key, [&value](Json const& json, std::string const&) { value = json.get<Value>(); });
+    }
+    /// A value written in a form of its own; `parse` and `print` convert from and to JSON.
+    template <typename Value, typename Parse, typename Print>
+    void field(char const* key, Value& value, Parse const& parse, Print const&)
+    {
+        visit(key, [&](Json const& json, std::string const&) { value = parse(json); });
+    }
+    /// A nested object, described by `describe(archive, value)`.
+    template <typename Value, typename Describe>
+    void object(char const* key, Value& value, Describe const& describe)
+    {
+        visit(key, [&](Json const& json, std::string const& place) {
+            JsonReader nested(json, place);
+            describe(nested, value);
+            nested.finish();
+        });
+    }
+    /// An array of objects; `make(reader)` gives the element to describe.
+    template <typename Value, typename Make, typename Describe>
+    void list(char const* key, std::vector<Value>& values, Make const& make,
+              Describe const& describe)
+    {
+        visit(key, [&](Json const& json, std::string const& place) {
+            if (!json.is_array())
+                fail(place, "an array is expected");
+            for (std::size_t index = 0; index < json.size(); ++index) {
+                JsonReader nested(json[index], place + "[" + std::to_string(index) + "]");
+                values.push_back(nested.guarded([&] { return make(nested); }));
+                describe(nested, values.back());
+                nested.finish();
+            }
+        });
+    }
+
+    bool has(char const* key) const { return _object.contains(key); }
+    /// A member that has to be there.
+    Json const& need(char const* key)
+    {
+        _used.insert(key);
+        if (!has(key))
+            fail(_place, std::string("\"") + key + "\" is missing");
+        return _object[key];
+    }
+    /// Accepts a member that somebody else reads.
+    void ignore(char const* key) { _used.insert(key); }
+    static constexpr bool reading = true;
+
+private:
+    template <typename Action>
+    auto guarded(Action const& action) -> decltype(action())
+    {
+        try {
+            return action();
+        } catch (Json::exception const& failure) {
+            fail(_place, failure.what());
+        } catch (std::logic_error const& failure) {
+            fail(_place, failure.what());
+        }
+    }
+
+    template <typename Action>
+    void visit(char const* key, Action const& action)
+    {
+        _used.insert(key);
+        if (!has(key))
+            return;
+        std::string const place = _place + "." + key;
+        try {
+            action(_object[key], place);
+        } catch (Json::exception const& failure) {
+            fail(place, failure.what());
+        } catch (std::logic_error const& failure) {
+            fail(place, failure.what());
+        }
+    }
+
+    [[noreturn]] static void fail(std::string const& place, std::string const& why)
+    {
+        throw std::runtime_error(place + ": " + why);
+    }
+
+    Json const& _object;
+    std::string _place;
+    std::set<std::string> _used;
+};
+
+class JsonWriter
+{
+public:
+    template <typename Value>
+    void field(char const* key, Value const& value)
+    {
+        _object[key] = value;
+    }
+    template <typename Value>
+    void field(char const* key, std::optional<Value> const& value)
+    {
+        if (value)
+            _object[key] = *value;
+    }
+    template <typename Value, typename Parse, typename Print>
+    void field(char const* key, Value const& value, Parse const&, Print const& print)
+    {
+        Json json = print(value);
+        if (!json.is_null())
+            _object[key] = std::move(json);
+    }
+    template <typename Value, typename Describe>
+    void object(char const* key, Value& value, Describe const& describe)
+    {
+        JsonWriter nested;
+        describe(nested, value);
+        _object[key] = std::move(nested._object);
+    }
+    template <typename Value, typename Make, typename Describe>
+    void list(char const* key, std::vector<Value>& values, Make const&, Describe const& describe)
+    {
+        Json array = Json::array();
+        for (Value& value : values) {
+            JsonWriter nested;
+            describe(nested, value);
+            array.push_back(std::move(nested._object));
+        }
+        _object[key] = std::move(array);
+    }
+
+    Json take() { return std::move(_object); }
+    static constexpr bool reading = false;
+
+private:
+    Json _object = Json::object();
+};
+
+} // namespace VirtualCamera
