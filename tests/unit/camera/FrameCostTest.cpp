@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+// What a frame costs the library: no memory, one wait, and two calls to the driver.
+#include "camera/Camera.h"
+
+#include "DeviceStub.h"
+#include "SmallCamera.h"
+#include "V4l2Hook.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+#include <linux/videodev2.h>
+#include <sys/select.h>
+
+#include <cstdlib>
+#include <map>
+#include <new>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+
+// What this thread asked for while it counted. The driver's own work is left out.
+thread_local bool counting = false;
+thread_local unsigned int allocations = 0;
+thread_local unsigned int waits = 0;
+
+class Uncounted
+{
+public:
+    Uncounted() : _earlier(counting) { counting = false; }
+    Uncounted(Uncounted const&) = delete;
+    Uncounted& operator=(Uncounted const&) = delete;
+    ~Uncounted() { counting = _earlier; }
+
+private:
+    bool const _earlier;
+};
+
+void* allocate(std::size_t size)
+{
+    if (counting) {
+        ++allocations;
+    }
+    if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    return allocate(size);
+}
+
+void* operator new[](std::size_t size)
+{
+    return allocate(size);
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+extern "C" int select(int count, fd_set* read, fd_set* write, fd_set* except, timeval* timeout)
+{
+    if (counting) {
+        ++waits;
+    }
+    static auto* const real = reinterpret_cast<decltype(&select)>(dlsym(RTLD_NEXT, "select"));
+    return real(count, read, write, except, timeout);
+}
+
+namespace
+{
+
+TEST(FrameCost, IsNoAllocationAndOneWaitAndTwoDriverCalls)
+{
+    auto const virtualCamera = smallCamera().install();
+    DeviceStub const device;
+    Camera camera(&device);
+    ASSERT_TRUE(camera.init());
+    ASSERT_EQ(0, camera.setup(4));
+    ASSERT_EQ(0, camera.startCapture());
+    std::map<unsigned long, unsigned int> calls;
+    V4l2Hook const hook([&calls](int fd, unsigned long request, void* argument) {
+        Uncounted const driver;
+        ++calls[request];
+        return V4l2Hook::realIoctl(fd, request, argument);
+    });
+    constexpr unsigned int frames = 100;
+    unsigned int valid = 0;
+    counting = true;
+    for (unsigned int i = 0; i < frames; ++i) {
+        IFrame* const frame = camera.acquireFrame();
+        valid += frame->isInvalid() ? 0 : 1;
+        camera.releaseFrame(frame);
+    }
+    counting = false;
+    EXPECT_EQ(frames, valid);
+    EXPECT_EQ(0u, allocations);
+    EXPECT_EQ(frames, waits);
+    EXPECT_EQ(2u, calls.size());
+    EXPECT_EQ(frames, calls[VIDIOC_DQBUF]);
+    EXPECT_EQ(frames, calls[VIDIOC_QBUF]);
+    camera.stopCapture();
+    camera.cleanup();
+}
+
+// The counters themselves have to count.
+TEST(FrameCost, WouldBeNoticed)
+{
+    allocations = 0;
+    waits = 0;
+    counting = true;
+    auto const memory = std::make_unique<std::string>(100, 'x');
+    timeval noTime{};
+    select(0, nullptr, nullptr, nullptr, &noTime);
+    counting = false;
+    EXPECT_LE(2u, allocations);
+    EXPECT_EQ(1u, waits);
+    EXPECT_EQ(100u, memory->size());
+}
+
+} // namespace
