@@ -1,0 +1,114 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Checks of a tree that `cmake --install` made, as its users see it. One case a call:
+#   installed.sh CASE SOURCE_DIR BUILD_DIR WORK_DIR
+set -euo pipefail
+
+case_name=$1 source=$2 build=$3 work=$4
+prefix="$work/prefix"
+
+fail() { echo "FAILED: $*" >&2; exit 1; }
+
+library_dir() { dirname "$(find "$prefix" -name libimageacquisition.so)"; }
+
+on_virtual_camera() { LD_LIBRARY_PATH=$(library_dir) "$build/virtualcamera/with-virtual-camera" "$@"; }
+
+# The prefix differs from the configured one, and the tree is moved once more afterwards.
+install_tree() {
+    rm -rf "$work"
+    mkdir -p "$work"
+    cmake --install "$build" --prefix "$work/first" >"$work/install.log"
+    mv "$work/first" "$prefix"
+    [ -f "$prefix/include/imageacquisition/ICameraFactory.h" ] || fail "no headers"
+    [ -z "$(find "$prefix" -name 'libimageacquisition.a')" ] || fail "the static twin is installed"
+}
+
+carries_version() {
+    local file
+    file="$(library_dir)/libimageacquisition.so"
+    [ "$(readlink -f "$file")" = "$(library_dir)/libimageacquisition.so.$version" ] ||
+        fail "libimageacquisition.so leads to $(readlink -f "$file")"
+    readelf -d "$file" | grep -q "SONAME.*\[libimageacquisition.so.${version%%.*}\]" ||
+        fail "SONAME: $(readelf -d "$file" | grep SONAME)"
+}
+
+# Each exported name is a member, vtable or typeinfo of a public class.
+exports_public_names() {
+    local classes foreign
+    classes=$(cd "$prefix/include/imageacquisition" && printf '%s|' *.h | sed 's/\.h//g; s/|$//')
+    nm -D --defined-only -C "$(library_dir)/libimageacquisition.so" | cut -d' ' -f3- >"$work/exports"
+    grep -q 'ImageAcquisition::ICameraFactory::getUniqueInstance' "$work/exports" ||
+        fail "the factory is not exported"
+    foreign=$(grep -vE "^((vtable|VTT|typeinfo|typeinfo name) for |non-virtual thunk to |virtual thunk to )?ImageAcquisition::($classes)(<[a-z ]+>)?(::|$)" "$work/exports" || true)
+    [ -z "$foreign" ] || fail "exported without being public: $foreign"
+}
+
+needs_no_foreign_header() {
+    local header
+    for header in "$prefix"/include/imageacquisition/*.h; do
+        g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror -fsyntax-only -x c++ "$header" 2>&1 |
+            grep -v 'pragma once in main file' | grep -E 'error|warning' && fail "$header"
+        g++ -std=c++17 -M -x c++ "$header" | tr ' \\' '\n\n' |
+            grep -iE '/Q[A-Z]|qt5|libusb|libudev|libv4l|linux/videodev' && fail "$header"
+    done
+    return 0
+}
+
+serves_cmake() {
+    rm -rf "$work/cmake"
+    cmake -S "$source/examples" -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+        -DCMAKE_DISABLE_FIND_PACKAGE_Qt5=ON -DCMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON
+    cmake --build "$work/cmake"
+    on_virtual_camera "$work/cmake/list-cameras" | tee "$work/list.log"
+    grep -q '/dev/video0' "$work/list.log" || fail "no camera was listed"
+}
+
+# A client that asks for another major version, or for a newer minor one, is not served.
+refuses_other_versions() {
+    local wanted major=${version%%.*}
+    mkdir -p "$work/version"
+    for wanted in "$major" "$((major + 1))" "$major.99"; do
+        printf 'cmake_minimum_required(VERSION 3.25)\nproject(p LANGUAGES CXX)\n%s\n' \
+            "find_package(ImageAcquisition $wanted REQUIRED)" >"$work/version/CMakeLists.txt"
+        rm -rf "$work/version/build"
+        if cmake -S "$work/version" -B "$work/version/build" -DCMAKE_PREFIX_PATH="$prefix" \
+            >"$work/version/log" 2>&1; then
+            [ "$wanted" = "$major" ] || fail "version $wanted was found"
+        else
+            [ "$wanted" != "$major" ] || fail "$(cat "$work/version/log")"
+        fi
+    done
+}
+
+pkg_config() {
+    PKG_CONFIG_PATH="$(library_dir)/pkgconfig" pkg-config "$@" imageacquisition
+}
+
+# compile SOURCE PROGRAM, with nothing but what pkg-config says.
+compile() {
+    local flags
+    read -ra flags <<<"$(pkg_config --cflags --libs)"
+    g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror "$1" -o "$2" "${flags[@]}"
+}
+
+serves_pkg_config() {
+    [ "$(pkg_config --modversion)" = "$version" ] || fail "version $(pkg_config --modversion)"
+    compile "$source/examples/list-cameras.cpp" "$work/list-cameras"
+    on_virtual_camera "$work/list-cameras" | grep '/dev/video0'
+}
+
+readme_program_runs() {
+    awk '/^```cpp$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/README.md" \
+        >"$work/readme.cpp"
+    grep -q 'int main' "$work/readme.cpp" || fail "README.md has no program"
+    compile "$work/readme.cpp" "$work/readme"
+    on_virtual_camera "$work/readme" | tee "$work/readme.log"
+    grep -qE '[0-9]+ bytes' "$work/readme.log" || fail "it captured nothing"
+}
+
+version=$(sed -nE 's/^project\(ImageAcquisition VERSION ([0-9.]+).*/\1/p' "$source/CMakeLists.txt")
+case "$case_name" in
+    install_tree | carries_version | exports_public_names | needs_no_foreign_header | serves_cmake | \
+        refuses_other_versions | serves_pkg_config | readme_program_runs) "$case_name" ;;
+    *) echo "no such case: $case_name" >&2; exit 2 ;;
+esac
