@@ -121,6 +121,8 @@ std::string describe(CameraDevice& camera)
 {
     nlohmann::ordered_json status;
     status["kind"] = camera.model().kind;
+    status["speed"] = speedName(camera.model().speed);
+    status["serialPort"] = camera.model().hasSerialPort;
     status["port"] = camera.model().port;
     status["controller"] = camera.model().controller;
     status["plugged"] = camera.isPlugged();

@@ -41,6 +41,19 @@ unsigned portsPerHub(const std::string& statusFile)
 
 } // namespace
 
+std::string speedName(Speed speed)
+{
+    switch (speed) {
+    case Speed::Full:
+        return "full";
+    case Speed::High:
+        return "high";
+    case Speed::Super:
+        break;
+    }
+    return "super";
+}
+
 VhciPort::VhciPort(unsigned controller, unsigned port, Speed speed)
     : _controller(controller), _number(0), _speed(speed)
 {

@@ -10,6 +10,8 @@ namespace UsbCamera
 /// Link speeds by the numbers that the virtual controller's attach file takes.
 enum class Speed : std::uint8_t { Full = 2, High = 3, Super = 5 };
 
+std::string speedName(Speed speed);
+
 /// One root port of the kernel's virtual host controllers (module vhci-hcd).
 class VhciPort
 {

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+#include "ControlSet.h"
+#include "CameraModel.h"
+
+#include <gtest/gtest.h>
+
+using namespace UsbCamera;
+
+namespace
+{
+
+class ControlSetTest : public testing::Test
+{
+protected:
+    UnitReply ask(std::uint8_t code, std::uint8_t unit, std::uint8_t selector, Bytes data = {})
+    {
+        return controls.execute({code, unit, selector, data.size(), data});
+    }
+
+    Faults faults;
+    ControlSet controls{parseModel("vendor-new"), faults};
+};
+
+} // namespace
+
+TEST_F(ControlSetTest, ReadsBackWhatWasWritten)
+{
+    EXPECT_FALSE(ask(setCur, extensionUnit, 20, {1, 0, 2, 0, 3, 0, 4, 0}).isRefused());
+    EXPECT_EQ(ask(getCur, extensionUnit, 20).data, (Bytes{1, 0, 2, 0, 3, 0, 4, 0}));
+}
+
+TEST_F(ControlSetTest, TellsTheLengthOfEveryVendorControl)
+{
+    const std::map<int, int> lengths{{1, 1},  {2, 2},  {3, 4},  {4, 2},  {5, 4},  {6, 1},  {7, 4},
+                                     {8, 1},  {9, 6},  {10, 6}, {11, 1}, {12, 1}, {13, 1}, {14, 4},
+                                     {15, 1}, {16, 1}, {17, 1}, {18, 1}, {20, 8}, {24, 1}, {25, 1}};
+    for (const auto& [selector, length] : lengths) {
+        const UnitReply reply = ask(getLen, extensionUnit, static_cast<std::uint8_t>(selector));
+        EXPECT_EQ(reply.data, (Bytes{static_cast<std::uint8_t>(length), 0})) << selector;
+    }
+    EXPECT_EQ(ask(getLen, extensionUnit, 19).error, UvcError::InvalidControl);
+}
+
+TEST_F(ControlSetTest, PacksNegativeRangesInTwosComplement)
+{
+    EXPECT_EQ(ask(getMin, extensionUnit, 4).data, (Bytes{0xd8, 0xff}));
+    EXPECT_EQ(ask(getMin, processingUnit, 2).data, (Bytes{0xc0, 0xff}));
+}
+
+TEST_F(ControlSetTest, RefusesValuesOutsideTheRangeOfAnyField)
+{
+    EXPECT_EQ(ask(setCur, extensionUnit, 9, {0, 0, 0, 4, 1, 0}).error, UvcError::OutOfRange);
+    EXPECT_EQ(ask(setCur, processingUnit, 2, {0xbf, 0xff}).error, UvcError::OutOfRange);
+    EXPECT_FALSE(ask(setCur, processingUnit, 2, {0xc0, 0xff}).isRefused());
+}
+
+TEST_F(ControlSetTest, RefusesToWriteWhatCanOnlyBeRead)
+{
+    EXPECT_EQ(ask(setCur, extensionUnit, 4, {1, 0}).error, UvcError::InvalidRequest);
+}
+
+TEST_F(ControlSetTest, TellsWhyItRefusedTheLastRequest)
+{
+    ask(setCur, extensionUnit, 1, {9});
+    EXPECT_EQ(ask(getCur, 0, 2).data, (Bytes{4}));
+    ask(getCur, extensionUnit, 1);
+    EXPECT_EQ(ask(getCur, 0, 2).data, (Bytes{0}));
+}
+
+TEST_F(ControlSetTest, StallsAsOftenAsOrderedAndOnlyWhereOrdered)
+{
+    StallFault stall;
+    stall.unit = extensionUnit;
+    stall.request = getCur;
+    stall.remaining = 2;
+    stall.error = UvcError::WrongState;
+    faults.stalls.push_back(stall);
+    EXPECT_FALSE(ask(getCur, processingUnit, 2).isRefused());
+    EXPECT_FALSE(ask(getLen, extensionUnit, 1).isRefused());
+    EXPECT_EQ(ask(getCur, extensionUnit, 1).error, UvcError::WrongState);
+    EXPECT_EQ(ask(getCur, extensionUnit, 2).error, UvcError::WrongState);
+    EXPECT_FALSE(ask(getCur, extensionUnit, 2).isRefused());
+}
+
+TEST_F(ControlSetTest, AnswersAbsurdLengthsWhenOrdered)
+{
+    faults.lengths[{extensionUnit, 1}] = 5000;
+    EXPECT_EQ(ask(getLen, extensionUnit, 1).data, (Bytes{0x88, 0x13}));
+    EXPECT_EQ(ask(getCur, extensionUnit, 1).data.size(), 1U);
+}
+
+TEST_F(ControlSetTest, HasNoVendorControlsWithoutAnExtensionUnit)
+{
+    ControlSet plain{parseModel("vendor-old,extension-unit=no"), faults};
+    EXPECT_EQ(plain.execute({getLen, extensionUnit, 1, 2, {}}).error, UvcError::InvalidControl);
+}
+
+TEST(CameraModel, TakesPropertiesFromItsText)
+{
+    const CameraModel model =
+        parseModel("vendor-old,vendor=1234,product=abcd,serial=S 1,speed=super,firmware=TJ8-9.8.7");
+    EXPECT_EQ(model.vendorId, 0x1234);
+    EXPECT_EQ(model.productId, 0xabcd);
+    EXPECT_EQ(model.serialNumber, "S 1");
+    EXPECT_EQ(model.speed, Speed::Super);
+    EXPECT_EQ(model.usbRelease, 0x0300);
+    EXPECT_EQ(model.firmware, (Bytes{'T', 'J', '8', '-', '9', '.', '8', '.', '7', 0}));
+    EXPECT_FALSE(model.hasSerialPort);
+}
+
+TEST(CameraModel, RefusesWhatItDoesNotKnow)
+{
+    for (const char* text : {"", "toaster", "ordinary,wheels=4", "ordinary,speed=fast",
+                             "ordinary,vendor=12345", "ordinary,port=x", "ordinary,serial"}) {
+        EXPECT_THROW(parseModel(text), std::invalid_argument) << text;
+    }
+}

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "FramePainter.h"
+#include "JpegFrames.h"
+
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <jpeglib.h>
+
+using namespace UsbCamera;
+
+namespace
+{
+
+constexpr std::uint32_t someNumbers[] = {0,   1,    2,     9,         10,        99,
+                                         255, 1000, 65535, 123456789, 0xffffffff};
+
+/// Decodes an image to its luma plane.
+Bytes decodeLuma(const Bytes& image, unsigned& width, unsigned& height)
+{
+    jpeg_decompress_struct decoder{};
+    jpeg_error_mgr errors{};
+    decoder.err = jpeg_std_error(&errors);
+    jpeg_create_decompress(&decoder);
+    jpeg_mem_src(&decoder, image.data(), static_cast<unsigned long>(image.size()));
+    jpeg_read_header(&decoder, TRUE);
+    decoder.out_color_space = JCS_GRAYSCALE;
+    jpeg_start_decompress(&decoder);
+    width = decoder.output_width;
+    height = decoder.output_height;
+    Bytes luma(std::size_t{width} * height);
+    while (decoder.output_scanline < height) {
+        JSAMPROW row = &luma[std::size_t{width} * decoder.output_scanline];
+        jpeg_read_scanlines(&decoder, &row, 1);
+    }
+    jpeg_finish_decompress(&decoder);
+    jpeg_destroy_decompress(&decoder);
+    return luma;
+}
+
+} // namespace
+
+TEST(FramePainter, PaintsTheSamePictureWhateverItPaintedBefore)
+{
+    FramePainter oneByOne(320, 240);
+    for (const std::uint32_t number : someNumbers) {
+        EXPECT_EQ(oneByOne.paint(number), FramePainter(320, 240).paint(number)) << number;
+    }
+}
+
+TEST(FramePainter, ShowsItsNumberInBlocks)
+{
+    for (const unsigned width : {160U, 320U, 640U, 1280U}) {
+        FramePainter painter(width, 120);
+        for (const std::uint32_t number : someNumbers) {
+            EXPECT_EQ(FramePainter::readNumber(painter.paint(number).data(), width), number);
+        }
+    }
+}
+
+TEST(FramePainter, ShowsColourBarsBelowTheNumber)
+{
+    FramePainter painter(640, 480);
+    const Bytes& picture = painter.paint(7);
+    const std::uint8_t* lastLine = &picture[std::size_t{2} * 640 * 479];
+    EXPECT_EQ(Bytes(lastLine, lastLine + 4), (Bytes{235, 128, 235, 128}));
+    const std::uint8_t* red = lastLine + std::size_t{2} * 420;
+    EXPECT_EQ(Bytes(red, red + 4), (Bytes{81, 90, 81, 240}));
+}
+
+TEST(JpegFrames, TellsTheFullNumberInItsComment)
+{
+    JpegFrames frames(320, 240);
+    for (const std::uint32_t number : someNumbers) {
+        const Bytes& image = frames.frame(number);
+        EXPECT_EQ(JpegFrames::readNumber(image.data(), image.size()), number);
+    }
+}
+
+TEST(JpegFrames, DecodesToThePaintedPicture)
+{
+    JpegFrames frames(320, 240);
+    unsigned width = 0;
+    unsigned height = 0;
+    const Bytes luma = decodeLuma(frames.frame(13), width, height);
+    ASSERT_EQ(width, 320U);
+    ASSERT_EQ(height, 240U);
+    FramePainter painter(320, 240);
+    const Bytes& picture = painter.paint(13 % JpegFrames::pictures);
+    long difference = 0;
+    for (std::size_t i = 0; i < luma.size(); ++i) {
+        difference += std::abs(int{luma[i]} - int{picture[2 * i]});
+    }
+    EXPECT_LT(difference / static_cast<long>(luma.size()), 3);
+}
+
+TEST(JpegFrames, RefusesAnImageWithoutANumber)
+{
+    const Bytes image(100, 0);
+    EXPECT_THROW(JpegFrames::readNumber(image.data(), image.size()), std::invalid_argument);
+}

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: MIT
+#include "EmulatedCameras.h"
+
+#include "CommandServer.h"
+#include "Shell.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace KernelTest
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+const char devices[] = "/sys/bus/usb/devices";
+
+std::vector<fs::path> entries(const fs::path& folder)
+{
+    std::vector<fs::path> paths;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
+        paths.push_back(entry.path());
+    }
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+/// The number of the hub that has the ports of a controller for a speed.
+std::string findBus(unsigned controller, bool isSuper)
+{
+    const fs::path folder = "/sys/devices/platform/vhci_hcd." + std::to_string(controller);
+    for (const fs::path& entry : entries(folder)) {
+        const std::string name = entry.filename();
+        if (name.compare(0, 3, "usb") == 0 &&
+            (std::stoul("0" + readFile(entry / "speed")) >= 5000) == isSuper) {
+            return name.substr(3);
+        }
+    }
+    return "";
+}
+
+std::string nodeBelow(const fs::path& folder, bool isVideo)
+{
+    for (const fs::path& entry : entries(folder)) {
+        // A camera's second video node, the one with another index, delivers no pictures.
+        if (!isVideo || readFile(entry / "index") == "0") {
+            const fs::path node = "/dev" / entry.filename();
+            return fs::exists(node) ? node.string() : "";
+        }
+    }
+    return "";
+}
+
+[[noreturn]] void execute(const std::string& folder, const std::vector<std::string>& models,
+                          const std::vector<std::string>& commands)
+{
+    std::vector<std::string> words{USBCAMERA_PROGRAM, "--socket", folder + "/socket", "--log",
+                                   folder + "/requests.jsonl"};
+    for (const std::string& model : models) {
+        words.insert(words.end(), {"--camera", model});
+    }
+    for (const std::string& command : commands) {
+        words.insert(words.end(), {"--do", command});
+    }
+    std::vector<char*> arguments;
+    for (std::string& word : words) {
+        arguments.push_back(word.data());
+    }
+    arguments.push_back(nullptr);
+    ::execv(arguments[0], arguments.data());
+    std::abort();
+}
+
+} // namespace
+
+EmulatedCameras::EmulatedCameras(const Texts& models, const Texts& commands)
+{
+    char folder[] = "/tmp/usbcamera.XXXXXX";
+    if (::mkdtemp(folder) == nullptr) {
+        throw std::runtime_error("cannot make a folder");
+    }
+    _folder = folder;
+    start(models, commands);
+    for (unsigned camera = 1; camera <= models.size(); ++camera) {
+        _first.push_back(status(camera));
+    }
+    for (unsigned camera = 1; camera <= models.size(); ++camera) {
+        if (!waitUntilReady(camera)) {
+            stop();
+            throw std::runtime_error("the kernel doesn't take the camera " + models[camera - 1]);
+        }
+    }
+}
+
+EmulatedCameras::~EmulatedCameras()
+{
+    stop();
+}
+
+void EmulatedCameras::start(const Texts& models, const Texts& commands)
+{
+    _process = ::fork();
+    if (_process == 0) {
+        execute(_folder, models, commands);
+    }
+    const bool hasSocket = waitFor([this] {
+        return fs::exists(_folder + "/socket") || ::waitpid(_process, nullptr, WNOHANG) != 0;
+    });
+    if (!hasSocket || !fs::exists(_folder + "/socket")) {
+        throw std::runtime_error("usbcamera does not start");
+    }
+}
+
+void EmulatedCameras::stop()
+{
+    ::kill(_process, SIGTERM);
+    ::waitpid(_process, nullptr, 0);
+    for (unsigned camera = 1; camera <= _first.size(); ++camera) {
+        waitUntilGone(camera);
+    }
+    std::error_code error;
+    fs::remove_all(_folder, error);
+}
+
+std::string EmulatedCameras::command(const std::string& words, unsigned camera) const
+{
+    const std::string answer =
+        UsbCamera::sendCommand(_folder + "/socket", std::to_string(camera) + " " + words);
+    if (answer.compare(0, 2, "ok") != 0) {
+        throw std::runtime_error(words + ": " + answer);
+    }
+    return answer.size() > 3 ? answer.substr(3) : "";
+}
+
+EmulatedCameras::Json EmulatedCameras::status(unsigned camera) const
+{
+    return Json::parse(command("status", camera));
+}
+
+void EmulatedCameras::plug(unsigned camera) const
+{
+    command("plug", camera);
+    if (!waitUntilReady(camera)) {
+        throw std::runtime_error("the camera does not come back");
+    }
+}
+
+bool EmulatedCameras::waitUntilGone(unsigned camera) const
+{
+    return waitFor([this, camera] { return usbFolder(camera).empty(); });
+}
+
+bool EmulatedCameras::waitUntilReady(unsigned camera) const
+{
+    const bool wantsSerial = _first[camera - 1]["serialPort"];
+    const bool isThere = waitFor([this, camera, wantsSerial] {
+        return !videoNode(camera).empty() && (!wantsSerial || !serialNode(camera).empty());
+    });
+    return isThere && runShell("udevadm settle --timeout=60").status == 0;
+}
+
+std::string EmulatedCameras::usbFolder(unsigned camera) const
+{
+    const Json& first = _first[camera - 1];
+    const std::string bus = findBus(first["controller"], first["speed"] == "super");
+    const std::string folder =
+        std::string(devices) + "/" + bus + "-" + std::to_string(first["port"].get<unsigned>());
+    return fs::exists(folder) ? folder : "";
+}
+
+std::string EmulatedCameras::videoNode(unsigned camera) const
+{
+    const fs::path folder = usbFolder(camera);
+    const std::string interface = folder.filename().string() + ":1.0";
+    return folder.empty() ? "" : nodeBelow(folder / interface / "video4linux", true);
+}
+
+std::string EmulatedCameras::serialNode(unsigned camera) const
+{
+    const fs::path folder = usbFolder(camera);
+    const std::string interface = folder.filename().string() + ":1.5";
+    return folder.empty() ? "" : nodeBelow(folder / interface / "tty", false);
+}
+
+std::vector<EmulatedCameras::Json> EmulatedCameras::requests() const
+{
+    std::vector<Json> lines;
+    for (const std::string& line : splitLines(readFile(_folder + "/requests.jsonl"))) {
+        lines.push_back(Json::parse(line));
+    }
+    return lines;
+}
+
+std::vector<EmulatedCameras::Json> EmulatedCameras::requests(const std::string& name) const
+{
+    std::vector<Json> found;
+    for (const Json& line : requests()) {
+        const std::string kind = line["kind"];
+        if (kind == "event" && line["event"] == "mark") {
+            found.clear();
+        } else if ((kind == "unit" || kind == "serial") && line["request"] == name) {
+            found.push_back(line);
+        }
+    }
+    return found;
+}
+
+void EmulatedCameras::mark(unsigned camera) const
+{
+    command("mark here", camera);
+}
+
+} // namespace KernelTest

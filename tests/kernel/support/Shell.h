@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace KernelTest
+{
+
+struct CommandResult
+{
+    int status = -1;    ///< exit status, or 128 and the signal
+    std::string output; ///< standard output and standard error, in the order they were written
+};
+
+/// Runs a line in the shell.
+CommandResult runShell(const std::string& line);
+
+/// The parts of a text between line ends.
+std::vector<std::string> splitLines(const std::string& text);
+
+/// A whole file without the line end behind it; empty when it can't be read.
+std::string readFile(const std::string& path);
+
+/// Tries until the condition holds; false when the time ran out first.
+bool waitFor(const std::function<bool()>& condition,
+             std::chrono::milliseconds limit = std::chrono::seconds(30));
+
+} // namespace KernelTest
