@@ -59,8 +59,44 @@ serves_cmake() {
     cmake -S "$source/examples" -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
         -DCMAKE_DISABLE_FIND_PACKAGE_Qt5=ON -DCMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON
     cmake --build "$work/cmake"
+}
+
+example_lists() {
     on_virtual_camera "$work/cmake/list-cameras" | tee "$work/list.log"
-    grep -q '/dev/video0' "$work/list.log" || fail "no camera was listed"
+    grep -q 'node     /dev/video0' "$work/list.log" || fail "no camera was listed"
+    grep -q 'firmware TJ8-' "$work/list.log" || fail "no firmware of the vendor's camera"
+}
+
+# Ten frames, and the last one's bytes in a file.
+example_captures() {
+    on_virtual_camera "$work/cmake/capture-frames" "$work/frame.raw" | tee "$work/capture.log"
+    [ "$(grep -c '^frame ' "$work/capture.log")" -eq 10 ] || fail "not ten frames"
+    local bytes
+    bytes=$(sed -nE '$ s/^frame [0-9]+: ([0-9]+) bytes.*/\1/p' "$work/capture.log")
+    [ "$(stat -c %s "$work/frame.raw")" -eq "$bytes" ] || fail "the file is not the last frame"
+}
+
+example_walks_controls() {
+    on_virtual_camera "$work/cmake/walk-controls" | tee "$work/controls.log"
+    grep -qE '^Brightness, Int32: -?[0-9]+ \(' "$work/controls.log" || fail "no brightness"
+    grep -qE '^[^,]+, StringMenu:.*\[[^]]+\]' "$work/controls.log" || fail "no menu"
+}
+
+# The camera goes well after the program has begun to listen, and the program ends when told so.
+example_watches() {
+    rm -f "$work/keys"
+    mkfifo "$work/keys"
+    exec 3<>"$work/keys"
+    on_virtual_camera --plug-after 1500 --unplug-after 4000 "$work/cmake/watch-cameras" \
+        <"$work/keys" >"$work/watch.log" 3>&- &
+    local program=$! tries=0
+    until grep -q '^/dev/video[0-9]*: removed$' "$work/watch.log"; do
+        tries=$((tries + 1))
+        [ "$tries" -lt 300 ] || { kill "$program"; fail "no event: $(cat "$work/watch.log")"; }
+        sleep 0.1
+    done
+    echo >&3
+    wait "$program" || fail "it ended with $?"
 }
 
 # A client that asks for another major version, or for a newer minor one, is not served.
@@ -107,8 +143,5 @@ readme_program_runs() {
 }
 
 version=$(sed -nE 's/^project\(ImageAcquisition VERSION ([0-9.]+).*/\1/p' "$source/CMakeLists.txt")
-case "$case_name" in
-    install_tree | carries_version | exports_public_names | needs_no_foreign_header | serves_cmake | \
-        refuses_other_versions | serves_pkg_config | readme_program_runs) "$case_name" ;;
-    *) echo "no such case: $case_name" >&2; exit 2 ;;
-esac
+[ "$(type -t "$case_name")" = function ] || { echo "no such case: $case_name" >&2; exit 2; }
+"$case_name"
