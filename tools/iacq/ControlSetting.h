@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <ICamera.h>
+#include <ICameraControl.h>
+
+#include <optional>
+#include <string>
+
+namespace Iacq
+{
+
+/// What the user wants to be set: a control, and a value unless it is a button.
+struct Assignment
+{
+    ImageAcquisition::ICameraControl* control;
+    std::optional<std::string> value;
+};
+
+/// The control of this name or short form.
+/// @throws Failure when there is none, or a short form fits several.
+ImageAcquisition::ICameraControl& findControl(ImageAcquisition::ICamera const& camera,
+                                              std::string const& name);
+
+/// Takes "NAME=VALUE" or "NAME" apart. A control's name may itself hold a "=".
+/// @throws Failure when there is no such control.
+Assignment parseAssignment(ImageAcquisition::ICamera const& camera, std::string const& text);
+
+/// Sets the value.
+/// @throws Failure that says why not, as far as that can be known.
+void apply(Assignment const& assignment);
+
+} // namespace Iacq

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "ImageEncoding.h"
+
+#include "Failure.h"
+#include "Names.h"
+
+#include <png.h>
+
+namespace Iacq
+{
+
+OutputFormat outputFormatOf(std::string const& named, std::string const& path)
+{
+    auto const dot = path.find_last_of("./");
+    std::string const extension =
+        dot != std::string::npos && path[dot] == '.' ? path.substr(dot + 1) : "";
+    std::string const& wanted = named.empty() ? extension : named;
+    if (equalIgnoringCase(wanted, "png")) {
+        return OutputFormat::Png;
+    }
+    if (equalIgnoringCase(wanted, "ppm")) {
+        return OutputFormat::Ppm;
+    }
+    if (equalIgnoringCase(wanted, "raw")) {
+        return OutputFormat::Raw;
+    }
+    throw Failure(BadUsage, "cannot tell the output format from '" + path +
+                                "'; use --output-format png, ppm or raw");
+}
+
+std::vector<unsigned char> encodePng(RgbImage const& image)
+{
+    png_image png{};
+    png.version = PNG_IMAGE_VERSION;
+    png.width = image.width;
+    png.height = image.height;
+    png.format = PNG_FORMAT_RGB;
+    png_alloc_size_t size = 0;
+    std::vector<unsigned char> bytes;
+    if (png_image_write_to_memory(&png, nullptr, &size, 0, image.pixels.data(), 0, nullptr) != 0) {
+        bytes.resize(size);
+        if (png_image_write_to_memory(&png, bytes.data(), &size, 0, image.pixels.data(), 0,
+                                      nullptr) != 0) {
+            bytes.resize(size);
+            return bytes;
+        }
+    }
+    throw Failure(CameraFailed, std::string("cannot make a PNG picture: ") + png.message);
+}
+
+std::vector<unsigned char> encodePpm(RgbImage const& image)
+{
+    std::string const header =
+        "P6\n" + std::to_string(image.width) + " " + std::to_string(image.height) + "\n255\n";
+    std::vector<unsigned char> bytes(header.begin(), header.end());
+    bytes.insert(bytes.end(), image.pixels.begin(), image.pixels.end());
+    return bytes;
+}
+
+} // namespace Iacq

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "PixelConversion.h"
+
+#include <string>
+#include <vector>
+
+namespace Iacq
+{
+
+enum class OutputFormat { Png, Ppm, Raw };
+
+/// The format that the user named, or else that the file's extension means.
+/// @throws Failure when neither tells.
+OutputFormat outputFormatOf(std::string const& named, std::string const& path);
+
+std::vector<unsigned char> encodePng(RgbImage const& image);
+std::vector<unsigned char> encodePpm(RgbImage const& image);
+
+} // namespace Iacq

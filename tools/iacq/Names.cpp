@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "Names.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace Iacq
+{
+
+std::string shortName(std::string const& name)
+{
+    std::string result;
+    bool separate = false;
+    for (char const character : name) {
+        auto const code = static_cast<unsigned char>(character);
+        if (std::isalnum(code) == 0) {
+            separate = true;
+            continue;
+        }
+        if (separate && !result.empty()) {
+            result += '_';
+        }
+        separate = false;
+        result += static_cast<char>(std::tolower(code));
+    }
+    return result;
+}
+
+bool equalIgnoringCase(std::string const& a, std::string const& b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char left, char right) {
+        return std::tolower(static_cast<unsigned char>(left)) ==
+               std::tolower(static_cast<unsigned char>(right));
+    });
+}
+
+} // namespace Iacq

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "Output.h"
+
+#include "Failure.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <regex>
+
+namespace Iacq
+{
+
+namespace
+{
+
+[[noreturn]] void failWriting(std::string const& what)
+{
+    throw Failure(CameraFailed, "cannot write " + what + ": " + std::strerror(errno));
+}
+
+bool writeAll(int fd, unsigned char const* data, std::size_t size)
+{
+    while (size > 0) {
+        ssize_t const written = ::write(fd, data, size);
+        if (written == -1 && errno == EINTR) {
+            continue;
+        }
+        if (written == -1) {
+            return false;
+        }
+        data += written;
+        size -= static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
+/// Writes and closes; errno tells what went wrong.
+bool writeAndClose(int fd, std::vector<unsigned char> const& bytes)
+{
+    bool const written = writeAll(fd, bytes.data(), bytes.size());
+    int const error = errno;
+    bool const closed = ::close(fd) == 0;
+    if (!written) {
+        errno = error;
+    }
+    return written && closed;
+}
+
+/// Devices, pipes and the like are written to as they are; renaming would replace them.
+bool isSpecialFile(std::string const& path)
+{
+    struct stat status;
+    return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+}
+
+void writeInPlace(std::string const& path, std::vector<unsigned char> const& bytes)
+{
+    int const fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    if (fd == -1 || !writeAndClose(fd, bytes)) {
+        failWriting(path);
+    }
+}
+
+void replace(std::string const& path, std::vector<unsigned char> const& bytes)
+{
+    std::string const partial = path + ".partial-" + std::to_string(::getpid());
+    int const fd = ::open(partial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd == -1) {
+        failWriting(path);
+    }
+    if (!writeAndClose(fd, bytes) || ::rename(partial.c_str(), path.c_str()) != 0) {
+        int const error = errno;
+        ::unlink(partial.c_str());
+        errno = error;
+        failWriting(path);
+    }
+}
+
+} // namespace
+
+void writeFile(std::string const& path, std::vector<unsigned char> const& bytes)
+{
+    if (path == "-") {
+        if (!writeAll(STDOUT_FILENO, bytes.data(), bytes.size())) {
+            failWriting("standard output");
+        }
+    } else if (isSpecialFile(path)) {
+        writeInPlace(path, bytes);
+    } else {
+        replace(path, bytes);
+    }
+}
+
+std::string numberedPath(std::string const& path, int number, int count)
+{
+    static std::regex const pattern("%(0[1-9])?d");
+    if (path.find('%') != std::string::npos) {
+        std::smatch match;
+        bool const found = std::regex_search(path, match, pattern);
+        std::string const rest = found ? match.prefix().str() + match.suffix().str() : path;
+        if (rest.find('%') != std::string::npos) {
+            throw Failure(BadUsage, "'" + path + "' may hold one %d or %04d and no other '%'");
+        }
+        char text[32];
+        int const width = match[1].matched ? std::stoi(match[1].str()) : 1;
+        std::snprintf(text, sizeof text, "%0*d", width, number);
+        return match.prefix().str() + text + match.suffix().str();
+    }
+    if (count <= 1 || path == "-") {
+        return path;
+    }
+    char text[32];
+    std::snprintf(text, sizeof text, "-%04d", number);
+    auto const dot = path.find_last_of("./");
+    auto const at = dot != std::string::npos && path[dot] == '.' ? dot : path.size();
+    return path.substr(0, at) + text + path.substr(at);
+}
+
+void print(std::string const& text)
+{
+    if (!writeAll(STDOUT_FILENO, reinterpret_cast<unsigned char const*>(text.data()),
+                  text.size())) {
+        failWriting("standard output");
+    }
+}
+
+} // namespace Iacq

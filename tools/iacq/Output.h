@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace Iacq
+{
+
+/// Writes a file whole or not at all: an ordinary file appears under its name only when all of it
+/// is there. "-" is standard output.
+/// @throws Failure when that is not possible.
+void writeFile(std::string const& path, std::vector<unsigned char> const& bytes);
+
+/// Name of one of several files: a "%d" or "%04d" in @p path becomes the number; without one,
+/// "-0001" is put in front of the extension. A single file keeps its name.
+/// @throws Failure when @p path holds anything else with a "%".
+std::string numberedPath(std::string const& path, int number, int count);
+
+/// Prints to standard output and makes sure that it arrived.
+/// @throws Failure when it did not, as on a full disk or a closed pipe.
+void print(std::string const& text);
+
+} // namespace Iacq

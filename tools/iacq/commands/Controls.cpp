@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "../CameraSelection.h"
+#include "../ControlDescription.h"
+#include "../ControlSetting.h"
+#include "../Failure.h"
+#include "../Output.h"
+#include "Commands.h"
+
+#include <nlohmann/json.hpp>
+
+namespace Iacq
+{
+
+void get(std::string const& camera, std::vector<std::string> const& names, bool json)
+{
+    CameraPtr const opened = openCamera(camera);
+    nlohmann::ordered_json described = nlohmann::ordered_json::array();
+    std::string text;
+    for (std::string const& name : names) {
+        ImageAcquisition::ICameraControl& control = findControl(*opened, name);
+        control.updateState();
+        described.push_back(describeControl(control));
+        text += std::string(control.name()) + ": " + valueText(described.back().at("value")) + "\n";
+    }
+    print(json ? described.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n"
+               : text);
+}
+
+void set(std::string const& camera, std::vector<std::string> const& assignments)
+{
+    CameraPtr const opened = openCamera(camera);
+    // All names first: a misspelt one must not leave half of the work done.
+    std::vector<Assignment> parsed;
+    for (std::string const& text : assignments) {
+        parsed.push_back(parseAssignment(*opened, text));
+    }
+    for (Assignment const& assignment : parsed) {
+        apply(assignment);
+    }
+}
+
+void reset(std::string const& camera)
+{
+    CameraPtr const opened = openCamera(camera);
+    if (!opened->device()->isaZorvaneDevice()) {
+        throw Failure(CameraFailed, std::string(opened->device()->systemName()) +
+                                        " is no camera that can be reset");
+    }
+    if (!opened->softwareReset()) {
+        throw Failure(CameraFailed, std::string(opened->device()->systemName()) +
+                                        " was not reset: its USB device cannot be opened");
+    }
+}
+
+} // namespace Iacq

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+#include "../CameraDescription.h"
+#include "../CameraSelection.h"
+#include "../ControlDescription.h"
+#include "../Output.h"
+#include "Commands.h"
+
+#include <nlohmann/json.hpp>
+
+namespace Iacq
+{
+
+namespace
+{
+
+using Json = nlohmann::ordered_json;
+
+std::string deviceText(Json const& device)
+{
+    std::string text = device.at("name").get<std::string>() + "\n";
+    for (auto const& [key, value] : device.items()) {
+        if (value.is_string() && key != "name" && !value.get_ref<std::string const&>().empty()) {
+            text += "    " + key + ": " + value.get<std::string>() + "\n";
+        }
+    }
+    std::string supported;
+    for (auto const& [key, value] : device.at("supports").items()) {
+        if (value.get<bool>()) {
+            supported += " " + key;
+        }
+    }
+    return text + "    supports:" + supported + "\n";
+}
+
+std::string fraction(Json const& interval)
+{
+    return interval.at("numerator").dump() + "/" + interval.at("denominator").dump();
+}
+
+std::string dimensions(Json const& size)
+{
+    return size.at("width").dump() + "x" + size.at("height").dump();
+}
+
+std::string formatText(Json const& format)
+{
+    std::string text = "    " + format.at("name").get<std::string>() + "  " +
+                       format.at("description").get<std::string>();
+    text += format.at("compressed").get<bool>() ? ", compressed" : "";
+    text += format.at("emulated").get<bool>() ? ", emulated" : "";
+    text += "\n";
+    for (Json const& size : format.at("sizes")) {
+        text += "        " + dimensions(size) + ":";
+        for (Json const& interval : size.at("intervals")) {
+            text += " " + fraction(interval);
+        }
+        text += "\n";
+    }
+    return text;
+}
+
+std::string formatsText(Json const& formats)
+{
+    Json const& current = formats.at("current");
+    std::string text = "Formats (sizes and frame intervals in seconds; current:";
+    text += current.at("format").is_null() ? " none of these"
+                                           : " " + current.at("format").get<std::string>();
+    text += current.at("size").is_null() ? "" : " " + dimensions(current.at("size"));
+    text += current.at("interval").is_null() ? "" : " " + fraction(current.at("interval"));
+    text += ")\n";
+    for (Json const& format : formats.at("formats")) {
+        text += formatText(format);
+    }
+    return text;
+}
+
+std::string rangeText(Json const& control)
+{
+    if (control.contains("minimum")) {
+        return "  " + control.at("minimum").dump() + ".." + control.at("maximum").dump() +
+               " step " + control.at("step").dump();
+    }
+    if (control.contains("minimumLength")) {
+        return "  " + control.at("minimumLength").dump() + ".." +
+               control.at("maximumLength").dump() + " characters";
+    }
+    return "";
+}
+
+std::string controlText(Json const& control)
+{
+    std::string text = "    " + control.at("shortName").get<std::string>() + " ('" +
+                       control.at("name").get<std::string>() + "')  " +
+                       control.at("type").get<std::string>() + "  " +
+                       control.at("family").get<std::string>() + rangeText(control);
+    text += control.contains("default") ? "  default " + valueText(control.at("default")) : "";
+    text += "  value " + valueText(control.at("value"));
+    for (Json const& flag : control.at("flags")) {
+        text += "  [" + flag.get<std::string>() + "]";
+    }
+    text += "\n";
+    int position = 0;
+    for (Json const& item : control.value("items", Json::array())) {
+        text += "        " + std::to_string(position++) + ": " + item.get<std::string>() + "\n";
+    }
+    return text;
+}
+
+} // namespace
+
+void show(std::string const& camera, bool json)
+{
+    CameraPtr const opened = openCamera(camera);
+    Json description = describeDevice(*opened->device());
+    Json const formats = describeFormats(*opened);
+    Json controls = Json::array();
+    for (int position = 0; position < opened->controlNumber(); ++position) {
+        controls.push_back(describeControl(*opened->control(position)));
+    }
+    if (json) {
+        description["current"] = formats.at("current");
+        description["formats"] = formats.at("formats");
+        description["controls"] = controls;
+        print(description.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+        return;
+    }
+    std::string text = deviceText(description) + formatsText(formats) + "Controls\n";
+    for (Json const& control : controls) {
+        text += controlText(control);
+    }
+    print(text);
+}
+
+} // namespace Iacq
