@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+#include "camera/Camera.h"
+
+#include "DescriptorCount.h"
+#include "DescriptorLimit.h"
+#include "DeviceStub.h"
+#include "Machine.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+using VirtualCamera::aUsbDevice;
+
+DeviceStub vendorRecord()
+{
+    DeviceStub device;
+    device.vendor = IMAGEACQUISITION_VENDOR_ID;
+    device.product = IMAGEACQUISITION_PRODUCT_ID;
+    return device;
+}
+
+class SoftwareReset : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
+
+    Machine machine;
+    DeviceStub const record = vendorRecord();
+    Camera camera{&record};
+};
+
+TEST_F(SoftwareReset, SendsTheVendorsRequest)
+{
+    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
+    EXPECT_TRUE(camera.softwareReset());
+    auto const requests = usb.requests();
+    ASSERT_EQ(1u, requests.size());
+    EXPECT_EQ(0xC0, requests[0].requestType);
+    EXPECT_EQ(0xE0, requests[0].request);
+    EXPECT_EQ(0, requests[0].value);
+    EXPECT_EQ(0, requests[0].index);
+    EXPECT_EQ(16, requests[0].length);
+}
+
+TEST_F(SoftwareReset, DoesNotNeedTheVideoNode)
+{
+    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
+    auto const& node = machine.add(0, usb);
+    EXPECT_TRUE(camera.softwareReset());
+    EXPECT_EQ(0u, node.accounting().totalOpens);
+}
+
+TEST_F(SoftwareReset, CountsAsSentWhateverTheCameraAnswers)
+{
+    auto const usb = machine.plug(vendorUsbDevice().stallingFirmwareRequests());
+    EXPECT_TRUE(camera.softwareReset());
+    EXPECT_EQ(1, usb.resetRequests());
+}
+
+TEST_F(SoftwareReset, SendsNothingToOtherCameras)
+{
+    auto const usb = machine.plug(aUsbDevice().withIds("1234", "abcd").withFirmware("TJ8-1.2.3"));
+    DeviceStub const other;
+    Camera generic(&other);
+    EXPECT_FALSE(generic.softwareReset());
+    EXPECT_TRUE(usb.requests().empty());
+}
+
+TEST_F(SoftwareReset, FailsWhenTheUsbDeviceIsGoneOrCannotBeOpened)
+{
+    EXPECT_FALSE(camera.softwareReset());
+    machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3").refusingOpen());
+    EXPECT_FALSE(camera.softwareReset());
+}
+
+TEST_F(SoftwareReset, FailsWithoutLibusb)
+{
+    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
+    DescriptorLimit const none;
+    EXPECT_FALSE(camera.softwareReset());
+    EXPECT_TRUE(usb.requests().empty());
+}
+
+TEST_F(SoftwareReset, LeavesNoDescriptorBehind)
+{
+    machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
+    EXPECT_TRUE(camera.softwareReset());
+    int const before = openDescriptors();
+    EXPECT_TRUE(camera.softwareReset());
+    EXPECT_EQ(before, openDescriptors());
+}
+
+/// A camera that takes itself for one of the vendor's in spite of its ids.
+class MistakenCamera : public Camera
+{
+public:
+    MistakenCamera() : Camera(nullptr)
+    {
+        mistaken.ofTheVendor = true;
+        mistaken.vendor = "none";
+    }
+
+    IDevice const* device() const override { return &mistaken; }
+
+    DeviceStub mistaken;
+};
+
+TEST_F(SoftwareReset, ThrowsForMalformedIdsAndReleasesLibusb)
+{
+    MistakenCamera mistaken;
+    EXPECT_THROW(mistaken.softwareReset(), std::invalid_argument);
+    int const before = openDescriptors();
+    EXPECT_THROW(mistaken.softwareReset(), std::invalid_argument);
+    mistaken.mistaken.vendor = "fffffffffffffffff";
+    EXPECT_THROW(mistaken.softwareReset(), std::out_of_range);
+    EXPECT_EQ(before, openDescriptors());
+}
+
+} // namespace

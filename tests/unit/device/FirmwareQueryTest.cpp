@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+// The firmware revision that the vendor's cameras tell over USB.
+#include "device/DeviceEnumerator.h"
+
+#include "Machine.h"
+#include "device/Device.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+using VirtualCamera::aUsbDevice;
+using VirtualCamera::UsbDeviceScript;
+
+class FirmwareQuery : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
+
+    /// The firmware text of a camera that is such a USB device.
+    std::string firmwareOf(UsbDeviceScript const& script)
+    {
+        machine.add(0, machine.plug(script));
+        std::unique_ptr<IDevice> const device(DeviceEnumerator::createDevice("video0"));
+        return device ? device->firmwareVersion() : "no device";
+    }
+
+    Machine machine;
+};
+
+TEST_F(FirmwareQuery, AsksOnceWithTheVendorsRequest)
+{
+    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.4"));
+    machine.add(0, usb);
+    std::unique_ptr<IDevice> const device(DeviceEnumerator::createDevice("video0"));
+    ASSERT_NE(nullptr, device);
+    EXPECT_TRUE(device->isaZorvaneDevice());
+    EXPECT_STREQ("TJ8-1.2.4", device->firmwareVersion());
+    auto const requests = usb.requests();
+    ASSERT_EQ(1u, requests.size());
+    EXPECT_EQ(0xC0, requests[0].requestType);
+    EXPECT_EQ(0xB0, requests[0].request);
+    EXPECT_EQ(0, requests[0].value);
+    EXPECT_EQ(0, requests[0].index);
+    EXPECT_EQ(32, requests[0].length);
+}
+
+TEST_F(FirmwareQuery, DoesNotAskOtherCameras)
+{
+    auto const usb = machine.plug(aUsbDevice().withFirmware("TJ8-1.2.4"));
+    machine.add(0, usb);
+    std::unique_ptr<IDevice> const device(DeviceEnumerator::createDevice("video0"));
+    EXPECT_STREQ("", device->firmwareVersion());
+    EXPECT_TRUE(usb.requests().empty());
+}
+
+TEST_F(FirmwareQuery, IgnoresAReplyOfThreeBytes)
+{
+    EXPECT_EQ("", firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8'})));
+}
+
+TEST_F(FirmwareQuery, TakesAReplyOfFourBytes)
+{
+    EXPECT_EQ("TJ8-", firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8', '-'})));
+}
+
+TEST_F(FirmwareQuery, ReadsAReplyWithoutAnEndNoFurtherThanItCame)
+{
+    EXPECT_EQ("TJ8-1.3.0", firmwareOf(vendorUsbDevice().withFirmwareBytes(
+                               {'T', 'J', '8', '-', '1', '.', '3', '.', '0'})));
+}
+
+TEST_F(FirmwareQuery, ReadsAFullReplyWithoutAnEndNoFurtherThanItsBuffer)
+{
+    std::string const text = "TJ8-1.2.3 and 22 bytes of more..";
+    ASSERT_EQ(32u, text.size());
+    EXPECT_EQ(text, firmwareOf(vendorUsbDevice().withFirmwareBytes({text.begin(), text.end()})));
+}
+
+TEST_F(FirmwareQuery, EndsTheTextAtItsZero)
+{
+    EXPECT_EQ("TJ8", firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8', 0, 'x'})));
+}
+
+TEST_F(FirmwareQuery, LeavesTheTextEmptyWhenTheRequestFails)
+{
+    EXPECT_EQ("", firmwareOf(vendorUsbDevice().stallingFirmwareRequests()));
+}
+
+TEST_F(FirmwareQuery, LeavesTheTextEmptyWhenTheReplyIsEmpty)
+{
+    EXPECT_EQ("", firmwareOf(vendorUsbDevice().withFirmwareBytes({})));
+}
+
+TEST_F(FirmwareQuery, LeavesTheTextEmptyWhenTheUsbDeviceCannotBeOpened)
+{
+    EXPECT_EQ("", firmwareOf(vendorUsbDevice().withFirmware("TJ8-1.2.4").refusingOpen()));
+}
+
+TEST_F(FirmwareQuery, KeepsAnEarlierTextWhenItFails)
+{
+    Device device(0);
+    device.setIdVendor(IMAGEACQUISITION_VENDOR_ID);
+    device.setIdProduct(IMAGEACQUISITION_PRODUCT_ID);
+    device.setFirmwareVersion("earlier");
+    DeviceEnumerator::getFirmwareRevision(&device);
+    EXPECT_STREQ("earlier", device.firmwareVersion());
+}
+
+} // namespace

@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: MIT
+// What udev and libusb tell of the USB device behind a node.
+#include "device/DeviceEnumerator.h"
+
+#include "DescriptorCount.h"
+#include "DescriptorLimit.h"
+#include "Machine.h"
+#include "device/Device.h"
+#include "device/DeviceList.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+using VirtualCamera::aUsbDevice;
+
+std::unique_ptr<Device> describe(char const* nodeName = "video0")
+{
+    return std::unique_ptr<Device>(dynamic_cast<Device*>(DeviceEnumerator::createDevice(nodeName)));
+}
+
+class UsbIdentity : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
+
+    Machine machine;
+};
+
+TEST_F(UsbIdentity, ComesFromTheUsbDeviceBehindTheNode)
+{
+    machine.add(0, machine.plug(aUsbDevice()
+                                    .withIds("046d", "0825")
+                                    .withManufacturer("Maker")
+                                    .withProduct("Product")
+                                    .withSerial("S123")));
+    auto const device = describe();
+    ASSERT_NE(nullptr, device);
+    EXPECT_STREQ("046d", device->vendorId());
+    EXPECT_STREQ("0825", device->productId());
+    EXPECT_STREQ("Maker", device->manufacturer());
+    EXPECT_STREQ("Product", device->product());
+    EXPECT_STREQ("S123", device->serial());
+    EXPECT_FALSE(device->isaZorvaneDevice());
+}
+
+TEST_F(UsbIdentity, LeavesTextsEmptyThatTheDeviceDoesNotHave)
+{
+    machine.add(0, machine.plug(aUsbDevice()));
+    auto const device = describe();
+    ASSERT_NE(nullptr, device);
+    EXPECT_STREQ("", device->manufacturer());
+    EXPECT_STREQ("", device->product());
+    EXPECT_STREQ("", device->serial());
+}
+
+TEST_F(UsbIdentity, IncludesTheRevision)
+{
+    machine.add(0, machine.plug(aUsbDevice().withUsbRevision(0x0310)));
+    EXPECT_EQ(0x0310, describe()->usbRevision());
+}
+
+TEST_F(UsbIdentity, IncludesTheSpeedOfTheLink)
+{
+    struct
+    {
+        char const* megabits;
+        UsbSpeed speed;
+    } const cases[] = {{"1.5", UsbSpeedLow},
+                       {"12", UsbSpeedFull},
+                       {"480", UsbSpeedHigh},
+                       {"5000", UsbSpeedSuper},
+                       {"10000", UsbSpeedUnknown}};
+    for (auto const& one : cases) {
+        auto const usb = machine.plug(aUsbDevice().withSpeed(one.megabits));
+        machine.add(0, usb);
+        EXPECT_EQ(one.speed, describe()->usbSpeed()) << one.megabits;
+        machine.testbed.unplug(usb);
+    }
+}
+
+TEST(UsbSpeedConversion, KnowsTheSpeedsUpToSuperSpeed)
+{
+    EXPECT_EQ(UsbSpeedUnknown, DeviceEnumerator::convertSpeed(0));
+    EXPECT_EQ(UsbSpeedLow, DeviceEnumerator::convertSpeed(1));
+    EXPECT_EQ(UsbSpeedFull, DeviceEnumerator::convertSpeed(2));
+    EXPECT_EQ(UsbSpeedHigh, DeviceEnumerator::convertSpeed(3));
+    EXPECT_EQ(UsbSpeedSuper, DeviceEnumerator::convertSpeed(4));
+    for (int const other : {5, 6, -1, 2147483647}) {
+        EXPECT_EQ(UsbSpeedUnknown, DeviceEnumerator::convertSpeed(other));
+    }
+}
+
+TEST_F(UsbIdentity, IsThatOfTheFirstOfTwoIdenticalDevices)
+{
+    auto const slow = aUsbDevice("1-1").withSpeed("12").withUsbRevision(0x0110);
+    auto const fast = aUsbDevice("1-2").withSpeed("480").withUsbRevision(0x0200);
+    machine.add(0, machine.plug(slow));
+    machine.add(1, machine.plug(fast));
+    auto const first = describe("video0");
+    auto const second = describe("video1");
+    EXPECT_EQ(first->usbSpeed(), second->usbSpeed());
+    EXPECT_EQ(first->usbRevision(), second->usbRevision());
+    EXPECT_TRUE(first->usbSpeed() == UsbSpeedFull || first->usbSpeed() == UsbSpeedHigh);
+}
+
+TEST_F(UsbIdentity, IsToldApartByBothIds)
+{
+    machine.add(0, machine.plug(aUsbDevice("1-1").withIds("1111", "2222").withSpeed("12")));
+    machine.add(1, machine.plug(aUsbDevice("1-2").withIds("1111", "3333").withSpeed("480")));
+    machine.add(2, machine.plug(aUsbDevice("1-3").withIds("4444", "3333").withSpeed("1.5")));
+    EXPECT_EQ(UsbSpeedFull, describe("video0")->usbSpeed());
+    EXPECT_EQ(UsbSpeedHigh, describe("video1")->usbSpeed());
+    EXPECT_EQ(UsbSpeedLow, describe("video2")->usbSpeed());
+}
+
+TEST_F(UsbIdentity, HasNoRevisionAndSpeedWhenLibusbDoesNotKnowTheIds)
+{
+    machine.plug(aUsbDevice().withIds("1111", "2222"));
+    // Compared whole: cut to 16 bits the first of these would match.
+    for (char const* const vendor : {"11111", "1112"}) {
+        Device device(0);
+        device.setIdVendor(vendor);
+        device.setIdProduct("2222");
+        device.setUsbRevision(7);
+        device.setUsbSpeed(UsbSpeedLow);
+        DeviceEnumerator::getUsbDescriptor(&device);
+        EXPECT_EQ(0, device.usbRevision());
+        EXPECT_EQ(UsbSpeedUnknown, device.usbSpeed());
+    }
+}
+
+TEST_F(UsbIdentity, HasNoRevisionAndSpeedOnAMachineWithoutUsb)
+{
+    Device device(0);
+    device.setIdVendor("1111");
+    device.setIdProduct("2222");
+    device.setUsbSpeed(UsbSpeedLow);
+    DeviceEnumerator::getUsbDescriptor(&device);
+    EXPECT_EQ(UsbSpeedUnknown, device.usbSpeed());
+}
+
+TEST_F(UsbIdentity, HasNoRevisionAndSpeedWithoutLibusb)
+{
+    machine.plug(aUsbDevice());
+    Device device(0);
+    device.setUsbRevision(7);
+    device.setUsbSpeed(UsbSpeedLow);
+    {
+        DescriptorLimit const none;
+        // Not even the missing ids are noticed then.
+        EXPECT_NO_THROW(DeviceEnumerator::getUsbDescriptor(&device));
+        EXPECT_NO_THROW(DeviceEnumerator::getFirmwareRevision(&device));
+    }
+    EXPECT_EQ(0, device.usbRevision());
+    EXPECT_EQ(UsbSpeedUnknown, device.usbSpeed());
+    EXPECT_STREQ("", device.firmwareVersion());
+}
+
+TEST_F(UsbIdentity, LeavesNoDescriptorBehind)
+{
+    machine.add(0, machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3")));
+    describe();
+    int const before = openDescriptors();
+    describe();
+    EXPECT_EQ(before, openDescriptors());
+}
+
+/// The exception that @p action throws.
+template <typename Exception, typename Action>
+std::string whatOf(Action action)
+{
+    try {
+        action();
+    } catch (Exception const& exception) {
+        return exception.what();
+    }
+    return "nothing was thrown";
+}
+
+TEST_F(UsbIdentity, ThatIsMissingThrowsOutOfTheEnumeration)
+{
+    auto const& without = machine.addWithoutUsb(1);
+    auto const& with = machine.add(0, machine.plug(aUsbDevice()));
+    EXPECT_EQ("stoul", whatOf<std::invalid_argument>([] { describe("video1"); }));
+    EXPECT_EQ(0, without.accounting().openDescriptors);
+    EXPECT_NE(nullptr, describe("video0"));
+    DeviceList list;
+    EXPECT_EQ("stoul",
+              whatOf<std::invalid_argument>([&list] { DeviceEnumerator::fillDeviceList(&list); }));
+    EXPECT_EQ(0, without.accounting().openDescriptors);
+    EXPECT_EQ(0, with.accounting().openDescriptors);
+    EXPECT_EQ(1, list.size()) << "those that came before stay in the list";
+}
+
+TEST_F(UsbIdentity, OutOfRangeThrowsToo)
+{
+    Device device(0);
+    device.setIdVendor("fffffffffffffffff");
+    device.setIdProduct("2222");
+    EXPECT_EQ("stoul", whatOf<std::out_of_range>(
+                           [&device] { DeviceEnumerator::getUsbDescriptor(&device); }));
+    device.setIdVendor("xyz");
+    EXPECT_EQ("stoul", whatOf<std::invalid_argument>(
+                           [&device] { DeviceEnumerator::getUsbDescriptor(&device); }));
+}
+
+TEST_F(UsbIdentity, ThrowsFromTheFirmwareQueryWithoutLosingDescriptors)
+{
+    Device device(0);
+    device.setIdVendor("xyz");
+    auto const query = [&device] { DeviceEnumerator::getFirmwareRevision(&device); };
+    // The first query leaves open what the made-up system itself needs.
+    EXPECT_EQ("stoul", whatOf<std::invalid_argument>(query));
+    int const before = openDescriptors();
+    EXPECT_EQ("stoul", whatOf<std::invalid_argument>(query));
+    EXPECT_EQ(before, openDescriptors());
+}
+
+} // namespace

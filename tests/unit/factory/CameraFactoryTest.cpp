@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: MIT
+#include "factory/CameraFactory.h"
+
+#include "DeviceStub.h"
+#include "IBlockingCamera.h"
+#include "IBlockingCameraMonitor.h"
+#include "ICameraEvent.h"
+#include "IContinuousCameraMonitor.h"
+#include "IDeviceList.h"
+#include "Machine.h"
+#include "camera/Camera.h"
+#include "serial/ZorvaneCamera.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+using VirtualCamera::aUsbDevice;
+
+ICameraFactory& factory()
+{
+    return ICameraFactory::getUniqueInstance();
+}
+
+TEST(CameraFactory, IsOneForAllThreads)
+{
+    std::vector<ICameraFactory*> seen(8);
+    std::vector<std::thread> threads;
+    for (auto& place : seen) {
+        threads.emplace_back([&place] { place = &ICameraFactory::getUniqueInstance(); });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(1u, std::set<ICameraFactory*>(seen.begin(), seen.end()).size());
+    EXPECT_EQ(&CameraFactory::getUniqueInstance(), &factory());
+}
+
+TEST(CameraFactory, MakesAnEmptyEvent)
+{
+    std::unique_ptr<ICameraEvent> const first(factory().createEvent());
+    std::unique_ptr<ICameraEvent> const second(factory().createEvent());
+    ASSERT_NE(nullptr, first);
+    EXPECT_NE(first, second);
+    EXPECT_EQ(0, first->type());
+    EXPECT_STREQ("", first->deviceSystemName());
+    EXPECT_STREQ("", first->subSystemName());
+}
+
+TEST(CameraFactory, MakesMonitorsThatAreNotStarted)
+{
+    std::unique_ptr<IBlockingCameraMonitor> const blocking(factory().createBlockingCameraMonitor());
+    ASSERT_NE(nullptr, blocking);
+    std::unique_ptr<ICameraEvent> const event(factory().createEvent());
+    EXPECT_FALSE(blocking->getEvent(event.get()));
+    std::unique_ptr<IContinuousCameraMonitor> const continuous(
+        factory().createContinuousCameraMonitor());
+    ASSERT_NE(nullptr, continuous);
+    EXPECT_FALSE(continuous->stopMonitoring());
+}
+
+class CameraFactoryOnMachine : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
+
+    /// A record of the machine's camera, with a firmware text of the test's own.
+    static DeviceStub vendorRecord(char const* firmware)
+    {
+        DeviceStub device;
+        device.vendor = IMAGEACQUISITION_VENDOR_ID;
+        device.product = IMAGEACQUISITION_PRODUCT_ID;
+        device.ofTheVendor = true;
+        device.firmware = firmware;
+        // No tty in any kernel log belongs to it.
+        device.bus = "usb-absent-9.9.9";
+        return device;
+    }
+
+    static std::unique_ptr<IBlockingCamera> open(DeviceStub const& device)
+    {
+        return std::unique_ptr<IBlockingCamera>(factory().createBlockingCamera(&device));
+    }
+
+    static bool isGeneric(IBlockingCamera const* camera)
+    {
+        return dynamic_cast<Camera const*>(camera) != nullptr &&
+               dynamic_cast<ZorvaneCamera const*>(camera) == nullptr;
+    }
+
+    Machine machine;
+};
+
+TEST_F(CameraFactoryOnMachine, GivesNullForNull)
+{
+    auto const usb = machine.plug(aUsbDevice());
+    auto const& camera = machine.add(0, usb);
+    EXPECT_EQ(nullptr, factory().createDevice(nullptr));
+    EXPECT_EQ(nullptr, factory().createBlockingCamera(nullptr));
+    EXPECT_EQ(0u, camera.accounting().totalOpens);
+}
+
+TEST_F(CameraFactoryOnMachine, DescribesOneNode)
+{
+    machine.add(3, machine.plug(aUsbDevice()));
+    std::unique_ptr<IDevice> const device(factory().createDevice("video3"));
+    ASSERT_NE(nullptr, device);
+    EXPECT_STREQ("/dev/video3", device->systemName());
+    EXPECT_EQ(nullptr, factory().createDevice("video0"));
+    EXPECT_EQ(nullptr, factory().createDevice("/dev/video3")) << "a path is no short name";
+}
+
+TEST_F(CameraFactoryOnMachine, GivesAnEmptyListForAMachineWithoutCameras)
+{
+    std::unique_ptr<IDeviceList> const list(factory().createDeviceList());
+    ASSERT_NE(nullptr, list);
+    EXPECT_EQ(0, list->size());
+}
+
+TEST_F(CameraFactoryOnMachine, ListsOrdinaryCamerasAndTheVendors)
+{
+    machine.add(0, machine.plug(aUsbDevice("1-1").withIds("046d", "0825")));
+    machine.add(1, machine.plug(vendorUsbDevice("1-2").withFirmware("TJ8-1.2.9")));
+    std::unique_ptr<IDeviceList> const list(factory().createDeviceList());
+    ASSERT_EQ(2, list->size());
+    EXPECT_FALSE(list->at(0)->isaZorvaneDevice());
+    EXPECT_TRUE(list->at(1)->isaZorvaneDevice());
+    EXPECT_STREQ("TJ8-1.2.9", list->at(1)->firmwareVersion());
+}
+
+TEST_F(CameraFactoryOnMachine, LetsExceptionsOfTheEnumerationThrough)
+{
+    auto const& camera = machine.addWithoutUsb(0);
+    EXPECT_THROW(factory().createDevice("video0"), std::invalid_argument);
+    EXPECT_THROW(factory().createDeviceList(), std::invalid_argument);
+    EXPECT_EQ(0, camera.accounting().openDescriptors);
+}
+
+TEST_F(CameraFactoryOnMachine, OpensACameraThatOutlivesItsList)
+{
+    machine.add(0, machine.plug(aUsbDevice().withSerial("S1")));
+    std::unique_ptr<IDeviceList> list(factory().createDeviceList());
+    ASSERT_EQ(1, list->size());
+    std::unique_ptr<IBlockingCamera> const camera(factory().createBlockingCamera(list->at(0)));
+    list.reset();
+    ASSERT_NE(nullptr, camera);
+    EXPECT_STREQ("S1", camera->device()->serial());
+}
+
+TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForOldOrUnknownFirmware)
+{
+    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.9"));
+    machine.add(0, usb);
+    char const* const texts[] = {"TJ8-1.2.9", "", "TJ8-", "1.3.0", nullptr};
+    for (char const* const firmware : texts) {
+        auto const camera = open(vendorRecord(firmware));
+        ASSERT_NE(nullptr, camera);
+        EXPECT_TRUE(isGeneric(camera.get()));
+    }
+    EXPECT_EQ(0, usb.resetRequests());
+}
+
+TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForAnyOtherDevice)
+{
+    machine.add(0, machine.plug(aUsbDevice()));
+    DeviceStub device;
+    device.firmware = "TJ8-9.9.9";
+    EXPECT_TRUE(isGeneric(open(device).get()));
+}
+
+// No serial port belongs to these cameras: whoever tries to reach one fails, and is reset.
+TEST_F(CameraFactoryOnMachine, TriesTheSerialLinkOfNewerFirmwareAndResetsTheCameraWithoutOne)
+{
+    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.3.0"));
+    auto const& camera = machine.add(0, usb);
+    int resets = 0;
+    for (char const* const firmware :
+         {"TJ8-1.3.0", "TJ8-0.13.0", "TJ8-2.0.0", "TJ8-99999999999999999999.0.0"}) {
+        EXPECT_EQ(nullptr, open(vendorRecord(firmware))) << firmware;
+        EXPECT_EQ(++resets, usb.resetRequests()) << firmware;
+        EXPECT_EQ(0, camera.accounting().openDescriptors);
+    }
+}
+
+} // namespace

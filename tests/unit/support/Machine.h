@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Testbed.h"
+#include "VirtualCamera.h"
+
+#include <list>
+#include <string>
+
+/// A made-up machine whose video nodes are virtual cameras.
+class Machine
+{
+public:
+    VirtualCamera::UsbDevice plug(VirtualCamera::UsbDeviceScript const& script)
+    {
+        return testbed.plug(script);
+    }
+
+    /// Adds the node of a camera below a USB device.
+    VirtualCamera::InstalledCamera& add(int number, VirtualCamera::UsbDevice const& parent)
+    {
+        return add(number, parent, VirtualCamera::aCamera(nodeOf(number)));
+    }
+    VirtualCamera::InstalledCamera& add(int number, VirtualCamera::UsbDevice const& parent,
+                                        VirtualCamera::CameraBuilder const& builder)
+    {
+        testbed.addVideoNode("video" + std::to_string(number), parent);
+        return _cameras.emplace_back(builder.install());
+    }
+    /// Adds the node of a camera that is no USB device.
+    VirtualCamera::InstalledCamera& addWithoutUsb(int number)
+    {
+        testbed.addVideoNode("video" + std::to_string(number));
+        return _cameras.emplace_back(VirtualCamera::aCamera(nodeOf(number)).install());
+    }
+
+    static std::string nodeOf(int number) { return "/dev/video" + std::to_string(number); }
+
+    VirtualCamera::Testbed testbed;
+
+private:
+    std::list<VirtualCamera::InstalledCamera> _cameras;
+};
+
+/// One of the vendor's cameras.
+inline VirtualCamera::UsbDeviceScript vendorUsbDevice(std::string const& port = "1-1")
+{
+    return VirtualCamera::aUsbDevice(port).withIds(IMAGEACQUISITION_VENDOR_ID,
+                                                   IMAGEACQUISITION_PRODUCT_ID);
+}

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DescriptorCount.h"
+#include "IBlockingCameraMonitor.h"
+#include "Testbed.h"
+#include "UdevHook.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+/// The descriptors of the kinds that a monitor uses. The made-up machine opens others whenever its
+/// own threads get to it.
+inline int pipesAndSockets()
+{
+    int count = 0;
+    for (std::string const& target : descriptorTargets()) {
+        count += target.rfind("pipe:", 0) == 0 || target.rfind("socket:", 0) == 0 ? 1 : 0;
+    }
+    return count;
+}
+
+/// A made-up machine whose devices come and go, for tests of monitors.
+class MonitoredMachine : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        // Without the preloaded library the events would be the real machine's.
+        ASSERT_TRUE(VirtualCamera::Testbed::visible());
+        // The first event makes the made-up machine open the socket that it keeps.
+        machine.addOtherDevice("input", "event99");
+        _descriptors = pipesAndSockets();
+    }
+    void TearDown() override
+    {
+        EXPECT_EQ(0, UdevHook::monitors()) << "a monitor was left";
+        EXPECT_EQ(0, UdevHook::devices()) << "a device was left";
+        EXPECT_EQ(_descriptors, pipesAndSockets()) << "a descriptor was left";
+    }
+
+    VirtualCamera::Testbed machine;
+    UdevHook hook;
+
+private:
+    int _descriptors = 0;
+};
+
+/// Asks until an event comes; false when none does within 5 seconds. An event of another subsystem
+/// may wake the monitor for nothing, because the made-up machine does not filter by itself.
+inline bool nextEvent(ImageAcquisition::IBlockingCameraMonitor const& monitor,
+                      ImageAcquisition::ICameraEvent& event)
+{
+    auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (!monitor.getEvent(&event)) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+    }
+    return true;
+}

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+/// State letter and parent of a process, as /proc tells them; '\0' when there is no such process.
+struct ProcessState
+{
+    explicit ProcessState(std::string const& process)
+    {
+        std::ifstream file("/proc/" + process + "/stat");
+        std::string const line((std::istreambuf_iterator<char>(file)), {});
+        std::size_t const behindName = line.rfind(')');
+        if (behindName != std::string::npos) {
+            std::istringstream(line.substr(behindName + 1)) >> letter >> parent;
+        }
+    }
+
+    /// A zombie counts as gone: it only waits for its parent to take note.
+    bool running() const { return letter != '\0' && letter != 'Z' && letter != 'X'; }
+
+    char letter = '\0';
+    int parent = -1;
+};
+
+/// How many children this process has, those that ended but were not waited for included.
+inline int childrenOfThisProcess()
+{
+    int count = 0;
+    for (auto const& entry : std::filesystem::directory_iterator("/proc")) {
+        std::string const name = entry.path().filename().string();
+        if (name.find_first_not_of("0123456789") == std::string::npos &&
+            ProcessState(name).parent == getpid()) {
+            ++count;
+        }
+    }
+    return count;
+}
+
+/// Waits until none of the processes, given as numbers with spaces between, runs any more; false
+/// when one still runs after 5 s.
+inline bool allEnd(std::string const& processes)
+{
+    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    std::istringstream stream(processes);
+    for (std::string process; stream >> process;) {
+        while (ProcessState(process).running()) {
+            if (std::chrono::steady_clock::now() > deadline) {
+                return false;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+    }
+    return true;
+}

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+/// While it lives, the process has a working directory and a PATH of its own, both empty at first,
+/// for the tools that the library runs.
+class ToolFolder
+{
+public:
+    ToolFolder() : _earlierFolder(std::filesystem::current_path())
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "tools-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr) {
+            throw std::runtime_error("cannot make " + pattern);
+        }
+        _root = pattern;
+        std::filesystem::create_directory(_root / "bin");
+        std::filesystem::create_directory(_root / "work");
+        std::filesystem::current_path(_root / "work");
+        char const* const path = std::getenv("PATH");
+        _earlierPath = path == nullptr ? "" : path;
+        setenv("PATH", (_root / "bin").c_str(), 1);
+        // What the test itself runs on is not for the tools.
+        unsetenv("LD_PRELOAD");
+    }
+    ToolFolder(ToolFolder const&) = delete;
+    ToolFolder& operator=(ToolFolder const&) = delete;
+    ~ToolFolder()
+    {
+        setenv("PATH", _earlierPath.c_str(), 1);
+        std::filesystem::current_path(_earlierFolder);
+        std::error_code ignored;
+        std::filesystem::remove_all(_root, ignored);
+    }
+
+    /// Puts a shell script on the PATH; it finds the working directory in $WORK.
+    void onPath(std::string const& name, std::string const& script)
+    {
+        writeScript(_root / "bin" / name, script);
+    }
+    void inWorkingDirectory(std::string const& name, std::string const& script)
+    {
+        writeScript(_root / "work" / name, script);
+    }
+
+    /// A file of the working directory: what it holds, and what it is to hold.
+    std::string read(std::string const& name) const
+    {
+        std::ifstream file(_root / "work" / name);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    void write(std::string const& name, std::string const& content) const
+    {
+        std::ofstream(_root / "work" / name) << content;
+    }
+    bool exists(std::string const& name) const
+    {
+        return std::filesystem::exists(_root / "work" / name);
+    }
+
+private:
+    void writeScript(std::filesystem::path const& file, std::string const& script) const
+    {
+        std::ofstream(file) << "#!/bin/sh\nPATH=/usr/bin:/bin\nWORK='" << (_root / "work").string()
+                            << "'\n"
+                            << script << '\n';
+        chmod(file.c_str(), 0755);
+    }
+
+    std::filesystem::path _earlierFolder;
+    std::filesystem::path _root;
+    std::string _earlierPath;
+};
