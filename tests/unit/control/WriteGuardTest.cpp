@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 #include <linux/videodev2.h>
 
-#include <functional>
+#include <ostream>
 
 using namespace ImageAcquisition;
 using namespace VirtualCamera;
@@ -29,6 +29,12 @@ struct Kind
     ControlScript script;
     bool (*set)(ICameraControl&);
 };
+
+// For the names under which the tests are listed.
+void PrintTo(Kind const& kind, std::ostream* output)
+{
+    *output << kind.name;
+}
 
 template <typename T>
 bool setNumber(ICameraControl& control)

@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: MIT
+#include "monitor/BlockingCameraMonitor.h"
+#include "MonitoredMachine.h"
+#include "Stopwatch.h"
+#include "ThreadState.h"
+#include "monitor/CameraEvent.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <csignal>
+#include <optional>
+
+using namespace ImageAcquisition;
+
+namespace
+{
+
+class BlockingCameraMonitorTest : public MonitoredMachine
+{
+protected:
+    void TearDown() override
+    {
+        monitor.stopMonitoring();
+        MonitoredMachine::TearDown();
+    }
+
+    void expectEvent(int type, std::string const& node)
+    {
+        ASSERT_TRUE(nextEvent(monitor, event));
+        EXPECT_EQ(type, event.type());
+        EXPECT_EQ(node, event.deviceSystemName());
+        EXPECT_STREQ("video4linux", event.subSystemName());
+    }
+
+    BlockingCameraMonitor monitor;
+    CameraEvent event;
+};
+
+/// What a client might hand over by mistake.
+struct ForeignEvent : public virtual ICameraEvent
+{
+    int type() const override { return 7; }
+    char const* deviceSystemName() const override { return ""; }
+    char const* subSystemName() const override { return ""; }
+};
+
+void ignoreSignal(int) {}
+
+} // namespace
+
+TEST_F(BlockingCameraMonitorTest, ReportsADeviceThatComesAndGoes)
+{
+    ASSERT_TRUE(monitor.startMonitoring());
+    machine.addVideoNode("video0");
+    expectEvent(1, "/dev/video0");
+    machine.removeVideoNode("video0");
+    expectEvent(2, "/dev/video0");
+}
+
+TEST_F(BlockingCameraMonitorTest, ReportsADeviceThatChangesAndMoves)
+{
+    machine.addVideoNode("video3");
+    ASSERT_TRUE(monitor.startMonitoring());
+    machine.sendEvent("video3", "change");
+    expectEvent(3, "/dev/video3");
+    machine.sendEvent("video3", "move");
+    expectEvent(4, "/dev/video3");
+}
+
+TEST_F(BlockingCameraMonitorTest, ReportsActionsThatItHasNoNumberForAsZero)
+{
+    machine.addVideoNode("video0");
+    ASSERT_TRUE(monitor.startMonitoring());
+    for (char const* const action : {"bind", "unbind", "online", "offline"}) {
+        event.setType("move");
+        machine.sendEvent("video0", action);
+        expectEvent(0, "/dev/video0");
+    }
+    for (std::optional<std::string> const& action :
+         {std::optional<std::string>("Add"), std::optional<std::string>("repaint"),
+          std::optional<std::string>()}) {
+        hook.answer(UdevHook::Text::Action, action);
+        event.setType("move");
+        machine.sendEvent("video0", "change");
+        expectEvent(0, "/dev/video0");
+    }
+}
+
+TEST_F(BlockingCameraMonitorTest, ListensToUdevForVideoDevicesOfAnyType)
+{
+    ASSERT_TRUE(monitor.startMonitoring());
+    std::vector<std::string> const wanted = {"udev", "video4linux", "any"};
+    EXPECT_EQ(wanted, UdevHook::monitorArguments());
+}
+
+TEST_F(BlockingCameraMonitorTest, OtherSubsystemsAreFilteredOut)
+{
+    ASSERT_TRUE(monitor.startMonitoring());
+    machine.addOtherDevice("input", "event7", "/dev/input/event7");
+    machine.addOtherDevice("usb", "9-1");
+    machine.addVideoNode("video0");
+    machine.addOtherDevice("media", "media0", "/dev/media0");
+    machine.addVideoNode("video1");
+    expectEvent(1, "/dev/video0");
+    expectEvent(1, "/dev/video1");
+}
+
+TEST_F(BlockingCameraMonitorTest, KeepsWhatUdevDoesNotTell)
+{
+    ASSERT_TRUE(monitor.startMonitoring());
+    hook.answer(UdevHook::Text::DeviceType, "camera");
+    machine.addVideoNode("video0");
+    expectEvent(1, "/dev/video0");
+    EXPECT_STREQ("camera", event.deviceType());
+
+    hook.answer(UdevHook::Text::DeviceType, std::nullopt);
+    machine.addOtherDevice("video4linux", "v4l-without-node");
+    expectEvent(1, "/dev/video0");
+    EXPECT_STREQ("camera", event.deviceType());
+
+    hook.answer(UdevHook::Text::Subsystem, std::nullopt);
+    machine.addVideoNode("video1");
+    expectEvent(1, "/dev/video1");
+
+    hook.answer(UdevHook::Text::Subsystem, "other");
+    machine.addVideoNode("video2");
+    ASSERT_TRUE(nextEvent(monitor, event));
+    EXPECT_STREQ("other", event.subSystemName());
+}
+
+TEST_F(BlockingCameraMonitorTest, NoEventOfABurstIsLost)
+{
+    ASSERT_TRUE(monitor.startMonitoring());
+    // The made-up machine's socket holds ten events.
+    for (int round = 0; round < 8; ++round) {
+        std::string const prefix = "video" + std::to_string(round);
+        for (int number = 0; number < 8; ++number) {
+            machine.addVideoNode(prefix + std::to_string(number));
+        }
+        for (int number = 0; number < 8; ++number) {
+            expectEvent(1, "/dev/" + prefix + std::to_string(number));
+        }
+    }
+}
+
+TEST_F(BlockingCameraMonitorTest, EventEndsAWaitThatHasBegun)
+{
+    ASSERT_TRUE(monitor.startMonitoring());
+    bool filled = false;
+    WatchedThread waiter([&] { filled = monitor.getEvent(&event); });
+    ASSERT_TRUE(waiter.awaitSelect());
+    machine.addVideoNode("video0");
+    waiter.join();
+    EXPECT_TRUE(filled);
+    EXPECT_EQ(1, event.type());
+    EXPECT_STREQ("/dev/video0", event.deviceSystemName());
+}
+
+TEST_F(BlockingCameraMonitorTest, StopFromASecondThreadEndsTheWait)
+{
+    ASSERT_TRUE(monitor.startMonitoring());
+    bool filled = true;
+    WatchedThread waiter([&] { filled = monitor.getEvent(&event); });
+    ASSERT_TRUE(waiter.awaitSelect());
+    EXPECT_TRUE(monitor.stopMonitoring());
+    waiter.join();
+    EXPECT_FALSE(filled);
+    EXPECT_EQ(0, event.type());
+    EXPECT_STREQ("", event.deviceSystemName());
+}
+
+TEST_F(BlockingCameraMonitorTest, SignalEndsTheWait)
+{
+    struct sigaction handling = {};
+    handling.sa_handler = ignoreSignal;
+    struct sigaction earlier = {};
+    sigaction(SIGUSR1, &handling, &earlier);
+    ASSERT_TRUE(monitor.startMonitoring());
+    std::atomic<bool> ended{false};
+    std::atomic<bool> filled{true};
+    std::atomic<pthread_t> thread{};
+    WatchedThread waiter([&] {
+        thread = pthread_self();
+        filled = monitor.getEvent(&event);
+        ended = true;
+        // Stays, so that a late signal finds a thread.
+        while (ended) {
+            std::this_thread::yield();
+        }
+    });
+    ASSERT_TRUE(waiter.awaitSelect());
+    while (!ended) {
+        pthread_kill(thread, SIGUSR1);
+        std::this_thread::yield();
+    }
+    EXPECT_FALSE(filled);
+    ended = false;
+    waiter.join();
+    sigaction(SIGUSR1, &earlier, nullptr);
+}
+
+TEST_F(BlockingCameraMonitorTest, WithoutEventOfItsOwnItAnswersFalseAtOnce)
+{
+    ASSERT_TRUE(monitor.startMonitoring());
+    ForeignEvent foreign;
+    EXPECT_FALSE(monitor.getEvent(nullptr));
+    EXPECT_FALSE(monitor.getEvent(&foreign));
+    // Nor do they take an event away from the next one who asks.
+    machine.addVideoNode("video0");
+    EXPECT_FALSE(monitor.getEvent(nullptr));
+    EXPECT_FALSE(monitor.getEvent(&foreign));
+    expectEvent(1, "/dev/video0");
+}
+
+TEST_F(BlockingCameraMonitorTest, IdleMonitorAnswersFalseAtOnce)
+{
+    EXPECT_FALSE(monitor.getEvent(&event));
+    ASSERT_TRUE(monitor.startMonitoring());
+    machine.addVideoNode("video0");
+    monitor.stopMonitoring();
+    EXPECT_FALSE(monitor.getEvent(&event));
+    EXPECT_EQ(0, event.type());
+}
+
+TEST_F(BlockingCameraMonitorTest, StopIsTrueAlsoWithoutStartAndTwice)
+{
+    Stopwatch const watch;
+    EXPECT_TRUE(monitor.stopMonitoring());
+    EXPECT_GE(watch.seconds(), 0.05);
+    ASSERT_TRUE(monitor.startMonitoring());
+    EXPECT_TRUE(monitor.stopMonitoring());
+    EXPECT_TRUE(monitor.stopMonitoring());
+}
+
+TEST_F(BlockingCameraMonitorTest, StartsAnewAfterAStop)
+{
+    for (int round = 0; round < 3; ++round) {
+        ASSERT_TRUE(monitor.startMonitoring());
+        machine.addVideoNode("video0");
+        expectEvent(1, "/dev/video0");
+        machine.removeVideoNode("video0"); // Missed by the next round's monitor.
+        EXPECT_TRUE(monitor.stopMonitoring());
+        EXPECT_EQ(0, UdevHook::monitors());
+    }
+}
+
+TEST_F(BlockingCameraMonitorTest, StartWhileRunningReleasesWhatTheEarlierOneLeft)
+{
+    ASSERT_TRUE(monitor.startMonitoring());
+    int const descriptors = pipesAndSockets();
+    machine.addVideoNode("video0"); // For the first monitor, which nobody asks any more.
+    ASSERT_TRUE(monitor.startMonitoring());
+    EXPECT_EQ(1, UdevHook::monitors());
+    EXPECT_EQ(descriptors, pipesAndSockets());
+    machine.addVideoNode("video1");
+    expectEvent(1, "/dev/video1");
+}
+
+TEST_F(BlockingCameraMonitorTest, StartWhileAThreadWaitsEndsThatWait)
+{
+    ASSERT_TRUE(monitor.startMonitoring());
+    bool filled = true;
+    WatchedThread waiter([&] { filled = monitor.getEvent(&event); });
+    ASSERT_TRUE(waiter.awaitSelect());
+    EXPECT_TRUE(monitor.startMonitoring());
+    waiter.join();
+    EXPECT_FALSE(filled);
+    machine.addVideoNode("video1");
+    expectEvent(1, "/dev/video1");
+}
+
+TEST_F(BlockingCameraMonitorTest, ContextLivesAsLongAsTheMonitor)
+{
+    int const contexts = UdevHook::contexts();
+    {
+        BlockingCameraMonitor second;
+        EXPECT_EQ(contexts + 1, UdevHook::contexts());
+        EXPECT_TRUE(second.startMonitoring());
+        EXPECT_TRUE(second.stopMonitoring());
+        EXPECT_EQ(contexts + 1, UdevHook::contexts());
+    }
+    EXPECT_EQ(contexts, UdevHook::contexts());
+}
+
+TEST_F(BlockingCameraMonitorTest, ManyRoundsLeaveNoDescriptor)
+{
+    int const descriptors = pipesAndSockets();
+    for (int round = 0; round < 200; ++round) {
+        ASSERT_TRUE(monitor.startMonitoring()) << round;
+        ASSERT_TRUE(monitor.stopMonitoring()) << round;
+    }
+    EXPECT_EQ(descriptors, pipesAndSockets());
+    EXPECT_EQ(0, UdevHook::monitors());
+}
