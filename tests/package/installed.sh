@@ -99,6 +99,14 @@ example_watches() {
     wait "$program" || fail "it ended with $?"
 }
 
+# Installed programs find the installed libraries by themselves.
+installed_tools_run() {
+    env -u LD_LIBRARY_PATH "$prefix/bin/with-virtual-camera" "$prefix/bin/iacq" \
+        capture 0 -o "$work/frame.png"
+    [ "$(head -c 8 "$work/frame.png" | od -An -tx1 | tr -d ' \n')" = 89504e470d0a1a0a ] ||
+        fail "no picture"
+}
+
 # A client that asks for another major version, or for a newer minor one, is not served.
 refuses_other_versions() {
     local wanted major=${version%%.*}

@@ -1,0 +1,103 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Holds the man pages and the completion against the programs. One case a call:
+#   documents.sh CASE SOURCE_DIR BUILD_DIR
+set -euo pipefail
+
+case_name=$1 source=$2 build=$3
+iacq="$build/tools/iacq/iacq"
+with="$build/virtualcamera/with-virtual-camera"
+problems=0
+
+complain() { echo "FAILED: $*" >&2; problems=$((problems + 1)); }
+
+# The page as a person reads it.
+page() { mandoc -Tutf8 "$source/docs/man/$1" | col -bx | sed 's/‐/-/g'; }
+
+commands() { "$iacq" --help | sed -n '/^Subcommands:/,$ s/^  \([a-z]*\) .*/\1/p'; }
+
+# options PROGRAM [COMMAND]: all its long options.
+options() { "$@" --help | grep -oE '^ +(-[a-z],)?--[a-z-]+' | grep -oE -- '--[a-z-]+'; }
+
+pages_have_no_mistakes() {
+    local file
+    for file in "$source"/docs/man/*.[1-8]; do
+        mandoc -Tlint -Wwarning "$file" || complain "mandoc finds fault with $file"
+        [ -z "$(man --warnings=w -l "$file" 2>&1 >/dev/null)" ] || complain "man finds fault with $file"
+    done
+}
+
+page_names_every_option() {
+    local command option text
+    text=$(page iacq.1)
+    [ "$(commands | wc -l)" -ge 7 ] || complain "iacq --help lists: $(commands)"
+    for command in $(commands); do
+        grep -qE "^ +(iacq )?$command( |$)" <<<"$text" || complain "iacq.1 lacks the command $command"
+        for option in $(options "$iacq" "$command"); do
+            grep -qF -- "$option" <<<"$text" || complain "iacq.1 lacks $command $option"
+        done
+    done
+    text=$(page with-virtual-camera.1)
+    for option in $(options "$with"); do
+        grep -qF -- "$option" <<<"$text" || complain "with-virtual-camera.1 lacks $option"
+    done
+}
+
+keys() { python3 -c '
+import json, sys
+def walk(value):
+    for key in value if isinstance(value, dict) else ():
+        print(key)
+    for inner in value.values() if isinstance(value, dict) else value if isinstance(value, list) else ():
+        walk(inner)
+for line in [sys.stdin.read()] if sys.argv[1] == "whole" else sys.stdin:
+    walk(json.loads(line))' "$1" | sort -u; }
+
+page_names_every_json_field() {
+    local key text found
+    text=$(page iacq.1)
+    found=$("$with" --model all-controls "$iacq" show 0 --json | keys whole
+            "$with" --model vendor "$iacq" list --json | keys whole
+            "$with" --unplug-after 1500 "$iacq" monitor --json --count 1 --timeout 20 | keys lines)
+    for key in minimumLength items intervals firmware action; do
+        grep -qx "$key" <<<"$found" || complain "the output has no $key: the check sees too little"
+    done
+    for key in $found; do
+        grep -qw -- "$key" <<<"$text" || complain "iacq.1 lacks the JSON field $key"
+    done
+}
+
+page_names_every_exit_status() {
+    local number text
+    text=$(page iacq.1 | sed -n '/^EXIT STATUS/,/^EXAMPLES/p')
+    for number in $(sed -n '/enum ExitStatus/,/};/ s/.*= \([0-9]*\).*/\1/p' "$source/tools/iacq/Failure.h"); do
+        grep -qE "^ +$number +[A-Z]" <<<"$text" || complain "iacq.1 lacks the exit status $number"
+    done
+}
+
+# complete_words WORD...: what the completion offers for the last word.
+complete_words() {
+    COMP_WORDS=(iacq "$@")
+    COMP_CWORD=$#
+    _iacq
+    printf '%s\n' "${COMPREPLY[@]}"
+}
+
+completion_offers_what_the_tool_has() {
+    local command option
+    # shellcheck source=tools/completion/iacq.bash
+    . "$source/tools/completion/iacq.bash"
+    complete -p iacq | grep -q _iacq || complain "nothing is registered for iacq"
+    diff <(complete_words '' | grep -v '^-' | sort) <(commands | sort) || complain "other commands"
+    for command in $(commands); do
+        diff <(complete_words "$command" -- | sort) <(options "$iacq" "$command" | sort) ||
+            complain "other options of $command"
+    done
+    [ "$(complete_words cap)" = capture ] || complain "cap does not become capture"
+    [ "$(complete_words capture --output-format p | tr '\n' ' ')" = "png ppm " ] ||
+        complain "the kinds of output"
+}
+
+[ "$(type -t "$case_name")" = function ] || { echo "no such case: $case_name" >&2; exit 2; }
+"$case_name"
+[ "$problems" -eq 0 ]
