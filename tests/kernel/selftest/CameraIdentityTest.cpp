@@ -64,7 +64,8 @@ TEST(CameraIdentity, EveryLinkSpeedIsTakenByTheKernel)
 TEST(CameraIdentity, TheExtensionUnitHasTheVendorsGuidAndSelectors)
 {
     const EmulatedCameras cameras({"vendor-old"});
-    const CommandResult listed = runShell("lsusb -v -d 7a76:ca01");
+    const CommandResult listed = runShell("lsusb -v -d " + attribute(cameras, "idVendor") + ":" +
+                                          attribute(cameras, "idProduct"));
     EXPECT_TRUE(shows(listed, "{00000001-0000-0000-0000-000000000000}")) << listed.output;
     EXPECT_TRUE(shows(listed, "bNumControls           21"));
     EXPECT_EQ(cameras.serialNode(), "");
@@ -81,7 +82,7 @@ TEST(CameraIdentity, TheSerialPortIsAnnouncedForInterfaceFive)
 TEST(CameraIdentity, TheFirmwareTextIsAnsweredToAVendorRequest)
 {
     const EmulatedCameras cameras({"vendor-old,firmware=TJ8-1.2.3"});
-    const UsbAnswer answer = requestVendor(0x7a76, 0xca01, 0xb0, 32);
+    const UsbAnswer answer = requestVendor(USBCAMERA_VENDOR_ID, USBCAMERA_PRODUCT_ID, 0xb0, 32);
     EXPECT_EQ(answer.result, 10);
     EXPECT_STREQ(answer.text.c_str(), "TJ8-1.2.3");
 }
@@ -89,10 +90,10 @@ TEST(CameraIdentity, TheFirmwareTextIsAnsweredToAVendorRequest)
 TEST(CameraIdentity, AFirmwareReplyCanBeAnyBytes)
 {
     const EmulatedCameras cameras({"vendor-old,firmware-bytes=544a38"});
-    EXPECT_EQ(requestVendor(0x7a76, 0xca01, 0xb0, 32).text, "TJ8");
+    EXPECT_EQ(requestVendor(USBCAMERA_VENDOR_ID, USBCAMERA_PRODUCT_ID, 0xb0, 32).text, "TJ8");
     cameras.command("stall vendor");
-    EXPECT_LT(requestVendor(0x7a76, 0xca01, 0xb0, 32).result, 0);
-    EXPECT_EQ(requestVendor(0x7a76, 0xca01, 0xb0, 32).result, 3);
+    EXPECT_LT(requestVendor(USBCAMERA_VENDOR_ID, USBCAMERA_PRODUCT_ID, 0xb0, 32).result, 0);
+    EXPECT_EQ(requestVendor(USBCAMERA_VENDOR_ID, USBCAMERA_PRODUCT_ID, 0xb0, 32).result, 3);
 }
 
 TEST(CameraIdentity, AnOrdinaryCameraRefusesVendorRequests)
@@ -119,10 +120,10 @@ TEST(CameraIdentity, AResetRequestMakesTheCameraLeaveAndComeBack)
 {
     const EmulatedCameras cameras({"vendor-new,reset-delay=100"});
     cameras.command("set 3 2 0700");
-    const UsbAnswer answer = requestVendor(0x7a76, 0xca01, 0xe0, 16);
+    const UsbAnswer answer = requestVendor(USBCAMERA_VENDOR_ID, USBCAMERA_PRODUCT_ID, 0xe0, 16);
     EXPECT_GE(answer.result, 0);
     EXPECT_TRUE(waitFor([&] { return cameras.status()["plugs"] == 2; }));
     EXPECT_TRUE(cameras.waitUntilReady());
     EXPECT_EQ(cameras.command("get 3 2"), "f401");
-    EXPECT_EQ(requestVendor(0x7a76, 0xca01, 0xb0, 32).result, 10);
+    EXPECT_EQ(requestVendor(USBCAMERA_VENDOR_ID, USBCAMERA_PRODUCT_ID, 0xb0, 32).result, 10);
 }

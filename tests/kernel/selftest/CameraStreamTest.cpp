@@ -48,8 +48,8 @@ TEST(CameraStream, EveryFormatSizeAndIntervalIsListed)
 TEST(CameraStream, ThreeHundredFramesArriveWithEveryByteAndNoneLost)
 {
     const EmulatedCameras cameras({"ordinary"});
-    RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 640, 480);
     FramePainter painter(640, 480);
+    RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 640, 480);
     const auto begin = std::chrono::steady_clock::now();
     for (std::uint32_t number = 0; number < 300; ++number) {
         const RawCapture::Frame frame = capture.next();
@@ -67,8 +67,8 @@ TEST(CameraStream, EverySizeArrivesWhole)
     const EmulatedCameras cameras({"ordinary"});
     for (const auto& [width, height, rate] :
          {std::tuple{160U, 120U, 60U}, std::tuple{320U, 240U, 30U}, std::tuple{1280U, 960U, 10U}}) {
-        RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, width, height, rate);
         FramePainter painter(width, height);
+        RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, width, height, rate);
         for (std::uint32_t number = 0; number < 5; ++number) {
             EXPECT_TRUE(capture.next().bytes == painter.paint(number)) << width << "x" << height;
         }
@@ -78,8 +78,8 @@ TEST(CameraStream, EverySizeArrivesWhole)
 TEST(CameraStream, JpegImagesCountTheirFrames)
 {
     const EmulatedCameras cameras({"ordinary"});
-    RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_MJPEG, 640, 480);
     JpegFrames images(640, 480);
+    RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_MJPEG, 640, 480);
     for (std::uint32_t number = 0; number < 20; ++number) {
         const RawCapture::Frame frame = capture.next();
         ASSERT_EQ(frame.error, 0);
@@ -116,8 +116,8 @@ TEST(CameraStream, FullAndSuperSpeedCamerasStreamToo)
 {
     for (const char* speed : {"full", "super"}) {
         const EmulatedCameras cameras({std::string("ordinary,speed=") + speed});
-        RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 640, 480);
         FramePainter painter(640, 480);
+        RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 640, 480);
         for (std::uint32_t number = 0; number < 30; ++number) {
             const RawCapture::Frame frame = capture.next();
             ASSERT_TRUE(frame.bytes == painter.paint(number)) << speed << " frame " << number;

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <sys/wait.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace KernelTest
@@ -57,6 +58,16 @@ std::string nodeBelow(const fs::path& folder, bool isVideo)
         }
     }
     return "";
+}
+
+bool answers(const std::string& socket)
+{
+    try {
+        UsbCamera::sendCommand(socket, "1 status");
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
 }
 
 [[noreturn]] void execute(const std::string& folder, const std::vector<std::string>& models,
@@ -111,18 +122,24 @@ void EmulatedCameras::start(const Texts& models, const Texts& commands)
     if (_process == 0) {
         execute(_folder, models, commands);
     }
-    const bool hasSocket = waitFor([this] {
-        return fs::exists(_folder + "/socket") || ::waitpid(_process, nullptr, WNOHANG) != 0;
+    const bool isListening = waitFor([this] {
+        if (_process > 0 && ::waitpid(_process, nullptr, WNOHANG) != 0) {
+            _process = -1;
+        }
+        return _process < 0 || answers(_folder + "/socket");
     });
-    if (!hasSocket || !fs::exists(_folder + "/socket")) {
+    if (!isListening || _process < 0) {
+        stop();
         throw std::runtime_error("usbcamera does not start");
     }
 }
 
 void EmulatedCameras::stop()
 {
-    ::kill(_process, SIGTERM);
-    ::waitpid(_process, nullptr, 0);
+    if (_process > 0) {
+        ::kill(_process, SIGTERM);
+        ::waitpid(_process, nullptr, 0);
+    }
     for (unsigned camera = 1; camera <= _first.size(); ++camera) {
         waitUntilGone(camera);
     }

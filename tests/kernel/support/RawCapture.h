@@ -21,9 +21,11 @@ public:
         std::vector<std::uint8_t> bytes;
     };
 
-    /// Opens the node, selects the format and starts to stream; throws std::system_error.
+    /// Opens the node, selects the format and starts to stream; throws std::system_error. The
+    /// driver drops frames while no buffer is free: with half a second's worth of them no frame is
+    /// lost to a busy machine.
     RawCapture(const std::string& node, std::uint32_t pixelFormat, unsigned width, unsigned height,
-               unsigned framesPerSecond = 30, unsigned bufferCount = 4);
+               unsigned framesPerSecond = 30, unsigned bufferCount = 16);
     ~RawCapture();
     RawCapture(const RawCapture&) = delete;
     RawCapture& operator=(const RawCapture&) = delete;

@@ -11,11 +11,12 @@ namespace UsbCamera
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// Appends the low `size` bytes of `value`, least significant first, as USB stores numbers.
+/// Appends the low `size` bytes of `value`, least significant first, as USB stores numbers; zeros
+/// where `size` exceeds the value's own.
 inline void appendLittle(Bytes& bytes, std::uint64_t value, std::size_t size)
 {
-    for (std::size_t i = 0; i < size; ++i) {
-        bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    for (std::size_t i = 0; i < size; ++i, value >>= 8U) {
+        bytes.push_back(static_cast<std::uint8_t>(value));
     }
 }
 
@@ -24,7 +25,7 @@ inline void append(Bytes& bytes, const Bytes& more)
     bytes.insert(bytes.end(), more.begin(), more.end());
 }
 
-/// The number in `size` bytes from `offset` on; bytes beyond the end count as 0.
+/// The number in `size` bytes, at most 8, from `offset` on; bytes beyond the end count as 0.
 inline std::uint64_t readLittle(const Bytes& bytes, std::size_t offset, std::size_t size)
 {
     std::uint64_t value = 0;
