@@ -85,7 +85,7 @@ std::string nodeName(std::string const& camera)
                                  ? path.substr(sizeof devDirectory - 1)
                                  : path;
     bool const isNode = name.compare(0, 5, "video") == 0 && parseCount(name.substr(5));
-    return isNode || isPath ? name : "";
+    return isNode ? name : "";
 }
 
 IDevice const* chooseDevice(IDeviceList const& list, std::string const& camera)
@@ -115,6 +115,10 @@ SelectedDevice selectDevice(std::string const& camera)
     std::string const node = nodeName(camera);
     if (!node.empty()) {
         return selectNode(node);
+    }
+    if (camera.find('/') != std::string::npos) {
+        // Other nodes are not even opened: that may act on them.
+        throw Failure(NoSuchCamera, camera + " is no video node");
     }
     DeviceListPtr list = listDevices();
     IDevice const* const device = camera.empty() ? nullptr : chooseDevice(*list, camera);

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+#include "ProgramRun.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+namespace
+{
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+Words const allControls = {"--model", "all-controls"};
+
+class AcceptedValue : public testing::TestWithParam<char const*>
+{
+};
+
+TEST_P(AcceptedValue, IsSet)
+{
+    ProgramRun const run = runIacq({"set", "0", GetParam()}, allControls);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.errors, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, AcceptedValue,
+                         testing::Values("integer=-100", "Integer=15", "integer=0x0a",
+                                         "boolean=off", "boolean=Yes", "button", "bitmask=0x3",
+                                         "menu=Third", "menu=third", "menu=2", "integer_menu=1",
+                                         "string=text", "unsigned_8_bits=255",
+                                         "unsigned_16_bits=65535", "unsigned_32_bits=4464",
+                                         "integer_64_bits=0", "write_only_integer=5",
+                                         "White Balance, Automatic=off"));
+
+struct Refused
+{
+    char const* assignment;
+    char const* reason;
+    int status;
+};
+
+void PrintTo(Refused const& refused, std::ostream* stream)
+{
+    *stream << refused.assignment;
+}
+
+class RefusedValue : public testing::TestWithParam<Refused>
+{
+};
+
+TEST_P(RefusedValue, SaysWhy)
+{
+    ProgramRun const run = runIacq({"set", "0", GetParam().assignment}, allControls);
+    EXPECT_EQ(run.status, GetParam().status);
+    EXPECT_THAT(run.errors, StartsWith("iacq: "));
+    EXPECT_THAT(run.errors, HasSubstr(GetParam().reason));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, RefusedValue,
+    testing::Values(Refused{"integer=101", "101 is outside -100..100", 1},
+                    Refused{"integer=many", "'many' is no number", 1},
+                    Refused{"integer=99999999999", "is outside -100..100", 1},
+                    Refused{"unsigned_8_bits=256", "256 is outside 0..255", 1},
+                    Refused{"read_only_integer=3", "read-only", 1},
+                    Refused{"disabled_integer=3", "disabled", 1},
+                    Refused{"inactive_integer=3", "inactive", 1},
+                    Refused{"grabbed_integer=3", "grabbed by another program", 1},
+                    Refused{"boolean=maybe", "neither on nor off", 1},
+                    Refused{"menu=Second", "no such item: 'Second'", 1},
+                    Refused{"menu=3", "no such item: '3'", 1},
+                    Refused{"integer_menu=9", "no such item", 1},
+                    Refused{"string=much too long for it", "its length 20 is outside 2..8", 1},
+                    Refused{"bitmask=-1", "no mask", 1}, Refused{"integer", "needs a value", 1},
+                    Refused{"button=1", "give its name alone", 1},
+                    Refused{"no_such=1", "the camera has no control 'no_such'", 2}));
+
+TEST(SetCommand, ChangesNothingWhenANameIsWrong)
+{
+    ProgramRun const run = runIacq({"set", "0", "button", "nonsense=1"}, allControls);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.errors, HasSubstr("no control 'nonsense'"));
+}
+
+TEST(GetCommand, PrintsValuesByNameAndByShortForm)
+{
+    ProgramRun const run = runIacq(
+        {"get", "0", "Integer", "menu", "string", "boolean", "integer_64_bits"}, allControls);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.output, "Integer: 0\nMenu: 1 (Third)\nString: text\nBoolean: on\n"
+                          "Integer 64 Bits: 8589934592\n");
+}
+
+TEST(GetCommand, DescribesControlsAsJson)
+{
+    ProgramRun const run = runIacq({"get", "0", "menu", "--json"}, allControls);
+    ASSERT_EQ(run.status, 0) << run.errors;
+    auto const controls = nlohmann::json::parse(run.output);
+    ASSERT_EQ(controls.size(), 1u);
+    EXPECT_EQ(controls[0].at("items"), nlohmann::json({"First", "Third", "Fourth"}));
+    EXPECT_EQ(controls[0].at("value").at("label"), "Third");
+    EXPECT_EQ(controls[0].at("value").at("position"), 1);
+}
+
+TEST(GetCommand, KnowsTheVendorsPrivateControls)
+{
+    ProgramRun const run = runIacq({"get", "1", "light_mode", "Focus Strategy"});
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_THAT(run.output, HasSubstr("Light Mode: 0 (Off)"));
+}
+
+TEST(GetCommand, RefusesAnUnknownName)
+{
+    ProgramRun const run = runIacq({"get", "0", "no_such"}, allControls);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.errors, "iacq: the camera has no control 'no_such'\n");
+}
+
+TEST(ResetCommand, WorksOnTheVendorsCamerasOnly)
+{
+    EXPECT_EQ(runIacq({"reset", "1"}).status, 0);
+    ProgramRun const run = runIacq({"reset", "0"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.errors, HasSubstr("no camera that can be reset"));
+}
+
+} // namespace

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "ProgramRun.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <set>
+
+namespace
+{
+
+using Json = nlohmann::json;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST(ListCommand, NamesAnOrdinaryCameraAndOneOfTheVendors)
+{
+    ProgramRun const run = runIacq({"list", "--json"});
+    ASSERT_EQ(run.status, 0) << run.errors;
+    Json const cameras = Json::parse(run.output);
+    ASSERT_EQ(cameras.size(), 2u);
+    EXPECT_EQ(cameras[0].at("node"), "/dev/video0");
+    EXPECT_EQ(cameras[0].at("vendorsOwn"), false);
+    EXPECT_EQ(cameras[1].at("node"), "/dev/video2");
+    EXPECT_EQ(cameras[1].at("vendorsOwn"), true);
+    EXPECT_EQ(cameras[1].at("firmware"), "TJ8-1.2.4");
+    EXPECT_EQ(cameras[1].at("usbSpeed"), "high");
+}
+
+TEST(ListCommand, SaysWhichNodeHasNoUsbDevice)
+{
+    ProgramRun const run = runIacq({"list"}, {"--model", "webcam", "--model", "platform"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.output, "");
+    EXPECT_THAT(run.errors, StartsWith("iacq: no list can be made: /dev/video"));
+}
+
+TEST(ShowCommand, StillFindsACameraByNodeBesideOneWithoutUsbDevice)
+{
+    ProgramRun const run =
+        runIacq({"show", "video0"}, {"--model", "webcam", "--model", "platform"});
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_THAT(run.output, HasSubstr("node: /dev/video0"));
+}
+
+TEST(ShowCommand, TakesAnIndexANodeAndASerialNumber)
+{
+    std::string const byIndex = runIacq({"show", "1", "--json"}).output;
+    Json const camera = Json::parse(byIndex);
+    EXPECT_EQ(runIacq({"show", "/dev/video2", "--json"}).status, 0);
+    Json const bySerial = Json::parse(runIacq({"show", camera.at("serial"), "--json"}).output);
+    EXPECT_EQ(bySerial.at("node"), camera.at("node"));
+}
+
+TEST(ShowCommand, ListsFormatsAndWhatIsSet)
+{
+    Json const camera = Json::parse(runIacq({"show", "0", "--json"}).output);
+    ASSERT_FALSE(camera.at("formats").empty());
+    EXPECT_EQ(camera.at("formats")[0].at("name"), "YUYV");
+    EXPECT_EQ(camera.at("formats")[0].at("sizes")[0].at("width"), 640);
+    EXPECT_EQ(camera.at("formats")[0].at("sizes")[0].at("intervals")[0].at("denominator"), 30);
+    EXPECT_EQ(camera.at("current").at("format"), "YUYV");
+    EXPECT_EQ(camera.at("current").at("size").at("height"), 480);
+}
+
+TEST(ShowCommand, ShowsAControlOfEveryType)
+{
+    Json const camera =
+        Json::parse(runIacq({"show", "0", "--json"}, {"--model", "all-controls"}).output);
+    std::set<std::string> types;
+    for (Json const& control : camera.at("controls")) {
+        types.insert(control.at("type"));
+        EXPECT_TRUE(control.contains("value")) << control;
+        EXPECT_TRUE(control.at("flags").is_array()) << control;
+    }
+    EXPECT_THAT(types,
+                testing::IsSupersetOf({"Int32", "Int64", "Boolean", "Button", "BitMask",
+                                       "StringMenu", "Int64Menu", "String", "UInt8", "UInt16"}));
+}
+
+struct Absent
+{
+    char const* camera;
+    int status;
+};
+
+void PrintTo(Absent const& absent, std::ostream* stream)
+{
+    *stream << '"' << absent.camera << '"';
+}
+
+class AbsentCamera : public testing::TestWithParam<Absent>
+{
+};
+
+TEST_P(AbsentCamera, GetsOneLineAndAnExitStatus)
+{
+    for (Words const& arguments :
+         {Words{"show", GetParam().camera}, Words{"get", GetParam().camera, "brightness"},
+          Words{"capture", GetParam().camera, "-o", "/tmp/never.png"}}) {
+        ProgramRun const run = runIacq(arguments);
+        EXPECT_EQ(run.status, GetParam().status) << run.errors;
+        EXPECT_EQ(run.output, "");
+        EXPECT_THAT(run.errors, StartsWith("iacq: "));
+        EXPECT_EQ(run.errors.find('\n'), run.errors.size() - 1) << run.errors;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, AbsentCamera,
+                         testing::Values(Absent{"7", 3}, Absent{"video9", 3},
+                                         Absent{"/dev/video1", 3}, Absent{"/dev/null", 3},
+                                         Absent{"no such serial", 3}, Absent{"", 3}));
+
+TEST(CommandLine, IsRefusedWithOneLineWhenItMakesNoSense)
+{
+    for (Words const& arguments :
+         {Words{}, Words{"bogus"}, Words{"show"}, Words{"capture", "0"},
+          Words{"capture", "0", "-o", "a.png", "--count", "0"}, Words{"monitor", "--count", "x"}}) {
+        ProgramRun const run = runProgram([&] {
+            Words command = {IACQ_PROGRAM};
+            command.insert(command.end(), arguments.begin(), arguments.end());
+            return command;
+        }());
+        EXPECT_EQ(run.status, 2);
+        EXPECT_THAT(run.errors, StartsWith("iacq: "));
+        EXPECT_EQ(run.errors.find('\n'), run.errors.size() - 1) << run.errors;
+    }
+}
+
+TEST(CommandLine, FailsWhenStandardOutputCannotBeWritten)
+{
+    ProgramRun const run = runProgram(
+        {"sh", "-c", std::string(WITH_VIRTUAL_CAMERA) + " " + IACQ_PROGRAM + " list >/dev/full"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.errors, HasSubstr("cannot write standard output"));
+}
+
+} // namespace

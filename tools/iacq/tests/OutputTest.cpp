@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "Output.h"
+
+#include "Failure.h"
+#include "ImageEncoding.h"
+
+#include <gmock/gmock.h>
+
+#include <dirent.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
+
+namespace
+{
+
+class WriteFile : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        char name[] = "/tmp/iacq-output-XXXXXX";
+        ASSERT_NE(mkdtemp(name), nullptr);
+        directory = name;
+    }
+    void TearDown() override
+    {
+        for (std::string const& name : names()) {
+            unlink((directory + "/" + name).c_str());
+        }
+        rmdir(directory.c_str());
+    }
+    std::vector<std::string> names() const
+    {
+        std::vector<std::string> result;
+        DIR* const opened = opendir(directory.c_str());
+        while (dirent const* const entry = readdir(opened)) {
+            if (entry->d_name[0] != '.') {
+                result.emplace_back(entry->d_name);
+            }
+        }
+        closedir(opened);
+        return result;
+    }
+    std::string contents(std::string const& name) const
+    {
+        std::ifstream file(directory + "/" + name, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+
+    std::string directory;
+};
+
+TEST_F(WriteFile, ReplacesWhatWasThere)
+{
+    Iacq::writeFile(directory + "/a.raw", {'o', 'l', 'd', '!'});
+    Iacq::writeFile(directory + "/a.raw", {'n', 'e', 'w'});
+    EXPECT_EQ(contents("a.raw"), "new");
+    EXPECT_EQ(names().size(), 1u);
+}
+
+TEST_F(WriteFile, LeavesNothingBehindWhenTheDirectoryIsAbsent)
+{
+    EXPECT_THROW(Iacq::writeFile(directory + "/absent/a.raw", {'x'}), Iacq::Failure);
+    EXPECT_TRUE(names().empty());
+}
+
+TEST_F(WriteFile, LeavesNothingBehindWhenTheTargetIsADirectory)
+{
+    EXPECT_THROW(Iacq::writeFile(directory, {'x'}), Iacq::Failure);
+    EXPECT_TRUE(names().empty());
+}
+
+TEST_F(WriteFile, WritesToADeviceWithoutReplacingIt)
+{
+    EXPECT_NO_THROW(Iacq::writeFile("/dev/null", {'x'}));
+    EXPECT_THROW(Iacq::writeFile("/dev/full", {'x'}), Iacq::Failure);
+}
+
+TEST(NumberedPath, PutsTheNumberWhereItBelongs)
+{
+    EXPECT_EQ(Iacq::numberedPath("a.png", 1, 1), "a.png");
+    EXPECT_EQ(Iacq::numberedPath("a.png", 3, 5), "a-0003.png");
+    EXPECT_EQ(Iacq::numberedPath("d.ir/a", 3, 5), "d.ir/a-0003");
+    EXPECT_EQ(Iacq::numberedPath("a-%d.png", 12, 20), "a-12.png");
+    EXPECT_EQ(Iacq::numberedPath("a-%04d.png", 1, 1), "a-0001.png");
+    EXPECT_EQ(Iacq::numberedPath("-", 2, 3), "-");
+}
+
+TEST(NumberedPath, RefusesWhatPrintfWouldStumbleOver)
+{
+    for (char const* const path : {"%s.png", "%d%d.png", "%99d.png", "100%.png", "%n"}) {
+        EXPECT_THROW(Iacq::numberedPath(path, 1, 2), Iacq::Failure) << path;
+    }
+}
+
+TEST(OutputFormat, IsNamedOrFollowsFromTheExtension)
+{
+    EXPECT_EQ(Iacq::outputFormatOf("", "a.PNG"), Iacq::OutputFormat::Png);
+    EXPECT_EQ(Iacq::outputFormatOf("", "x/a.ppm"), Iacq::OutputFormat::Ppm);
+    EXPECT_EQ(Iacq::outputFormatOf("raw", "a.png"), Iacq::OutputFormat::Raw);
+    EXPECT_THROW(Iacq::outputFormatOf("", "a.gif"), Iacq::Failure);
+    EXPECT_THROW(Iacq::outputFormatOf("", "dir.png/a"), Iacq::Failure);
+    EXPECT_THROW(Iacq::outputFormatOf("", "-"), Iacq::Failure);
+}
+
+} // namespace
