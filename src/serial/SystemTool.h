@@ -12,8 +12,8 @@ namespace ImageAcquisition
 class SystemTool
 {
 public:
-    /// What the tool wrote to its standard output; empty when it could not be started or did not
-    /// finish in time, in which case it and its children are killed.
+    /// What the tool wrote to its standard output; empty when it could not be started, did not
+    /// finish in time or printed without end, in which cases it and its children are killed.
     static QByteArray run(QString const& program, QStringList const& arguments);
 
     /// How long a tool may take. Tests shorten it.
