@@ -44,7 +44,9 @@ bool ZorvaneCamera::initCommunication()
     if (device()->systemName() != nullptr) {
         qInfo() << device()->systemName();
     }
-    QString const kernelLog = QString::fromLatin1(SystemTool::run("dmesg", {}));
+    QByteArray const output = SystemTool::run("dmesg", {});
+    // With its size: a zero byte must not hide the rest.
+    QString const kernelLog = QString::fromLatin1(output.constData(), output.size());
     TtyAnnouncement const announcement = findTty(kernelLog, device()->busInfo());
     if (announcement.bus.isEmpty() || announcement.port.isEmpty()) {
         qInfo() << "No match in dmesg";
