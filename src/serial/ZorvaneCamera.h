@@ -44,10 +44,6 @@ public:
     explicit ZorvaneCamera(IDevice const* device);
     ~ZorvaneCamera() override;
 
-    /// Opens the serial link and then initialises the camera, whatever became of the link, so that
-    /// video works without it. True when both succeeded.
-    bool init() override;
-
     /// Finds the camera's tty in the kernel log and opens it, unless somebody holds it. Whether the
     /// port is open.
     bool initCommunication();
@@ -93,6 +89,10 @@ public:
     ICameraControl* gammaControl() const override;
     ICameraControl* autoGammaControl() const override;
     ICameraControl* invalidControl() const override;
+
+    /// Opens the serial link and then initialises the camera, whatever became of the link, so that
+    /// video works without it. True when both succeeded.
+    bool init() override;
 
     /// The controls, in the order in which they are made and listed.
     static std::vector<ControlStruct> const _controlMap;
