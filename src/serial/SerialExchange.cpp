@@ -37,7 +37,21 @@ bool sendNow(QSerialPort& port, QByteArray const& request)
     return sent;
 }
 
+/// Waits until the whole reply is in, but no longer than for any reply. Its first pieces may have
+/// come in while the request went out.
+void awaitReply(QSerialPort& port, int expected)
+{
+    QElapsedTimer elapsed;
+    elapsed.start();
+    int remaining = ZorvaneCameraControl::msReplyTimeout;
+    while (port.bytesAvailable() < expected && remaining > 0 && port.waitForReadyRead(remaining)) {
+        remaining = ZorvaneCameraControl::msReplyTimeout - static_cast<int>(elapsed.elapsed());
+    }
+}
+
 } // namespace
+
+int ZorvaneCameraControl::msReplyTimeout = _msTimeout;
 
 bool ZorvaneCameraControl::sendCommand(QByteArray const& request, int dataLength,
                                        QByteArray& reply) const
@@ -52,10 +66,7 @@ bool ZorvaneCameraControl::sendCommand(QByteArray const& request, int dataLength
         if (!sendNow(port, request)) {
             continue;
         }
-        // A quick reply may have come in while the request went out.
-        if (port.bytesAvailable() < expected) {
-            port.waitForReadyRead(_msTimeout);
-        }
+        awaitReply(port, expected);
         QByteArray const received = port.read(expected);
         if (received.size() >= expected) {
             reply = received;

@@ -22,6 +22,10 @@ public:
     static constexpr int _retryDelay = 50; ///< Not used by the exchange, which does not pause.
     static constexpr int _msDelay = 50; ///< Pause after the port was opened and after each query.
 
+    /// The wait for a reply in effect: _msTimeout, unless a test lengthens it so that a busy
+    /// machine does not pass for a silent camera.
+    static int msReplyTimeout;
+
     /// The camera must outlive the control. A null name counts as empty.
     ZorvaneCameraControl(ZorvaneCamera* camera, char const* name, int selector, int unit,
                          Family family, Type type);
