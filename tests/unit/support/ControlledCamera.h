@@ -25,6 +25,7 @@ protected:
 
     void silence(std::uint8_t code, unsigned times = SerialFirmware::always)
     {
+        ImageAcquisition::ZorvaneCameraControl::msReplyTimeout = ReplyTimeout::forBoth;
         m_firmware.answer(SerialAnswer::silence(), {code, {}, {}}, times);
     }
     /// What the camera received, as request codes.

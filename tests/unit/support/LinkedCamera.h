@@ -2,6 +2,7 @@
 #pragma once
 
 #include "DeviceStub.h"
+#include "ReplyTimeout.h"
 #include "SerialFirmware.h"
 #include "serial/ZorvaneCamera.h"
 

@@ -28,6 +28,14 @@ protected:
         ASSERT_TRUE(VirtualCamera::Testbed::visible()) << "umockdev's preload is missing";
     }
 
+    /// The camera says nothing to these requests.
+    void silence(VirtualCamera::SerialRequests const& requests)
+    {
+        ImageAcquisition::ZorvaneCameraControl::msReplyTimeout = ReplyTimeout::forBoth;
+        m_firmware.answer(VirtualCamera::SerialAnswer::silence(), requests,
+                          VirtualCamera::SerialFirmware::always);
+    }
+
     /// The line by which the kernel tells of a tty.
     static std::string announcement(std::string const& tty,
                                     std::string const& interface = "1-2.3:1.5")
@@ -44,6 +52,7 @@ protected:
             .withInterval(1, 30);
     }
 
+    ReplyTimeout m_timeout{ReplyTimeout::forAnswers};
     VirtualCamera::Testbed m_testbed;
     VirtualCamera::SerialFirmware m_firmware;
     TtyNode m_tty{m_testbed, m_firmware.ttyPath()};

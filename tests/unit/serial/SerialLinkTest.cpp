@@ -1,0 +1,373 @@
+// SPDX-License-Identifier: MIT
+#include "serial/SystemTool.h"
+#include "serial/ZorvaneCameraControlBoolean.h"
+
+#include "ProcessCensus.h"
+#include "QtMessages.h"
+#include "SerialMachine.h"
+#include "Stopwatch.h"
+#include "ThreadCount.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <functional>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+
+class SerialLinkTest : public SerialMachineTest
+{
+protected:
+    ~SerialLinkTest() override { SystemTool::msTimeout = 30000; }
+
+    std::string portName() const { return m_camera.serialPort().portName().toStdString(); }
+    /// One exchange over the link.
+    bool cameraAnswers(ZorvaneCamera& camera) const
+    {
+        return ZorvaneCameraControlBoolean(&camera, "Auto Focus", 8, 1, ICameraControl::Focus)
+            .initControlLength();
+    }
+
+    OpenedCamera m_camera;
+    QtMessages m_messages;
+};
+
+TEST_F(SerialLinkTest, OpensNothingWhenItIsMade)
+{
+    EXPECT_FALSE(m_camera.serialPort().isOpen());
+    EXPECT_FALSE(m_tools.exists("calls"));
+    EXPECT_EQ(0U, m_video.accounting().totalOpens);
+}
+
+TEST_F(SerialLinkTest, OpensTheTtyThatTheKernelLogNames)
+{
+    EXPECT_TRUE(m_camera.initCommunication());
+    EXPECT_TRUE(m_camera.serialPort().isOpen());
+    EXPECT_EQ(QIODevice::ReadWrite, m_camera.serialPort().openMode());
+    EXPECT_EQ(m_tty.name(), portName());
+    EXPECT_EQ("dmesg \nfuser " + m_tty.path() + "\n", m_tools.read("calls"));
+    EXPECT_TRUE(cameraAnswers(m_camera));
+}
+
+TEST_F(SerialLinkTest, LeavesThePortAtItsDefaults)
+{
+    QSerialPort const untouched;
+    ASSERT_TRUE(m_camera.initCommunication());
+    EXPECT_EQ(untouched.baudRate(), m_camera.serialPort().baudRate());
+    EXPECT_EQ(untouched.dataBits(), m_camera.serialPort().dataBits());
+    EXPECT_EQ(untouched.parity(), m_camera.serialPort().parity());
+    EXPECT_EQ(untouched.stopBits(), m_camera.serialPort().stopBits());
+    EXPECT_EQ(untouched.flowControl(), m_camera.serialPort().flowControl());
+}
+
+TEST_F(SerialLinkTest, LogsTheNodeAndThePortAndPausesOnceItIsOpen)
+{
+    Stopwatch const watch;
+    ASSERT_TRUE(m_camera.initCommunication());
+    EXPECT_GE(watch.seconds(), 0.05);
+    std::vector<std::string> const information = m_messages.information();
+    ASSERT_EQ(2U, information.size());
+    EXPECT_EQ("/dev/video0", information[0]);
+    EXPECT_NE(std::string::npos, information[1].find("TriggerThread::connectPort()"));
+    EXPECT_NE(std::string::npos, information[1].find(m_tty.name()));
+}
+
+TEST_F(SerialLinkTest, UsesTheLastAnnouncementAfterAReplug)
+{
+    m_tools.write("log", announcement(m_tty.otherName()) +
+                             "[ 20.0] usb 1-2.3: USB disconnect, device number 7\n" +
+                             announcement(m_tty.name()));
+    EXPECT_TRUE(m_camera.initCommunication());
+    EXPECT_EQ(m_tty.name(), portName());
+}
+
+TEST_F(SerialLinkTest, PassesOverOtherPortsAndInterfaces)
+{
+    m_tools.write("log", announcement(m_tty.name()) + announcement(m_tty.otherName(), "1-2.4:1.5") +
+                             announcement(m_tty.otherName(), "1-2.3:1.4"));
+    EXPECT_TRUE(m_camera.initCommunication());
+    EXPECT_EQ(m_tty.name(), portName());
+}
+
+TEST_F(SerialLinkTest, TakesTheFirstDigitOfALongNumber)
+{
+    m_tools.write("log", announcement(m_tty.name() + "2"));
+    EXPECT_TRUE(m_camera.initCommunication());
+    EXPECT_EQ(m_tty.name(), portName());
+}
+
+TEST_F(SerialLinkTest, ReadsMegabytesOfLogWithAllSortsOfBytes)
+{
+    std::string log;
+    while (log.size() < 4 * 1024 * 1024) {
+        log += "[    1.000000] usb 1-4: Product: Stra\xdf"
+               "enkamera \xff\xfe und mehr\n";
+    }
+    m_tools.write("log", log + '\0' + announcement(m_tty.name()) + log);
+    EXPECT_TRUE(m_camera.initCommunication());
+    EXPECT_EQ(m_tty.name(), portName());
+}
+
+TEST_F(SerialLinkTest, LeavesThePortWhenNoLineMatches)
+{
+    m_tools.write("log", announcement(m_tty.name(), "1-2.4:1.5"));
+    EXPECT_FALSE(m_camera.initCommunication());
+    EXPECT_FALSE(m_camera.serialPort().isOpen());
+    EXPECT_EQ("dmesg \n", m_tools.read("calls"));
+    EXPECT_EQ((std::vector<std::string>{"/dev/video0", "No match in dmesg"}),
+              m_messages.information());
+}
+
+TEST_F(SerialLinkTest, FindsNothingWhenDmesgMayNotReadTheLog)
+{
+    m_tools.onPath("dmesg", "echo 'dmesg: read kernel buffer failed' >&2; exit 1");
+    EXPECT_FALSE(m_camera.initCommunication());
+    EXPECT_TRUE(m_messages.hold(QtInfoMsg, "No match in dmesg"));
+}
+
+TEST_F(SerialLinkTest, UsesWhatAFailingDmesgPrinted)
+{
+    m_tools.onPath("dmesg", "cat \"$WORK/log\"; exit 1");
+    EXPECT_TRUE(m_camera.initCommunication());
+}
+
+TEST_F(SerialLinkTest, FindsNothingWhenDmesgNeverEnds)
+{
+    m_tools.onPath("dmesg", "echo $$ >\"$WORK/pids\"; cat \"$WORK/log\"; sleep 600 & "
+                            "echo $! >>\"$WORK/pids\"; wait");
+    SystemTool::msTimeout = 2000;
+    Stopwatch const watch;
+    EXPECT_FALSE(m_camera.initCommunication());
+    EXPECT_LT(watch.seconds(), 10);
+    EXPECT_TRUE(m_messages.hold(QtInfoMsg, "No match in dmesg"));
+    EXPECT_NE("", m_tools.read("pids"));
+    EXPECT_TRUE(allEnd(m_tools.read("pids")));
+}
+
+/// What "./fuser" does, and whether the port is taken for free then.
+struct HolderCase
+{
+    char const* name;
+    char const* script; ///< Null: there is no tool.
+    bool free;
+    int msTimeout = 30000;
+};
+
+class HolderTest : public SerialLinkTest, public testing::WithParamInterface<HolderCase>
+{
+};
+
+TEST_P(HolderTest, DecidesWhetherThePortIsOpened)
+{
+    std::filesystem::remove("fuser");
+    if (GetParam().script != nullptr) {
+        m_tools.inWorkingDirectory("fuser", GetParam().script);
+    }
+    SystemTool::msTimeout = GetParam().msTimeout;
+    EXPECT_EQ(GetParam().free, m_camera.initCommunication());
+    EXPECT_EQ(GetParam().free, m_camera.serialPort().isOpen());
+    // A busy tty is passed over without a word.
+    EXPECT_EQ(GetParam().free ? 2U : 1U, m_messages.information().size());
+    EXPECT_FALSE(m_messages.hold(QtCriticalMsg, "Error"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Fuser, HolderTest,
+    testing::Values(HolderCase{"PrintsNothing", "exit 1", true},
+                    HolderCase{"PrintsAProcess", "echo ' 4711'", false},
+                    HolderCase{"PrintsASpace", "printf ' '", false},
+                    HolderCase{"PrintsAnEmptyLine", "echo", false},
+                    HolderCase{"PrintsAProcessAndFails", "echo 4711; exit 1", false},
+                    HolderCase{"PrintsAZeroByteFirst", "printf '\\0004711'", true},
+                    HolderCase{"PrintsToStandardErrorOnly", "echo '/dev/ttyACM0:' >&2", true},
+                    HolderCase{"NeverEnds", "echo 4711; exec sleep 600", true, 3000},
+                    HolderCase{"IsMissing", nullptr, true}),
+    [](auto const& test) { return std::string(test.param.name); });
+
+TEST_F(SerialLinkTest, LooksForFuserInTheWorkingDirectoryOnly)
+{
+    std::filesystem::remove("fuser");
+    m_tools.onPath("fuser", "echo 4711");
+    EXPECT_TRUE(m_camera.initCommunication());
+}
+
+TEST_F(SerialLinkTest, FindsAHolderWithTheRealFuser)
+{
+    ASSERT_TRUE(std::filesystem::exists("/usr/bin/fuser")) << "psmisc is missing";
+    // Sees the pseudo-terminal itself: the made-up name is not for other programs.
+    m_tools.inWorkingDirectory("fuser", "exec /usr/bin/fuser " + m_firmware.ttyPath());
+    {
+        LinkedCamera const holder(m_firmware.ttyPath());
+        ASSERT_TRUE(holder.serialPort().isOpen());
+        EXPECT_FALSE(m_camera.initCommunication());
+    }
+    EXPECT_TRUE(m_camera.initCommunication());
+}
+
+TEST_F(SerialLinkTest, ReportsAPortThatCannotBeOpened)
+{
+    m_testbed.removeNodeFile(m_tty.path());
+    EXPECT_FALSE(m_camera.initCommunication());
+    EXPECT_FALSE(m_camera.serialPort().isOpen());
+    EXPECT_TRUE(m_messages.hold(QtCriticalMsg, "Error : TriggerThread::connectPort"));
+    std::vector<std::string> const information = m_messages.information();
+    ASSERT_EQ(2U, information.size());
+    EXPECT_EQ("error code:  QSerialPort::DeviceNotFoundError", information[1]);
+}
+
+TEST_F(SerialLinkTest, ReportsAPortThatAnotherPortHolds)
+{
+    OpenedCamera holder;
+    ASSERT_TRUE(holder.initCommunication());
+    EXPECT_FALSE(m_camera.initCommunication());
+    EXPECT_TRUE(m_messages.hold(QtInfoMsg, "QSerialPort::PermissionError"));
+}
+
+TEST_F(SerialLinkTest, ClosesThePortAndOpensItAgain)
+{
+    m_camera.endCommunication();
+    ASSERT_TRUE(m_camera.initCommunication());
+    m_camera.endCommunication();
+    EXPECT_FALSE(m_camera.serialPort().isOpen());
+    m_camera.endCommunication();
+    EXPECT_TRUE(m_camera.initCommunication());
+    EXPECT_TRUE(cameraAnswers(m_camera));
+}
+
+TEST_F(SerialLinkTest, NeverOpensThePortAgainByItself)
+{
+    ASSERT_TRUE(m_camera.initCommunication());
+    m_firmware.unplug();
+    EXPECT_FALSE(cameraAnswers(m_camera));
+    m_camera.endCommunication();
+    EXPECT_FALSE(cameraAnswers(m_camera));
+    EXPECT_FALSE(m_camera.serialPort().isOpen());
+}
+
+TEST_F(SerialLinkTest, GivesVideoWithoutALinkButSaysThatSomethingIsWrong)
+{
+    m_tools.write("log", "");
+    EXPECT_FALSE(m_camera.init());
+    EXPECT_EQ(1, m_camera.controlNumber());
+    ASSERT_EQ(1, m_camera.formatNumber());
+    ASSERT_TRUE(m_camera.setCurrentImageFormat(0, 0, 0));
+    ASSERT_EQ(0, m_camera.setup(2));
+    ASSERT_EQ(0, m_camera.startCapture());
+    IFrame* const frame = m_camera.acquireFrame();
+    EXPECT_FALSE(frame->isInvalid());
+    EXPECT_EQ(0, m_camera.releaseFrame(frame));
+    EXPECT_EQ(0, m_camera.stopCapture());
+    EXPECT_EQ(0, m_camera.cleanup());
+}
+
+TEST_F(SerialLinkTest, FailsToInitialiseWhenOneControlDoesNotAnswer)
+{
+    silence({VirtualCamera::GetInfo, 1, 8});
+    EXPECT_FALSE(m_camera.init());
+    EXPECT_TRUE(m_camera.serialPort().isOpen());
+    EXPECT_EQ(2, m_camera.controlNumber());
+    EXPECT_EQ(1, m_camera.formatNumber());
+}
+
+TEST_F(SerialLinkTest, OpensTheLinkBeforeTheNodeAndNeedsNoNodeForIt)
+{
+    m_video.unplug();
+    EXPECT_TRUE(m_camera.init());
+    EXPECT_TRUE(m_camera.serialPort().isOpen());
+    EXPECT_EQ(0, m_camera.controlNumber());
+}
+
+/// What a whole life of a camera leaves behind, compared with what a life before left: Qt and the
+/// testbed set up some things once.
+class RemainsTest : public SerialLinkTest
+{
+protected:
+    RemainsTest()
+    {
+        // The first control of the table: the set ends with it.
+        silence({VirtualCamera::GetLen, 1, 6});
+        ZorvaneCameraControl::msReplyTimeout = ZorvaneCameraControl::_msTimeout;
+        EXPECT_TRUE(linkInALife());
+    }
+
+    /// Whether it had a link.
+    bool linkInALife(std::function<void()> const& onceLinked = nullptr)
+    {
+        OpenedCamera camera;
+        bool const linked = camera.initCommunication();
+        if (onceLinked) {
+            onceLinked();
+        }
+        cameraAnswers(camera);
+        camera.Camera::init();
+        return linked;
+    }
+    void expectNothingElse(std::vector<std::string> const& descriptors, int threads)
+    {
+        EXPECT_EQ(descriptors, descriptorsButSockets());
+        EXPECT_TRUE(awaitThreadCount(threads));
+        EXPECT_EQ(0, childrenOfThisProcess());
+        EXPECT_FALSE(std::filesystem::exists(m_tty.lockFile()));
+        EXPECT_TRUE(m_video.accounting().nothingHeld());
+        EXPECT_EQ(2U, m_video.accounting().totalOpens);
+    }
+    void expectNoRemains(bool linked)
+    {
+        std::vector<std::string> const descriptors = descriptorsButSockets();
+        int const threads = threadCount();
+        EXPECT_EQ(linked, linkInALife());
+        expectNothingElse(descriptors, threads);
+    }
+};
+
+TEST_F(RemainsTest, AreNoneAfterExchanges)
+{
+    expectNoRemains(true);
+}
+
+TEST_F(RemainsTest, AreNoneWithoutDmesg)
+{
+    std::filesystem::remove("../bin/dmesg");
+    expectNoRemains(false);
+}
+
+TEST_F(RemainsTest, AreNoneAfterAHangingDmesg)
+{
+    m_tools.onPath("dmesg", "sleep 600");
+    SystemTool::msTimeout = 300;
+    expectNoRemains(false);
+}
+
+TEST_F(RemainsTest, AreNoneAfterAPortThatCannotBeOpened)
+{
+    m_testbed.removeNodeFile(m_tty.path());
+    expectNoRemains(false);
+}
+
+TEST_F(RemainsTest, AreNoneAfterAnUnplugging)
+{
+    std::vector<std::string> descriptors = descriptorsButSockets();
+    // The firmware goes with the camera.
+    auto const terminal = std::find(descriptors.begin(), descriptors.end(), "/dev/ptmx");
+    ASSERT_NE(descriptors.end(), terminal);
+    descriptors.erase(terminal);
+    int const threads = threadCount() - 1;
+    EXPECT_TRUE(linkInALife([this] { m_firmware.unplug(); }));
+    expectNothingElse(descriptors, threads);
+}
+
+TEST_F(RemainsTest, AreNoneWithACoreApplication)
+{
+    int argumentCount = 1;
+    char name[] = "test";
+    char* arguments[] = {name, nullptr};
+    QCoreApplication const application(argumentCount, arguments);
+    QtMessages const messages;
+    expectNoRemains(true);
+    EXPECT_FALSE(messages.hold(QtWarningMsg, "QSocketNotifier"));
+}
+
+} // namespace
