@@ -47,7 +47,7 @@ FramePainter::FramePainter(unsigned width, unsigned height)
     : _width(width), _height(height), _picture(std::size_t{2} * width * height)
 {
     paintBars();
-    fill(0, 0, _width, blockHeight, black);
+    fill(0, 0, _width, digitTop + glyphHeight * dotSize() + digitTop - blockHeight, black);
     for (unsigned position = 0; position < digits; ++position) {
         paintDigit(position, 0);
     }
@@ -82,10 +82,15 @@ void FramePainter::fill(unsigned x, unsigned y, unsigned width, unsigned height,
     }
 }
 
+unsigned FramePainter::dotSize() const
+{
+    // Even, so that no pair of pixels is shared between two dots.
+    return _width >= 320 ? _width / 320 * 2 : 2;
+}
+
 void FramePainter::paintDigit(unsigned position, unsigned digit)
 {
-    // A dot is a square of even size, so that no pair of pixels is shared between two dots.
-    const unsigned dot = _width >= 320 ? _width / 320 * 2 : 2;
+    const unsigned dot = dotSize();
     const unsigned left = 2 + position * (glyphWidth + 1) * dot;
     for (unsigned row = 0; row < glyphHeight; ++row) {
         for (unsigned column = 0; column < glyphWidth; ++column) {

@@ -7,7 +7,7 @@ namespace UsbCamera
 {
 
 /// Paints the test picture in YUYV: colour bars that stand still; in the top rows the frame number
-/// as 32 black or white blocks, most significant bit first; below them the number in digits.
+/// as 32 black or white blocks, most significant bit first; below them the number in white digits.
 /// A picture depends on its number only, so that a test can compare whole frames.
 class FramePainter
 {
@@ -24,6 +24,7 @@ public:
 private:
     void fill(unsigned x, unsigned y, unsigned width, unsigned height, std::uint8_t luma);
     void paintBars();
+    unsigned dotSize() const;
     void paintDigit(unsigned position, unsigned digit);
 
     unsigned _width;

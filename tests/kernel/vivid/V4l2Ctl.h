@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace KernelTest
+{
+
+/// Runs v4l2-ctl on a node; throws std::runtime_error with its output when it fails.
+std::string v4l2Ctl(const std::string& node, const std::string& arguments);
+
+struct ListedSize
+{
+    unsigned width = 0;
+    unsigned height = 0;
+    std::vector<std::string> intervals; ///< such as "0.067s (15.000 fps)"
+};
+
+/// A pixel format as `v4l2-ctl --list-formats-ext` shows it.
+struct ListedFormat
+{
+    std::string code; ///< four characters, and -BE behind those of a big-endian format
+    std::string description;
+    std::set<std::string> flags;
+    std::vector<ListedSize> sizes;
+};
+
+std::vector<ListedFormat> listFormats(const std::string& node);
+
+/// A control as `v4l2-ctl --list-ctrls-menus` shows it.
+struct ListedControl
+{
+    std::string name; ///< the short form
+    unsigned id = 0;
+    std::string type;
+    std::map<std::string, std::string> fields; ///< min, max, step, default, value, dims
+    std::set<std::string> flags;
+    std::map<unsigned, std::string> items;
+
+    /// An array or a structure, which no plain control record describes.
+    bool isCompound() const;
+    long long number(const std::string& field) const;
+};
+
+std::vector<ListedControl> listControls(const std::string& node);
+
+/// The value of one control as v4l2-ctl prints it.
+std::string readControl(const std::string& node, const std::string& shortName);
+
+/// The values of all controls, by id.
+std::map<unsigned, std::string> readControls(const std::string& node);
+
+/// A control's name as v4l2-ctl writes it.
+std::string shortName(const std::string& name);
+
+/// Remembers the numbers of all controls of a node and brings them back.
+class ControlKeeper
+{
+public:
+    explicit ControlKeeper(std::string node);
+    ~ControlKeeper();
+    ControlKeeper(const ControlKeeper&) = delete;
+    ControlKeeper& operator=(const ControlKeeper&) = delete;
+
+private:
+    std::string _node;
+    std::string _settings;
+};
+
+} // namespace KernelTest
