@@ -43,7 +43,10 @@ struct VIRTUALCAMERA_EXPORT CallId
 /// "open", "mmap", "VIDIOC_DQBUF", or the request in hexadecimal when it is not a known one.
 VIRTUALCAMERA_EXPORT std::string callName(CallId const& call);
 
-/// The reverse; throws `std::invalid_argument` for a name that is none.
+/// True for the functions and for the requests that have a name.
+VIRTUALCAMERA_EXPORT bool isKnownCall(CallId const& call);
+
+/// The reverse of `callName`; throws `std::invalid_argument` for a name that is none.
 VIRTUALCAMERA_EXPORT CallId callByName(std::string const& name);
 
 } // namespace VirtualCamera

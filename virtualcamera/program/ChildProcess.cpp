@@ -28,32 +28,43 @@ void passOn(int signal)
         kill(process, signal);
 }
 
-void passSignalsOn(pid_t process)
-{
-    receiver = process;
-    struct sigaction action{};
-    action.sa_handler = passOn;
-    for (int const signal : {SIGTERM, SIGHUP, SIGUSR1, SIGUSR2})
-        sigaction(signal, &action, nullptr);
-    // The terminal sends these to both; the child decides what becomes of it.
-    action.sa_handler = SIG_IGN;
-    for (int const signal : {SIGINT, SIGQUIT})
-        sigaction(signal, &action, nullptr);
-}
+constexpr int passedSignals[] = {SIGTERM, SIGHUP, SIGUSR1, SIGUSR2};
 
 } // namespace
 
-ChildProcess::ChildProcess(std::vector<std::string> const& command)
+HeldSignals::HeldSignals()
+{
+    sigset_t passed;
+    sigemptyset(&passed);
+    for (int const signal : passedSignals)
+        sigaddset(&passed, signal);
+    pthread_sigmask(SIG_BLOCK, &passed, &_earlier);
+}
+
+ChildProcess::ChildProcess(std::vector<std::string> const& command, HeldSignals const& held)
 {
     std::vector<char*> arguments;
     for (std::string const& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
-    int const error =
-        posix_spawnp(&_process, arguments.front(), nullptr, nullptr, arguments.data(), environ);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setsigmask(&attributes, &held.earlier());
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+    int const error = posix_spawnp(&_process, arguments.front(), nullptr, &attributes,
+                                   arguments.data(), environ);
+    posix_spawnattr_destroy(&attributes);
     if (error != 0)
         throw std::system_error(error, std::generic_category(), command.front());
-    passSignalsOn(_process);
+    receiver = _process;
+    struct sigaction action{};
+    action.sa_handler = passOn;
+    for (int const passed : passedSignals)
+        sigaction(passed, &action, nullptr);
+    pthread_sigmask(SIG_SETMASK, &held.earlier(), nullptr);
+    // The terminal sends these to both; the child decides what becomes of it.
+    signal(SIGINT, SIG_IGN);
+    signal(SIGQUIT, SIG_IGN);
     _processDescriptor = static_cast<int>(syscall(SYS_pidfd_open, _process, 0));
 }
 

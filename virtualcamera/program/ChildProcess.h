@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <signal.h>
 #include <sys/types.h>
 
 #include <string>
@@ -9,13 +10,25 @@
 namespace VirtualCamera
 {
 
+/// Holds the signals that are passed on to a child back until there is one. Has to exist before
+/// the process makes any thread, so that none of those takes a signal meanwhile.
+class HeldSignals
+{
+public:
+    HeldSignals();
+    sigset_t const& earlier() const { return _earlier; }
+
+private:
+    sigset_t _earlier;
+};
+
 /// A program that runs with this process's environment and terminal. Signals that end this process
 /// are passed on to it, so that the two end together.
 class ChildProcess
 {
 public:
-    /// Throws `std::system_error` when the program can't be started.
-    explicit ChildProcess(std::vector<std::string> const& command);
+    /// Throws `std::system_error` when the program can't be started. Lets the signals through.
+    ChildProcess(std::vector<std::string> const& command, HeldSignals const& held);
 
     /// Waits for its end, at most so long; -1 waits for ever. True when it has ended.
     bool waitFor(int milliseconds);

@@ -13,6 +13,7 @@
 #include <exception>
 #include <fstream>
 #include <sstream>
+#include <system_error>
 
 namespace
 {
@@ -60,6 +61,7 @@ std::vector<HostCamera> camerasOf(Options const& options)
 
 int run(Options const& options, std::string const& preload)
 {
+    HeldSignals const held;
     VirtualMachine machine(camerasOf(options));
     std::vector<HotPlug> changes;
     if (options.plugAfter >= 0) {
@@ -70,7 +72,7 @@ int run(Options const& options, std::string const& preload)
         changes.push_back({options.unplugAfter, [&machine] { machine.unplugLast(); }});
     setenv("VIRTUALCAMERA_CONFIG", machine.configurationFile().c_str(), 1);
     setenv("LD_PRELOAD", preload.c_str(), 1);
-    ChildProcess child(options.command);
+    ChildProcess child(options.command, held);
     unsetenv("LD_PRELOAD");
     performWhileRunning(child, std::move(changes));
     return child.exitStatus();
@@ -107,6 +109,9 @@ int main(int argc, char** argv)
     }
     try {
         return run(options, restartInTestbed(argv));
+    } catch (std::system_error const& failure) {
+        std::fprintf(stderr, "with-virtual-camera: %s\n", failure.what());
+        return failure.code() == std::errc::no_such_file_or_directory ? 127 : 126;
     } catch (std::exception const& failure) {
         std::fprintf(stderr, "with-virtual-camera: %s\n", failure.what());
         return EXIT_FAILURE;

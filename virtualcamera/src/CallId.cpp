@@ -4,6 +4,7 @@
 #include <linux/uvcvideo.h>
 #include <linux/videodev2.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <stdexcept>
@@ -83,6 +84,12 @@ std::string callName(CallId const& call)
     char text[16];
     std::snprintf(text, sizeof text, "0x%08x", call.request);
     return text;
+}
+
+bool isKnownCall(CallId const& call)
+{
+    auto const same = [&call](NamedCall const& named) { return named.call == call; };
+    return std::any_of(namedCalls().begin(), namedCalls().end(), same);
 }
 
 CallId callByName(std::string const& name)

@@ -14,10 +14,13 @@ namespace VirtualCamera
 namespace
 {
 
-std::vector<std::uint8_t> bytesOf(std::uint32_t request, void const* argument)
+std::vector<std::uint8_t> bytesOf(CallId const& call, void const* argument)
 {
+    // The size that an unknown request claims may be anything.
+    if (!isKnownCall(call))
+        return {};
     auto const* const bytes = static_cast<std::uint8_t const*>(argument);
-    return std::vector<std::uint8_t>(bytes, bytes + _IOC_SIZE(request));
+    return std::vector<std::uint8_t>(bytes, bytes + _IOC_SIZE(call.request));
 }
 
 ControlTransfer transferOf(v4l2_ext_control const& control)
@@ -46,7 +49,7 @@ void RecordedCall::sent(void const* argument)
     std::uint32_t const request = _record.call.request;
     if (!_log.recording() || argument == nullptr || (_IOC_DIR(request) & _IOC_WRITE) == 0)
         return;
-    _record.sent = bytesOf(request, argument);
+    _record.sent = bytesOf(_record.call, argument);
     switch (request) {
     case VIDIOC_G_CTRL:
     case VIDIOC_S_CTRL: {
@@ -80,8 +83,8 @@ int RecordedCall::end(int result, void const* argument)
         return result;
     _record.result = result < 0 ? -1 : result;
     _record.error = result < 0 ? -result : 0;
-    if (argument != nullptr && _IOC_SIZE(_record.call.request) != 0)
-        _record.received = bytesOf(_record.call.request, argument);
+    if (argument != nullptr)
+        _record.received = bytesOf(_record.call, argument);
     _log.record(std::move(_record));
     return result;
 }

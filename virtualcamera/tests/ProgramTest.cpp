@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace
+{
+
+struct Outcome
+{
+    std::string output; ///< Standard output and error.
+    int status = -1;
+};
+
+Outcome run(std::string const& arguments)
+{
+    Outcome outcome;
+    std::string const command = std::string(WITH_VIRTUAL_CAMERA) + " " + arguments + " 2>&1";
+    FILE* const pipe = popen(command.c_str(), "r");
+    char text[256];
+    while (std::fgets(text, sizeof text, pipe) != nullptr)
+        outcome.output += text;
+    int const status = pclose(pipe);
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return outcome;
+}
+
+std::string const client = SAMPLE_CLIENT;
+
+TEST(ProgramTest, ShowsAnOrdinaryAndAVendorCameraByDefault)
+{
+    EXPECT_EQ(run(client + " card /dev/video0").output, "Virtual Webcam\n");
+    EXPECT_EQ(run(client + " card /dev/video2").output, "Virtual Vendor Camera\n");
+    EXPECT_EQ(run(client + " card /dev/video4").status, 1);
+    EXPECT_EQ(run("cat /sys/class/video4linux/video2/../../idVendor").output, "7a76");
+}
+
+TEST(ProgramTest, ShowsTheChosenModelsInTheirOrder)
+{
+    std::string const models = "--model read --model all-controls ";
+    EXPECT_EQ(run(models + client + " card /dev/video0").output, "Virtual Read Camera\n");
+    EXPECT_EQ(run(models + "-- " + client + " card /dev/video2").output, "Virtual Control Panel\n");
+}
+
+TEST(ProgramTest, ListsItsModels)
+{
+    Outcome const outcome = run("--list-models");
+    EXPECT_EQ(outcome.status, 0);
+    for (char const* model : {"webcam", "vendor", "all-controls", "user-pointers", "read", "platform"})
+        EXPECT_NE(outcome.output.find(std::string("\n") + model), outcome.output.find(model));
+}
+
+TEST(ProgramTest, PassesExitStatusAndSignalsOn)
+{
+    EXPECT_EQ(run("sh -c 'exit 7'").status, 7);
+    EXPECT_EQ(run("sh -c 'kill -9 $$'").status, 128 + 9);
+}
+
+TEST(ProgramTest, EndsWithItsProgramWhenTerminated)
+{
+    EXPECT_EQ(run("sh -c 'trap \"exit 5\" TERM; kill -TERM $PPID; while :; do :; done'").status, 5);
+}
+
+TEST(ProgramTest, PassesArgumentsAndStandardInputOn)
+{
+    EXPECT_EQ(run("printf '%s|' --model 'a b' --list-models").output, "--model|a b|--list-models|");
+    EXPECT_EQ(run("cat </dev/null").status, 0);
+}
+
+TEST(ProgramTest, ComplainsInOneLine)
+{
+    Outcome const unknown = run("--model nonsense true");
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_EQ(unknown.output,
+              "with-virtual-camera: there is no model \"nonsense\" (see --list-models)\n");
+    Outcome const missing = run("/no/such/program");
+    EXPECT_EQ(missing.status, 127);
+    EXPECT_EQ(missing.output, "with-virtual-camera: /no/such/program: No such file or directory\n");
+    EXPECT_EQ(run("").status, 1);
+    EXPECT_EQ(run("--config /no/such/file true").output,
+              "with-virtual-camera: /no/such/file: cannot be read\n");
+}
+
+TEST(ProgramTest, TakesCamerasFromAFile)
+{
+    std::string const path = testing::TempDir() + "virtual-cameras-" + std::to_string(getpid());
+    std::ofstream(path) << R"({"cameras": [{"node": "/dev/video9", "name": "Mine",
+        "usb": {"port": "2-3", "vendorId": "0abc", "speed": "12"}}]})";
+    EXPECT_EQ(run("--config " + path + " " + client + " card /dev/video9").output, "Mine\n");
+    EXPECT_EQ(run("--config " + path + " cat /sys/bus/usb/devices/2-3/idVendor").output, "0abc");
+    std::filesystem::remove(path);
+}
+
+TEST(ProgramTest, UnplugsACameraWhileItStreams)
+{
+    Outcome const outcome = run("--model webcam --unplug-after 300 " + client +
+                                " stream /dev/video0 100000");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.output.rfind("streaming\nframe 0\n", 0), 0u);
+    EXPECT_NE(outcome.output.find("\nENODEV\n"), std::string::npos);
+}
+
+TEST(ProgramTest, SendsHotPlugEventsWhileTheProgramRuns)
+{
+    Outcome const outcome =
+        run("--model platform --plug-after 400 --unplug-after 500 " + client + " watch 2");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "add /dev/video0\nremove /dev/video0\n");
+}
+
+TEST(ProgramTest, LetsAPluggedCameraBeOpened)
+{
+    EXPECT_EQ(run("--model webcam --plug-after 0 sh -c 'while ! " + client +
+                  " card /dev/video0; do :; done'")
+                  .output,
+              "Virtual Webcam\n");
+}
+
+TEST(ProgramTest, LeavesNothingBehind)
+{
+    std::string const root = run("sh -c 'echo $UMOCKDEV_DIR'").output;
+    ASSERT_NE(root.find("umockdev"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(root.substr(0, root.size() - 1)));
+}
+
+} // namespace
