@@ -50,7 +50,7 @@ build_and_test() {
     count "$summary"
 }
 
-groups=(build tools virtualcamera tests)
+groups=(build tools virtualcamera tests docs)
 $quick || groups+=(kernel)
 scripts/install-packages "${groups[@]}"
 
