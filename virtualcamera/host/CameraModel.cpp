@@ -76,7 +76,7 @@ UsbDeviceScript usbOf(unsigned place, std::string maker, std::string product)
 
 HostCamera onUsb(unsigned place, CameraBuilder const& camera, UsbDeviceScript usb)
 {
-    return {{camera.script(), metadataNode(place, camera.script())}, std::move(usb)};
+    return {{camera.script(), metadataNode(place, camera.script())}, std::move(usb), false};
 }
 
 HostCamera webcam(unsigned place)
@@ -101,6 +101,16 @@ HostCamera vendor(unsigned place)
     ExtensionUnitScript const unit = vendorExtensionUnit();
     camera.withClassHeadings().withExtensionUnit(unit.guid, unit.selectors);
     return onUsb(place, camera, vendorUsb(place, "TJ8-1.2.4"));
+}
+
+HostCamera serial(unsigned place)
+{
+    CameraBuilder camera = uvcCamera(place, "Virtual Serial Camera");
+    addUsualControls(camera);
+    camera.withClassHeadings();
+    HostCamera made = onUsb(place, camera, vendorUsb(place, "TJ8-1.3.0"));
+    made.serialPort = true;
+    return made;
 }
 
 HostCamera allControls(unsigned place)
@@ -130,7 +140,7 @@ HostCamera platform(unsigned place)
 {
     CameraBuilder camera = uvcCamera(place, "Virtual Platform Camera");
     camera.withDriver("vivid").withBusInfo("platform:vivid-000");
-    return {{camera.script()}, std::nullopt};
+    return {{camera.script()}, std::nullopt, false};
 }
 
 } // namespace
@@ -140,6 +150,7 @@ std::vector<CameraModel> const& cameraModels()
     static std::vector<CameraModel> const models{
         {"webcam", "an ordinary UVC camera", webcam},
         {"vendor", "one of the vendor's cameras, firmware 1.2.4, with its extension unit", vendor},
+        {"serial", "one of the vendor's cameras, firmware 1.3.0, with its serial port", serial},
         {"all-controls", "a UVC camera with a control of every type", allControls},
         {"user-pointers", "a camera that streams into user pointers only", userPointers},
         {"read", "a camera that offers read() only", readOnly},

@@ -22,7 +22,7 @@ std::uint16_t revisionByText(std::string const& text)
     return static_cast<std::uint16_t>(major << 8 | minor);
 }
 
-UsbDeviceScript usbFromJson(Json const& json, std::string const& place)
+UsbDeviceScript usbFromJson(Json const& json, std::string const& place, bool& serialPort)
 {
     JsonReader reader(json, place);
     UsbDeviceScript script(reader.need("port").get<std::string>());
@@ -41,6 +41,7 @@ UsbDeviceScript usbFromJson(Json const& json, std::string const& place)
     reader.field("firmware", firmware);
     if (firmware)
         script.withFirmware(*firmware);
+    reader.field("serialPort", serialPort);
     reader.finish();
     return script;
 }
@@ -55,9 +56,11 @@ std::vector<HostCamera> hostCamerasFromJson(std::string const& text)
     for (std::size_t index = 0; index < scripts.size(); ++index) {
         Json const& camera = json["cameras"][index];
         std::optional<UsbDeviceScript> usb;
+        bool serialPort = false;
         if (camera.contains("usb"))
             usb = usbFromJson(camera["usb"],
-                              "configuration.cameras[" + std::to_string(index) + "].usb");
+                              "configuration.cameras[" + std::to_string(index) + "].usb",
+                              serialPort);
         auto const samePort = [&usb](HostCamera const& other) {
             return usb && other.usb && other.usb->port == usb->port;
         };
@@ -65,7 +68,7 @@ std::vector<HostCamera> hostCamerasFromJson(std::string const& text)
         if (owner != cameras.end())
             owner->nodes.push_back(std::move(scripts[index]));
         else
-            cameras.push_back({{std::move(scripts[index])}, std::move(usb)});
+            cameras.push_back({{std::move(scripts[index])}, std::move(usb), serialPort});
     }
     return cameras;
 }

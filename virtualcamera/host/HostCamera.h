@@ -16,6 +16,8 @@ struct HostCamera
 {
     std::vector<CameraScript> nodes;
     std::optional<UsbDeviceScript> usb; ///< Absent: the nodes hang below no USB device.
+    /// The USB device has the vendor's serial port, too.
+    bool serialPort = false;
 };
 
 /// The cameras of a configuration file, with the `usb` objects that the preloaded library skips;

@@ -87,6 +87,7 @@ void addControlOfEveryType(CameraBuilder& camera)
 ExtensionUnitScript vendorExtensionUnit()
 {
     constexpr std::uint8_t off = 0;
+    std::vector<std::uint8_t> const widest{0xff, 0xff, 0xff, 0x7f};
     ExtensionUnitScript unit;
     unit.guid = {0x01};
     auto const add = [&unit](std::uint8_t selector, std::uint16_t size,
@@ -103,11 +104,11 @@ ExtensionUnitScript vendorExtensionUnit()
     };
     add(1, 1, {off}, {3});                             // light mode
     add(2, 2, {0x40, 0x00}, {0xff, 0x00});             // light intensity
-    unit.selectors[add(3, 4, {}, {})].writable = false; // error status
+    unit.selectors[add(3, 4, {}, widest)].writable = false; // error status
     unit.selectors[add(4, 2, {25, 0}, {100, 0})].writable = false; // temperature
-    add(5, 4, {}, {});                                 // trigger of automatic functions
+    add(5, 4, {}, widest);                               // trigger of automatic functions
     add(6, 1, {1}, {1});                               // keep alive
-    add(7, 4, {}, {});                                 // lock of automatic functions
+    add(7, 4, {}, widest);                               // lock of automatic functions
     add(8, 1, {0}, {3});                               // window selected
     add(9, 6, {0, 0, 0xff, 0x03, 1, 0}, {0xff, 0x03, 0xff, 0x03, 0xff, 0x03}); // focus range
     add(10, 6, {0x80, 0, 0x80, 0, 0x80, 0}, {0xff, 0, 0xff, 0, 0xff, 0}); // white balance

@@ -25,7 +25,7 @@ VirtualMachine::VirtualMachine(std::vector<HostCamera> cameras)
     for (HostCamera& camera : cameras) {
         for (CameraScript& node : camera.nodes)
             node.presenceFile = _testbed.rootDirectory() + node.node;
-        _cameras.push_back({std::move(camera), std::nullopt});
+        _cameras.push_back({std::move(camera), std::nullopt, false, std::nullopt});
         plug(_cameras.back());
     }
     writeConfiguration();
@@ -48,6 +48,8 @@ void VirtualMachine::plug(PlacedCamera& placed)
         else
             _testbed.addVideoNode(nodeName(node));
     }
+    if (placed.camera.usb && placed.camera.serialPort)
+        placed.tty = _serialPorts.plug(placed.camera.usb->port);
     placed.plugged = true;
 }
 
@@ -55,6 +57,9 @@ void VirtualMachine::unplug(PlacedCamera& placed)
 {
     if (!placed.plugged)
         return;
+    if (placed.tty)
+        _serialPorts.unplug(*placed.tty);
+    placed.tty.reset();
     if (placed.usb)
         _testbed.unplug(*placed.usb);
     else

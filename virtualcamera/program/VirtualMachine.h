@@ -2,6 +2,7 @@
 #pragma once
 
 #include "HostCamera.h"
+#include "SerialPorts.h"
 #include "Testbed.h"
 
 namespace VirtualCamera
@@ -14,6 +15,8 @@ public:
     explicit VirtualMachine(std::vector<HostCamera> cameras);
 
     std::string configurationFile() const;
+    /// The folder of the tools that stand in for the machine's own; to be searched first.
+    std::string toolFolder() const { return _serialPorts.toolFolder(); }
     /// Take away and bring back the camera that was named last.
     void unplugLast();
     void plugLast();
@@ -24,6 +27,7 @@ private:
         HostCamera camera;
         std::optional<UsbDevice> usb;
         bool plugged = false;
+        std::optional<std::string> tty;
     };
 
     void plug(PlacedCamera& placed);
@@ -31,6 +35,7 @@ private:
     void writeConfiguration() const;
 
     Testbed _testbed;
+    SerialPorts _serialPorts{_testbed};
     std::vector<PlacedCamera> _cameras;
 };
 

@@ -71,6 +71,8 @@ int run(Options const& options, std::string const& preload)
     if (options.unplugAfter >= 0)
         changes.push_back({options.unplugAfter, [&machine] { machine.unplugLast(); }});
     setenv("VIRTUALCAMERA_CONFIG", machine.configurationFile().c_str(), 1);
+    char const* const path = std::getenv("PATH");
+    setenv("PATH", (machine.toolFolder() + ":" + (path == nullptr ? "" : path)).c_str(), 1);
     setenv("LD_PRELOAD", preload.c_str(), 1);
     ChildProcess child(options.command, held);
     unsetenv("LD_PRELOAD");

@@ -54,7 +54,7 @@ TEST(ProgramTest, ListsItsModels)
 {
     Outcome const outcome = run("--list-models");
     EXPECT_EQ(outcome.status, 0);
-    for (char const* model : {"webcam", "vendor", "all-controls", "user-pointers", "read", "platform"})
+    for (char const* model : {"webcam", "vendor", "serial", "all-controls", "user-pointers", "read", "platform"})
         EXPECT_NE(outcome.output.find(std::string("\n") + model), outcome.output.find(model));
 }
 
@@ -122,6 +122,23 @@ TEST(ProgramTest, LetsAPluggedCameraBeOpened)
                   " card /dev/video0; do :; done'")
                   .output,
               "Virtual Webcam\n");
+}
+
+TEST(ProgramTest, AnnouncesASerialPortInTheKernelLog)
+{
+    Outcome const outcome = run("--model webcam --model serial dmesg");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.output.find(" cdc_acm 1-2:1.5: ttyACM"), std::string::npos);
+    EXPECT_EQ(run("--model webcam dmesg").output.find("cdc_acm"), std::string::npos);
+}
+
+TEST(ProgramTest, AnswersOnTheSerialPort)
+{
+    Outcome const outcome =
+        run("--model serial sh -c '" + client +
+            " exchange /dev/$(dmesg | sed -n \"s/.*: \\(ttyACM[0-9]\\): .*/\\1/p\")'");
+    EXPECT_EQ(outcome.output, "a1850006000102000200\n");
+    EXPECT_EQ(outcome.status, 0);
 }
 
 TEST(ProgramTest, LeavesNothingBehind)

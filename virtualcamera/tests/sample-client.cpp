@@ -6,6 +6,7 @@
 #include <linux/videodev2.h>
 #include <poll.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -62,6 +63,24 @@ int stream(char const* node, int count)
     return v4l2_close(file);
 }
 
+/// Asks the camera behind a tty for the length of its focus control, and prints the reply.
+int exchange(char const* node)
+{
+    int const file = open(node, O_RDWR | O_NOCTTY);
+    unsigned char const request[] = {0xa1, 0x85, 0x00, 0x06, 0x00, 0x01, 0x02, 0x00};
+    if (file < 0 || write(file, request, sizeof request) != sizeof request)
+        return 1;
+    for (int byte = 0; byte < 10; ++byte) {
+        unsigned char answer = 0;
+        pollfd waiting{file, POLLIN, 0};
+        if (poll(&waiting, 1, 5000) != 1 || read(file, &answer, 1) != 1)
+            return 2;
+        std::printf("%02x", answer);
+    }
+    std::printf("\n");
+    return close(file);
+}
+
 /// Prints uevents of video devices until `count` have come.
 int watch(int count)
 {
@@ -91,6 +110,8 @@ int main(int argc, char** argv)
         return showCard(argv[2]);
     if (what == "stream" && argc > 3)
         return stream(argv[2], std::stoi(argv[3]));
+    if (what == "exchange" && argc > 2)
+        return exchange(argv[2]);
     if (what == "watch" && argc > 2)
         return watch(std::stoi(argv[2]));
     return 64;
