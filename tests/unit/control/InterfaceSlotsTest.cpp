@@ -7,7 +7,6 @@
 #include "ICameraControlNumeric.h"
 #include "ICameraControlString.h"
 #include "ICameraControlStringMenu.h"
-#include "ICameraEvent.h"
 #include "IContinuousCameraMonitor.h"
 
 #include <gtest/gtest.h>
@@ -92,7 +91,7 @@ TEST(InterfaceSlotsTest, MenusKeepTheirOrder)
     expectSlots(afterBaseMenu, &Numbers::currentValue, &Numbers::defaultValue, &Numbers::value);
 }
 
-TEST(InterfaceSlotsTest, MonitorsAndEventsKeepTheirOrder)
+TEST(InterfaceSlotsTest, MonitorsKeepTheirOrder)
 {
     using Blocking = IBlockingCameraMonitor;
     expectSlots(afterDestructor, &Blocking::stopMonitoring, &Blocking::startMonitoring,
@@ -100,6 +99,4 @@ TEST(InterfaceSlotsTest, MonitorsAndEventsKeepTheirOrder)
     using Continuous = IContinuousCameraMonitor;
     expectSlots(afterDestructor, &Continuous::stopMonitoring, &Continuous::startMonitoring);
     expectSlots(afterDestructor, &Continuous::IClient::cameraEventReceived);
-    using Event = ICameraEvent;
-    expectSlots(afterDestructor, &Event::type, &Event::deviceSystemName, &Event::subSystemName);
 }

@@ -161,11 +161,13 @@ TEST_F(BlockingCameraMonitorTest, EventEndsAWaitThatHasBegun)
 TEST_F(BlockingCameraMonitorTest, StopFromASecondThreadEndsTheWait)
 {
     ASSERT_TRUE(monitor.startMonitoring());
+    int const receptions = UdevHook::receptions();
     bool filled = true;
     WatchedThread waiter([&] { filled = monitor.getEvent(&event); });
     ASSERT_TRUE(waiter.awaitSelect());
     EXPECT_TRUE(monitor.stopMonitoring());
     waiter.join();
+    EXPECT_EQ(receptions, UdevHook::receptions()); // Udev had nothing to give.
     EXPECT_FALSE(filled);
     EXPECT_EQ(0, event.type());
     EXPECT_STREQ("", event.deviceSystemName());

@@ -32,6 +32,7 @@ struct State
     bool arrived = false;
     std::set<udev_device*> received; // Those that monitors got; umockdev has others.
     std::set<pthread_t> unjoined;
+    int receptions = 0;
     int contexts = 0;
     int monitors = 0;
 };
@@ -155,6 +156,12 @@ int UdevHook::devices()
     return static_cast<int>(state().received.size());
 }
 
+int UdevHook::receptions()
+{
+    Lock const lock(state().mutex);
+    return state().receptions;
+}
+
 int UdevHook::threads()
 {
     Lock const lock(state().mutex);
@@ -269,6 +276,10 @@ int udev_monitor_get_fd(udev_monitor* monitor)
 
 udev_device* udev_monitor_receive_device(udev_monitor* monitor)
 {
+    {
+        Lock const lock(state().mutex);
+        ++state().receptions;
+    }
     passThrough(UdevHook::Place::ReceiveDevice);
     udev_device* const device =
         real<decltype(udev_monitor_receive_device)>("udev_monitor_receive_device")(monitor);

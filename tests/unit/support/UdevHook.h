@@ -34,6 +34,8 @@ public:
     static int monitors();
     /// Devices that monitors received and have not given back.
     static int devices();
+    /// How often a monitor was asked for a device.
+    static int receptions();
     /// Threads that the library created and has not joined.
     static int threads();
     /// How often usleep() was called with so many microseconds.
