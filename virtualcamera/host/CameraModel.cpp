@@ -52,8 +52,8 @@ CameraScript metadataNode(unsigned place, CameraScript const& camera)
     return aCamera(nodePath(2 * place + 1))
         .named(camera.card)
         .withBusInfo(camera.busInfo)
-        .withCapabilities(V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_META_CAPTURE |
-                              V4L2_CAP_DEVICE_CAPS | common,
+        .withCapabilities(V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_META_CAPTURE | V4L2_CAP_DEVICE_CAPS |
+                              common,
                           V4L2_CAP_META_CAPTURE | common)
         .script();
 }

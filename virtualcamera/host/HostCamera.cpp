@@ -58,9 +58,9 @@ std::vector<HostCamera> hostCamerasFromJson(std::string const& text)
         std::optional<UsbDeviceScript> usb;
         bool serialPort = false;
         if (camera.contains("usb"))
-            usb = usbFromJson(camera["usb"],
-                              "configuration.cameras[" + std::to_string(index) + "].usb",
-                              serialPort);
+            usb =
+                usbFromJson(camera["usb"],
+                            "configuration.cameras[" + std::to_string(index) + "].usb", serialPort);
         auto const samePort = [&usb](HostCamera const& other) {
             return usb && other.usb && other.usb->port == usb->port;
         };

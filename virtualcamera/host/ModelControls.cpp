@@ -48,8 +48,9 @@ void addControlOfEveryType(CameraBuilder& camera)
     // Ids of the user class that no standard control has.
     constexpr std::uint32_t base = V4L2_CID_USER_BASE | 0x1000;
     camera
-        .withControl(integerControl(base + 0, "Integer").range(-100, 100, 5).withFlags(
-            V4L2_CTRL_FLAG_SLIDER))
+        .withControl(integerControl(base + 0, "Integer")
+                         .range(-100, 100, 5)
+                         .withFlags(V4L2_CTRL_FLAG_SLIDER))
         .withControl(booleanControl(base + 1, "Boolean").byDefault(1))
         .withControl(menuControl(base + 2, "Menu")
                          .withItem(1, "First")
@@ -70,17 +71,23 @@ void addControlOfEveryType(CameraBuilder& camera)
         .withControl(unsigned8Control(base + 8, "Unsigned 8 Bits").byDefault(0x18))
         .withControl(unsigned16Control(base + 9, "Unsigned 16 Bits").byDefault(0x1818))
         .withControl(unsigned32Control(base + 10, "Unsigned 32 Bits").range(0, 70000).byDefault(5))
-        .withControl(integerControl(base + 11, "Read-Only Integer").range(0, 10).currently(7)
-                         .readOnly())
-        .withControl(integerControl(base + 12, "Write-Only Integer").range(0, 10).withFlags(
-            V4L2_CTRL_FLAG_WRITE_ONLY))
-        .withControl(integerControl(base + 13, "Inactive Integer").range(0, 10).withFlags(
-            V4L2_CTRL_FLAG_INACTIVE))
-        .withControl(integerControl(base + 14, "Grabbed Integer").range(0, 10).withFlags(
-            V4L2_CTRL_FLAG_GRABBED))
-        .withControl(integerControl(base + 15, "Disabled Integer").range(0, 10).withFlags(
-            V4L2_CTRL_FLAG_DISABLED))
-        .withControl(integerControl(base + 16, "Volatile Integer").range(0, 10).currently(3)
+        .withControl(
+            integerControl(base + 11, "Read-Only Integer").range(0, 10).currently(7).readOnly())
+        .withControl(integerControl(base + 12, "Write-Only Integer")
+                         .range(0, 10)
+                         .withFlags(V4L2_CTRL_FLAG_WRITE_ONLY))
+        .withControl(integerControl(base + 13, "Inactive Integer")
+                         .range(0, 10)
+                         .withFlags(V4L2_CTRL_FLAG_INACTIVE))
+        .withControl(integerControl(base + 14, "Grabbed Integer")
+                         .range(0, 10)
+                         .withFlags(V4L2_CTRL_FLAG_GRABBED))
+        .withControl(integerControl(base + 15, "Disabled Integer")
+                         .range(0, 10)
+                         .withFlags(V4L2_CTRL_FLAG_DISABLED))
+        .withControl(integerControl(base + 16, "Volatile Integer")
+                         .range(0, 10)
+                         .currently(3)
                          .withFlags(V4L2_CTRL_FLAG_VOLATILE));
 }
 
@@ -91,8 +98,7 @@ ExtensionUnitScript vendorExtensionUnit()
     ExtensionUnitScript unit;
     unit.guid = {0x01};
     auto const add = [&unit](std::uint8_t selector, std::uint16_t size,
-                             std::vector<std::uint8_t> current,
-                             std::vector<std::uint8_t> maximum) {
+                             std::vector<std::uint8_t> current, std::vector<std::uint8_t> maximum) {
         SelectorScript script;
         script.selector = selector;
         script.size = size;
@@ -102,27 +108,27 @@ ExtensionUnitScript vendorExtensionUnit()
         unit.selectors.push_back(std::move(script));
         return unit.selectors.size() - 1;
     };
-    add(1, 1, {off}, {3});                             // light mode
-    add(2, 2, {0x40, 0x00}, {0xff, 0x00});             // light intensity
-    unit.selectors[add(3, 4, {}, widest)].writable = false; // error status
+    add(1, 1, {off}, {3});                                         // light mode
+    add(2, 2, {0x40, 0x00}, {0xff, 0x00});                         // light intensity
+    unit.selectors[add(3, 4, {}, widest)].writable = false;        // error status
     unit.selectors[add(4, 2, {25, 0}, {100, 0})].writable = false; // temperature
-    add(5, 4, {}, widest);                               // trigger of automatic functions
-    add(6, 1, {1}, {1});                               // keep alive
-    add(7, 4, {}, widest);                               // lock of automatic functions
-    add(8, 1, {0}, {3});                               // window selected
+    add(5, 4, {}, widest);                                         // trigger of automatic functions
+    add(6, 1, {1}, {1});                                           // keep alive
+    add(7, 4, {}, widest);                                         // lock of automatic functions
+    add(8, 1, {0}, {3});                                           // window selected
     add(9, 6, {0, 0, 0xff, 0x03, 1, 0}, {0xff, 0x03, 0xff, 0x03, 0xff, 0x03}); // focus range
-    add(10, 6, {0x80, 0, 0x80, 0, 0x80, 0}, {0xff, 0, 0xff, 0, 0xff, 0}); // white balance
-    add(11, 1, {50}, {100});                           // focus sensitivity
-    add(12, 1, {0}, {4});                              // debug image
-    add(13, 1, {0}, {2});                              // pixel ratio
+    add(10, 6, {0x80, 0, 0x80, 0, 0x80, 0}, {0xff, 0, 0xff, 0, 0xff, 0});      // white balance
+    add(11, 1, {50}, {100});                                                   // focus sensitivity
+    add(12, 1, {0}, {4});                                                      // debug image
+    add(13, 1, {0}, {2});                                                      // pixel ratio
     unit.selectors[add(14, 4, {}, {40, 0, 40, 0})].minimum = {0xd8, 0xff, 0xd8, 0xff}; // pan, tilt
-    add(15, 1, {0}, {2});                              // focus strategy
-    add(16, 1, {1}, {1});                              // contrast and brightness
-    add(17, 1, {1}, {1});                              // saturation
-    add(18, 1, {1}, {1});                              // sharpness
-    add(20, 8, {}, {0xff, 4, 0xff, 4, 0xff, 3, 0xff, 3}); // focus window
+    add(15, 1, {0}, {2});                                   // focus strategy
+    add(16, 1, {1}, {1});                                   // contrast and brightness
+    add(17, 1, {1}, {1});                                   // saturation
+    add(18, 1, {1}, {1});                                   // sharpness
+    add(20, 8, {}, {0xff, 4, 0xff, 4, 0xff, 3, 0xff, 3});   // focus window
     unit.selectors[add(24, 1, {0}, {10})].minimum = {0xf6}; // exposure sensitivity
-    add(25, 1, {1}, {1});                              // gamma
+    add(25, 1, {1}, {1});                                   // gamma
     return unit;
 }
 

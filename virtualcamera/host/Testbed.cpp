@@ -232,10 +232,9 @@ void Testbed::addOtherDevice(std::string const& subsystem, std::string const& na
         addNodeFile(node);
         properties.add("DEVNAME", node);
     }
-    _syspaths[name] =
-        takeText(umockdev_testbed_add_devicev(_state->testbed, subsystem.c_str(), name.c_str(),
-                                              nullptr, attributes.pointers(),
-                                              properties.pointers()));
+    _syspaths[name] = takeText(
+        umockdev_testbed_add_devicev(_state->testbed, subsystem.c_str(), name.c_str(), nullptr,
+                                     attributes.pointers(), properties.pointers()));
 }
 
 void Testbed::sendEvent(std::string const& name, std::string const& action)

@@ -27,14 +27,13 @@ std::vector<std::uint8_t> usbDescriptors(UsbDeviceScript const& script)
     auto const high = [](std::uint16_t word) { return static_cast<std::uint8_t>(word >> 8); };
     std::uint16_t const vendor = idOf(script.vendorId);
     std::uint16_t const product = idOf(script.productId);
-    return {
-        // Device: miscellaneous class with interface association, as cameras have.
-        18, 1, low(script.usbRevision), high(script.usbRevision), 0xef, 2, 1, 64, low(vendor),
-        high(vendor), low(product), high(product), 0, 1, 1, 2, 3, 1,
-        // Configuration 1: bus powered, 500 mA.
-        9, 2, 18, 0, 1, 1, 0, 0x80, 250,
-        // Interface 0: video control.
-        9, 4, 0, 0, 0, 0x0e, 1, 0, 0};
+    return {// Device: miscellaneous class with interface association, as cameras have.
+            18, 1, low(script.usbRevision), high(script.usbRevision), 0xef, 2, 1, 64, low(vendor),
+            high(vendor), low(product), high(product), 0, 1, 1, 2, 3, 1,
+            // Configuration 1: bus powered, 500 mA.
+            9, 2, 18, 0, 1, 1, 0, 0x80, 250,
+            // Interface 0: video control.
+            9, 4, 0, 0, 0, 0x0e, 1, 0, 0};
 }
 
 } // namespace VirtualCamera

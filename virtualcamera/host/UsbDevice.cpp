@@ -11,7 +11,8 @@ namespace VirtualCamera
 
 UsbDevice::UsbDevice(std::string syspath, std::shared_ptr<UsbEndpointZero> endpoint)
     : _syspath(std::move(syspath)), _endpoint(std::move(endpoint))
-{}
+{
+}
 
 std::vector<UsbRequest> UsbDevice::requests() const
 {

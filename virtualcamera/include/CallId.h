@@ -18,11 +18,14 @@ enum class Call : std::uint8_t { Open, Close, Ioctl, Read, Mmap, Munmap };
 struct VIRTUALCAMERA_EXPORT CallId
 {
     // The conversions are wanted: they are what makes scripts readable.
-    CallId(Call calledFunction) : function(calledFunction) {}              // NOLINT
-    CallId(unsigned long ioctlRequest)                                     // NOLINT
-        : function(Call::Ioctl), request(static_cast<std::uint32_t>(ioctlRequest)), anyRequest(false)
-    {}
-    CallId(unsigned int ioctlRequest) : CallId(static_cast<unsigned long>(ioctlRequest)) {} // NOLINT
+    CallId(Call calledFunction) : function(calledFunction) {} // NOLINT
+    CallId(unsigned long ioctlRequest)                        // NOLINT
+        : function(Call::Ioctl), request(static_cast<std::uint32_t>(ioctlRequest)),
+          anyRequest(false)
+    {
+    }
+    CallId(unsigned int ioctlRequest)
+        : CallId(static_cast<unsigned long>(ioctlRequest)) {} // NOLINT
 
     Call function;
     std::uint32_t request = 0;

@@ -62,7 +62,7 @@ struct VIRTUALCAMERA_EXPORT ControlScript
     std::optional<std::int64_t> value; ///< The current value; the default when absent.
     std::string text;                  ///< The current text of a string control.
     std::vector<MenuItem> items;
-    std::uint32_t masterId = 0;        ///< 0: no master.
+    std::uint32_t masterId = 0; ///< 0: no master.
     std::int64_t masterValue = 0;
     int readError = 0;
     int writeError = 0;

@@ -14,9 +14,9 @@ namespace VirtualCamera
 /// A failing `close` gives the descriptor up all the same, unless the error is EINTR.
 struct Fault
 {
-    CallId call;
+    CallId call = Call::Open;
     int error = 0;
-    unsigned use = 1;       ///< The use that fails ...
+    unsigned use = 1;        ///< The use that fails ...
     bool fromThenOn = false; ///< ... or the first of all those that do.
 };
 
@@ -24,14 +24,14 @@ struct Fault
 struct FrameFault
 {
     std::uint32_t frame = 0;
-    bool fromThenOn = false;            ///< True: this frame and all later ones.
+    bool fromThenOn = false; ///< True: this frame and all later ones.
     std::uint32_t lateMilliseconds = 0;
-    bool corrupted = false;             ///< Delivered with V4L2_BUF_FLAG_ERROR.
-    bool missing = false;               ///< Never delivered; the sequence number is skipped.
-    std::optional<std::uint32_t> bytesUsed;      ///< Cut short to so many bytes.
-    std::optional<std::uint32_t> index;          ///< Dequeued under this buffer index.
-    std::optional<std::uintptr_t> userPointer;   ///< Dequeued with this user pointer.
-    std::optional<std::uint32_t> length;         ///< Dequeued with this buffer length.
+    bool corrupted = false;                    ///< Delivered with V4L2_BUF_FLAG_ERROR.
+    bool missing = false;                      ///< Never delivered; the sequence number is skipped.
+    std::optional<std::uint32_t> bytesUsed;    ///< Cut short to so many bytes.
+    std::optional<std::uint32_t> index;        ///< Dequeued under this buffer index.
+    std::optional<std::uintptr_t> userPointer; ///< Dequeued with this user pointer.
+    std::optional<std::uint32_t> length;       ///< Dequeued with this buffer length.
 };
 
 } // namespace VirtualCamera

@@ -29,8 +29,8 @@ enum class RangeKind : std::uint8_t { Discrete, Stepwise, Continuous };
 struct IntervalScript
 {
     RangeKind kind = RangeKind::Discrete;
-    std::vector<Interval> list;     ///< For discrete intervals, in the order of enumeration.
-    Interval minimum;               ///< The other three: for stepwise and continuous ranges.
+    std::vector<Interval> list; ///< For discrete intervals, in the order of enumeration.
+    Interval minimum;           ///< The other three: for stepwise and continuous ranges.
     Interval maximum;
     Interval step;
 };
@@ -58,7 +58,7 @@ struct FormatScript
 {
     std::uint32_t pixelFormat = 0;
     std::string description;
-    std::uint32_t flags = 0;        ///< V4L2_FMT_FLAG_...
+    std::uint32_t flags = 0; ///< V4L2_FMT_FLAG_...
     RangeKind sizeKind = RangeKind::Discrete;
     std::vector<SizeScript> sizes;  ///< For discrete sizes, in the order of enumeration.
     SizeRangeScript sizeRange;      ///< For stepwise and continuous sizes.

@@ -18,7 +18,7 @@ struct Accounting
     int openDescriptors = 0;
     int liveMappings = 0;
     int allocatedBuffers = 0;
-    int queuedBuffers = 0;      ///< In the driver's hands, filled ones that wait included.
+    int queuedBuffers = 0; ///< In the driver's hands, filled ones that wait included.
     bool streaming = false;
     unsigned totalOpens = 0;
     unsigned totalMappings = 0;
@@ -37,7 +37,7 @@ struct ControlMapping
 {
     uvc_xu_control_mapping mapping{}; ///< `menu_info` is null here.
     std::vector<uvc_menu_info> menu;
-    int error = 0;                    ///< 0 when it was accepted.
+    int error = 0; ///< 0 when it was accepted.
 };
 
 /// A camera that is plugged in. Movable; unplugs the camera when destroyed. Every member may be

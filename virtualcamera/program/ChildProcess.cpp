@@ -51,13 +51,15 @@ ChildProcess::ChildProcess(std::vector<std::string> const& command, HeldSignals 
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setsigmask(&attributes, &held.earlier());
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-    int const error = posix_spawnp(&_process, arguments.front(), nullptr, &attributes,
-                                   arguments.data(), environ);
+    int const error =
+        posix_spawnp(&_process, arguments.front(), nullptr, &attributes, arguments.data(), environ);
     posix_spawnattr_destroy(&attributes);
     if (error != 0)
         throw std::system_error(error, std::generic_category(), command.front());
     receiver = _process;
-    struct sigaction action{};
+    struct sigaction action
+    {
+    };
     action.sa_handler = passOn;
     for (int const passed : passedSignals)
         sigaction(passed, &action, nullptr);

@@ -50,7 +50,8 @@ std::string preloadPath()
     files::path const folder = files::read_symlink("/proc/self/exe").parent_path();
     files::path library = folder / VIRTUALCAMERA_LIBRARY;
     if (!files::exists(library))
-        library = (folder / VIRTUALCAMERA_LIBRARY_FOLDER / VIRTUALCAMERA_LIBRARY).lexically_normal();
+        library =
+            (folder / VIRTUALCAMERA_LIBRARY_FOLDER / VIRTUALCAMERA_LIBRARY).lexically_normal();
     if (!files::exists(library))
         throw std::runtime_error(library.string() + " is missing");
     std::string path = afterSanitizer("libumockdev-preload.so.0:" + library.string());

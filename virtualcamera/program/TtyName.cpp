@@ -32,7 +32,8 @@ TtyName::TtyName()
 
 TtyName::TtyName(TtyName&& other) noexcept
     : _digit(other._digit), _reservation(std::exchange(other._reservation, -1))
-{}
+{
+}
 
 TtyName::~TtyName()
 {

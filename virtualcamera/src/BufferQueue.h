@@ -18,10 +18,10 @@ struct Buffer
 
     State state = State::Dequeued;
     std::uint32_t length = 0;
-    std::shared_ptr<SharedPages> pages;     ///< For mapped buffers.
-    std::uintptr_t userPointer = 0;         ///< For user pointers, as last queued.
+    std::shared_ptr<SharedPages> pages; ///< For mapped buffers.
+    std::uintptr_t userPointer = 0;     ///< For user pointers, as last queued.
     unsigned mappings = 0;
-    std::uint32_t frame = 0;                ///< Of the frame that fills it.
+    std::uint32_t frame = 0; ///< Of the frame that fills it.
     timeval timestamp{};
 };
 

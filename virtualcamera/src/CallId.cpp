@@ -23,7 +23,10 @@ struct NamedCall
 
 std::array<NamedCall, 44> const& namedCalls()
 {
-#define VIRTUALCAMERA_REQUEST(request) {#request, CallId(static_cast<unsigned long>(request))}
+#define VIRTUALCAMERA_REQUEST(request)                                                             \
+    {                                                                                              \
+#request, CallId(static_cast <unsigned long>(request))                                     \
+    }
     static std::array<NamedCall, 44> const calls{{
         {"open", Call::Open},
         {"close", Call::Close},

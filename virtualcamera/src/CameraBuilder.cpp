@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CameraBuilder.h"
 
-#include "ControlClass.h"
 #include "CameraDriver.h"
+#include "ControlClass.h"
 #include "Registry.h"
 
 #include <linux/videodev2.h>
@@ -172,8 +172,7 @@ CameraBuilder& CameraBuilder::withClassHeadings()
         headings.insert(classHeadingId(control.id));
     for (std::uint32_t id : headings) {
         auto const sameId = [id](ControlScript const& control) { return control.id == id; };
-        bool const present =
-            std::any_of(_script.controls.begin(), _script.controls.end(), sameId);
+        bool const present = std::any_of(_script.controls.begin(), _script.controls.end(), sameId);
         if (!present && id < V4L2_CID_PRIVATE_BASE)
             withControl(classHeading(id, controlClassName(id)));
     }

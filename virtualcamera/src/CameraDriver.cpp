@@ -18,7 +18,8 @@ namespace VirtualCamera
 CameraDriver::CameraDriver(CameraScript script)
     : _script(std::move(script)), _log(_script.faults, _script.callsLogged), _formats(_script),
       _controls(_script), _extensionUnit(_script.extensionUnit), _queue(_script), _source(_script)
-{}
+{
+}
 
 bool CameraDriver::gone()
 {
@@ -120,7 +121,7 @@ void CameraDriver::forgetFile(int file)
 }
 
 int CameraDriver::map(int file, std::size_t length, int protection, int flags, std::int64_t offset,
-                MappingTicket& ticket)
+                      MappingTicket& ticket)
 {
     std::lock_guard const lock(_mutex);
     RecordedCall call(_log, Call::Mmap, file);

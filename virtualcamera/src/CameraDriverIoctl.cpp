@@ -117,8 +117,7 @@ int CameraDriver::answerFormat(std::uint32_t request, void* argument)
     case VIDIOC_G_PARM:
         return _formats.currentParameters(as<v4l2_streamparm>(argument));
     case VIDIOC_S_PARM:
-        return _queue.streaming() ? -EBUSY
-                                  : _formats.setParameters(as<v4l2_streamparm>(argument));
+        return _queue.streaming() ? -EBUSY : _formats.setParameters(as<v4l2_streamparm>(argument));
     default:
         return -ENOTTY;
     }
@@ -128,8 +127,7 @@ int CameraDriver::answerStream(Lock& lock, int file, std::uint32_t request, void
 {
     switch (request) {
     case VIDIOC_REQBUFS:
-        return _queue.request(file, as<v4l2_requestbuffers>(argument),
-                              _formats.pixels().sizeimage);
+        return _queue.request(file, as<v4l2_requestbuffers>(argument), _formats.pixels().sizeimage);
     case VIDIOC_QUERYBUF:
         return _queue.query(as<v4l2_buffer>(argument));
     case VIDIOC_QBUF:

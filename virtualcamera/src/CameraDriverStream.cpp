@@ -44,7 +44,8 @@ int CameraDriver::awaitFrame(Lock& lock, int file)
     }
 }
 
-std::uint32_t CameraDriver::fill(Buffer const& buffer, unsigned char* target, FrameFault const& fault)
+std::uint32_t CameraDriver::fill(Buffer const& buffer, unsigned char* target,
+                                 FrameFault const& fault)
 {
     std::uint32_t const number = _script.stillPattern ? 0 : buffer.frame;
     std::size_t const painted = _painter.paint(_formats.pixels(), _formats.present(), number,
@@ -61,9 +62,8 @@ int CameraDriver::dequeue(Lock& lock, int file, v4l2_buffer& buffer)
         return failed;
     Buffer const& filled = _queue.dequeue(buffer);
     FrameFault const fault = _source.faultOf(filled.frame);
-    unsigned char* const target = filled.pages
-                                      ? filled.pages->bytes()
-                                      : reinterpret_cast<unsigned char*>(filled.userPointer);
+    unsigned char* const target =
+        filled.pages ? filled.pages->bytes() : reinterpret_cast<unsigned char*>(filled.userPointer);
     buffer.bytesused = fill(filled, target, fault);
     if (fault.corrupted)
         buffer.flags |= V4L2_BUF_FLAG_ERROR;

@@ -17,8 +17,7 @@ namespace
 
 ControlScript newControl(JsonReader& reader)
 {
-    std::uint32_t const type =
-        numberOf(controlTypeNames(), reader.need("type").get<std::string>());
+    std::uint32_t const type = numberOf(controlTypeNames(), reader.need("type").get<std::string>());
     std::uint32_t const id = ScriptFields::idOf(reader.need("id"));
     std::string const name = reader.need("name").get<std::string>();
     switch (type) {
@@ -37,6 +36,19 @@ ControlScript newControl(JsonReader& reader)
     }
 }
 
+/// Makes an element that needs a key.
+template <typename Script>
+struct Required
+{
+    char const* key;
+
+    Script operator()(JsonReader& reader) const
+    {
+        reader.need(key);
+        return Script{};
+    }
+};
+
 struct MakeControl
 {
     ControlScript operator()(JsonReader& reader) const { return newControl(reader); }
@@ -45,6 +57,8 @@ struct MakeControl
 template <typename Archive>
 void describeUnit(Archive& archive, ExtensionUnitScript& unit)
 {
+    if constexpr (Archive::reading)
+        archive.need("guid");
     archive.field(
         "guid", unit.guid,
         [](Json const& json) {
@@ -86,9 +100,8 @@ void describeIdentity(Archive& archive, CameraScript& camera)
         "driverVersion", camera.driverVersion,
         [](Json const& json) { return versionByText(json.get<std::string>()); },
         [](std::uint32_t version) {
-            return Json(std::to_string(version >> 16) + "." +
-                        std::to_string(version >> 8 & 0xff) + "." +
-                        std::to_string(version & 0xff));
+            return Json(std::to_string(version >> 16) + "." + std::to_string(version >> 8 & 0xff) +
+                        "." + std::to_string(version & 0xff));
         });
     archive.field("busInfo", camera.busInfo);
     describeCapabilities(archive, "capabilities", camera.capabilities);
@@ -98,9 +111,8 @@ void describeIdentity(Archive& archive, CameraScript& camera)
 template <typename Archive>
 void describeFormats(Archive& archive, CameraScript& camera)
 {
-    archive.list(
-        "formats", camera.formats, [](auto&) { return FormatScript{}; },
-        [](auto& nested, FormatScript& value) { ScriptFields::format(nested, value); });
+    archive.list("formats", camera.formats, Required<FormatScript>{"pixelFormat"},
+                 [](auto& nested, FormatScript& value) { ScriptFields::format(nested, value); });
     ScriptFields::pixelFormat(archive, "currentPixelFormat", camera.currentPixelFormat);
     archive.field("currentWidth", camera.currentWidth);
     archive.field("currentHeight", camera.currentHeight);
@@ -122,8 +134,9 @@ void describeControls(Archive& archive, CameraScript& camera)
         camera = CameraBuilder(std::move(camera)).withClassHeadings().script();
     ExtensionUnitScript unit = camera.extensionUnit.value_or(ExtensionUnitScript{});
     if (Archive::reading || camera.extensionUnit)
-        archive.object("extensionUnit", unit,
-                       [](auto& nested, ExtensionUnitScript& value) { describeUnit(nested, value); });
+        archive.object("extensionUnit", unit, [](auto& nested, ExtensionUnitScript& value) {
+            describeUnit(nested, value);
+        });
     if (!unit.selectors.empty())
         camera.extensionUnit = unit;
     archive.field("nextControl", camera.nextControlSupported);
@@ -144,9 +157,8 @@ void describeStreaming(Archive& archive, CameraScript& camera)
     archive.field("fewestBuffers", camera.fewestBuffers);
     ScriptFields::enumeration(archive, "pace", camera.pace, paceNames());
     archive.field("stillPattern", camera.stillPattern);
-    archive.list(
-        "faults", camera.faults, [](auto&) { return Fault{Call::Open, 0}; },
-        [](auto& nested, Fault& value) { ScriptFields::fault(nested, value); });
+    archive.list("faults", camera.faults, Required<Fault>{"errno"},
+                 [](auto& nested, Fault& value) { ScriptFields::fault(nested, value); });
     archive.list(
         "frameFaults", camera.frameFaults, [](auto&) { return FrameFault{}; },
         [](auto& nested, FrameFault& value) { ScriptFields::frameFault(nested, value); });

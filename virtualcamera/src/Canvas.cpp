@@ -22,7 +22,8 @@ public:
     PackedYuvCanvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine,
                     bool lumaFirst)
         : Canvas(width, height, bytesPerLine), _lumaFirst(lumaFirst)
-    {}
+    {
+    }
 
 private:
     void fillLine(unsigned char* image, std::uint32_t x, std::uint32_t y, std::uint32_t width,
@@ -44,7 +45,8 @@ class RgbCanvas : public Canvas
 public:
     RgbCanvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine, bool redFirst)
         : Canvas(width, height, bytesPerLine), _redFirst(redFirst)
-    {}
+    {
+    }
 
 private:
     void fillLine(unsigned char* image, std::uint32_t x, std::uint32_t y, std::uint32_t width,
@@ -82,7 +84,8 @@ public:
     PlanarYuvCanvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine,
                     bool interleaved)
         : GreyCanvas(width, height, bytesPerLine), _interleaved(interleaved)
-    {}
+    {
+    }
 
     std::size_t size() const override { return Canvas::size() + 2 * chromaLine() * chromaLines(); }
 

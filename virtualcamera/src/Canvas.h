@@ -24,7 +24,8 @@ class Canvas
 public:
     Canvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine)
         : _width(width), _height(height), _bytesPerLine(bytesPerLine)
-    {}
+    {
+    }
     virtual ~Canvas() = default;
 
     std::uint32_t width() const { return _width; }

@@ -32,7 +32,8 @@ ControlScript::ControlScript(std::uint32_t controlType, std::uint32_t controlId,
                              std::string controlName)
     : type(controlType), id(controlId), name(std::move(controlName)),
       flags(flagsOfType(controlType)), rangeShown(controlType != V4L2_CTRL_TYPE_INTEGER64)
-{}
+{
+}
 
 ControlScript& ControlScript::range(std::int64_t lowest, std::int64_t highest,
                                     std::int64_t stepWidth)

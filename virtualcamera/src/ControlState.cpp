@@ -13,8 +13,7 @@ namespace VirtualCamera
 namespace
 {
 
-constexpr std::uint32_t enumerationFlags =
-    V4L2_CTRL_FLAG_NEXT_CTRL | V4L2_CTRL_FLAG_NEXT_COMPOUND;
+constexpr std::uint32_t enumerationFlags = V4L2_CTRL_FLAG_NEXT_CTRL | V4L2_CTRL_FLAG_NEXT_COMPOUND;
 
 bool plainlyTransferable(std::uint32_t type)
 {
@@ -41,7 +40,9 @@ ControlState::ControlState(CameraScript const& script) : _script(script)
 
 void ControlState::add(std::unique_ptr<ControlNode> control)
 {
-    auto const before = [](auto const& left, auto const& right) { return left->id() < right->id(); };
+    auto const before = [](auto const& left, auto const& right) {
+        return left->id() < right->id();
+    };
     auto const place = std::upper_bound(_controls.begin(), _controls.end(), control, before);
     _controls.insert(place, std::move(control));
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "FormatState.h"
 
-#include "ImageLayout.h"
 #include "FixedText.h"
+#include "ImageLayout.h"
 #include "Nearest.h"
 
 #include <cerrno>

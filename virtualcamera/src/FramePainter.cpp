@@ -24,8 +24,8 @@ std::size_t FramePainter::paint(v4l2_pix_format const& pixels, FormatScript cons
         std::memcpy(target, script->frameBytes.data(), bytes);
         return bytes;
     }
-    if (!_renderer || !_renderer->fits(pixels.pixelformat, pixels.width, pixels.height,
-                                       pixels.bytesperline))
+    if (!_renderer ||
+        !_renderer->fits(pixels.pixelformat, pixels.width, pixels.height, pixels.bytesperline))
         _renderer = std::make_unique<PatternRenderer>(pixels.pixelformat, pixels.width,
                                                       pixels.height, pixels.bytesperline);
     return _renderer->render(number, target, capacity);

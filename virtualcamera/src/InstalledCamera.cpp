@@ -23,7 +23,9 @@ bool writesControl(CallRecord const& record)
 
 } // namespace
 
-InstalledCamera::InstalledCamera(std::shared_ptr<CameraDriver> device) : _device(std::move(device)) {}
+InstalledCamera::InstalledCamera(std::shared_ptr<CameraDriver> device) : _device(std::move(device))
+{
+}
 
 InstalledCamera::InstalledCamera(InstalledCamera&&) noexcept = default;
 

@@ -17,8 +17,9 @@ std::int64_t InstalledCamera::controlValue(std::uint32_t controlId) const
 
 std::string InstalledCamera::controlText(std::uint32_t controlId) const
 {
-    return _device->locked(
-        [controlId](CameraDriver& device) { return device.controls().scriptedAt(controlId).text(); });
+    return _device->locked([controlId](CameraDriver& device) {
+        return device.controls().scriptedAt(controlId).text();
+    });
 }
 
 std::uint32_t InstalledCamera::controlFlags(std::uint32_t controlId) const
@@ -69,8 +70,9 @@ std::vector<ControlMapping> InstalledCamera::mappings() const
 
 std::vector<std::uint8_t> InstalledCamera::selectorBytes(std::uint8_t selector) const
 {
-    return _device->locked(
-        [selector](CameraDriver& device) { return device.extensionUnit().selector(selector).current; });
+    return _device->locked([selector](CameraDriver& device) {
+        return device.extensionUnit().selector(selector).current;
+    });
 }
 
 void InstalledCamera::setSelectorBytes(std::uint8_t selector,

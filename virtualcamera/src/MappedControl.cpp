@@ -25,7 +25,8 @@ std::string fieldText(__u8 const* text, std::size_t size)
 MappedControl::MappedControl(ControlMapping mapping, SelectorScript& selector)
     : _mapping(std::move(mapping)), _selector(selector),
       _name(fieldText(_mapping.mapping.name, sizeof _mapping.mapping.name))
-{}
+{
+}
 
 std::uint32_t MappedControl::flags() const
 {

@@ -38,10 +38,10 @@ FrameExtent nearestSize(FormatScript const& format, std::uint32_t width, std::ui
     FrameExtent best{format.sizes.front().width, format.sizes.front().height};
     std::uint64_t smallest = UINT64_MAX;
     for (SizeScript const& size : format.sizes) {
-        std::uint64_t const common = std::uint64_t{std::min(width, size.width)} *
-                                     std::min(height, size.height);
-        std::uint64_t const uncovered = std::uint64_t{width} * height +
-                                        std::uint64_t{size.width} * size.height - 2 * common;
+        std::uint64_t const common =
+            std::uint64_t{std::min(width, size.width)} * std::min(height, size.height);
+        std::uint64_t const uncovered =
+            std::uint64_t{width} * height + std::uint64_t{size.width} * size.height - 2 * common;
         if (uncovered < smallest) {
             smallest = uncovered;
             best = {size.width, size.height};

@@ -107,8 +107,7 @@ void PatternRenderer::drawNumber(unsigned char* image, std::uint32_t frameNumber
     std::uint32_t const top = _height / 8;
     std::uint32_t x = dot * 2;
     _canvas->fill(image, x - dot, top - std::min(top, dot),
-                  (static_cast<std::uint32_t>(length) * 6 + 1) * dot, 9 * dot,
-                  colourOf(0, 0, 0));
+                  (static_cast<std::uint32_t>(length) * 6 + 1) * dot, 9 * dot, colourOf(0, 0, 0));
     for (int place = 0; place < length; ++place, x += 6 * dot) {
         Glyph const& glyph = digits[static_cast<std::size_t>(text[place] - '0')];
         for (std::uint32_t line = 0; line < 7; ++line)

@@ -32,9 +32,9 @@ private:
     std::uint32_t _height;
     std::uint32_t _bytesPerLine;
     bool _compressed;
-    std::unique_ptr<Canvas> _canvas;         ///< Null for a format without one.
+    std::unique_ptr<Canvas> _canvas; ///< Null for a format without one.
     std::vector<unsigned char> _background;
-    std::vector<unsigned char> _image;       ///< The picture to compress.
+    std::vector<unsigned char> _image; ///< The picture to compress.
 };
 
 } // namespace VirtualCamera

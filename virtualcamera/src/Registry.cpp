@@ -112,7 +112,8 @@ void Registry::addMapping(MappingTicket const& ticket, std::shared_ptr<CameraDri
     _mappings[ticket.address] = {ticket, device};
 }
 
-bool Registry::findMapping(void* address, MappingTicket& ticket, std::shared_ptr<CameraDriver>& device)
+bool Registry::findMapping(void* address, MappingTicket& ticket,
+                           std::shared_ptr<CameraDriver>& device)
 {
     std::lock_guard const lock(_mutex);
     auto const found = _mappings.find(address);

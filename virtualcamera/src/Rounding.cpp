@@ -16,7 +16,8 @@ std::int64_t roundToRange(std::int64_t value, ControlRange const& range)
         return value;
     // Unsigned, since the width of a 64-bit range may not fit in a signed number.
     auto const step = static_cast<std::uint64_t>(range.step);
-    auto const above = static_cast<std::uint64_t>(value) - static_cast<std::uint64_t>(range.minimum);
+    auto const above =
+        static_cast<std::uint64_t>(value) - static_cast<std::uint64_t>(range.minimum);
     auto const width =
         static_cast<std::uint64_t>(range.maximum) - static_cast<std::uint64_t>(range.minimum);
     std::uint64_t steps = above / step;

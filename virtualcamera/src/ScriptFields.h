@@ -148,8 +148,7 @@ struct ScriptFields
     static void pixelFormat(Archive& archive, char const* key, std::uint32_t& value)
     {
         archive.field(
-            key, value,
-            [](Json const& json) { return pixelFormatByName(json.get<std::string>()); },
+            key, value, [](Json const& json) { return pixelFormatByName(json.get<std::string>()); },
             [](std::uint32_t code) { return code == 0 ? Json() : Json(pixelFormatName(code)); });
     }
 

@@ -13,7 +13,8 @@ namespace VirtualCamera
 
 ScriptedControl::ScriptedControl(ControlScript script)
     : _script(std::move(script)), _value(_script.value.value_or(_script.defaultValue))
-{}
+{
+}
 
 ControlRange ScriptedControl::range() const
 {

@@ -13,10 +13,41 @@ std::size_t roundToPages(std::size_t bytes)
     return (bytes + page - 1) / page * page;
 }
 
+namespace
+{
+
+// Resizing a shared mapping from zero bytes makes a second mapping of the same pages: no
+// descriptor is spent, so a test can count descriptors and run out of them undisturbed.
+void* mapAgain(void* base, std::size_t size)
+{
+    return mremap(base, 0, size, MREMAP_MAYMOVE);
+}
+
+bool canMapAgain(void* base, std::size_t size)
+{
+    void* const again = mapAgain(base, size);
+    if (again != MAP_FAILED)
+        munmap(again, size);
+    return again != MAP_FAILED;
+}
+
+void* mapFile(int file, std::size_t size)
+{
+    return mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+}
+
+} // namespace
+
 SharedPages::SharedPages(std::size_t bytes) : _size(roundToPages(bytes == 0 ? 1 : bytes))
 {
-    void* const base =
-        mmap(nullptr, _size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    void* base = mmap(nullptr, _size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (base != MAP_FAILED && !canMapAgain(base, _size)) {
+        // Valgrind, for one, does not let mappings be made so.
+        munmap(base, _size);
+        _file = memfd_create("virtual camera buffer", MFD_CLOEXEC);
+        base =
+            ftruncate(_file, static_cast<off_t>(_size)) == 0 ? mapFile(_file, _size) : MAP_FAILED;
+    }
     if (base != MAP_FAILED)
         _base = static_cast<unsigned char*>(base);
 }
@@ -25,17 +56,18 @@ SharedPages::~SharedPages()
 {
     if (_base != nullptr)
         munmap(_base, _size);
+    if (_file != -1)
+        close(_file);
 }
 
 void* SharedPages::mirror(std::size_t length, int protection) const
 {
-    // Resizing a shared mapping from zero bytes makes a second mapping of the same pages: no
-    // descriptor is spent, so a test can count descriptors and run out of them undisturbed.
-    void* const address = mremap(_base, 0, roundToPages(length), MREMAP_MAYMOVE);
+    std::size_t const size = roundToPages(length);
+    void* const address = _file == -1 ? mapAgain(_base, size) : mapFile(_file, size);
     if (address == MAP_FAILED)
         return nullptr;
     if (protection != (PROT_READ | PROT_WRITE))
-        mprotect(address, roundToPages(length), protection);
+        mprotect(address, size, protection);
     return address;
 }
 

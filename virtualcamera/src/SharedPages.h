@@ -26,6 +26,7 @@ public:
 private:
     unsigned char* _base = nullptr;
     std::size_t _size;
+    int _file = -1; ///< Of the pages, where they cannot be mapped again without one.
 };
 
 } // namespace VirtualCamera

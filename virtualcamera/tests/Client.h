@@ -24,7 +24,8 @@ class Client
 public:
     explicit Client(std::string const& node = "/dev/video0", int flags = O_RDWR | O_NONBLOCK)
         : _descriptor(v4l2_open(node.c_str(), flags)), _openError(_descriptor < 0 ? errno : 0)
-    {}
+    {
+    }
     ~Client()
     {
         for (Mapping const& mapping : _mappings)
@@ -110,8 +111,8 @@ public:
         v4l2_buffer queried = buffer(index);
         if (int const error = call(VIDIOC_QUERYBUF, queried))
             return error;
-        void* const address = v4l2_mmap(nullptr, queried.length, PROT_READ | PROT_WRITE,
-                                        MAP_SHARED, _descriptor, queried.m.offset);
+        void* const address = v4l2_mmap(nullptr, queried.length, PROT_READ | PROT_WRITE, MAP_SHARED,
+                                        _descriptor, queried.m.offset);
         if (address == MAP_FAILED)
             return errno;
         _mappings.push_back({address, queried.length});

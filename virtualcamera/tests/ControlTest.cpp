@@ -332,8 +332,9 @@ TEST_F(ControlTest, FollowsItsMaster)
 {
     open(aCamera()
              .withControl(booleanControl(V4L2_CID_FOCUS_AUTO, "Auto").byDefault(1))
-             .withControl(integerControl(someId, "Focus").range(0, 9).activeOnlyWhen(
-                 V4L2_CID_FOCUS_AUTO, 0)));
+             .withControl(integerControl(someId, "Focus")
+                              .range(0, 9)
+                              .activeOnlyWhen(V4L2_CID_FOCUS_AUTO, 0)));
     EXPECT_EQ(set(5), EACCES);
     EXPECT_EQ(_camera->controlFlags(someId), static_cast<unsigned>(V4L2_CTRL_FLAG_INACTIVE));
     EXPECT_EQ(set(0, V4L2_CID_FOCUS_AUTO), 0);
@@ -361,7 +362,8 @@ TEST_F(ControlTest, HidesPrivateControlsFromPlainCallsAsKernelsDo)
     EXPECT_EQ(transfer(VIDIOC_G_EXT_CTRLS, control), 0);
     EXPECT_EQ(control.value, 3);
     EXPECT_EQ(transfer(VIDIOC_G_EXT_CTRLS, control, V4L2_CID_PRIVATE_BASE), 0);
-    open(aCamera().withControl(integerControl(id, "Private").range(0, 9).currently(3))
+    open(aCamera()
+             .withControl(integerControl(id, "Private").range(0, 9).currently(3))
              .withPlainPrivateControls());
     EXPECT_EQ(get(value, id), 0);
     EXPECT_EQ(value, 3);

@@ -64,7 +64,8 @@ protected:
     }
 
     InstalledCamera _camera =
-        aCamera().withExtensionUnit(unit, {selector(1, 1), selector(20, 8), selector(3, 4)})
+        aCamera()
+            .withExtensionUnit(unit, {selector(1, 1), selector(20, 8), selector(3, 4)})
             .install();
     Client _client;
 };

@@ -62,7 +62,8 @@ TEST(FaultTest, FailsToOpen)
 
 TEST(FaultTest, ClosesAllTheSameUnlessInterrupted)
 {
-    auto const camera = promptCamera().failing(Call::Close, EINTR).failing(Call::Close, EIO, 2).install();
+    auto const camera =
+        promptCamera().failing(Call::Close, EINTR).failing(Call::Close, EIO, 2).install();
     Client client;
     int const descriptor = client.descriptor();
     EXPECT_EQ(v4l2_close(descriptor), -1);
@@ -128,8 +129,12 @@ TEST(FaultTest, LiesAboutTheDequeuedBuffer)
 
 TEST(FaultTest, DelaysALateFrame)
 {
-    auto const camera = aCamera().withFormat("GREY").withSize(16, 16).withInterval(1, 100)
-                            .withLateFrame(0, 150).install();
+    auto const camera = aCamera()
+                            .withFormat("GREY")
+                            .withSize(16, 16)
+                            .withInterval(1, 100)
+                            .withLateFrame(0, 150)
+                            .install();
     Client client;
     auto const start = std::chrono::steady_clock::now();
     ASSERT_EQ(client.start(2), 0);

@@ -135,8 +135,7 @@ TEST(FormatTest, TakesTheNearestInterval)
     parameters.parm.capture.timeperframe = {1, 17};
     ASSERT_EQ(client.call(VIDIOC_S_PARM, parameters), 0);
     EXPECT_EQ(parameters.parm.capture.timeperframe.denominator, 15u);
-    EXPECT_EQ(parameters.parm.capture.capability,
-              static_cast<unsigned>(V4L2_CAP_TIMEPERFRAME));
+    EXPECT_EQ(parameters.parm.capture.capability, static_cast<unsigned>(V4L2_CAP_TIMEPERFRAME));
     parameters.parm.capture.timeperframe = {0, 0};
     ASSERT_EQ(client.call(VIDIOC_S_PARM, parameters), 0);
     EXPECT_EQ(parameters.parm.capture.timeperframe.denominator, 30u);

@@ -79,8 +79,10 @@ TEST(JsonTest, ReadsACamera)
 TEST(JsonTest, WritesWhatItReads)
 {
     CameraBuilder builder = promptCamera();
-    builder.withControl(stringControl(V4L2_CID_USER_BASE | 0x1000, "Text").range(1, 5).currently("x"))
-        .withControl(integerMenuControl(V4L2_CID_USER_BASE | 0x1001, "Menu").withItem(1, std::int64_t{4}))
+    builder
+        .withControl(stringControl(V4L2_CID_USER_BASE | 0x1000, "Text").range(1, 5).currently("x"))
+        .withControl(
+            integerMenuControl(V4L2_CID_USER_BASE | 0x1001, "Menu").withItem(1, std::int64_t{4}))
         .withExtensionUnit({1}, {SelectorScript{}})
         .currentlyEvery(1, 9)
         .withFormat("GREY")
@@ -105,6 +107,8 @@ TEST(JsonTest, SaysWhereItDoesNotUnderstand)
               "characters, unlike \"TOOLONG\"");
     EXPECT_EQ(complaintOf(R"({"cameras": [{"controls": [{"type": "menu", "id": 1}]}]})"),
               "configuration.cameras[0].controls[0]: \"name\" is missing");
+    EXPECT_EQ(complaintOf(R"({"cameras": [{"faults": [{"call": "read"}]}]})"),
+              "configuration.cameras[0].faults[0]: \"errno\" is missing");
     EXPECT_EQ(complaintOf(R"({"cameras": [{"faults": [{"errno": "EWHAT"}]}]})"),
               "configuration.cameras[0].faults[0].errno: \"EWHAT\" is no errno name");
     EXPECT_NE(complaintOf(R"({"cameras": [{"mmap": 3}]})").find("configuration.cameras[0].mmap: "),

@@ -115,8 +115,12 @@ TEST(PatternTest, StandsStillOnRequestAndGivesScriptedBytes)
     EXPECT_EQ(buffer.sequence, 1u);
     EXPECT_EQ(std::memcmp(client.mapped(0), client.mapped(1), buffer.bytesused), 0);
 
-    auto const scripted = aCamera("/dev/video1").withFormat("MJPG").withSize(64, 48)
-                              .withFrameBytes({1, 2, 3}).paced(Pace::Immediate).install();
+    auto const scripted = aCamera("/dev/video1")
+                              .withFormat("MJPG")
+                              .withSize(64, 48)
+                              .withFrameBytes({1, 2, 3})
+                              .paced(Pace::Immediate)
+                              .install();
     Client other("/dev/video1");
     ASSERT_EQ(other.start(1), 0);
     ASSERT_EQ(other.dequeue(buffer), 0);
@@ -127,8 +131,13 @@ TEST(PatternTest, StandsStillOnRequestAndGivesScriptedBytes)
 TEST(PatternTest, NeverWritesBeyondAScriptedLayout)
 {
     for (char const* name : {"YUYV", "NV12", "MJPG"}) {
-        auto const camera = aCamera().withFormat(name).withSize(64, 48).withImageLayout(3, 100)
-                                .paced(Pace::Immediate).offeringUserPointers().install();
+        auto const camera = aCamera()
+                                .withFormat(name)
+                                .withSize(64, 48)
+                                .withImageLayout(3, 100)
+                                .paced(Pace::Immediate)
+                                .offeringUserPointers()
+                                .install();
         Client client;
         std::vector<unsigned char> bytes(100);
         ASSERT_EQ(client.request(1, V4L2_MEMORY_USERPTR), 0);

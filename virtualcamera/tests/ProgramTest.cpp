@@ -54,7 +54,8 @@ TEST(ProgramTest, ListsItsModels)
 {
     Outcome const outcome = run("--list-models");
     EXPECT_EQ(outcome.status, 0);
-    for (char const* model : {"webcam", "vendor", "serial", "all-controls", "user-pointers", "read", "platform"})
+    for (char const* model :
+         {"webcam", "vendor", "serial", "all-controls", "user-pointers", "read", "platform"})
         EXPECT_NE(outcome.output.find(std::string("\n") + model), outcome.output.find(model));
 }
 
@@ -101,8 +102,8 @@ TEST(ProgramTest, TakesCamerasFromAFile)
 
 TEST(ProgramTest, UnplugsACameraWhileItStreams)
 {
-    Outcome const outcome = run("--model webcam --unplug-after 300 " + client +
-                                " stream /dev/video0 100000");
+    Outcome const outcome =
+        run("--model webcam --unplug-after 300 " + client + " stream /dev/video0 100000");
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.output.rfind("streaming\nframe 0\n", 0), 0u);
     EXPECT_NE(outcome.output.find("\nENODEV\n"), std::string::npos);

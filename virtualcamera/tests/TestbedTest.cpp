@@ -53,7 +53,8 @@ struct UsbHandle
     libusb_device_handle* handle;
     UsbHandle(Usb& usb, std::uint16_t vendor, std::uint16_t product)
         : handle(libusb_open_device_with_vid_pid(usb.context, vendor, product))
-    {}
+    {
+    }
     ~UsbHandle()
     {
         if (handle != nullptr)
