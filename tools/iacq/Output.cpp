@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <regex>
 
 namespace Iacq
 {
@@ -81,6 +80,25 @@ void replace(std::string const& path, std::vector<unsigned char> const& bytes)
     }
 }
 
+/// Puts the number in the place of a "%d" or "%04d", which has to be the only "%".
+std::string withNumber(std::string const& path, int number)
+{
+    auto const percent = path.find('%');
+    std::size_t end = percent + 1;
+    int width = 1;
+    if (path.compare(end, 1, "0") == 0 && end + 1 < path.size() && path[end + 1] >= '1' &&
+        path[end + 1] <= '9') {
+        width = path[end + 1] - '0';
+        end += 2;
+    }
+    if (path.compare(end, 1, "d") != 0 || path.find('%', end) != std::string::npos) {
+        throw Failure(BadUsage, "'" + path + "' may hold one %d or %04d and no other '%'");
+    }
+    char text[32];
+    std::snprintf(text, sizeof text, "%0*d", width, number);
+    return path.substr(0, percent) + text + path.substr(end + 1);
+}
+
 } // namespace
 
 void writeFile(std::string const& path, std::vector<unsigned char> const& bytes)
@@ -98,18 +116,8 @@ void writeFile(std::string const& path, std::vector<unsigned char> const& bytes)
 
 std::string numberedPath(std::string const& path, int number, int count)
 {
-    static std::regex const pattern("%(0[1-9])?d");
     if (path.find('%') != std::string::npos) {
-        std::smatch match;
-        bool const found = std::regex_search(path, match, pattern);
-        std::string const rest = found ? match.prefix().str() + match.suffix().str() : path;
-        if (rest.find('%') != std::string::npos) {
-            throw Failure(BadUsage, "'" + path + "' may hold one %d or %04d and no other '%'");
-        }
-        char text[32];
-        int const width = match[1].matched ? std::stoi(match[1].str()) : 1;
-        std::snprintf(text, sizeof text, "%0*d", width, number);
-        return match.prefix().str() + text + match.suffix().str();
+        return withNumber(path, number);
     }
     if (count <= 1 || path == "-") {
         return path;
