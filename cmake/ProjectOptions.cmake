@@ -38,4 +38,9 @@ if(IMAGEACQUISITION_SANITIZE)
   add_compile_options(-fsanitize=${IMAGEACQUISITION_SANITIZE} -fno-omit-frame-pointer
                       -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${IMAGEACQUISITION_SANITIZE})
+  # The check of virtual tables looks at memory through a pipe of its own for each object, and calls
+  # every object broken when there is none. Tests run the process out of descriptors on purpose.
+  if(IMAGEACQUISITION_SANITIZE MATCHES "undefined")
+    add_compile_options(-fno-sanitize=vptr)
+  endif()
 endif()
