@@ -167,8 +167,11 @@ TEST_F(UsbIdentity, LeavesNoDescriptorBehind)
     machine.add(0, machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3")));
     describe();
     int const before = openDescriptors();
-    describe();
-    EXPECT_EQ(before, openDescriptors());
+    for (int round = 0; round < 5; ++round) {
+        describe();
+    }
+    // The made-up machine's own thread may have closed one of its connections meanwhile.
+    EXPECT_LE(openDescriptors(), before);
 }
 
 /// The exception that @p action throws.

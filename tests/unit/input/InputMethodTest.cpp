@@ -180,7 +180,8 @@ TEST_F(InputMethodBase, WaitsForTheRestOfItsTimeAfterASignal)
     EXPECT_FALSE(method->dataAvailable(0, 200000));
     EXPECT_GE(watch.seconds(), 0.19);
     EXPECT_LT(watch.seconds(), 1);
-    EXPECT_GT(Interruptions::count, 1);
+    // The thread sanitizer holds handlers back until the wait is over, and runs only one then.
+    EXPECT_GE(Interruptions::count, 1);
 }
 
 TEST_F(InputMethodBase, WaitsForADescriptorBeyondAnFdSet)
