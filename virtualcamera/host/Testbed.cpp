@@ -27,7 +27,7 @@ extern "C" char const* __tsan_default_suppressions()
            "called_from_lib:libglib-2.0.so.0\n"
            "called_from_lib:libgobject-2.0.so.0\n"
            "called_from_lib:libgio-2.0.so.0\n"
-           "race:libudev.so.1\n";
+           "race_top:getrandom\n";
 }
 #endif
 
