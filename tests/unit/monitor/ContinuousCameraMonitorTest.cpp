@@ -211,14 +211,14 @@ TEST_F(ContinuousCameraMonitorTest, OneMonitorsCallbackMayStopAnother)
 TEST_F(ContinuousCameraMonitorTest, EventAtTheMomentOfAStopIsNotDelivered)
 {
     ASSERT_TRUE(monitor.startMonitoring(client));
-    int const pauses = UdevHook::pauses(50000);
+    int const pauses = UdevHook::stopPauses();
     HeldThread const held(UdevHook::Place::DeviceNode);
     machine.addVideoNode("video0");
     ASSERT_TRUE(HeldThread::awaitArrival());
     std::atomic<bool> stopped{false};
     std::thread stopping([&] { stopped = monitor.stopMonitoring(); });
     // By then the stop has been requested.
-    while (UdevHook::pauses(50000) == pauses) {
+    while (UdevHook::stopPauses() == pauses) {
         std::this_thread::yield();
     }
     HeldThread::release();
