@@ -10,17 +10,26 @@
 
 #include <atomic>
 #include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
 
 namespace
 {
 
 std::atomic<bool> isStraight{false};
 
-/// The function of this name in libv4l2.
+/// The function of this name in libv4l2. It is opened by hand: since nothing of it seems to be used
+/// here, a linker may leave it out.
 template <typename Function>
 Function* libraryFunction(Function* /*ours*/, const char* name)
 {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+    static void* const library = dlopen("libv4l2.so.0", RTLD_NOW);
+    void* const address = library == nullptr ? nullptr : dlsym(library, name);
+    if (address == nullptr) {
+        std::fprintf(stderr, "libv4l2 has no %s: %s\n", name, dlerror());
+        std::abort();
+    }
+    return reinterpret_cast<Function*>(address);
 }
 
 } // namespace

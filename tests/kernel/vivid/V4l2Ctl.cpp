@@ -163,8 +163,8 @@ ControlKeeper::ControlKeeper(std::string node) : _node(std::move(node))
     for (const ListedControl& control : parseControls(v4l2Ctl(_node, "--list-ctrls"))) {
         if (kept.count(control.type) != 0 && control.flags.count("read-only") == 0 &&
             control.flags.count("inactive") == 0) {
-            _settings += (_settings.empty() ? "" : ",") + control.name + "=" +
-                         control.fields.at("value");
+            _settings +=
+                (_settings.empty() ? "" : ",") + control.name + "=" + control.fields.at("value");
         }
     }
 }

@@ -16,7 +16,7 @@ using namespace ImageAcquisition;
 namespace KernelTest
 {
 
-Camera openCamera(const std::string& node)
+CameraPointer openCamera(const std::string& node)
 {
     DeviceStub record;
     record.card = "vivid";
@@ -24,13 +24,13 @@ Camera openCamera(const std::string& node)
     record.node = node.c_str();
     record.vendor = "";
     record.product = "";
-    return Camera(ICameraFactory::getUniqueInstance().createBlockingCamera(&record));
+    return CameraPointer(ICameraFactory::getUniqueInstance().createBlockingCamera(&record));
 }
 
 void showStillPicture(const std::string& node)
 {
     v4l2Ctl(node, "--set-ctrl=test_pattern=0,osd_text_mode=2,horizontal_movement=3,"
-                  "vertical_movement=3,show_border=0,show_square=0");
+                  "vertical_movement=3,show_border=0,show_square=0,timestamp_source=1");
 }
 
 bool selectSmall(IBlockingCamera& camera, const char* format)
@@ -46,8 +46,7 @@ Bytes bytesOf(const IFrame& frame)
 Bytes capturedByV4l2Ctl(const std::string& node, unsigned count)
 {
     const std::string file = "/tmp/vivid-frames";
-    v4l2Ctl(node, "--stream-mmap --stream-count=" + std::to_string(count) +
-                      " --stream-to=" + file);
+    v4l2Ctl(node, "--stream-mmap --stream-count=" + std::to_string(count) + " --stream-to=" + file);
     std::ifstream stream(file, std::ios::binary);
     return Bytes(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
 }

@@ -12,7 +12,7 @@
 namespace KernelTest
 {
 
-using Camera = std::unique_ptr<ImageAcquisition::IBlockingCamera>;
+using CameraPointer = std::unique_ptr<ImageAcquisition::IBlockingCamera>;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr const char* firstNode = "/dev/video0";
@@ -20,9 +20,10 @@ constexpr const char* secondNode = "/dev/video1";
 
 /// A camera made by the factory from a record of the test's own, since nothing of USB stands behind
 /// a vivid node, which the library's own records ask for.
-Camera openCamera(const std::string& node = firstNode);
+CameraPointer openCamera(const std::string& node = firstNode);
 
-/// vivid's picture without movement and text, so that all frames are alike.
+/// vivid's picture without movement and text, so that all frames are alike, and frames stamped when
+/// they begin: stamps of their end lie nine tenths of an interval in the future.
 void showStillPicture(const std::string& node = firstNode);
 
 /// 320x180 at 25 frames a second in a format.

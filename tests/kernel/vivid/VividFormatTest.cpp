@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+#include "V4l2Ctl.h"
+#include "VividCamera.h"
+
+#include <IFramePeriod.h>
+#include <IFrameSize.h>
+#include <IImageFormat.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+using namespace ImageAcquisition;
+using namespace KernelTest;
+
+namespace
+{
+
+/// The library gives the four bytes as they are; v4l2-ctl takes the bit for the byte order out.
+std::string printedCode(const IImageFormat& format)
+{
+    std::string code = format.name();
+    const auto last = static_cast<unsigned char>(code.at(3));
+    if (last < 0x80) {
+        return code;
+    }
+    code[3] = static_cast<char>(last & 0x7f);
+    return code + "-BE";
+}
+
+std::string printedInterval(const IFramePeriod& period)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%.3fs (%.3f fps)",
+                  1.0 * period.numerator() / period.denominator(),
+                  1.0 * period.denominator() / period.numerator());
+    return text;
+}
+
+void expectSameSize(const IFrameSize& size, const ListedSize& listed)
+{
+    EXPECT_FALSE(size.isInvalid());
+    EXPECT_EQ(size.width(), listed.width);
+    EXPECT_EQ(size.height(), listed.height);
+    ASSERT_EQ(size.periodNumber(), static_cast<int>(listed.intervals.size()));
+    for (int i = 0; i < size.periodNumber(); ++i) {
+        EXPECT_EQ(printedInterval(*size.period(i)), listed.intervals[static_cast<std::size_t>(i)]);
+    }
+}
+
+void expectSameFormat(const IImageFormat& format, const ListedFormat& listed)
+{
+    SCOPED_TRACE(listed.code);
+    EXPECT_EQ(printedCode(format), listed.code);
+    EXPECT_EQ(format.description(), listed.description);
+    EXPECT_EQ(format.isCompressed(), listed.flags.count("compressed") != 0);
+    EXPECT_EQ(format.isEmulated(), listed.flags.count("emulated") != 0);
+    ASSERT_EQ(format.sizeNumber(), static_cast<int>(listed.sizes.size()));
+    for (int i = 0; i < format.sizeNumber(); ++i) {
+        expectSameSize(*format.frameSize(i), listed.sizes[static_cast<std::size_t>(i)]);
+    }
+}
+
+/// The format, size, line length and interval that v4l2-ctl reports as set.
+std::string printedSelection()
+{
+    return v4l2Ctl(firstNode, "--get-fmt-video --get-parm");
+}
+
+void expectPrinted(const std::string& text, const std::string& wanted)
+{
+    EXPECT_NE(text.find(wanted), std::string::npos) << wanted << " is not in\n" << text;
+}
+
+std::string printed(const char* label, const std::string& value)
+{
+    return std::string(label) + value;
+}
+
+/// vivid's other inputs have ranges of sizes.
+class OtherInput
+{
+public:
+    explicit OtherInput(int number) { select(number); }
+    ~OtherInput() { select(0); }
+    OtherInput(const OtherInput&) = delete;
+    OtherInput& operator=(const OtherInput&) = delete;
+
+private:
+    static void select(int number) { v4l2Ctl(firstNode, "-i " + std::to_string(number)); }
+};
+
+} // namespace
+
+TEST(VividFormats, AreThoseThatV4l2CtlListsInEveryField)
+{
+    const CameraPointer camera = openCamera();
+    const std::vector<ListedFormat> listed = listFormats(firstNode);
+    ASSERT_GT(listed.size(), 10U);
+    ASSERT_EQ(camera->formatNumber(), static_cast<int>(listed.size()));
+    for (int i = 0; i < camera->formatNumber(); ++i) {
+        expectSameFormat(*camera->format(i), listed[static_cast<std::size_t>(i)]);
+    }
+}
+
+TEST(VividFormats, EndWithTheInvalidOne)
+{
+    const CameraPointer camera = openCamera();
+    EXPECT_TRUE(camera->format(camera->formatNumber())->isInvalid());
+    EXPECT_TRUE(camera->format(0)->frameSize(camera->format(0)->sizeNumber())->isInvalid());
+    EXPECT_FALSE(camera->setCurrentImageFormat(camera->formatNumber(), 0, 0));
+    EXPECT_FALSE(camera->setCurrentImageFormat("NONE", 320, 180, 1, 25));
+    EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 321, 180, 1, 25));
+    EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 320, 180, 1, 26));
+}
+
+TEST(VividFormats, EachOneIsSelectedAndReadBack)
+{
+    const CameraPointer camera = openCamera();
+    for (int i = 0; i < camera->formatNumber(); ++i) {
+        const IImageFormat* const format = camera->format(i);
+        SCOPED_TRACE(printedCode(*format));
+        const int size = i % format->sizeNumber();
+        const int interval = i % format->frameSize(size)->periodNumber();
+        ASSERT_TRUE(camera->setCurrentImageFormat(i, size, interval));
+        EXPECT_EQ(camera->currentImageFormat(), format);
+        EXPECT_EQ(camera->currentFrameSize(), format->frameSize(size));
+        EXPECT_EQ(camera->currentFrameInterval(), format->frameSize(size)->period(interval));
+    }
+}
+
+TEST(VividFormats, EachSizeAndIntervalIsSelectedAndReadBack)
+{
+    const CameraPointer camera = openCamera();
+    const IImageFormat* const format = camera->format(1);
+    for (int size = 0; size < format->sizeNumber(); ++size) {
+        for (int interval = 0; interval < format->frameSize(size)->periodNumber(); ++interval) {
+            ASSERT_TRUE(camera->setCurrentImageFormat(1, size, interval));
+            EXPECT_EQ(camera->currentFrameSize(), format->frameSize(size));
+            EXPECT_EQ(camera->currentFrameInterval(), format->frameSize(size)->period(interval));
+        }
+    }
+}
+
+TEST(VividFormats, WhatIsSelectedByIndexIsWhatV4l2CtlReports)
+{
+    const CameraPointer camera = openCamera();
+    ASSERT_STREQ(camera->format(1)->name(), "UYVY");
+    ASSERT_TRUE(camera->setCurrentImageFormat(1, 2, 4));
+    const std::string text = printedSelection();
+    expectPrinted(text, "Width/Height      : 640/480");
+    expectPrinted(text, "Pixel Format      : 'UYVY'");
+    expectPrinted(text, printed("Bytes per Line    : ",
+                                std::to_string(camera->currentFrameSize()->bytesPerLine())));
+    expectPrinted(text, "Frames per second: 10.000 (10/1)");
+    EXPECT_EQ(camera->currentFrameSize()->bytesPerLine(), 640 * 2);
+}
+
+TEST(VividFormats, WhatIsSelectedByNameIsWhatV4l2CtlReports)
+{
+    const CameraPointer camera = openCamera();
+    ASSERT_TRUE(camera->setCurrentImageFormat("GREY", 1280, 720, 2, 25));
+    const std::string text = printedSelection();
+    expectPrinted(text, "Width/Height      : 1280/720");
+    expectPrinted(text, "Pixel Format      : 'GREY'");
+    expectPrinted(text, "Frames per second: 12.500 (25/2)");
+}
+
+TEST(VividFormats, WhatV4l2CtlSelectsIsReadByACameraOpenedLater)
+{
+    v4l2Ctl(firstNode, "--set-fmt-video=width=640,height=360,pixelformat=NV12 --set-parm=15");
+    const CameraPointer camera = openCamera();
+    EXPECT_STREQ(camera->currentImageFormat()->name(), "NV12");
+    EXPECT_EQ(camera->currentFrameSize()->width(), 640U);
+    EXPECT_EQ(camera->currentFrameSize()->height(), 360U);
+    EXPECT_EQ(camera->currentFrameInterval()->numerator(), 1U);
+    EXPECT_EQ(camera->currentFrameInterval()->denominator(), 15U);
+}
+
+TEST(VividFormats, WhatV4l2CtlSelectsIsNotSeenByAnOpenCamera)
+{
+    const CameraPointer camera = openCamera();
+    ASSERT_TRUE(selectSmall(*camera));
+    v4l2Ctl(firstNode, "--set-fmt-video=width=640,height=360,pixelformat=NV12");
+    // libv4l2 answers from its own memory.
+    EXPECT_STREQ(camera->currentImageFormat()->name(), "YUYV");
+    EXPECT_EQ(camera->currentFrameSize()->width(), 320U);
+    ASSERT_TRUE(selectSmall(*camera));
+    const Stream stream(*camera, 2);
+    EXPECT_EQ(camera->acquireFrame()->bytesUsed(), smallSize);
+}
+
+TEST(VividFormats, ARangeOfSizesMakesNoListAndNoSelection)
+{
+    const OtherInput television(1);
+    const CameraPointer camera = openCamera();
+    ASSERT_GT(camera->formatNumber(), 10);
+    for (int i = 0; i < camera->formatNumber(); ++i) {
+        EXPECT_EQ(camera->format(i)->sizeNumber(), 0) << i;
+    }
+    EXPECT_FALSE(camera->currentImageFormat()->isInvalid());
+    EXPECT_TRUE(camera->currentFrameSize()->isInvalid());
+    EXPECT_TRUE(camera->currentFrameInterval()->isInvalid());
+    EXPECT_FALSE(camera->setCurrentImageFormat(0, 0, 0));
+}

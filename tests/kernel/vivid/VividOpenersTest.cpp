@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+#include "DescriptorCount.h"
+#include "Shell.h"
+#include "V4l2Ctl.h"
+#include "VividCamera.h"
+
+#include <ICameraControl.h>
+#include <ICameraFactory.h>
+#include <IDevice.h>
+#include <IDeviceList.h>
+#include <IImageFormat.h>
+#include <factory/HelperV4l2.h>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <libv4l2.h>
+#include <stdexcept>
+
+using namespace ImageAcquisition;
+using namespace KernelTest;
+
+namespace
+{
+
+/// As many openings of a node as libv4l2 allows one process, which it counts by itself.
+class FullTable
+{
+public:
+    FullTable()
+    {
+        for (int fd; (fd = ::v4l2_open(firstNode, O_RDWR | O_NONBLOCK)) != -1;) {
+            _descriptors.push_back(fd);
+        }
+    }
+    ~FullTable()
+    {
+        for (const int fd : _descriptors) {
+            HelperV4l2::close(fd);
+        }
+    }
+    FullTable(const FullTable&) = delete;
+    FullTable& operator=(const FullTable&) = delete;
+
+    std::size_t size() const { return _descriptors.size(); }
+
+private:
+    std::vector<int> _descriptors;
+};
+
+std::string thrownText(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const std::invalid_argument& error) {
+        return error.what();
+    }
+    return "nothing";
+}
+
+} // namespace
+
+TEST(VividFactory, ANodeWithoutUsbParentThrowsInSingleCreation)
+{
+    const ICameraFactory& factory = ICameraFactory::getUniqueInstance();
+    EXPECT_EQ(thrownText([&] { std::unique_ptr<IDevice>(factory.createDevice("video0")); }),
+              "stoul");
+}
+
+TEST(VividFactory, ANodeWithoutUsbParentThrowsInEnumeration)
+{
+    const ICameraFactory& factory = ICameraFactory::getUniqueInstance();
+    EXPECT_EQ(thrownText([&] { std::unique_ptr<IDeviceList>(factory.createDeviceList()); }),
+              "stoul");
+}
+
+TEST(VividFactory, AnAbsentNodeIsNoDevice)
+{
+    EXPECT_EQ(ICameraFactory::getUniqueInstance().createDevice("video9"), nullptr);
+}
+
+TEST(VividFactory, ACameraOnAnAbsentNodeIsEmptyAndFails)
+{
+    const CameraPointer camera = openCamera("/dev/video9");
+    ASSERT_NE(camera, nullptr);
+    EXPECT_EQ(camera->formatNumber(), 0);
+    EXPECT_EQ(camera->controlNumber(), 0);
+    EXPECT_EQ(camera->setup(4), -1);
+    EXPECT_TRUE(camera->acquireFrame()->isInvalid());
+}
+
+TEST(VividFactory, ACameraLeavesNoDescriptorBehind)
+{
+    const int before = openDescriptors();
+    {
+        const CameraPointer camera = openCamera();
+        ASSERT_TRUE(selectSmall(*camera));
+        const Stream stream(*camera, 4);
+        EXPECT_FALSE(camera->acquireFrame()->isInvalid());
+        EXPECT_GT(openDescriptors(), before);
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(VividOpeners, TheSecondCannotCaptureWhileTheFirstDoes)
+{
+    const CameraPointer first = openCamera();
+    const CameraPointer second = openCamera();
+    ASSERT_TRUE(selectSmall(*first));
+    const Stream stream(*first, 4);
+
+    EXPECT_FALSE(selectSmall(*second, "GREY"));
+    EXPECT_EQ(second->setup(4), -1);
+    EXPECT_EQ(second->startCapture(), -1);
+    EXPECT_TRUE(second->acquireFrame()->isInvalid());
+    // libv4l2 has no stream of the second to turn off, which it calls a success.
+    EXPECT_EQ(second->stopCapture(), 0);
+    EXPECT_EQ(second->cleanup(), 0);
+
+    for (int i = 0; i < 10; ++i) {
+        IFrame* const frame = first->acquireFrame();
+        ASSERT_FALSE(frame->isInvalid()) << "the second disturbed the first, frame " << i;
+        EXPECT_EQ(first->releaseFrame(frame), 0);
+    }
+}
+
+TEST(VividOpeners, OneThatOpensWhileAnotherStreamsSeesEverythingAndCapturesLater)
+{
+    const CameraPointer first = openCamera();
+    ASSERT_TRUE(selectSmall(*first));
+    CameraPointer second;
+    {
+        const Stream stream(*first, 4);
+        second = openCamera();
+        ASSERT_NE(second, nullptr);
+        EXPECT_EQ(second->formatNumber(), first->formatNumber());
+        EXPECT_EQ(second->controlNumber(), first->controlNumber());
+        EXPECT_STREQ(second->currentImageFormat()->name(), "YUYV");
+        IFrame* const frame = first->acquireFrame();
+        EXPECT_FALSE(frame->isInvalid());
+    }
+    const Stream stream(*second, 4);
+    EXPECT_FALSE(second->acquireFrame()->isInvalid());
+}
+
+TEST(VividOpeners, AnotherProgramIsKeptOut)
+{
+    const CameraPointer camera = openCamera();
+    ASSERT_TRUE(selectSmall(*camera));
+    const Stream stream(*camera, 4);
+    const CommandResult other =
+        runShell("v4l2-ctl -d /dev/video0 --stream-mmap --stream-count=1 --stream-to=/dev/null");
+    EXPECT_NE(other.output.find("Device or resource busy"), std::string::npos) << other.output;
+    EXPECT_FALSE(camera->acquireFrame()->isInvalid());
+}
+
+TEST(VividOpeners, TheSeventeenthOpeningInAProcessIsAnEmptyCamera)
+{
+    {
+        const FullTable table;
+        EXPECT_EQ(table.size(), 16U);
+        const CameraPointer camera = openCamera();
+        ASSERT_NE(camera, nullptr);
+        EXPECT_EQ(camera->formatNumber(), 0);
+        EXPECT_EQ(camera->controlNumber(), 0);
+        EXPECT_EQ(camera->setup(4), -1);
+        EXPECT_TRUE(camera->acquireFrame()->isInvalid());
+    }
+    EXPECT_GT(openCamera()->formatNumber(), 0);
+}
