@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#include "BackgroundCommand.h"
+
+#include "Shell.h"
+
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace KernelTest
+{
+
+BackgroundCommand::BackgroundCommand(const std::string& line)
+{
+    char file[] = "/tmp/background-XXXXXX";
+    ::close(::mkstemp(file));
+    _file = file;
+    const std::string text = "exec < /dev/null > " + _file + " 2>&1; exec " + line;
+    const char* const arguments[] = {"sh", "-c", text.c_str(), nullptr};
+    if (::posix_spawn(&_process, "/bin/sh", nullptr, nullptr, const_cast<char**>(arguments),
+                      environ) != 0) {
+        throw std::runtime_error("cannot start " + line);
+    }
+}
+
+BackgroundCommand::~BackgroundCommand()
+{
+    if (_process != -1) {
+        signal(SIGKILL);
+        ::waitpid(_process, nullptr, 0);
+    }
+    ::unlink(_file.c_str());
+}
+
+std::string BackgroundCommand::output() const
+{
+    return readFile(_file);
+}
+
+void BackgroundCommand::signal(int number) const
+{
+    ::kill(_process, number);
+}
+
+int BackgroundCommand::wait()
+{
+    int status = 0;
+    if (!waitFor([&] { return ::waitpid(_process, &status, WNOHANG) == _process; })) {
+        return -1;
+    }
+    _process = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+} // namespace KernelTest

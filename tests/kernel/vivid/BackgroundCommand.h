@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <sys/types.h>
+
+namespace KernelTest
+{
+
+/// A shell command that runs beside the test; it is ended with it.
+class BackgroundCommand
+{
+public:
+    /// Standard output and standard error go to a file.
+    explicit BackgroundCommand(const std::string& line);
+    ~BackgroundCommand();
+    BackgroundCommand(const BackgroundCommand&) = delete;
+    BackgroundCommand& operator=(const BackgroundCommand&) = delete;
+
+    /// The command's own process id.
+    pid_t process() const { return _process; }
+
+    /// What it has written so far.
+    std::string output() const;
+
+    void signal(int number) const;
+
+    /// Waits until it ends: its exit status, 128 and the signal that ended it, or -1 when it runs
+    /// on.
+    int wait();
+
+private:
+    std::string _file;
+    pid_t _process = -1;
+};
+
+} // namespace KernelTest

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "BackgroundCommand.h"
+#include "Shell.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+using namespace KernelTest;
+using Json = nlohmann::json;
+
+namespace
+{
+
+std::string tool()
+{
+    return std::string(std::getenv("KERNEL_TEST_BUILD")) + "/tools/iacq/iacq";
+}
+
+/// Whether a process has joined udev's multicast group: its events reach it from then on.
+bool listensToUdev(pid_t process)
+{
+    std::ifstream table("/proc/net/netlink");
+    std::string line;
+    while (std::getline(table, line)) {
+        std::istringstream words(line);
+        std::string socket;
+        std::string protocol;
+        std::string port;
+        std::string groups;
+        words >> socket >> protocol >> port >> groups;
+        if (protocol == "15" && port == std::to_string(process) && groups == "00000002") {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// `iacq monitor` while vivid comes and goes.
+class MonitorTool : public testing::Test
+{
+protected:
+    void start(const std::string& arguments)
+    {
+        command = std::make_unique<BackgroundCommand>(tool() + " monitor " + arguments);
+        ASSERT_TRUE(waitFor([&] { return listensToUdev(command->process()); }))
+            << command->output();
+    }
+
+    static void comeAndGo()
+    {
+        ASSERT_EQ(
+            runShell("modprobe vivid n_devs=1 node_types=0x1 num_inputs=1 input_types=0").status,
+            0);
+        ASSERT_TRUE(waitFor([] { return runShell("rmmod vivid").status == 0; }));
+    }
+
+    std::vector<std::string> lines() const { return splitLines(command->output()); }
+
+    std::unique_ptr<BackgroundCommand> command;
+};
+
+} // namespace
+
+TEST_F(MonitorTool, PrintsALineForEachEventAndEndsAfterSoMany)
+{
+    start("--count 2 --timeout 120");
+    comeAndGo();
+    EXPECT_EQ(command->wait(), 0);
+    ASSERT_EQ(lines().size(), 2U) << command->output();
+    EXPECT_NE(lines()[0].find(" add /dev/video0 video4linux"), std::string::npos) << lines()[0];
+    EXPECT_NE(lines()[1].find(" remove /dev/video0 video4linux"), std::string::npos) << lines()[1];
+}
+
+TEST_F(MonitorTool, PrintsObjectsAndEndsWithCtrlC)
+{
+    start("--json");
+    comeAndGo();
+    ASSERT_TRUE(waitFor([&] { return lines().size() == 2; })) << command->output();
+    const Json added = Json::parse(lines()[0]);
+    EXPECT_EQ(added.at("action"), "add");
+    EXPECT_EQ(added.at("node"), "/dev/video0");
+    EXPECT_EQ(added.at("subsystem"), "video4linux");
+    EXPECT_EQ(Json::parse(lines()[1]).at("action"), "remove");
+    command->signal(SIGINT);
+    EXPECT_EQ(command->wait(), 0);
+    EXPECT_EQ(lines().size(), 2U);
+}
+
+TEST_F(MonitorTool, EndsInTimeWhenNothingHappens)
+{
+    start("--timeout 1");
+    EXPECT_EQ(command->wait(), 0);
+    EXPECT_EQ(command->output(), "");
+}

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+#include "VideoEvents.h"
+
+#include "Shell.h"
+
+#include <ICameraEvent.h>
+#include <ICameraFactory.h>
+
+#include <ctime>
+#include <regex>
+#include <stdexcept>
+
+using namespace ImageAcquisition;
+
+namespace KernelTest
+{
+
+namespace
+{
+
+double monotonicSeconds()
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+VideoEvent recordOf(const ICameraEvent& event)
+{
+    static const char* const actions[] = {"other", "add", "remove", "change", "move"};
+    return {actions[event.type()], event.deviceSystemName(), event.subSystemName(),
+            monotonicSeconds()};
+}
+
+VideoEvents allUdevEvents(const std::string& text)
+{
+    static const std::regex line("UDEV +\\[([0-9.]+)\\] (\\w+) +\\S*/([^/ ]+) \\((\\S+)\\)");
+    VideoEvents events;
+    std::smatch match;
+    for (const std::string& one : splitLines(text)) {
+        if (std::regex_match(one, match, line)) {
+            events.push_back({match[2], "/dev/" + match[3].str(), match[4], std::stod(match[1])});
+        }
+    }
+    return events;
+}
+
+} // namespace
+
+ContinuousWatch::ContinuousWatch()
+    : _monitor(ICameraFactory::getUniqueInstance().createContinuousCameraMonitor())
+{
+    if (!_monitor->startMonitoring(*this)) {
+        throw std::runtime_error("the continuous monitor does not start");
+    }
+}
+
+ContinuousWatch::~ContinuousWatch()
+{
+    _monitor->stopMonitoring();
+}
+
+VideoEvents ContinuousWatch::events() const
+{
+    const std::lock_guard<std::mutex> lock(_mutex);
+    return _events;
+}
+
+void ContinuousWatch::cameraEventReceived(ICameraEvent* event)
+{
+    const std::unique_ptr<ICameraEvent> owned(event);
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _events.push_back(recordOf(*event));
+}
+
+BlockingWatch::BlockingWatch()
+    : _monitor(ICameraFactory::getUniqueInstance().createBlockingCameraMonitor())
+{
+    if (!_monitor->startMonitoring()) {
+        throw std::runtime_error("the blocking monitor does not start");
+    }
+}
+
+BlockingWatch::~BlockingWatch()
+{
+    _monitor->stopMonitoring();
+    if (_thread.joinable()) {
+        _thread.join();
+    }
+}
+
+void BlockingWatch::beginToAsk()
+{
+    _thread = std::thread([this] { ask(); });
+}
+
+void BlockingWatch::ask()
+{
+    const std::unique_ptr<ICameraEvent> event(ICameraFactory::getUniqueInstance().createEvent());
+    while (_monitor->getEvent(event.get())) {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _events.push_back(recordOf(*event));
+    }
+}
+
+VideoEvents BlockingWatch::events() const
+{
+    const std::lock_guard<std::mutex> lock(_mutex);
+    return _events;
+}
+
+UdevadmWatch::UdevadmWatch() : _command("stdbuf -oL udevadm monitor --udev")
+{
+    if (!waitFor([&] { return _command.output().find("UDEV - the event") != std::string::npos; })) {
+        throw std::runtime_error("udevadm monitor does not start");
+    }
+}
+
+VideoEvents UdevadmWatch::events() const
+{
+    VideoEvents events;
+    for (const VideoEvent& event : allUdevEvents(_command.output())) {
+        if (event.subsystem == "video4linux") {
+            events.push_back(event);
+        }
+    }
+    return events;
+}
+
+std::size_t UdevadmWatch::otherEvents() const
+{
+    return allUdevEvents(_command.output()).size() - events().size();
+}
+
+} // namespace KernelTest

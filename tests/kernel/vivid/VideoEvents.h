@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "BackgroundCommand.h"
+
+#include <IBlockingCameraMonitor.h>
+#include <IContinuousCameraMonitor.h>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace KernelTest
+{
+
+struct VideoEvent
+{
+    std::string action; ///< "add", "remove", "change", "move" or "other"
+    std::string node;
+    std::string subsystem;
+    double seconds = 0; ///< when it was seen, on the monotonic clock
+
+    bool isSameAs(const VideoEvent& other) const
+    {
+        return action == other.action && node == other.node;
+    }
+};
+
+using VideoEvents = std::vector<VideoEvent>;
+
+/// Collects what the continuous monitor reports.
+class ContinuousWatch : public ImageAcquisition::IContinuousCameraMonitor::IClient
+{
+public:
+    ContinuousWatch();
+    ~ContinuousWatch() override;
+    VideoEvents events() const;
+    void cameraEventReceived(ImageAcquisition::ICameraEvent* event) override;
+
+private:
+    mutable std::mutex _mutex;
+    VideoEvents _events;
+    std::unique_ptr<ImageAcquisition::IContinuousCameraMonitor> _monitor;
+};
+
+/// Collects what the blocking monitor reports. Monitoring begins at once, asking for events only
+/// when it is told to.
+class BlockingWatch
+{
+public:
+    BlockingWatch();
+    ~BlockingWatch();
+    BlockingWatch(const BlockingWatch&) = delete;
+    BlockingWatch& operator=(const BlockingWatch&) = delete;
+
+    void beginToAsk();
+    VideoEvents events() const;
+
+private:
+    void ask();
+
+    mutable std::mutex _mutex;
+    VideoEvents _events;
+    std::unique_ptr<ImageAcquisition::IBlockingCameraMonitor> _monitor;
+    std::thread _thread;
+};
+
+/// What `udevadm monitor --udev` reports meanwhile.
+class UdevadmWatch
+{
+public:
+    UdevadmWatch();
+
+    /// Those of the subsystem video4linux.
+    VideoEvents events() const;
+    /// How many there were of other subsystems.
+    std::size_t otherEvents() const;
+
+private:
+    BackgroundCommand _command;
+};
+
+} // namespace KernelTest
