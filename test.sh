@@ -36,7 +36,7 @@ ctest_summary() {
 }
 
 # Builds a preset and runs its tests. They wait more than they work, hence more jobs than cores. Many
-# measure time, so one that fails on a busy machine gets a second try; the log tells.
+# measure time, so one that fails on a busy machine gets two more tries; the log tells.
 build_and_test() {
     local preset=$1
     shift
@@ -45,7 +45,7 @@ build_and_test() {
     cmake --build --preset "$preset" -j "$jobs" | { grep -E 'warning|error|FAILED|note:' || true; }
     say "$preset: test"
     local log="build/$preset/tests.log"
-    ctest --preset "$preset" -j $((jobs * 4)) --repeat until-pass:2 >"$log" 2>&1 ||
+    ctest --preset "$preset" -j $((jobs * 4)) --repeat until-pass:3 >"$log" 2>&1 ||
         grep -vE '^ *[0-9]+/[0-9]+ Test .*Passed|^ *Start ' "$log" || true
     local summary
     grep -E '^ *Test +#?[0-9]*:? .*Failed|\*\*\*Failed|\*\*\*Timeout' "$log" | sed 's/ \.\.\.*/ ... /' || true
