@@ -1,15 +1,17 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Sets everything up and runs every test. --quick leaves out the virtual machine and the builds with
-# sanitizers, so that it is done within minutes.
+# sanitizers, so that it is done within minutes; --clean-root only builds the packages and tries them
+# and the README in clean roots.
 set -euo pipefail
 cd "$(dirname "$0")"
 
-quick=false
+quick=false only_clean_root=false
 for argument in "$@"; do
     case "$argument" in
         --quick) quick=true ;;
-        *) echo "usage: ./test.sh [--quick]" >&2; exit 2 ;;
+        --clean-root) only_clean_root=true ;;
+        *) echo "usage: ./test.sh [--quick | --clean-root]" >&2; exit 2 ;;
     esac
 done
 
@@ -54,11 +56,22 @@ build_and_test() {
     count "$summary"
 }
 
+# Each root starts from nothing: this is where a missing package in a list shows.
+clean_root() {
+    say "packages: build, and try them and the README in clean roots"
+    scripts/install-packages build tools virtualcamera docs package
+    mkdir -p build
+    tests/package/run | tee build/package-tests.log || true
+    count "$(cat build/package-tests.log)"
+}
+
 groups=(build tools virtualcamera tests docs)
 $quick || groups+=(kernel)
-scripts/install-packages "${groups[@]}"
+$only_clean_root || scripts/install-packages "${groups[@]}"
 
-if $quick; then
+if $only_clean_root; then
+    clean_root
+elif $quick; then
     build_and_test release -DIMAGEACQUISITION_BUILD_KERNEL_TESTS=OFF
     echo "The virtual machine and the sanitizers were left out (--quick)."
 else
