@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fcntl.h>
 #include <libv4l2.h>
 #include <stdexcept>
@@ -72,6 +73,19 @@ TEST(VividFactory, ANodeWithoutUsbParentThrowsInEnumeration)
     const ICameraFactory& factory = ICameraFactory::getUniqueInstance();
     EXPECT_EQ(thrownText([&] { std::unique_ptr<IDeviceList>(factory.createDeviceList()); }),
               "stoul");
+}
+
+TEST(VividFactory, TheToolSaysWhichNodesHaveNoUsbParent)
+{
+    const std::string tool = std::string(std::getenv("KERNEL_TEST_BUILD")) + "/tools/iacq/iacq";
+    const CommandResult list = runShell(tool + " list");
+    EXPECT_EQ(list.status, 1);
+    EXPECT_EQ(splitLines(list.output).size(), 1U) << list.output;
+    EXPECT_NE(list.output.find(firstNode), std::string::npos) << list.output;
+    EXPECT_NE(list.output.find(secondNode), std::string::npos) << list.output;
+    const CommandResult show = runShell(tool + " show video1");
+    EXPECT_EQ(show.status, 1);
+    EXPECT_NE(show.output.find(secondNode), std::string::npos) << show.output;
 }
 
 TEST(VividFactory, AnAbsentNodeIsNoDevice)
