@@ -13,6 +13,9 @@ namespace Iacq
 namespace
 {
 
+/// No camera has more; the header of a broken picture may claim 4 thousand millions.
+constexpr std::size_t mostPixels = 1U << 28;
+
 struct DecoderDeleter
 {
     void operator()(void* decoder) const { tjDestroy(decoder); }
@@ -32,6 +35,9 @@ RgbImage decodeJpeg(unsigned char const* data, std::size_t size)
         throw Failure(NoFrame, "the frame is no JPEG picture");
     }
     RgbImage image{static_cast<unsigned int>(width), static_cast<unsigned int>(height), {}};
+    if (std::size_t(image.width) * image.height > mostPixels) {
+        throw Failure(NoFrame, "the frame is a broken JPEG picture: its size is absurd");
+    }
     image.pixels.resize(3 * std::size_t(image.width) * image.height);
     if (tjDecompress2(decoder.get(), data, size, image.pixels.data(), width, 0, height, TJPF_RGB,
                       0) != 0 &&

@@ -76,21 +76,21 @@ void greyLine(Line line, Pixel out, unsigned int width)
 /// A format whose lines stand for themselves.
 struct PackedFormat
 {
-    unsigned int (*bytesInLine)(unsigned int width);
+    std::size_t (*bytesInLine)(std::size_t width);
     void (*convertLine)(Line line, Pixel out, unsigned int width);
 };
 
-unsigned int pairs(unsigned int width)
+std::size_t pairs(std::size_t width)
 {
     return (width + 1) / 2 * 4;
 }
 
-unsigned int triples(unsigned int width)
+std::size_t triples(std::size_t width)
 {
     return 3 * width;
 }
 
-unsigned int singles(unsigned int width)
+std::size_t singles(std::size_t width)
 {
     return width;
 }
@@ -117,7 +117,8 @@ ChromaLayout chromaLayout(std::string const& format, std::size_t stride, std::si
 {
     std::size_t const luma = stride * height;
     if (format == "NV12") {
-        return {luma, luma + 1, stride, 2};
+        // Pairs of bytes: an odd line needs one more than its luma has.
+        return {luma, luma + 1, (stride + 1) / 2 * 2, 2};
     }
     std::size_t const half = (stride + 1) / 2;
     std::size_t const plane = half * ((height + 1) / 2);
@@ -140,20 +141,30 @@ void demand(FrameView const& frame, std::size_t bytes)
     }
 }
 
-void convertPacked(FrameView const& frame, RgbImage& image)
+/// Not before the frame has shown its bytes: a size that is made up may not fit into memory.
+RgbImage blankImage(FrameView const& frame)
+{
+    RgbImage image{frame.width, frame.height, {}};
+    image.pixels.resize(3 * std::size_t(frame.width) * frame.height);
+    return image;
+}
+
+RgbImage convertPacked(FrameView const& frame)
 {
     PackedFormat const& format = packedFormats().at(frame.format);
     std::size_t const used = format.bytesInLine(frame.width);
     std::size_t const stride = std::max<std::size_t>(frame.bytesPerLine, used);
     // The last line need not be padded.
     demand(frame, stride * (frame.height - 1) + used);
+    RgbImage image = blankImage(frame);
     for (std::size_t y = 0; y < frame.height; ++y) {
         format.convertLine(frame.data + y * stride,
                            image.pixels.data() + y * 3 * std::size_t(frame.width), frame.width);
     }
+    return image;
 }
 
-void convertPlanar(FrameView const& frame, RgbImage& image)
+RgbImage convertPlanar(FrameView const& frame)
 {
     std::size_t const stride = std::max(frame.bytesPerLine, frame.width);
     ChromaLayout const chroma = chromaLayout(frame.format, stride, frame.height);
@@ -161,6 +172,7 @@ void convertPlanar(FrameView const& frame, RgbImage& image)
     std::size_t const lastPixel = (frame.width - 1) / 2 * std::size_t(chroma.step);
     demand(frame,
            std::max(chroma.uStart, chroma.vStart) + lastLine * chroma.stride + lastPixel + 1);
+    RgbImage image = blankImage(frame);
     for (std::size_t y = 0; y < frame.height; ++y) {
         Line const u = frame.data + chroma.uStart + y / 2 * chroma.stride;
         Line const v = frame.data + chroma.vStart + y / 2 * chroma.stride;
@@ -170,6 +182,7 @@ void convertPlanar(FrameView const& frame, RgbImage& image)
                    v[x / 2 * chroma.step]);
         }
     }
+    return image;
 }
 
 bool isJpeg(std::string const& format)
@@ -196,14 +209,7 @@ RgbImage toRgb(FrameView const& frame)
     if (frame.width == 0 || frame.height == 0) {
         throw Failure(CameraFailed, "the camera does not tell the size of its frames");
     }
-    RgbImage image{frame.width, frame.height, {}};
-    image.pixels.resize(3 * std::size_t(frame.width) * frame.height);
-    if (isPlanar(frame.format)) {
-        convertPlanar(frame, image);
-    } else {
-        convertPacked(frame, image);
-    }
-    return image;
+    return isPlanar(frame.format) ? convertPlanar(frame) : convertPacked(frame);
 }
 
 } // namespace Iacq

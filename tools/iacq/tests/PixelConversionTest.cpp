@@ -73,6 +73,11 @@ TEST(PixelConversion, TakesOddSizes)
 {
     EXPECT_EQ(convert("YUYV", 3, 1, Bytes(8, neutral)).pixels.size(), 9u);
     EXPECT_EQ(convert("YU12", 3, 3, Bytes(9 + 4 + 4, neutral)).pixels.size(), 27u);
+    // The chroma of NV12 comes in pairs: four bytes a line here, and the last pixel is red.
+    Bytes bytes(9, 81);
+    bytes.insert(bytes.end(), {neutral, neutral, 90, 240, neutral, neutral, 90, 240});
+    Bytes const pixels = convert("NV12", 3, 3, bytes).pixels;
+    EXPECT_THAT(Bytes(pixels.end() - 3, pixels.end()), ElementsAre(255, 0, 0));
 }
 
 TEST(PixelConversion, NeverReadsBeyondAShortFrame)
@@ -87,6 +92,15 @@ TEST(PixelConversion, NeverReadsBeyondAShortFrame)
         EXPECT_NO_THROW(convert(format, 4, 4, Bytes(needed, 1))) << format;
         EXPECT_THROW(convert(format, 4, 4, Bytes(needed - 1, 1)), Iacq::Failure) << format;
         EXPECT_THROW(convert(format, 4, 4, {}), Iacq::Failure) << format;
+    }
+}
+
+TEST(PixelConversion, AsksForAnAbsurdSizesBytesBeforeItTakesMemory)
+{
+    for (char const* const format : {"YUYV", "RGB3", "GREY", "NV12", "YU12"}) {
+        EXPECT_THROW(convert(format, 0x55555556, 1, {1, 2, 3, 4}), Iacq::Failure) << format;
+        EXPECT_THROW(convert(format, 0xffffffff, 0xffffffff, {1, 2, 3, 4}), Iacq::Failure)
+            << format;
     }
 }
 
