@@ -3,9 +3,9 @@
 
 #include "Names.h"
 
-#include <cerrno>
 #include <charconv>
-#include <cstdlib>
+#include <cmath>
+#include <system_error>
 
 namespace Iacq
 {
@@ -81,6 +81,18 @@ std::optional<Size> parseSize(std::string const& text)
 std::optional<Interval> parseInterval(std::string const& text)
 {
     return parsePair<Interval>(text, '/');
+}
+
+std::optional<double> parseFrameRate(std::string const& text)
+{
+    double value = 0;
+    auto const [end, error] =
+        std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
+    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value) ||
+        value <= 0) {
+        return std::nullopt;
+    }
+    return value;
 }
 
 } // namespace Iacq

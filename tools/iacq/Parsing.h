@@ -25,5 +25,6 @@ std::optional<unsigned int> parseCount(std::string const& text); ///< Decimal di
 std::optional<bool> parseSwitch(std::string const& text);        ///< on, off, true, 1, ...
 std::optional<Size> parseSize(std::string const& text);          ///< 640x480
 std::optional<Interval> parseInterval(std::string const& text);  ///< 1/30, in seconds
+std::optional<double> parseFrameRate(std::string const& text);   ///< 30 or 29.97, above 0
 
 } // namespace Iacq

@@ -4,6 +4,7 @@
 #include "../Failure.h"
 #include "../ImageEncoding.h"
 #include "../Output.h"
+#include "../Selection.h"
 #include "Commands.h"
 
 #include <IFrame.h>
@@ -109,6 +110,9 @@ std::vector<unsigned char> nextPicture(IBlockingCamera& camera, FrameView view, 
         if (frame->bytesUsed() > frame->allocSize()) {
             throw Failure(NoFrame, "the driver claims more bytes than the frame has");
         }
+        if (frame->bytesUsed() == 0) {
+            throw Failure(NoFrame, "the frame is empty");
+        }
         view.data = frame->bytePtr();
         view.size = frame->bytesUsed();
         return encode(view, format);
@@ -128,7 +132,7 @@ void capture(CaptureOptions const& options)
         throw Failure(CameraFailed, std::string(camera->device()->systemName()) +
                                         " cannot be opened or offers no format");
     }
-    select(*camera, {options.format, options.size, options.interval});
+    select(*camera, {options.format, options.size, options.interval, options.frameRate});
     FrameView const view = viewOf(*camera);
     if (format != OutputFormat::Raw && !canConvert(view.format)) {
         throw Failure(BadUsage,

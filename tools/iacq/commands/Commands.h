@@ -15,6 +15,7 @@ struct CaptureOptions
     std::string format;
     std::string size;
     std::string interval;
+    std::string frameRate;
     int count = 1;
     int buffers = 4;
 };

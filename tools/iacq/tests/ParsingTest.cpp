@@ -55,6 +55,15 @@ TEST(ParseInterval, TakesAFraction)
     EXPECT_FALSE(Iacq::parseInterval("1/0"));
 }
 
+TEST(ParseFrameRate, TakesAPositiveNumber)
+{
+    EXPECT_EQ(Iacq::parseFrameRate("30"), 30.0);
+    EXPECT_EQ(Iacq::parseFrameRate("29.97"), 29.97);
+    for (char const* const text : {"", "0", "-30", "fast", "30fps", "1/30", "inf", "nan", "1e3"}) {
+        EXPECT_FALSE(Iacq::parseFrameRate(text)) << text;
+    }
+}
+
 TEST(NodeName, IsTakenFromNodesOnly)
 {
     EXPECT_EQ(Iacq::nodeName("video0"), "video0");

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+#include "Selection.h"
+
+#include "CurrentSelection.h"
+#include "Failure.h"
+#include "FakeCamera.h"
+
+#include <gmock/gmock.h>
+
+namespace
+{
+
+using Iacq::WantedSelection;
+using testing::HasSubstr;
+
+class Selection : public testing::Test
+{
+protected:
+    Selection()
+    {
+        std::vector<FakePeriod> const slow = {{1, 30}, {1, 15}};
+        camera.formats = {
+            {"YUYV", {{640, 480, slow}, {320, 240, slow}}},
+            {"MJPG", {{320, 240, slow}, {1280, 720, {{1, 60}, {1001, 30000}, {1, 30}}}}},
+            {"GREY", {{160, 120, {}}}},
+        };
+        camera.setFormat = 0;
+        camera.setSize = 0;
+        camera.setInterval = 1;
+    }
+
+    std::vector<int> set() const { return {camera.setFormat, camera.setSize, camera.setInterval}; }
+
+    std::string refusal(WantedSelection const& wanted)
+    {
+        try {
+            Iacq::select(camera, wanted);
+        } catch (Iacq::Failure const& failure) {
+            return std::to_string(failure.status()) + ": " + failure.what();
+        }
+        return "none";
+    }
+
+    FakeCamera camera;
+};
+
+using Positions = std::vector<int>;
+
+TEST_F(Selection, IsLeftAloneWhenNothingIsWanted)
+{
+    Iacq::select(camera, {});
+    EXPECT_EQ(camera.timesSet, 0);
+}
+
+TEST_F(Selection, KeepsWhatIsSetWhereItGoesWithWhatIsWanted)
+{
+    Iacq::select(camera, {"", "320x240", "", ""});
+    EXPECT_EQ(set(), (Positions{0, 1, 1}));
+    Iacq::select(camera, {"MJPG", "", "", ""});
+    EXPECT_EQ(set(), (Positions{1, 0, 1}));
+    Iacq::select(camera, {"", "", "1/30", ""});
+    EXPECT_EQ(set(), (Positions{1, 0, 0}));
+}
+
+TEST_F(Selection, TakesTheFirstThatGoesWithWhatIsWanted)
+{
+    Iacq::select(camera, {"", "1280x720", "", ""});
+    EXPECT_EQ(set(), (Positions{1, 1, 0}));
+    camera.setFormat = 0;
+    camera.setSize = 1;
+    Iacq::select(camera, {"", "", "1/60", ""});
+    EXPECT_EQ(set(), (Positions{1, 1, 0}));
+    Iacq::select(camera, {"GREY", "", "", ""});
+    EXPECT_EQ(set(), (Positions{2, 0, 0}));
+}
+
+TEST_F(Selection, ComparesIntervalsAsFractions)
+{
+    Iacq::select(camera, {"", "", "2/60", ""});
+    EXPECT_EQ(set(), (Positions{0, 0, 0}));
+}
+
+TEST_F(Selection, FindsAnIntervalByFramesASecond)
+{
+    Iacq::select(camera, {"", "", "", "30"});
+    EXPECT_EQ(set(), (Positions{0, 0, 0}));
+    Iacq::select(camera, {"", "", "", "29.97"});
+    EXPECT_EQ(set(), (Positions{1, 1, 1}));
+    Iacq::select(camera, {"", "", "", "30"});
+    EXPECT_EQ(set(), (Positions{1, 1, 2}));
+}
+
+TEST_F(Selection, StartsWithTheFirstWhenTheDeviceIsSetToNoneOfTheList)
+{
+    camera.setFormat = -1;
+    EXPECT_TRUE(Iacq::currentSelection(camera).size->isInvalid());
+    Iacq::select(camera, {});
+    EXPECT_EQ(set(), (Positions{0, 0, 0}));
+}
+
+TEST_F(Selection, SaysWhatThereIsInstead)
+{
+    EXPECT_EQ(refusal({"ABCD", "", "", ""}),
+              "2: the camera has no format 'ABCD'; it has YUYV MJPG GREY");
+    EXPECT_EQ(refusal({"YUYV", "1280x720", "", ""}),
+              "2: the format YUYV has no size 1280x720; it has 640x480 320x240");
+    EXPECT_EQ(refusal({"", "1x1", "", ""}),
+              "2: the camera has no size 1x1; it has 640x480 320x240 1280x720 160x120");
+    EXPECT_EQ(refusal({"", "640x480", "1/60", ""}),
+              "2: the size 640x480 has no interval 1/60; it has 1/30 1/15");
+    EXPECT_EQ(refusal({"YUYV", "", "", "60"}),
+              "2: the format YUYV has no frame rate 60; it has 1/30 1/15 seconds");
+    EXPECT_EQ(refusal({"GREY", "", "1/30", ""}),
+              "2: the format GREY has no interval 1/30; it has no list of them");
+    EXPECT_EQ(camera.timesSet, 0);
+}
+
+TEST_F(Selection, RefusesWhatIsMisspelt)
+{
+    EXPECT_THAT(refusal({"", "640*480", "", ""}), HasSubstr("2: '640*480' is no size"));
+    EXPECT_THAT(refusal({"", "", "30", ""}), HasSubstr("2: '30' is no interval"));
+    EXPECT_THAT(refusal({"", "", "", "fast"}), HasSubstr("2: 'fast' is no number"));
+}
+
+TEST_F(Selection, TellsOfADriverThatRefuses)
+{
+    camera.refusing = true;
+    EXPECT_EQ(refusal({"MJPG", "", "", ""}), "1: the camera refused the format MJPG 320x240");
+}
+
+TEST_F(Selection, KeepsWhatIsSetOnACameraWithARangeOfSizes)
+{
+    camera.formats = {{"YUYV", {}}};
+    Iacq::select(camera, {"YUYV", "", "", ""});
+    EXPECT_EQ(camera.timesSet, 0);
+    EXPECT_EQ(refusal({"", "640x480", "", ""}),
+              "2: the camera has no size 640x480; it has no list of them");
+    camera.setFormat = -1;
+    EXPECT_EQ(refusal({}), "none");
+    EXPECT_EQ(refusal({"YUYV", "", "", ""}),
+              "2: the format YUYV has no size that can be chosen; it has no list of them");
+}
+
+} // namespace
