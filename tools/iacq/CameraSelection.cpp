@@ -41,7 +41,7 @@ std::string nodesWithoutUsbDevice()
             nodes += (nodes.empty() ? "" : ", ") + (devDirectory + node);
         }
     }
-    return nodes;
+    return nodes.empty() ? "a node that is gone by now," : nodes;
 }
 
 /// Resolves the links that udev makes in /dev/v4l.
@@ -72,7 +72,7 @@ DeviceListPtr listDevices()
         return DeviceListPtr(ICameraFactory::getUniqueInstance().createDeviceList());
     } catch (std::logic_error const&) {
         throw Failure(CameraFailed, "no list can be made: " + nodesWithoutUsbDevice() +
-                                        " has no USB device behind it; name a camera by its node");
+                                        " without a USB device behind; name a camera by its node");
     }
 }
 

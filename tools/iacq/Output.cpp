@@ -7,7 +7,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 
@@ -54,7 +56,8 @@ bool writeAndClose(int fd, std::vector<unsigned char> const& bytes)
 bool isSpecialFile(std::string const& path)
 {
     struct stat status;
-    return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+    return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) &&
+           !S_ISDIR(status.st_mode);
 }
 
 void writeInPlace(std::string const& path, std::vector<unsigned char> const& bytes)
@@ -65,8 +68,30 @@ void writeInPlace(std::string const& path, std::vector<unsigned char> const& byt
     }
 }
 
+/// Holds back what would end the tool between two steps, and leave half of a file behind.
+class SignalsHeld
+{
+public:
+    SignalsHeld()
+    {
+        sigset_t signals;
+        sigemptyset(&signals);
+        for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
+            sigaddset(&signals, number);
+        }
+        pthread_sigmask(SIG_BLOCK, &signals, &m_before);
+    }
+    ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    SignalsHeld(SignalsHeld const&) = delete;
+    SignalsHeld& operator=(SignalsHeld const&) = delete;
+
+private:
+    sigset_t m_before{};
+};
+
 void replace(std::string const& path, std::vector<unsigned char> const& bytes)
 {
+    SignalsHeld const held;
     std::string const partial = path + ".partial-" + std::to_string(::getpid());
     int const fd = ::open(partial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd == -1) {
@@ -99,6 +124,11 @@ std::string withNumber(std::string const& path, int number)
     return path.substr(0, percent) + text + path.substr(end + 1);
 }
 
+bool isControl(char character)
+{
+    return static_cast<unsigned char>(character) < 0x20;
+}
+
 } // namespace
 
 void writeFile(std::string const& path, std::vector<unsigned char> const& bytes)
@@ -119,7 +149,7 @@ std::string numberedPath(std::string const& path, int number, int count)
     if (path.find('%') != std::string::npos) {
         return withNumber(path, number);
     }
-    if (count <= 1 || path == "-") {
+    if (count <= 1 || path == "-" || isSpecialFile(path)) {
         return path;
     }
     char text[32];
@@ -129,12 +159,29 @@ std::string numberedPath(std::string const& path, int number, int count)
     return path.substr(0, at) + text + path.substr(at);
 }
 
-void print(std::string const& text)
+void print(std::string text)
 {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c != '\n' && isControl(c); }, '?');
     if (!writeAll(STDOUT_FILENO, reinterpret_cast<unsigned char const*>(text.data()),
                   text.size())) {
         failWriting("standard output");
     }
+}
+
+void closeStandardOutput()
+{
+    // Nobody misses what was closed from the start: whatever was to be written has failed already.
+    if (::close(STDOUT_FILENO) != 0 && errno != EBADF) {
+        failWriting("standard output");
+    }
+}
+
+std::string singleLine(std::string text)
+{
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    std::replace_if(text.begin(), text.end(), isControl, '?');
+    return text;
 }
 
 } // namespace Iacq

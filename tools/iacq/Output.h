@@ -13,12 +13,21 @@ namespace Iacq
 void writeFile(std::string const& path, std::vector<unsigned char> const& bytes);
 
 /// Name of one of several files: a "%d" or "%04d" in @p path becomes the number; without one,
-/// "-0001" is put in front of the extension. A single file keeps its name.
+/// "-0001" is put in front of the extension. A single file keeps its name, and so does a device or
+/// a pipe, which takes all of them.
 /// @throws Failure when @p path holds anything else with a "%".
 std::string numberedPath(std::string const& path, int number, int count);
 
-/// Prints to standard output and makes sure that it arrived.
+/// Prints to standard output and makes sure that it arrived. Control characters other than the line
+/// feed become question marks: texts come from cameras, and must not steer a terminal.
 /// @throws Failure when it did not, as on a full disk or a closed pipe.
-void print(std::string const& text);
+void print(std::string text);
+
+/// Closes standard output, which is when some file systems tell that the disk is full.
+/// @throws Failure when they do.
+void closeStandardOutput();
+
+/// A text without control characters, on one line.
+std::string singleLine(std::string text);
 
 } // namespace Iacq

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "Failure.h"
+#include "Output.h"
 #include "commands/Commands.h"
 
 #include <CLI/CLI.hpp>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <sstream>
 
 namespace Iacq
 {
@@ -14,7 +19,8 @@ namespace Iacq
 namespace
 {
 
-constexpr char cameraHelp[] = "Index in the list, node (video0 or /dev/video0), or serial number";
+constexpr char cameraHelp[] =
+    "Index in the list, node (video0 or /dev/video0), or serial number; an index comes first";
 
 CLI::App* addCommand(CLI::App& app, char const* name, char const* help)
 {
@@ -87,7 +93,7 @@ void addMonitor(CLI::App& app, MonitorOptions& options)
     command->add_option("-n,--count", options.count, "End after so many events")
         ->check(CLI::PositiveNumber);
     command->add_option("--timeout", options.timeout, "End after so many seconds")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(0.001, 1e9));
     command->callback([&options] { monitor(options); });
 }
 
@@ -98,18 +104,30 @@ void addReset(CLI::App& app, std::string& camera)
     command->callback([&camera] { reset(camera); });
 }
 
-int fail(ExitStatus status, std::string message)
+int fail(ExitStatus status, std::string const& message)
 {
-    for (char& character : message) {
-        character = character == '\n' ? ' ' : character;
-    }
-    std::fprintf(stderr, "iacq: %s\n", message.c_str());
+    std::fprintf(stderr, "iacq: %s\n", singleLine(message).c_str());
     return status;
+}
+
+/// Fills what was closed from the start, or a camera might be opened in its place and be written
+/// to. Writing to the stand-in for standard output fails, as it should.
+void occupyStandardDescriptors()
+{
+    while (true) {
+        int const descriptor = ::open("/dev/null", O_RDONLY);
+        if (descriptor == -1 || descriptor > STDERR_FILENO) {
+            ::close(descriptor);
+            return;
+        }
+    }
 }
 
 int run(int argc, char** argv)
 {
     CLI::App app{"Lists, shows, sets and captures from USB video cameras", "iacq"};
+    app.footer("Exit status: 0 done; 1 refused by the camera, the driver or the system; 2 the "
+               "command line makes no sense; 3 no such camera; 4 no usable frame");
     app.require_subcommand(1);
     std::string camera;
     std::vector<std::string> names;
@@ -127,7 +145,10 @@ int run(int argc, char** argv)
         app.parse(argc, argv);
         return Success;
     } catch (CLI::CallForHelp const& help) {
-        return app.exit(help);
+        std::ostringstream text;
+        app.exit(help, text);
+        print(text.str());
+        return Success;
     } catch (CLI::ParseError const& error) {
         return fail(BadUsage, std::string(error.what()) + " (see iacq --help)");
     }
@@ -139,12 +160,15 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    Iacq::occupyStandardDescriptors();
     // A closed pipe is an error to be told like any other.
     std::signal(SIGPIPE, SIG_IGN);
     // The library tells how it finds a serial port; a user of the tool need not know.
     ::setenv("QT_LOGGING_RULES", "default.info=false", 0);
     try {
-        return Iacq::run(argc, argv);
+        int const status = Iacq::run(argc, argv);
+        Iacq::closeStandardOutput();
+        return status;
     } catch (Iacq::Failure const& failure) {
         return Iacq::fail(failure.status(), failure.what());
     } catch (std::exception const& error) {

@@ -7,8 +7,10 @@
 #include <gmock/gmock.h>
 
 #include <dirent.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <fstream>
 #include <iterator>
 
@@ -78,6 +80,33 @@ TEST_F(WriteFile, WritesToADeviceWithoutReplacingIt)
     EXPECT_THROW(Iacq::writeFile("/dev/full", {'x'}), Iacq::Failure);
 }
 
+TEST_F(WriteFile, KeepsWhatWasThereWhenItFails)
+{
+    Iacq::writeFile(directory + "/a.raw", {'o', 'l', 'd'});
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    rlimit const small{2, limit.rlim_max};
+    std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_THROW(Iacq::writeFile(directory + "/a.raw", {'n', 'e', 'w'}), Iacq::Failure);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, SIG_DFL);
+    EXPECT_EQ(contents("a.raw"), "old");
+    EXPECT_EQ(names().size(), 1u);
+}
+
+TEST(SingleLine, HoldsNothingThatSteersATerminal)
+{
+    EXPECT_EQ(Iacq::singleLine("a\nb\x1b[2J\tc \xc3\xbc"), "a b?[2J?c \xc3\xbc");
+}
+
+TEST(Print, TakesTheSteeringOutOfTextsFromCameras)
+{
+    testing::internal::CaptureStdout();
+    Iacq::print("Evil \x1b]0;name\x07\nnext\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Evil ?]0;name?\nnext\n");
+}
+
 TEST(NumberedPath, PutsTheNumberWhereItBelongs)
 {
     EXPECT_EQ(Iacq::numberedPath("a.png", 1, 1), "a.png");
@@ -86,6 +115,8 @@ TEST(NumberedPath, PutsTheNumberWhereItBelongs)
     EXPECT_EQ(Iacq::numberedPath("a-%d.png", 12, 20), "a-12.png");
     EXPECT_EQ(Iacq::numberedPath("a-%04d.png", 1, 1), "a-0001.png");
     EXPECT_EQ(Iacq::numberedPath("-", 2, 3), "-");
+    EXPECT_EQ(Iacq::numberedPath("/dev/null", 2, 3), "/dev/null");
+    EXPECT_EQ(Iacq::numberedPath("/tmp", 2, 3), "/tmp-0002");
 }
 
 TEST(NumberedPath, RefusesWhatPrintfWouldStumbleOver)
