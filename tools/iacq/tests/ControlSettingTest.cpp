@@ -1,0 +1,325 @@
+// SPDX-License-Identifier: MIT
+#include "ControlSetting.h"
+
+#include "Failure.h"
+#include "FakeCamera.h"
+
+#include <ICameraControlBitMask.h>
+#include <ICameraControlBoolean.h>
+#include <ICameraControlButton.h>
+#include <ICameraControlInt64Menu.h>
+#include <ICameraControlNumeric.h>
+#include <ICameraControlString.h>
+#include <ICameraControlStringMenu.h>
+
+#include <gmock/gmock.h>
+
+#include <limits>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// What all of them do with a write: note it, and take it unless they refuse.
+template <typename Interface, typename Value>
+class WritableControl : public FakeControl<Interface>
+{
+public:
+    bool write(Value const& value)
+    {
+        written.push_back(value);
+        return !refusing;
+    }
+
+    std::vector<Value> written;
+    bool refusing = false;
+};
+
+template <typename T>
+class FakeNumber final : public WritableControl<ICameraControlNumeric<T>, T>
+{
+public:
+    T maximum() const override { return highest; }
+    T minimum() const override { return lowest; }
+    T step() const override { return 1; }
+    T value() const override { return 0; }
+    // As the interface has it: the driver does not hear of what is out of range.
+    bool setValue(T value) override
+    {
+        return value >= lowest && value <= highest && this->write(value);
+    }
+
+    T lowest = 0;
+    T highest = 100;
+};
+
+class FakeBoolean final : public WritableControl<ICameraControlBoolean, bool>
+{
+public:
+    bool value() const override { return false; }
+    bool setValue(bool value) override { return write(value); }
+    bool defaultValue() const override { return false; }
+};
+
+class FakeBitMask final : public WritableControl<ICameraControlBitMask, unsigned int>
+{
+public:
+    unsigned int defaultValue() const override { return 0; }
+    unsigned int value() const override { return 0; }
+    bool setValue(unsigned int value) override { return write(value); }
+};
+
+class FakeButton final : public WritableControl<ICameraControlButton, bool>
+{
+public:
+    bool clicked() override { return write(true); }
+};
+
+class FakeString final : public WritableControl<ICameraControlString, std::string>
+{
+public:
+    unsigned int stringSize() const override { return 9; }
+    bool getValue(char*, int) const override { return false; }
+    bool setValue(char const* value) override { return write(value); }
+    int minLength() const override { return 2; }
+    int maxLength() const override { return 8; }
+};
+
+class FakeMenu final : public WritableControl<ICameraControlStringMenu, int>
+{
+public:
+    int defaultIndex() const override { return 0; }
+    int currentIndex() const override { return 0; }
+    bool setCurrentIndex(int position) override { return write(position); }
+    int count() const override { return static_cast<int>(labels.size()); }
+    char const* currentString() const override { return string(0); }
+    char const* defaultString() const override { return string(0); }
+    char const* string(int position) const override
+    {
+        return labels.at(std::size_t(position)).c_str();
+    }
+
+    std::vector<std::string> labels{"Off", "on", "2", "On"};
+};
+
+class FakeNumberMenu final : public WritableControl<ICameraControlInt64Menu, int>
+{
+public:
+    int defaultIndex() const override { return 0; }
+    int currentIndex() const override { return 0; }
+    bool setCurrentIndex(int position) override { return write(position); }
+    int count() const override { return 0; }
+    long long currentValue() const override { throw std::out_of_range("value"); }
+    long long defaultValue() const override { throw std::out_of_range("value"); }
+    long long value(int) const override { throw std::out_of_range("value"); }
+};
+
+std::string outcome(ICameraControl& control, std::optional<std::string> const& value)
+{
+    try {
+        Iacq::apply({&control, value});
+    } catch (Iacq::Failure const& failure) {
+        EXPECT_EQ(failure.status(), Iacq::CameraFailed);
+        std::string const text = failure.what();
+        return text.substr(text.find(": ") + 2);
+    }
+    return "set";
+}
+
+TEST(ControlSetting, SendsTheNumberThatIsMeant)
+{
+    FakeNumber<int> control;
+    control.lowest = -100;
+    EXPECT_EQ(outcome(control, "-7"), "set");
+    EXPECT_EQ(outcome(control, "0x10"), "set");
+    EXPECT_THAT(control.written, ElementsAre(-7, 16));
+}
+
+template <typename T>
+class NumberSetting : public testing::Test
+{
+};
+
+using Numbers = testing::Types<int, long long, unsigned char, unsigned short, unsigned int>;
+TYPED_TEST_SUITE(NumberSetting, Numbers);
+
+TYPED_TEST(NumberSetting, ReachesBothEndsAndGoesNoFurther)
+{
+    using Limits = std::numeric_limits<TypeParam>;
+    FakeNumber<TypeParam> control;
+    control.lowest = Limits::min();
+    control.highest = Limits::max();
+    EXPECT_EQ(outcome(control, std::to_string(Limits::min())), "set");
+    EXPECT_EQ(outcome(control, std::to_string(Limits::max())), "set");
+    EXPECT_THAT(control.written, ElementsAre(Limits::min(), Limits::max()));
+    control.highest = 100;
+    EXPECT_EQ(outcome(control, "101"), "101 is outside " + std::to_string(Limits::min()) + "..100");
+    EXPECT_EQ(outcome(control, "99999999999999999999"), "'99999999999999999999' is no number");
+    EXPECT_EQ(control.written.size(), 2u);
+}
+
+TEST(ControlSetting, DoesNotWrapANumberThatIsTooWide)
+{
+    FakeNumber<unsigned char> control;
+    EXPECT_EQ(outcome(control, "261"), "261 is outside 0..100");
+    EXPECT_EQ(outcome(control, "-1"), "-1 is outside 0..100");
+    EXPECT_THAT(control.written, IsEmpty());
+}
+
+TEST(ControlSetting, SwitchesBooleans)
+{
+    FakeBoolean control;
+    EXPECT_EQ(outcome(control, "on"), "set");
+    EXPECT_EQ(outcome(control, "0"), "set");
+    EXPECT_EQ(outcome(control, "2"), "'2' is neither on nor off");
+    EXPECT_THAT(control.written, ElementsAre(true, false));
+}
+
+TEST(ControlSetting, SetsAllBitsOfAMask)
+{
+    FakeBitMask control;
+    EXPECT_EQ(outcome(control, "0xffffffff"), "set");
+    EXPECT_EQ(outcome(control, "0x100000000"), "'0x100000000' is no mask of 32 bits");
+    EXPECT_THAT(control.written, ElementsAre(0xffffffffu));
+}
+
+TEST(ControlSetting, PressesAButtonByItsNameAlone)
+{
+    FakeButton control;
+    EXPECT_EQ(outcome(control, std::nullopt), "set");
+    EXPECT_EQ(outcome(control, "1"), "it is a button: give its name alone");
+    EXPECT_EQ(control.written.size(), 1u);
+}
+
+TEST(ControlSetting, WritesTextsAsTheyAre)
+{
+    FakeString control;
+    EXPECT_EQ(outcome(control, "a = b"), "set");
+    EXPECT_THAT(control.written, ElementsAre("a = b"));
+    control.refusing = true;
+    EXPECT_EQ(outcome(control, ""), "its length 0 is outside 2..8");
+    EXPECT_EQ(outcome(control, "fits"), "refused by the driver");
+}
+
+TEST(ControlSetting, TakesAMenusLabelBeforeItsPosition)
+{
+    FakeMenu control;
+    for (char const* const text : {"On", "on", "OFF", "2", "3"}) {
+        EXPECT_EQ(outcome(control, text), "set") << text;
+    }
+    EXPECT_THAT(control.written, ElementsAre(3, 1, 0, 2, 3));
+    EXPECT_EQ(outcome(control, "4"), "no such item: '4'");
+    EXPECT_EQ(outcome(control, "-1"), "no such item: '-1'");
+    EXPECT_EQ(control.written.size(), 5u);
+}
+
+TEST(ControlSetting, TakesPositionsOfAMenuOfNumbers)
+{
+    FakeNumberMenu control;
+    EXPECT_EQ(outcome(control, "2"), "set");
+    EXPECT_EQ(outcome(control, "two"), "'two' is no position");
+    control.refusing = true;
+    EXPECT_EQ(outcome(control, "9"), "no such item, or refused by the driver");
+    EXPECT_THAT(control.written, ElementsAre(2, 9));
+}
+
+TEST(ControlSetting, SendsNothingToAControlThatCannotBeWritten)
+{
+    struct Case
+    {
+        bool FakeControl<ICameraControlBoolean>::*flag;
+        char const* reason;
+    };
+    using Fake = FakeControl<ICameraControlBoolean>;
+    for (auto const& [flag, reason] :
+         {Case{&Fake::readOnly, "read-only"}, Case{&Fake::disabled, "disabled"},
+          Case{&Fake::inactive, "inactive"}, Case{&Fake::grabbed, "grabbed by another program"}}) {
+        FakeBoolean control;
+        control.*flag = true;
+        EXPECT_EQ(outcome(control, "on"), reason);
+        EXPECT_THAT(control.written, IsEmpty());
+    }
+}
+
+TEST(ControlSetting, JudgesByTheStateAsItIsNow)
+{
+    FakeBoolean control;
+    control.inactive = true;
+    control.inactiveByNow = false;
+    EXPECT_EQ(outcome(control, "on"), "set");
+    control.inactiveByNow = true;
+    EXPECT_EQ(outcome(control, "on"), "inactive");
+}
+
+TEST(ControlSetting, SaysWhichControlWasNotSet)
+{
+    FakeBoolean control;
+    control.controlName = "Light";
+    control.refusing = true;
+    try {
+        Iacq::apply({&control, "on"});
+        FAIL();
+    } catch (Iacq::Failure const& failure) {
+        EXPECT_STREQ(failure.what(), "Light was not set: refused by the driver");
+    }
+}
+
+class ControlNames : public testing::Test
+{
+protected:
+    ControlNames()
+    {
+        char const* const names[] = {"Gain", "Gain, Red", "A=B", "A", "Gain (Red)", "Pan", "Pan"};
+        for (std::size_t i = 0; i < std::size(names); ++i) {
+            controls[i].controlName = names[i];
+            camera.controls.push_back(&controls[i]);
+        }
+    }
+
+    FakeBoolean controls[7];
+    FakeCamera camera;
+};
+
+TEST_F(ControlNames, AreTakenWholeOrInTheirShortForm)
+{
+    EXPECT_EQ(&Iacq::findControl(camera, "Gain, Red"), &controls[1]);
+    EXPECT_EQ(&Iacq::findControl(camera, "gain"), &controls[0]);
+    EXPECT_THROW(Iacq::findControl(camera, "GAIN"), Iacq::Failure);
+    EXPECT_THROW(Iacq::findControl(camera, ""), Iacq::Failure);
+}
+
+TEST_F(ControlNames, ThatRepeatMeanTheFirst)
+{
+    EXPECT_EQ(&Iacq::findControl(camera, "Pan"), &controls[5]);
+    EXPECT_EQ(&Iacq::findControl(camera, "pan"), &controls[5]);
+}
+
+TEST_F(ControlNames, ThatAreUnclearInTheirShortFormAreRefused)
+{
+    try {
+        Iacq::findControl(camera, "gain_red");
+        FAIL();
+    } catch (Iacq::Failure const& failure) {
+        EXPECT_STREQ(failure.what(),
+                     "'gain_red' may be 'Gain, Red' or 'Gain (Red)'; give the full name");
+    }
+}
+
+TEST_F(ControlNames, EndAtTheEqualsSignThatMakesOne)
+{
+    Iacq::Assignment assignment = Iacq::parseAssignment(camera, "A=B=1");
+    EXPECT_EQ(assignment.control, &controls[3]);
+    EXPECT_EQ(assignment.value, "B=1");
+    assignment = Iacq::parseAssignment(camera, "A=B");
+    EXPECT_EQ(assignment.control, &controls[2]);
+    EXPECT_EQ(assignment.value, std::nullopt);
+    assignment = Iacq::parseAssignment(camera, "gain=");
+    EXPECT_EQ(assignment.control, &controls[0]);
+    EXPECT_EQ(assignment.value, "");
+    EXPECT_THROW(Iacq::parseAssignment(camera, "absent=1"), Iacq::Failure);
+}
+
+} // namespace
