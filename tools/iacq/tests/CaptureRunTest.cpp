@@ -127,6 +127,119 @@ TEST(CaptureCommand, RefusesWhatTheCameraDoesNotOfferAndSaysWhatItDoes)
     EXPECT_TRUE(folder.names().empty());
 }
 
+struct RedPicture
+{
+    char const* format;
+    char const* bytes; ///< Of 2x2 pixels, in hexadecimal digits.
+    int bytesPerLine;
+};
+
+void PrintTo(RedPicture const& picture, std::ostream* stream)
+{
+    *stream << picture.format << picture.bytesPerLine;
+}
+
+class PixelFormat : public testing::TestWithParam<RedPicture>
+{
+protected:
+    static Words camera(ScratchFolder const& folder)
+    {
+        RedPicture const& picture = GetParam();
+        return {"--config",
+                folder.write("camera.json", std::string(R"({"cameras": [{"node": "/dev/video0",
+                                 "usb": {"port": "1-1"}, "formats": [{
+                                 "sizes": [{"width": 2, "height": 2, "intervals": ["1/30"]}],
+                                 "sizeImage": 64, "pixelFormat": ")") +
+                                                picture.format + R"(", "frameBytes": ")" +
+                                                picture.bytes + R"(", "bytesPerLine": )" +
+                                                std::to_string(picture.bytesPerLine) + "}]}]}")};
+    }
+};
+
+TEST_P(PixelFormat, IsConverted)
+{
+    ScratchFolder const folder;
+    Words const red = camera(folder);
+    ProgramRun run = runIacq({"capture", "0", "-o", folder.path("a.ppm")}, red);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    std::string pixels;
+    for (int i = 0; i < 4; ++i) {
+        pixels += std::string("\xff\0\0", 3);
+    }
+    EXPECT_EQ(folder.read("a.ppm"), "P6\n2 2\n255\n" + pixels);
+    run = runIacq({"capture", "0", "-o", folder.path("a.png")}, red);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    std::vector<unsigned char> const decoded = readPng(folder.read("a.png")).pixels;
+    EXPECT_EQ(std::string(decoded.begin(), decoded.end()), pixels);
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, PixelFormat,
+                         testing::Values(RedPicture{"YUYV", "515a51f0515a51f0", 4},
+                                         RedPicture{"YUYV", "515a51f00000515a51f00000", 6},
+                                         RedPicture{"UYVY", "5a51f0515a51f051", 4},
+                                         RedPicture{"RGB3", "ff0000ff0000ff0000ff0000", 6},
+                                         RedPicture{"RGB3", "ff0000ff00004444ff0000ff0000", 8},
+                                         RedPicture{"BGR3", "0000ff0000ff0000ff0000ff", 6},
+                                         RedPicture{"NV12", "515151515af0", 2},
+                                         RedPicture{"YU12", "515151515af0", 2},
+                                         RedPicture{"YU12", "51510000515100005a00f000", 4},
+                                         RedPicture{"YV12", "51515151f05a", 2}));
+
+TEST(CaptureCommand, ShowsGreyAsItIs)
+{
+    ScratchFolder const folder;
+    Words const camera = {"--config", folder.write("camera.json", R"({"cameras": [{
+        "node": "/dev/video0", "usb": {"port": "1-1"},
+        "formats": [{"pixelFormat": "GREY", "frameBytes": "01ff",
+                     "sizes": [{"width": 2, "height": 1, "intervals": ["1/30"]}]}]}]})")};
+    ProgramRun const run = runIacq({"capture", "0", "-o", "-", "--output-format", "PPM"}, camera);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.output, "P6\n2 1\n255\n\x01\x01\x01\xff\xff\xff");
+}
+
+TEST(CaptureCommand, LeavesAnUnknownPixelFormatToRaw)
+{
+    ScratchFolder const folder;
+    Words const camera = {"--config", folder.write("camera.json", R"({"cameras": [{
+        "node": "/dev/video0", "usb": {"port": "1-1"},
+        "formats": [{"pixelFormat": "BA81", "frameBytes": "01020304",
+                     "sizes": [{"width": 2, "height": 2, "intervals": ["1/30"]}]}]}]})")};
+    ProgramRun run = runIacq({"capture", "0", "-o", folder.path("a.png")}, camera);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.errors, "iacq: cannot convert BA81 to a picture; use --output-format raw\n");
+    EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
+    run = runIacq({"capture", "0", "-o", folder.path("a.raw")}, camera);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(folder.read("a.raw"), "\x01\x02\x03\x04");
+}
+
+TEST(CaptureCommand, TakesARawPictureOfWhatIsSetOnACameraWithARangeOfSizes)
+{
+    ScratchFolder const folder;
+    Words const camera = {"--config", folder.write("camera.json", R"({"cameras": [{
+        "node": "/dev/video0", "usb": {"port": "1-1"},
+        "formats": [{"pixelFormat": "YUYV", "sizeKind": "stepwise",
+                     "sizeRange": {"minimumWidth": 16, "maximumWidth": 64, "stepWidth": 16,
+                                   "minimumHeight": 16, "maximumHeight": 64, "stepHeight": 16}}],
+        "currentWidth": 32, "currentHeight": 16}]})")};
+    ProgramRun run = runIacq({"capture", "0", "-o", folder.path("a.raw")}, camera);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(folder.read("a.raw").size(), 32u * 16 * 2);
+    run = runIacq({"capture", "0", "-o", folder.path("a.png")}, camera);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors, "iacq: the camera does not tell the size of its frames\n");
+}
+
+TEST(CaptureCommand, FillsInTheRestOfASelectionWithWhatGoesWithIt)
+{
+    ScratchFolder const folder;
+    ProgramRun const run =
+        runIacq({"capture", "0", "-o", folder.path("a.ppm"), "--interval", "1/10"});
+    EXPECT_EQ(run.status, 0) << run.errors;
+    // Only this size is as slow as that.
+    EXPECT_THAT(folder.read("a.ppm"), StartsWith("P6\n1280 720\n"));
+}
+
 /// A camera that is like any other but for what goes wrong.
 Words cameraWith(ScratchFolder const& folder, std::string const& trouble)
 {
@@ -180,6 +293,78 @@ TEST(CaptureCommand, DoesNotReadBeyondAShortFrame)
     EXPECT_EQ(run.status, 4);
     EXPECT_THAT(run.errors, HasSubstr("the frame has 100 bytes"));
     EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
+}
+
+TEST(CaptureCommand, MakesNoFileOfAnEmptyFrame)
+{
+    ScratchFolder const folder;
+    ProgramRun const run = runIacq({"capture", "0", "-o", folder.path("a.raw")},
+                                   cameraWith(folder, R"("frameFaults": [{"frame": 0,
+                                                         "bytesUsed": 0}])"));
+    EXPECT_EQ(run.status, 4);
+    EXPECT_EQ(run.errors, "iacq: the frame is empty\n");
+    EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
+}
+
+TEST(CaptureCommand, KeepsAnOlderFileWhenNoFrameComes)
+{
+    ScratchFolder const folder;
+    folder.write("a.png", "older");
+    ProgramRun const run =
+        runIacq({"capture", "0", "-o", folder.path("a.png")},
+                cameraWith(folder, R"("frameFaults": [{"frame": 0, "fromThenOn": true,
+                                                       "missing": true}])"));
+    EXPECT_EQ(run.status, 4);
+    EXPECT_EQ(folder.read("a.png"), "older");
+}
+
+TEST(CaptureCommand, TellsOfADriverThatRefusesTheFormat)
+{
+    ScratchFolder const folder;
+    ProgramRun const run =
+        runIacq({"capture", "0", "-o", folder.path("a.png"), "--format", "YUYV"},
+                cameraWith(folder, R"("faults": [{"call": "VIDIOC_S_FMT", "errno": "EBUSY",
+                                                  "use": 1, "fromThenOn": true}])"));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors, "iacq: the camera refused the format YUYV 64x48\n");
+}
+
+TEST(CaptureCommand, TellsOfACameraThatDoesNotStart)
+{
+    ScratchFolder const folder;
+    ProgramRun const run =
+        runIacq({"capture", "0", "-o", folder.path("a.png")},
+                cameraWith(folder, R"("faults": [{"call": "VIDIOC_STREAMON", "errno": "EIO",
+                                                  "use": 1, "fromThenOn": true}])"));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors, "iacq: the camera does not start streaming\n");
+    EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
+}
+
+TEST(CaptureCommand, TellsOfACameraThatIsUnpluggedMeanwhile)
+{
+    ScratchFolder const folder;
+    ProgramRun const run =
+        runIacq({"capture", "0", "-o", "-", "--output-format", "raw", "--count", "1000000"},
+                {"--model", "webcam", "--unplug-after", "500"});
+    EXPECT_EQ(run.status, 4);
+    EXPECT_EQ(run.errors, "iacq: the camera delivered no frame\n");
+}
+
+TEST(CaptureCommand, TellsOfAReaderThatHasGoneAndOfAFullDisk)
+{
+    ScratchFolder const folder;
+    std::string const capture = std::string(WITH_VIRTUAL_CAMERA) + " " + IACQ_PROGRAM +
+                                " capture 0 --output-format raw --count 1000 -o ";
+    ProgramRun run = runProgram({"bash", "-o", "pipefail", "-c", capture + "- | true"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors, "iacq: cannot write standard output: Broken pipe\n");
+    run = runProgram({"bash", "-c", capture + "- >&-"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors, "iacq: cannot write standard output: Bad file descriptor\n");
+    run = runProgram({"bash", "-c", capture + "/dev/full"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors, "iacq: cannot write /dev/full: No space left on device\n");
 }
 
 TEST(CaptureCommand, TellsOfACameraThatOnlyReads)

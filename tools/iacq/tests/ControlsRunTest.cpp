@@ -75,6 +75,29 @@ INSTANTIATE_TEST_SUITE_P(
                     Refused{"button=1", "give its name alone", 1},
                     Refused{"no_such=1", "the camera has no control 'no_such'", 2}));
 
+TEST(SetCommand, ReachesTheDriver)
+{
+    ProgramRun run = runIacq({"set", "0", "exposure_time_absolute=200"}, allControls);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors, "iacq: Exposure Time, Absolute was not set: inactive\n");
+    run = runIacq({"set", "0", "Auto Exposure=Manual Mode", "exposure_time_absolute=200"},
+                  allControls);
+    EXPECT_EQ(run.status, 0) << run.errors;
+}
+
+TEST(SetCommand, SaysThatTheDriverRefused)
+{
+    ScratchFolder const folder;
+    Words const camera = {"--config", folder.write("camera.json", R"({"cameras": [{
+        "node": "/dev/video0", "usb": {"port": "1-1"},
+        "formats": [{"pixelFormat": "YUYV", "sizes": [{"width": 64, "height": 48}]}],
+        "controls": [{"type": "integer", "id": "0x00980900", "name": "Gain=High",
+                      "maximum": 9, "writeError": "EIO"}]}]})")};
+    ProgramRun const run = runIacq({"set", "0", "Gain=High=3"}, camera);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors, "iacq: Gain=High was not set: refused by the driver\n");
+}
+
 TEST(SetCommand, ChangesNothingWhenANameIsWrong)
 {
     ProgramRun const run = runIacq({"set", "0", "button", "nonsense=1"}, allControls);

@@ -79,6 +79,78 @@ TEST(ShowCommand, ShowsAControlOfEveryType)
                                        "StringMenu", "Int64Menu", "String", "UInt8", "UInt16"}));
 }
 
+TEST(ListCommand, PrintsEveryFieldOfARecordAsJson)
+{
+    ScratchFolder const folder;
+    ProgramRun const run =
+        runIacq({"list", "--json"}, {"--config", folder.write("camera.json", R"({"cameras": [{
+            "node": "/dev/video3", "name": "Lab \u001b[2J camera", "driver": "uvcvideo",
+            "driverVersion": "6.1.76", "busInfo": "usb-0000:00:14.0-2",
+            "capabilities": ["VIDEO_CAPTURE", "STREAMING", "DEVICE_CAPS"],
+            "deviceCapabilities": ["VIDEO_CAPTURE", "STREAMING"],
+            "usb": {"port": "1-2", "vendorId": "0abc", "productId": "0def", "serial": "S7",
+                    "manufacturer": "Maker", "speed": "12"}}]})")});
+    ASSERT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(Json::parse(run.output), Json::parse(R"([{
+        "index": 0, "node": "/dev/video3", "name": "Lab \u001b[2J camera", "driver": "uvcvideo",
+        "driverVersion": "6.1.76", "bus": "usb-0000:00:14.0-2", "vendorId": "0abc",
+        "productId": "0def", "manufacturer": "Maker", "serial": "S7", "firmware": "",
+        "vendorsOwn": false, "usbRevision": "2.00", "usbSpeed": "full",
+        "supports": {"videoCapture": true, "multiplane": false, "streaming": true,
+                     "readWrite": false, "asynchIO": false}}])"));
+}
+
+TEST(ListCommand, DoesNotLetACameraSteerTheTerminal)
+{
+    ScratchFolder const folder;
+    ProgramRun const run =
+        runIacq({"list"}, {"--config", folder.write("camera.json", R"({"cameras": [{
+                              "node": "/dev/video0", "name": "Evil \u001b[2J",
+                              "usb": {"port": "1-1"}}]})")});
+    EXPECT_THAT(run.output, StartsWith("0: Evil ?[2J\n    node /dev/video0, driver uvcvideo"));
+}
+
+TEST(ListCommand, IsEmptyWithoutCameras)
+{
+    ScratchFolder const folder;
+    Words const none = {"--config", folder.write("camera.json", R"({"cameras": []})")};
+    EXPECT_EQ(runIacq({"list"}, none).output, "No camera.\n");
+    ProgramRun const run = runIacq({"list", "--json"}, none);
+    EXPECT_EQ(run.output, "[]\n");
+    EXPECT_EQ(run.status, 0);
+}
+
+TEST(ShowCommand, RefusesASerialNumberOfSeveralCameras)
+{
+    ScratchFolder const folder;
+    Words const twins = {"--config", folder.write("camera.json", R"({"cameras": [
+        {"node": "/dev/video0", "usb": {"port": "1-1", "serial": "TWIN"}},
+        {"node": "/dev/video1", "usb": {"port": "1-2", "serial": "TWIN"}}]})")};
+    ProgramRun const run = runIacq({"show", "TWIN"}, twins);
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.errors, "iacq: several cameras have the serial number 'TWIN'; name one by its "
+                          "node\n");
+}
+
+TEST(ShowCommand, PrintsFormatsAndControlsForPeople)
+{
+    ProgramRun const run = runIacq({"show", "0"}, {"--model", "all-controls"});
+    ASSERT_EQ(run.status, 0) << run.errors;
+    for (char const* const line :
+         {"    YUYV  YUYV 4:2:2\n        640x480: 1/30 1/15\n",
+          "    MJPG  Motion-JPEG, compressed\n", "    RGB3  RGB3, emulated\n",
+          "current: YUYV 640x480 1/30)",
+          "    brightness ('Brightness')  Int32  image-quality  -64..64 step 1  value 0\n",
+          "Int32  unknown  -100..100 step 5  value 0  [slider]\n",
+          "StringMenu  unknown  default 1  value 1 (Third)\n        0: First\n        1: Third\n",
+          "Int64Menu  unknown  default 1  value 1\n",
+          "  2..8 characters  value text  [has-payload]\n",
+          "Boolean  unknown  default on  value on\n", "  value 7  [read-only]\n",
+          "  value -  [write-only]\n"}) {
+        EXPECT_THAT(run.output, HasSubstr(line));
+    }
+}
+
 struct Absent
 {
     char const* camera;

@@ -4,6 +4,16 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
 namespace
 {
 
@@ -37,13 +47,84 @@ TEST(MonitorCommand, EndsWhenItsTimeIsUp)
     EXPECT_EQ(run.output, "");
 }
 
-TEST(MonitorCommand, EndsCleanlyOnCtrlC)
+bool isBlocked(std::string const& statusFile, int signal)
 {
-    ProgramRun const direct =
-        runProgram({"sh", "-c",
-                    std::string(IACQ_PROGRAM) +
-                        " monitor & sleep 0.5; kill -INT $!; wait $!; echo status $?"});
-    EXPECT_EQ(direct.output, "status 0\n") << direct.errors;
+    std::ifstream status(statusFile);
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind("SigBlk:", 0) == 0) {
+            return (std::stoull(line.substr(7), nullptr, 16) >> (signal - 1) & 1) != 0;
+        }
+    }
+    return false;
+}
+
+/// Whether one of a process's threads holds a signal back. The one that waits for it is not shown
+/// to do so.
+bool holdsBack(pid_t process, int signal)
+{
+    std::error_code gone;
+    std::filesystem::directory_iterator const threads("/proc/" + std::to_string(process) + "/task",
+                                                      gone);
+    return std::any_of(begin(threads), end(threads), [signal](auto const& thread) {
+        return isBlocked(thread.path() / "status", signal);
+    });
+}
+
+class Interruption : public testing::TestWithParam<int>
+{
+};
+
+TEST_P(Interruption, EndsTheMonitorCleanly)
+{
+    pid_t const tool = fork();
+    if (tool == 0) {
+        execl(IACQ_PROGRAM, "iacq", "monitor", nullptr);
+        _exit(127);
+    }
+    int status = 0;
+    while (!holdsBack(tool, GetParam()) && waitpid(tool, &status, WNOHANG) == 0) {
+        usleep(1000);
+    }
+    ASSERT_EQ(kill(tool, GetParam()), 0);
+    ASSERT_EQ(waitpid(tool, &status, 0), tool);
+    EXPECT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, Interruption, testing::Values(SIGINT, SIGTERM));
+
+TEST(MonitorCommand, PrintsEachLineAsItHappens)
+{
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    pid_t const wrapper = fork();
+    if (wrapper == 0) {
+        dup2(ends[1], STDOUT_FILENO);
+        execl(WITH_VIRTUAL_CAMERA, "with-virtual-camera", "--model", "webcam", "--unplug-after",
+              "300", IACQ_PROGRAM, "monitor", nullptr);
+        _exit(127);
+    }
+    close(ends[1]);
+    // The tool goes on for ever, so that this is read before it ends.
+    char line[256] = "";
+    EXPECT_GT(read(ends[0], line, sizeof line - 1), 0);
+    EXPECT_THAT(line, HasSubstr(" remove /dev/video"));
+    EXPECT_EQ(line[std::strlen(line) - 1], '\n');
+    kill(wrapper, SIGTERM);
+    int status = 0;
+    waitpid(wrapper, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    close(ends[0]);
+}
+
+TEST(MonitorCommand, FailsWhenItCannotPrint)
+{
+    ProgramRun const run =
+        runProgram({"bash", "-c",
+                    std::string(WITH_VIRTUAL_CAMERA) + " --model webcam --unplug-after 300 " +
+                        IACQ_PROGRAM + " monitor --timeout 50 >/dev/full"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors, "iacq: cannot write standard output\n");
 }
 
 } // namespace
