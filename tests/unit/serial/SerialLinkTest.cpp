@@ -1,17 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "serial/SystemTool.h"
-#include "serial/ZorvaneCameraControlBoolean.h"
 
 #include "ProcessCensus.h"
 #include "QtMessages.h"
 #include "SerialMachine.h"
 #include "Stopwatch.h"
-#include "ThreadCount.h"
-
-#include <QCoreApplication>
-
-#include <algorithm>
-#include <functional>
 
 namespace
 {
@@ -24,12 +17,6 @@ protected:
     ~SerialLinkTest() override { SystemTool::msTimeout = 30000; }
 
     std::string portName() const { return m_camera.serialPort().portName().toStdString(); }
-    /// One exchange over the link.
-    bool cameraAnswers(ZorvaneCamera& camera) const
-    {
-        return ZorvaneCameraControlBoolean(&camera, "Auto Focus", 8, 1, ICameraControl::Focus)
-            .initControlLength();
-    }
 
     OpenedCamera m_camera;
     QtMessages m_messages;
@@ -138,12 +125,16 @@ TEST_F(SerialLinkTest, FindsNothingWhenDmesgNeverEnds)
 {
     m_tools.onPath("dmesg", "echo $$ >\"$WORK/pids\"; cat \"$WORK/log\"; sleep 600 & "
                             "echo $! >>\"$WORK/pids\"; wait");
-    SystemTool::msTimeout = 2000;
-    Stopwatch const watch;
-    EXPECT_FALSE(m_camera.initCommunication());
-    EXPECT_LT(watch.seconds(), 10);
+    // As long as the tool needs to get so far, on a busy machine too.
+    for (int const milliseconds : {1000, 4000, 16000}) {
+        SystemTool::msTimeout = milliseconds;
+        EXPECT_FALSE(m_camera.initCommunication());
+        if (wordsIn(m_tools.read("pids")) == 2) {
+            break;
+        }
+    }
     EXPECT_TRUE(m_messages.hold(QtInfoMsg, "No match in dmesg"));
-    EXPECT_NE("", m_tools.read("pids"));
+    EXPECT_EQ(2, wordsIn(m_tools.read("pids")));
     EXPECT_TRUE(allEnd(m_tools.read("pids")));
 }
 
@@ -181,9 +172,9 @@ INSTANTIATE_TEST_SUITE_P(
                     HolderCase{"PrintsASpace", "printf ' '", false},
                     HolderCase{"PrintsAnEmptyLine", "echo", false},
                     HolderCase{"PrintsAProcessAndFails", "echo 4711; exit 1", false},
-                    HolderCase{"PrintsAZeroByteFirst", "printf '\\0004711'", true},
+                    HolderCase{"PrintsAZeroByteFirst", "head -c 1 /dev/zero; echo 4711", true},
                     HolderCase{"PrintsToStandardErrorOnly", "echo '/dev/ttyACM0:' >&2", true},
-                    HolderCase{"NeverEnds", "echo 4711; exec sleep 600", true, 3000},
+                    HolderCase{"NeverEnds", "echo 4711; exec sleep 600", true, 5000},
                     HolderCase{"IsMissing", nullptr, true}),
     [](auto const& test) { return std::string(test.param.name); });
 
@@ -278,96 +269,6 @@ TEST_F(SerialLinkTest, OpensTheLinkBeforeTheNodeAndNeedsNoNodeForIt)
     EXPECT_TRUE(m_camera.init());
     EXPECT_TRUE(m_camera.serialPort().isOpen());
     EXPECT_EQ(0, m_camera.controlNumber());
-}
-
-/// What a whole life of a camera leaves behind, compared with what a life before left: Qt and the
-/// testbed set up some things once.
-class RemainsTest : public SerialLinkTest
-{
-protected:
-    RemainsTest()
-    {
-        // The first control of the table: the set ends with it.
-        silence({VirtualCamera::GetLen, 1, 6});
-        ZorvaneCameraControl::msReplyTimeout = ZorvaneCameraControl::_msTimeout;
-        EXPECT_TRUE(linkInALife());
-    }
-
-    /// Whether it had a link.
-    bool linkInALife(std::function<void()> const& onceLinked = nullptr)
-    {
-        OpenedCamera camera;
-        bool const linked = camera.initCommunication();
-        if (onceLinked) {
-            onceLinked();
-        }
-        cameraAnswers(camera);
-        camera.Camera::init();
-        return linked;
-    }
-    void expectNothingElse(std::vector<std::string> const& descriptors, int threads)
-    {
-        EXPECT_EQ(descriptors, descriptorsButSockets());
-        EXPECT_TRUE(awaitThreadCount(threads));
-        EXPECT_EQ(0, childrenOfThisProcess());
-        EXPECT_FALSE(std::filesystem::exists(m_tty.lockFile()));
-        EXPECT_TRUE(m_video.accounting().nothingHeld());
-        EXPECT_EQ(2U, m_video.accounting().totalOpens);
-    }
-    void expectNoRemains(bool linked)
-    {
-        std::vector<std::string> const descriptors = descriptorsButSockets();
-        int const threads = threadCount();
-        EXPECT_EQ(linked, linkInALife());
-        expectNothingElse(descriptors, threads);
-    }
-};
-
-TEST_F(RemainsTest, AreNoneAfterExchanges)
-{
-    expectNoRemains(true);
-}
-
-TEST_F(RemainsTest, AreNoneWithoutDmesg)
-{
-    std::filesystem::remove("../bin/dmesg");
-    expectNoRemains(false);
-}
-
-TEST_F(RemainsTest, AreNoneAfterAHangingDmesg)
-{
-    m_tools.onPath("dmesg", "sleep 600");
-    SystemTool::msTimeout = 300;
-    expectNoRemains(false);
-}
-
-TEST_F(RemainsTest, AreNoneAfterAPortThatCannotBeOpened)
-{
-    m_testbed.removeNodeFile(m_tty.path());
-    expectNoRemains(false);
-}
-
-TEST_F(RemainsTest, AreNoneAfterAnUnplugging)
-{
-    std::vector<std::string> descriptors = descriptorsButSockets();
-    // The firmware goes with the camera.
-    auto const terminal = std::find(descriptors.begin(), descriptors.end(), "/dev/ptmx");
-    ASSERT_NE(descriptors.end(), terminal);
-    descriptors.erase(terminal);
-    int const threads = threadCount() - 1;
-    EXPECT_TRUE(linkInALife([this] { m_firmware.unplug(); }));
-    expectNothingElse(descriptors, threads);
-}
-
-TEST_F(RemainsTest, AreNoneWithACoreApplication)
-{
-    int argumentCount = 1;
-    char name[] = "test";
-    char* arguments[] = {name, nullptr};
-    QCoreApplication const application(argumentCount, arguments);
-    QtMessages const messages;
-    expectNoRemains(true);
-    EXPECT_FALSE(messages.hold(QtWarningMsg, "QSocketNotifier"));
 }
 
 } // namespace

@@ -39,6 +39,7 @@ protected:
     }
     SerialBytes lastPacket() const { return m_firmware.packetBytes().back(); }
 
+    ReplyTimeout m_timeout{ReplyTimeout::forAnswers};
     SerialFirmware m_firmware{
         {VirtualCamera::aSerialControl(unit, oneByte, 1, 0, 100, 7),
          VirtualCamera::aSerialControl(unit, twoBytes, 2, -5, 255, -2),

@@ -62,6 +62,12 @@ inline int childrenOfThisProcess()
     return count;
 }
 
+inline int wordsIn(std::string const& text)
+{
+    std::istringstream stream(text);
+    return static_cast<int>(std::distance(std::istream_iterator<std::string>(stream), {}));
+}
+
 /// Waits until none of the processes, given as numbers with spaces between, runs any more; false
 /// when one still runs after 5 s.
 inline bool allEnd(std::string const& processes)

@@ -13,14 +13,14 @@ public:
     static constexpr int forBoth = 300;
 
     explicit ReplyTimeout(int milliseconds)
+        : _earlier(ImageAcquisition::ZorvaneCameraControl::msReplyTimeout)
     {
         ImageAcquisition::ZorvaneCameraControl::msReplyTimeout = milliseconds;
     }
     ReplyTimeout(ReplyTimeout const&) = delete;
     ReplyTimeout& operator=(ReplyTimeout const&) = delete;
-    ~ReplyTimeout()
-    {
-        ImageAcquisition::ZorvaneCameraControl::msReplyTimeout =
-            ImageAcquisition::ZorvaneCameraControl::_msTimeout;
-    }
+    ~ReplyTimeout() { ImageAcquisition::ZorvaneCameraControl::msReplyTimeout = _earlier; }
+
+private:
+    int _earlier;
 };

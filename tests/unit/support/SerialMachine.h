@@ -6,6 +6,7 @@
 #include "ToolFolder.h"
 #include "TtyNode.h"
 #include "VirtualCamera.h"
+#include "serial/ZorvaneCameraControlBoolean.h"
 
 #include <gtest/gtest.h>
 
@@ -34,6 +35,14 @@ protected:
         ImageAcquisition::ZorvaneCameraControl::msReplyTimeout = ReplyTimeout::forBoth;
         m_firmware.answer(VirtualCamera::SerialAnswer::silence(), requests,
                           VirtualCamera::SerialFirmware::always);
+    }
+
+    /// One exchange over a camera's link.
+    static bool cameraAnswers(ImageAcquisition::ZorvaneCamera& camera)
+    {
+        using namespace ImageAcquisition;
+        return ZorvaneCameraControlBoolean(&camera, "Auto Focus", 8, 1, ICameraControl::Focus)
+            .initControlLength();
     }
 
     /// The line by which the kernel tells of a tty.

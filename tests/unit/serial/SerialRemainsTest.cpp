@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#include "serial/SystemTool.h"
+
+#include "ProcessCensus.h"
+#include "QtMessages.h"
+#include "SerialMachine.h"
+#include "ThreadCount.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <functional>
+#include <thread>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+
+/// What a whole life of a camera leaves behind, compared with what a life before left: Qt and the
+/// testbed set up some things once.
+class RemainsTest : public SerialMachineTest
+{
+protected:
+    RemainsTest()
+    {
+        // The first control of the table: the set ends with it.
+        silence({VirtualCamera::GetLen, 1, 6});
+        ZorvaneCameraControl::msReplyTimeout = ZorvaneCameraControl::_msTimeout;
+        EXPECT_TRUE(linkInALife());
+    }
+    ~RemainsTest() override { SystemTool::msTimeout = 30000; }
+
+    /// Whether it had a link.
+    bool linkInALife(std::function<void()> const& onceLinked = nullptr)
+    {
+        OpenedCamera camera;
+        bool const linked = camera.initCommunication();
+        if (onceLinked) {
+            onceLinked();
+        }
+        cameraAnswers(camera);
+        camera.Camera::init();
+        return linked;
+    }
+    void expectNothingElse(std::vector<std::string> const& descriptors, int threads)
+    {
+        EXPECT_EQ(descriptors, descriptorsButSockets());
+        EXPECT_TRUE(awaitThreadCount(threads));
+        EXPECT_EQ(0, childrenOfThisProcess());
+        EXPECT_FALSE(std::filesystem::exists(m_tty.lockFile()));
+        EXPECT_TRUE(m_video.accounting().nothingHeld());
+        EXPECT_EQ(2U, m_video.accounting().totalOpens);
+    }
+    void expectNoRemains(bool linked)
+    {
+        std::vector<std::string> const descriptors = descriptorsButSockets();
+        int const threads = threadCount();
+        EXPECT_EQ(linked, linkInALife());
+        expectNothingElse(descriptors, threads);
+    }
+};
+
+TEST_F(RemainsTest, AreNoneAfterExchanges)
+{
+    expectNoRemains(true);
+}
+
+TEST_F(RemainsTest, AreNoneWithoutDmesg)
+{
+    std::filesystem::remove("../bin/dmesg");
+    expectNoRemains(false);
+}
+
+TEST_F(RemainsTest, AreNoneAfterAHangingDmesg)
+{
+    m_tools.onPath("dmesg", "sleep 600");
+    SystemTool::msTimeout = 300;
+    expectNoRemains(false);
+}
+
+TEST_F(RemainsTest, AreNoneAfterAPortThatCannotBeOpened)
+{
+    m_testbed.removeNodeFile(m_tty.path());
+    expectNoRemains(false);
+}
+
+TEST_F(RemainsTest, AreNoneAfterAnUnplugging)
+{
+    std::vector<std::string> descriptors = descriptorsButSockets();
+    // The firmware goes with the camera.
+    auto const terminal = std::find(descriptors.begin(), descriptors.end(), "/dev/ptmx");
+    ASSERT_NE(descriptors.end(), terminal);
+    descriptors.erase(terminal);
+    int const threads = threadCount() - 1;
+    EXPECT_TRUE(linkInALife([this] { m_firmware.unplug(); }));
+    expectNothingElse(descriptors, threads);
+}
+
+TEST_F(RemainsTest, AreNoneOfALifeInAThreadOfTheClient)
+{
+    std::vector<std::string> const descriptors = descriptorsButSockets();
+    int const threads = threadCount();
+    bool linked = false;
+    std::thread([&] { linked = linkInALife(); }).join();
+    EXPECT_TRUE(linked);
+    expectNothingElse(descriptors, threads);
+}
+
+TEST_F(RemainsTest, AreNoneWithACoreApplication)
+{
+    int argumentCount = 1;
+    char name[] = "test";
+    char* arguments[] = {name, nullptr};
+    QCoreApplication const application(argumentCount, arguments);
+    QtMessages const messages;
+    expectNoRemains(true);
+    EXPECT_FALSE(messages.hold(QtWarningMsg, "QSocketNotifier"));
+}
+
+} // namespace
