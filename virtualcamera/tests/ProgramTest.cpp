@@ -103,7 +103,7 @@ TEST(ProgramTest, TakesCamerasFromAFile)
 TEST(ProgramTest, UnplugsACameraWhileItStreams)
 {
     Outcome const outcome =
-        run("--model webcam --unplug-after 300 " + client + " stream /dev/video0 100000");
+        run("--model webcam --unplug-after 1500 " + client + " stream /dev/video0 100000");
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.output.rfind("streaming\nframe 0\n", 0), 0u);
     EXPECT_NE(outcome.output.find("\nENODEV\n"), std::string::npos);
@@ -112,7 +112,7 @@ TEST(ProgramTest, UnplugsACameraWhileItStreams)
 TEST(ProgramTest, SendsHotPlugEventsWhileTheProgramRuns)
 {
     Outcome const outcome =
-        run("--model platform --plug-after 400 --unplug-after 500 " + client + " watch 2");
+        run("--model platform --plug-after 1500 --unplug-after 1600 " + client + " watch 2");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "add /dev/video0\nremove /dev/video0\n");
 }

@@ -42,7 +42,7 @@ TEST(ReadTest, KeepsWhatDidNotFit)
 
 TEST(ReadTest, StartsWithTheFirstReadAndWaitsForAFrame)
 {
-    auto const camera = aCamera().withFormat("GREY").withSize(16, 16).withInterval(1, 50).install();
+    auto const camera = aCamera().withFormat("GREY").withSize(16, 16).withInterval(1, 1).install();
     Client client;
     std::vector<std::uint8_t> bytes;
     EXPECT_TRUE(client.readable(0));
