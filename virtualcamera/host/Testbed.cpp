@@ -39,7 +39,7 @@ namespace
 
 std::string takeText(gchar* text)
 {
-    std::string const copy = text != nullptr ? text : "";
+    std::string copy = text != nullptr ? text : "";
     g_free(text);
     return copy;
 }
@@ -209,7 +209,7 @@ std::string Testbed::addVideo(std::string const& name, char const* parent)
     attributes.add("index", std::string("0"));
     TextList properties;
     properties.add("DEVNAME", "/dev/" + name);
-    std::string const syspath =
+    std::string syspath =
         takeText(umockdev_testbed_add_devicev(_state->testbed, "video4linux", name.c_str(), parent,
                                               attributes.pointers(), properties.pointers()));
     _syspaths[name] = syspath;

@@ -44,6 +44,7 @@ HeldSignals::HeldSignals()
 ChildProcess::ChildProcess(std::vector<std::string> const& command, HeldSignals const& held)
 {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string const& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);

@@ -32,7 +32,7 @@ std::string restartInTestbed(char** arguments)
 {
     char const* const found = std::getenv(handover);
     if (found != nullptr) {
-        std::string const path = found;
+        std::string path = found;
         unsetenv(handover);
         if (!Testbed::visible())
             throw std::runtime_error("umockdev's preload library cannot be loaded");

@@ -45,7 +45,7 @@ std::string SerialPorts::plug(std::string const& usbPort)
 {
     Port port;
     std::string const name = port.name.text();
-    std::string const node = "/dev/" + name;
+    std::string node = "/dev/" + name;
     files::create_symlink(port.firmware->ttyPath(), _testbed.rootDirectory() + node);
     _ports.emplace(node, std::move(port));
     // Interface 5 of configuration 1 carries the port.

@@ -80,9 +80,7 @@ int run(Options const& options, std::string const& preload)
     return child.exitStatus();
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int parseAndRun(int argc, char** argv)
 {
     CLI::App app{"Runs PROGRAM on a machine with virtual cameras: by default an ordinary webcam "
                  "(video0) and one of the vendor's cameras (video2)."};
@@ -109,8 +107,15 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "with-virtual-camera: no program given\n");
         return EXIT_FAILURE;
     }
+    return run(options, restartInTestbed(argv));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
     try {
-        return run(options, restartInTestbed(argv));
+        return parseAndRun(argc, argv);
     } catch (std::system_error const& failure) {
         std::fprintf(stderr, "with-virtual-camera: %s\n", failure.what());
         return failure.code() == std::errc::no_such_file_or_directory ? 127 : 126;

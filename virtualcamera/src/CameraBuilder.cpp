@@ -83,7 +83,9 @@ CameraBuilder& CameraBuilder::withFormat(std::string const& pixelFormat, std::st
 {
     FormatScript added;
     added.pixelFormat = pixelFormatByName(pixelFormat);
-    added.description = description.empty() ? pixelFormat : std::move(description);
+    added.description = std::move(description);
+    if (added.description.empty())
+        added.description = pixelFormat;
     added.flags = flags;
     _script.formats.push_back(std::move(added));
     return *this;

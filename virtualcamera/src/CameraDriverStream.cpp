@@ -62,8 +62,10 @@ int CameraDriver::dequeue(Lock& lock, int file, v4l2_buffer& buffer)
         return failed;
     Buffer const& filled = _queue.dequeue(buffer);
     FrameFault const fault = _source.faultOf(filled.frame);
-    unsigned char* const target =
-        filled.pages ? filled.pages->bytes() : reinterpret_cast<unsigned char*>(filled.userPointer);
+    // V4L2 passes pointers as numbers.
+    auto* const target = filled.pages
+                             ? filled.pages->bytes()
+                             : reinterpret_cast<unsigned char*>(filled.userPointer); // NOLINT
     buffer.bytesused = fill(filled, target, fault);
     if (fault.corrupted)
         buffer.flags |= V4L2_BUF_FLAG_ERROR;

@@ -29,7 +29,7 @@ private:
     void fillLine(unsigned char* image, std::uint32_t x, std::uint32_t y, std::uint32_t width,
                   Colour const& colour) const override
     {
-        unsigned char* at = image + std::size_t{y} * bytesPerLine() + x * 2;
+        unsigned char* at = image + std::size_t{y} * bytesPerLine() + std::size_t{x} * 2;
         for (std::uint32_t pixel = 0; pixel < width; ++pixel, at += 2) {
             std::uint8_t const chroma = pixel % 2 == 0 ? colour.chromaBlue : colour.chromaRed;
             at[_lumaFirst ? 0 : 1] = colour.luma;
@@ -52,7 +52,7 @@ private:
     void fillLine(unsigned char* image, std::uint32_t x, std::uint32_t y, std::uint32_t width,
                   Colour const& colour) const override
     {
-        unsigned char* at = image + std::size_t{y} * bytesPerLine() + x * 3;
+        unsigned char* at = image + std::size_t{y} * bytesPerLine() + std::size_t{x} * 3;
         for (std::uint32_t pixel = 0; pixel < width; ++pixel, at += 3) {
             at[0] = _redFirst ? colour.red : colour.blue;
             at[1] = colour.green;
@@ -90,7 +90,7 @@ public:
     std::size_t size() const override { return Canvas::size() + 2 * chromaLine() * chromaLines(); }
 
 private:
-    std::size_t chromaLine() const { return (bytesPerLine() + 1) / 2; }
+    std::size_t chromaLine() const { return (std::size_t{bytesPerLine()} + 1) / 2; }
     std::size_t chromaLines() const { return (height() + 1) / 2; }
 
     void fillLine(unsigned char* image, std::uint32_t x, std::uint32_t y, std::uint32_t width,
@@ -99,17 +99,17 @@ private:
         GreyCanvas::fillLine(image, x, y, width, colour);
         if (y % 2 != 0)
             return;
-        std::size_t const pairs = (width + 1) / 2;
+        std::size_t const pairs = (std::size_t{width} + 1) / 2;
         unsigned char* const chroma = image + Canvas::size();
         if (_interleaved) {
-            unsigned char* at = chroma + (y / 2) * 2 * chromaLine() + x;
+            unsigned char* at = chroma + std::size_t{y / 2} * 2 * chromaLine() + x;
             for (std::size_t pair = 0; pair < pairs; ++pair, at += 2) {
                 at[0] = colour.chromaBlue;
                 at[1] = colour.chromaRed;
             }
             return;
         }
-        unsigned char* const blue = chroma + (y / 2) * chromaLine() + x / 2;
+        unsigned char* const blue = chroma + std::size_t{y / 2} * chromaLine() + x / 2;
         unsigned char* const red = blue + chromaLine() * chromaLines();
         std::fill(blue, blue + pairs, colour.chromaBlue);
         std::fill(red, red + pairs, colour.chromaRed);

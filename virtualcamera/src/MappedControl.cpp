@@ -47,8 +47,8 @@ std::int64_t MappedControl::extract(std::vector<std::uint8_t> const& bytes) cons
             value |= 1u << bit;
     }
     unsigned const width = _mapping.mapping.size;
-    bool const negative = (value >> (width - 1) & 1) != 0;
-    if (_mapping.mapping.data_type == UVC_CTRL_DATA_TYPE_SIGNED && negative && width < 32)
+    bool const extended = _mapping.mapping.data_type == UVC_CTRL_DATA_TYPE_SIGNED;
+    if (extended && width > 0 && width < 32 && (value >> (width - 1) & 1) != 0)
         value |= ~0u << width;
     // Controls are signed to V4L2: a 32-bit field of ones shows as -1.
     return static_cast<std::int32_t>(value);

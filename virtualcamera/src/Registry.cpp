@@ -71,7 +71,7 @@ std::shared_ptr<CameraDriver> Registry::byNode(std::string const& node)
     if (device->script().presenceFile.empty() || !device->present())
         return nullptr;
     // Plugged in again by another process, with the state of a fresh camera.
-    auto const fresh = std::make_shared<CameraDriver>(device->script());
+    auto fresh = std::make_shared<CameraDriver>(device->script());
     plug(fresh);
     return fresh;
 }

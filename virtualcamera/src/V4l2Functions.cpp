@@ -45,10 +45,11 @@ VIRTUALCAMERA_EXPORT int v4l2_open(char const* file, int oflag, ...)
     if ((oflag & O_CREAT) != 0) {
         va_list arguments;
         va_start(arguments, oflag);
-        mode = va_arg(arguments, mode_t);
+        mode = va_arg(arguments, mode_t); // NOLINT: started in the line above
         va_end(arguments);
     }
-    if (auto const device = Registry::instance().byNode(file)) {
+    auto const device = file == nullptr ? nullptr : Registry::instance().byNode(file);
+    if (device) {
         int const descriptor = device->open(file, oflag);
         if (descriptor >= 0)
             Registry::instance().addDescriptor(descriptor, device);

@@ -195,6 +195,7 @@ TEST(FaultTest, NamesEachCallInItsLog)
 TEST(FaultTest, PassesOnWhatIsNotVirtual)
 {
     EXPECT_EQ(Client("/dev/nothing-here").openError(), ENOENT);
+    EXPECT_EQ(v4l2_open(nullptr, O_RDWR), -1);
     v4l2_capability capability{};
     EXPECT_EQ(v4l2_ioctl(-1, VIDIOC_QUERYCAP, &capability), -1);
     EXPECT_EQ(errno, EBADF);
