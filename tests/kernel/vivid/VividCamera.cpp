@@ -6,10 +6,8 @@
 
 #include <ICameraFactory.h>
 
-#include <ctime>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
 
 using namespace ImageAcquisition;
 
@@ -38,53 +36,12 @@ bool selectSmall(IBlockingCamera& camera, const char* format)
     return camera.setCurrentImageFormat(format, 320, 180, 1, 25);
 }
 
-Bytes bytesOf(const IFrame& frame)
-{
-    return Bytes(frame.bytePtr(), frame.bytePtr() + frame.bytesUsed());
-}
-
 Bytes capturedByV4l2Ctl(const std::string& node, unsigned count)
 {
     const std::string file = "/tmp/vivid-frames";
     v4l2Ctl(node, "--stream-mmap --stream-count=" + std::to_string(count) + " --stream-to=" + file);
     std::ifstream stream(file, std::ios::binary);
     return Bytes(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-}
-
-double monotonicSeconds()
-{
-    timespec now{};
-    ::clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
-}
-
-double stampSeconds(const IFrame& frame)
-{
-    const FrameTimeStamp stamp = frame.timeStamp();
-    return static_cast<double>(stamp.seconds) + static_cast<double>(stamp.microseconds) / 1e6;
-}
-
-Stream::Stream(IBlockingCamera& camera, int bufferCount) : _camera(camera)
-{
-    if (_camera.setup(bufferCount) != 0 || _camera.startCapture() != 0) {
-        _camera.cleanup();
-        throw std::runtime_error("the capture does not start");
-    }
-}
-
-Stream::~Stream()
-{
-    _camera.stopCapture();
-    _camera.cleanup();
-}
-
-std::vector<IFrame*> Stream::takeAll() const
-{
-    std::vector<IFrame*> frames;
-    for (IFrame* frame; !(frame = _camera.acquireFrame())->isInvalid();) {
-        frames.push_back(frame);
-    }
-    return frames;
 }
 
 } // namespace KernelTest

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "LibraryCamera.h"
+
+#include <ICameraFactory.h>
+
+#include <ctime>
+#include <stdexcept>
+
+using namespace ImageAcquisition;
+
+namespace KernelTest
+{
+
+ListPointer listDevices()
+{
+    return ListPointer(ICameraFactory::getUniqueInstance().createDeviceList());
+}
+
+IDevice const* recordOf(const IDeviceList& list, const std::string& node)
+{
+    for (int i = 0; i < list.size(); ++i) {
+        if (list.at(i)->systemName() == node) {
+            return list.at(i);
+        }
+    }
+    return nullptr;
+}
+
+CameraPointer openListed(const std::string& node)
+{
+    const ListPointer list = listDevices();
+    IDevice const* const record = recordOf(*list, node);
+    return CameraPointer(record ? ICameraFactory::getUniqueInstance().createBlockingCamera(record)
+                                : nullptr);
+}
+
+Bytes bytesOf(const IFrame& frame)
+{
+    return Bytes(frame.bytePtr(), frame.bytePtr() + frame.bytesUsed());
+}
+
+double monotonicSeconds()
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+double stampSeconds(const IFrame& frame)
+{
+    const FrameTimeStamp stamp = frame.timeStamp();
+    return static_cast<double>(stamp.seconds) + static_cast<double>(stamp.microseconds) / 1e6;
+}
+
+Stream::Stream(IBlockingCamera& camera, int bufferCount) : _camera(camera)
+{
+    if (_camera.setup(bufferCount) != 0 || _camera.startCapture() != 0) {
+        _camera.cleanup();
+        throw std::runtime_error("the capture does not start");
+    }
+}
+
+Stream::~Stream()
+{
+    _camera.stopCapture();
+    _camera.cleanup();
+}
+
+std::vector<IFrame*> Stream::takeAll() const
+{
+    std::vector<IFrame*> frames;
+    for (IFrame* frame; !(frame = _camera.acquireFrame())->isInvalid();) {
+        frames.push_back(frame);
+    }
+    return frames;
+}
+
+} // namespace KernelTest
