@@ -171,9 +171,11 @@ int BufferQueue::streamOff(int file, int type)
 {
     if (type != static_cast<int>(captureType))
         return -EINVAL;
-    if (ownedByOther(file) || _reading)
+    if (_reading)
         return -EBUSY;
-    stop();
+    // libv4l2 passes this on only for a descriptor that streams.
+    if (streamsTo(file))
+        stop();
     return 0;
 }
 

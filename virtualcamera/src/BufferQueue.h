@@ -56,6 +56,7 @@ public:
     void closed(int file);
 
     bool streaming() const { return _streaming; }
+    bool streamsTo(int file) const { return _streaming && !_reading && _owner == file; }
     /// Streaming, but no buffer has been queued since it was last stopped.
     bool waitingForBuffers() const { return _waitingForBuffers; }
     bool hasQueued() const { return !_queued.empty(); }

@@ -91,6 +91,7 @@ private:
     std::optional<Nanoseconds> wakeTime() const;
     void release(int file);
 
+    bool settledByLibrary(int file, std::uint32_t request) const;
     int answer(Lock& lock, int file, std::uint32_t request, void* argument);
     int answerDevice(std::uint32_t request, void* argument);
     int answerFormat(std::uint32_t request, void* argument);

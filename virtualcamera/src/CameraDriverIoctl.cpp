@@ -40,12 +40,22 @@ int CameraDriver::ioctl(int file, std::uint32_t request, void* argument)
     call.sent(argument);
     if (int const scripted = _log.countUse(id))
         return call.end(-scripted, argument);
+    if (argument == nullptr)
+        return call.end(_gone ? -ENODEV : -EFAULT);
+    if (settledByLibrary(file, request))
+        return call.end(0, argument);
     if (_gone)
         return call.end(-ENODEV, argument);
-    if (argument == nullptr)
-        return call.end(-EFAULT);
     int const result = answer(lock, file, request, argument);
     return call.end(result, argument);
+}
+
+// libv4l2 remembers which descriptors stream, and calls it a success to start one that does or to
+// stop one that doesn't, without a look at the device.
+bool CameraDriver::settledByLibrary(int file, std::uint32_t request) const
+{
+    return _gone && ((request == VIDIOC_STREAMON && _queue.streamsTo(file)) ||
+                     (request == VIDIOC_STREAMOFF && !_queue.streamsTo(file)));
 }
 
 int CameraDriver::answer(Lock& lock, int file, std::uint32_t request, void* argument)

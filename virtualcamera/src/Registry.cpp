@@ -83,6 +83,12 @@ std::shared_ptr<CameraDriver> Registry::byDescriptor(int descriptor)
     return found == _descriptors.end() ? nullptr : found->second;
 }
 
+bool Registry::isFull()
+{
+    std::lock_guard const lock(_mutex);
+    return _descriptors.size() >= mostDescriptors;
+}
+
 void Registry::addDescriptor(int descriptor, std::shared_ptr<CameraDriver> const& device)
 {
     std::shared_ptr<CameraDriver> stale;

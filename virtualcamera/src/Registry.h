@@ -29,6 +29,9 @@ public:
     std::shared_ptr<CameraDriver> byNode(std::string const& node);
     std::shared_ptr<CameraDriver> byDescriptor(int descriptor);
 
+    /// libv4l2 has room for so many openings in one process, whatever they open.
+    static constexpr std::size_t mostDescriptors = 16;
+    bool isFull();
     void addDescriptor(int descriptor, std::shared_ptr<CameraDriver> const& device);
     void removeDescriptor(int descriptor);
     void addMapping(MappingTicket const& ticket, std::shared_ptr<CameraDriver> const& device);

@@ -50,6 +50,8 @@ VIRTUALCAMERA_EXPORT int v4l2_open(char const* file, int oflag, ...)
     }
     auto const device = file == nullptr ? nullptr : Registry::instance().byNode(file);
     if (device) {
+        if (Registry::instance().isFull())
+            return failWith(EBUSY);
         int const descriptor = device->open(file, oflag);
         if (descriptor >= 0)
             Registry::instance().addDescriptor(descriptor, device);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <thread>
 
 namespace
@@ -68,9 +69,48 @@ TEST(BufferTest, BelongsToTheFileThatRequested)
     EXPECT_EQ(other.stream(true), EBUSY);
     v4l2_buffer buffer{};
     EXPECT_EQ(other.dequeue(buffer), EBUSY);
+    EXPECT_EQ(other.stream(false), 0);
+    EXPECT_TRUE(camera.accounting().streaming);
     EXPECT_EQ(owner.unmapAll(), 0);
     EXPECT_EQ(owner.close(), 0);
     EXPECT_EQ(other.request(2), 0);
+}
+
+TEST(BufferTest, StoppingWithoutAStreamSucceedsAndKeepsTheQueue)
+{
+    auto const camera = promptCamera().install();
+    Client client;
+    EXPECT_EQ(client.stream(false), 0);
+    ASSERT_EQ(client.request(2), 0);
+    ASSERT_EQ(client.queue(0), 0);
+    EXPECT_EQ(client.stream(false), 0);
+    EXPECT_EQ(camera.accounting().queuedBuffers, 1);
+}
+
+TEST(BufferTest, OnAGoneDeviceOnlyWhatIsAlreadySoSucceeds)
+{
+    auto camera = promptCamera().install();
+    Client streaming;
+    Client idle;
+    ASSERT_EQ(streaming.start(2), 0);
+    camera.unplug();
+    EXPECT_EQ(streaming.stream(true), 0);
+    EXPECT_EQ(streaming.stream(false), ENODEV);
+    EXPECT_EQ(idle.stream(true), ENODEV);
+    EXPECT_EQ(idle.stream(false), 0);
+}
+
+TEST(BufferTest, AProcessOpensSixteenAtMost)
+{
+    auto const camera = promptCamera().install();
+    std::vector<std::unique_ptr<Client>> clients;
+    for (int i = 0; i < 16; ++i) {
+        clients.push_back(std::make_unique<Client>());
+        EXPECT_EQ(clients.back()->openError(), 0) << i;
+    }
+    EXPECT_EQ(Client().openError(), EBUSY);
+    clients.pop_back();
+    EXPECT_EQ(Client().openError(), 0);
 }
 
 TEST(BufferTest, RefusesWrongIndicesAndBuffersQueuedTwice)
