@@ -115,7 +115,7 @@ refuses_other_versions() {
         printf 'cmake_minimum_required(VERSION 3.25)\nproject(p LANGUAGES CXX)\n%s\n' \
             "find_package(ImageAcquisition $wanted REQUIRED)" >"$work/version/CMakeLists.txt"
         rm -rf "$work/version/build"
-        if cmake -S "$work/version" -B "$work/version/build" -DCMAKE_PREFIX_PATH="$prefix" \
+        if cmake -S "$work/version" -B "$work/version/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
             >"$work/version/log" 2>&1; then
             [ "$wanted" = "$major" ] || fail "version $wanted was found"
         else

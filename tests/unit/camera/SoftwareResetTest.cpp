@@ -91,8 +91,12 @@ TEST_F(SoftwareReset, LeavesNoDescriptorBehind)
     machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
     EXPECT_TRUE(camera.softwareReset());
     int const before = openDescriptors();
-    EXPECT_TRUE(camera.softwareReset());
-    EXPECT_EQ(before, openDescriptors());
+    for (int round = 0; round < 5; ++round) {
+        EXPECT_TRUE(camera.softwareReset());
+    }
+    // The made-up machine's own thread closes its connections in its own time, one that was
+    // counted before among them.
+    EXPECT_TRUE(awaitAtMostDescriptors(before));
 }
 
 /// A camera that takes itself for one of the vendor's in spite of its ids.

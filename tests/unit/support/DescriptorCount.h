@@ -4,9 +4,11 @@
 #include <dirent.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 /// What every descriptor of the process stands for, such as "pipe:[4711]".
@@ -36,4 +38,18 @@ inline std::vector<std::string> descriptorTargets()
 inline int openDescriptors()
 {
     return static_cast<int>(descriptorTargets().size());
+}
+
+/// Returns once the process has no more descriptors open than so many; false when that does not
+/// come about within 5 seconds.
+inline bool awaitAtMostDescriptors(int wanted)
+{
+    auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (openDescriptors() > wanted) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::yield();
+    }
+    return true;
 }
