@@ -7,7 +7,7 @@ _iacq_options()
     case $1 in
         list) echo --json --help ;;
         show | get) echo --json --help ;;
-        capture) echo --output --output-format --count --format --size --interval --buffers --help ;;
+        capture) echo --output --output-format --count --format --size --interval --fps --buffers --help ;;
         monitor) echo --json --count --timeout --help ;;
         set | reset) echo --help ;;
         *) echo --help ;;
@@ -37,7 +37,7 @@ _iacq()
                 return
                 ;;
             --output-format) words="png ppm raw" ;;
-            -n | --count | --format | --size | --interval | --buffers | --timeout) return ;;
+            -n | --count | --format | --size | --interval | --fps | --buffers | --timeout) return ;;
             *)
                 if [[ $current == -* ]]; then
                     words=$(_iacq_options "$command")

@@ -59,7 +59,10 @@ void addCapture(CLI::App& app, CaptureOptions& options)
         ->check(CLI::Range(1, 1000000));
     command->add_option("--format", options.format, "Pixel format, such as YUYV");
     command->add_option("--size", options.size, "Size, such as 640x480");
-    command->add_option("--interval", options.interval, "Seconds between frames, such as 1/30");
+    CLI::Option* const interval =
+        command->add_option("--interval", options.interval, "Seconds between frames, such as 1/30");
+    command->add_option("--fps", options.frameRate, "Frames a second, such as 30")
+        ->excludes(interval);
     command->add_option("--buffers", options.buffers, "Frames in flight")->check(CLI::Range(1, 32));
     command->callback([&options] { capture(options); });
 }

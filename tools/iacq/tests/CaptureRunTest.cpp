@@ -240,6 +240,18 @@ TEST(CaptureCommand, FillsInTheRestOfASelectionWithWhatGoesWithIt)
     EXPECT_THAT(folder.read("a.ppm"), StartsWith("P6\n1280 720\n"));
 }
 
+TEST(CaptureCommand, TakesFramesASecondInPlaceOfAnInterval)
+{
+    ScratchFolder const folder;
+    ProgramRun run = runIacq({"capture", "0", "-o", folder.path("a.ppm"), "--fps", "10"});
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_THAT(folder.read("a.ppm"), StartsWith("P6\n1280 720\n"));
+    run =
+        runIacq({"capture", "0", "-o", folder.path("b.ppm"), "--fps", "10", "--interval", "1/10"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(folder.names(), ElementsAre("a.ppm"));
+}
+
 /// A camera that is like any other but for what goes wrong.
 Words cameraWith(ScratchFolder const& folder, std::string const& trouble)
 {
