@@ -86,14 +86,14 @@ std::string v4l2Ctl(const std::string& node, const std::string& arguments)
     return result.output;
 }
 
-std::vector<ListedFormat> listFormats(const std::string& node)
+std::vector<ListedFormat> listFormats(const std::string& node, const std::string& option)
 {
     static const std::regex formatLine("\\t\\[\\d+\\]: '(.*)' \\((.*)\\)");
     static const std::regex sizeLine("\\t\\tSize: Discrete (\\d+)x(\\d+)");
     static const std::string interval = "\t\t\tInterval: Discrete ";
     std::vector<ListedFormat> formats;
     std::smatch match;
-    for (const std::string& line : splitLines(v4l2Ctl(node, "--list-formats-ext"))) {
+    for (const std::string& line : splitLines(v4l2Ctl(node, option + " --list-formats-ext"))) {
         if (line.compare(0, interval.size(), interval) == 0) {
             formats.back().sizes.back().intervals.push_back(line.substr(interval.size()));
         } else if (std::regex_match(line, match, sizeLine)) {

@@ -28,7 +28,8 @@ struct ListedFormat
     std::vector<ListedSize> sizes;
 };
 
-std::vector<ListedFormat> listFormats(const std::string& node);
+/// The driver's formats; with the option -w those that libv4l2 offers.
+std::vector<ListedFormat> listFormats(const std::string& node, const std::string& option = "");
 
 /// A control as `v4l2-ctl --list-ctrls-menus` shows it.
 struct ListedControl

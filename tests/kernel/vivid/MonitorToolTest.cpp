@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "BackgroundCommand.h"
-#include "Shell.h"
+#include "Tool.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <csignal>
-#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -15,11 +13,6 @@ using Json = nlohmann::json;
 
 namespace
 {
-
-std::string tool()
-{
-    return std::string(std::getenv("KERNEL_TEST_BUILD")) + "/tools/iacq/iacq";
-}
 
 /// Whether a process has joined udev's multicast group: its events reach it from then on.
 bool listensToUdev(pid_t process)
@@ -46,7 +39,7 @@ class MonitorTool : public testing::Test
 protected:
     void start(const std::string& arguments)
     {
-        command = std::make_unique<BackgroundCommand>(tool() + " monitor " + arguments);
+        command = std::make_unique<BackgroundCommand>(toolPath() + " monitor " + arguments);
         ASSERT_TRUE(waitFor([&] { return listensToUdev(command->process()); }))
             << command->output();
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "DescriptorCount.h"
 #include "Shell.h"
+#include "Tool.h"
 #include "V4l2Ctl.h"
 #include "VividCamera.h"
 
@@ -13,7 +14,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fcntl.h>
 #include <libv4l2.h>
 #include <stdexcept>
@@ -77,13 +77,12 @@ TEST(VividFactory, ANodeWithoutUsbParentThrowsInEnumeration)
 
 TEST(VividFactory, TheToolSaysWhichNodesHaveNoUsbParent)
 {
-    const std::string tool = std::string(std::getenv("KERNEL_TEST_BUILD")) + "/tools/iacq/iacq";
-    const CommandResult list = runShell(tool + " list");
+    const CommandResult list = runTool("list");
     EXPECT_EQ(list.status, 1);
     EXPECT_EQ(splitLines(list.output).size(), 1U) << list.output;
     EXPECT_NE(list.output.find(firstNode), std::string::npos) << list.output;
     EXPECT_NE(list.output.find(secondNode), std::string::npos) << list.output;
-    const CommandResult show = runShell(tool + " show video1");
+    const CommandResult show = runTool("show video1");
     EXPECT_EQ(show.status, 1);
     EXPECT_NE(show.output.find(secondNode), std::string::npos) << show.output;
 }
