@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#include "FuserFolder.h"
+
+#include "Shell.h"
+
+#include <cstdlib>
+#include <stdexcept>
+
+namespace KernelTest
+{
+
+FuserFolder::FuserFolder()
+{
+    const std::string fuser = runShell("command -v fuser").output;
+    char pattern[] = "/tmp/fuser.XXXXXX";
+    if (fuser.empty() || ::mkdtemp(pattern) == nullptr) {
+        throw std::runtime_error("there is no fuser, or no folder for it");
+    }
+    _folder = pattern;
+    std::filesystem::create_symlink(splitLines(fuser).front(), _folder / "fuser");
+    std::filesystem::current_path(_folder);
+}
+
+FuserFolder::~FuserFolder()
+{
+    std::filesystem::current_path(_earlier);
+    std::error_code ignored;
+    std::filesystem::remove_all(_folder, ignored);
+}
+
+} // namespace KernelTest

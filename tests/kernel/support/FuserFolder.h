@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+
+namespace KernelTest
+{
+
+/// While it lives, the working directory is one of its own, with the real fuser in it: the library
+/// looks for the tool there.
+class FuserFolder
+{
+public:
+    FuserFolder();
+    ~FuserFolder();
+    FuserFolder(const FuserFolder&) = delete;
+    FuserFolder& operator=(const FuserFolder&) = delete;
+
+private:
+    std::filesystem::path _earlier = std::filesystem::current_path();
+    std::filesystem::path _folder;
+};
+
+} // namespace KernelTest

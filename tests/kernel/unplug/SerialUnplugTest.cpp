@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#include "FuserFolder.h"
+#include "Shell.h"
+#include "ThreadState.h"
+#include "Victim.h"
+
+#include <ICameraControlNumeric.h>
+#include <ICameraFactory.h>
+
+#include <gtest/gtest.h>
+
+using namespace ImageAcquisition;
+using namespace KernelTest;
+
+namespace
+{
+
+class SerialUnplugging : public testing::Test
+{
+protected:
+    ICameraControlNumeric<int>& focus()
+    {
+        return dynamic_cast<ICameraControlNumeric<int>&>(*victim.camera().focusControl());
+    }
+
+    void expectDeadLink()
+    {
+        const double begin = monotonicSeconds();
+        EXPECT_FALSE(focus().setValue(5));
+        EXPECT_EQ(focus().value(), -1);
+        EXPECT_FALSE(focus().updateState());
+        EXPECT_LT(monotonicSeconds() - begin, patience);
+    }
+
+    /// A round on a camera that has a link already, and what it leaves behind.
+    template <typename Round>
+    void repeat(int rounds, Round round)
+    {
+        victim.open();
+        for (int i = 0; i < rounds && !HasFailure(); ++i) {
+            SCOPED_TRACE(i);
+            victim.close();
+            const RemainsCheck remains;
+            victim.open();
+            round();
+            victim.replug();
+        }
+        victim.open();
+        EXPECT_GT(focus().maximum(), 0);
+        EXPECT_TRUE(focus().setValue(focus().maximum()));
+        EXPECT_EQ(focus().value(), focus().maximum());
+    }
+
+    const FuserFolder folder;
+    Victim victim{"vendor-new"};
+};
+
+} // namespace
+
+TEST_F(SerialUnplugging, InsteadOfAReplyEndsTheExchangeWithinItsAttempts)
+{
+    repeat(2, [this] {
+        victim.device().command("unplug serial 1");
+        const double begin = monotonicSeconds();
+        EXPECT_EQ(focus().value(), -1);
+        EXPECT_LT(monotonicSeconds() - begin, patience);
+        EXPECT_EQ(victim.device().status()["plugged"], false);
+        expectDeadLink();
+        victim.expectDead(false);
+    });
+}
+
+TEST_F(SerialUnplugging, WhileAReplyIsAwaitedEndsTheExchangeWithinItsAttempts)
+{
+    repeat(2, [this] {
+        victim.device().command("serial silent");
+        const int before = victim.device().status()["serialPackets"];
+        double ended = 0;
+        int value = 0;
+        double begin = 0;
+        {
+            const WatchedThread reader([&] {
+                value = focus().value();
+                ended = monotonicSeconds();
+            });
+            EXPECT_TRUE(
+                waitFor([&] { return victim.device().status()["serialPackets"] > before; }));
+            begin = monotonicSeconds();
+            victim.device().command("unplug");
+        }
+        EXPECT_EQ(value, -1);
+        EXPECT_LT(ended - begin, patience);
+        expectDeadLink();
+        victim.expectDead(false);
+        victim.device().command("clear");
+    });
+}
+
+TEST_F(SerialUnplugging, BetweenListAndOpenGivesNoCamera)
+{
+    repeat(2, [this] {
+        const ListPointer list = listDevices();
+        const IDevice* const record = recordOf(*list, victim.device().videoNode());
+        ASSERT_NE(record, nullptr);
+        victim.close();
+        victim.device().command("unplug");
+        EXPECT_TRUE(victim.device().waitUntilGone());
+        const double begin = monotonicSeconds();
+        EXPECT_EQ(ICameraFactory::getUniqueInstance().createBlockingCamera(record), nullptr);
+        EXPECT_LT(monotonicSeconds() - begin, patience);
+    });
+}

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: MIT
+#include "ThreadState.h"
+#include "Tool.h"
+#include "Victim.h"
+
+#include <ICameraControlNumeric.h>
+#include <ICameraFactory.h>
+
+#include <gtest/gtest.h>
+
+using namespace ImageAcquisition;
+using namespace KernelTest;
+
+namespace
+{
+
+/// Of fifty in all; the rest is the serial link's.
+constexpr int rounds = 11;
+
+using Numeric = ICameraControlNumeric<int>;
+
+Numeric& numberOf(IBlockingCamera& camera, const char* name)
+{
+    return dynamic_cast<Numeric&>(*camera.control(name));
+}
+
+class Unplugging : public testing::Test
+{
+protected:
+    /// Runs a round as often as is asked for, each on a camera that a new list has, and looks for
+    /// what it left behind.
+    template <typename Round>
+    void repeat(Round round)
+    {
+        // The first opening sets up some things of the process once.
+        victim.open();
+        for (int i = 0; i < rounds && !HasFailure(); ++i) {
+            SCOPED_TRACE(i);
+            victim.close();
+            const RemainsCheck remains;
+            victim.open();
+            round();
+            victim.replug();
+        }
+        victim.open();
+    }
+
+    Victim victim{"ordinary"};
+};
+
+} // namespace
+
+TEST_F(Unplugging, WhileAFrameIsAwaitedEndsTheWait)
+{
+    repeat([this] {
+        victim.device().command("hold 2");
+        victim.startCapture(4);
+        IFrame* const held = victim.camera().acquireFrame();
+        ASSERT_FALSE(held->isInvalid());
+        ASSERT_FALSE(victim.camera().acquireFrame()->isInvalid());
+        const IFrame* last = nullptr;
+        double ended = 0;
+        WatchedThread reader([&] {
+            last = victim.camera().acquireFrame();
+            ended = monotonicSeconds();
+        });
+        EXPECT_TRUE(reader.awaitSelect());
+        const double begin = monotonicSeconds();
+        victim.device().command("unplug");
+        reader.join();
+        EXPECT_TRUE(last->isInvalid());
+        EXPECT_LT(ended - begin, patience);
+        // The memory outlives the device.
+        EXPECT_EQ(bytesOf(*held).size(), 160U * 120 * 2);
+        EXPECT_EQ(victim.camera().releaseFrame(held), -1);
+        victim.expectDead(true);
+    });
+}
+
+TEST_F(Unplugging, WhileFramesFlowEndsThemWithTheInvalidOne)
+{
+    repeat([this] {
+        victim.device().command("unplug frame 5");
+        victim.startCapture(4);
+        int frames = 0;
+        double last = monotonicSeconds();
+        for (IFrame* frame; !(frame = victim.camera().acquireFrame())->isInvalid(); ++frames) {
+            EXPECT_FALSE(frame->isCorrupted());
+            last = monotonicSeconds();
+            victim.camera().releaseFrame(frame);
+        }
+        EXPECT_LT(monotonicSeconds() - last, patience);
+        EXPECT_GT(frames, 0);
+        EXPECT_LE(frames, 5);
+        victim.expectDead(true);
+    });
+}
+
+TEST_F(Unplugging, InTheMiddleOfAControlRequestMakesItFail)
+{
+    int number = 0;
+    repeat([this, &number] {
+        const bool isRead = ++number % 2 == 0;
+        Numeric& contrast = numberOf(victim.camera(), "Contrast");
+        victim.device().command("unplug control 1");
+        const double begin = monotonicSeconds();
+        if (isRead) {
+            EXPECT_EQ(contrast.value(), 0);
+        } else {
+            EXPECT_FALSE(contrast.setValue(contrast.maximum()));
+        }
+        EXPECT_LT(monotonicSeconds() - begin, patience);
+        EXPECT_EQ(victim.device().status()["plugged"], false);
+        EXPECT_FALSE(numberOf(victim.camera(), "Brightness").setValue(0));
+        EXPECT_EQ(numberOf(victim.camera(), "Brightness").value(), 0);
+        // The flags stay what they were.
+        EXPECT_TRUE(contrast.updateState());
+        EXPECT_FALSE(contrast.isDisabled());
+        victim.expectDead(false);
+    });
+}
+
+TEST_F(Unplugging, BetweenListAndOpenGivesAnEmptyCamera)
+{
+    repeat([this] {
+        const ListPointer list = listDevices();
+        const IDevice* const record = recordOf(*list, victim.device().videoNode());
+        ASSERT_NE(record, nullptr);
+        victim.close();
+        victim.device().command("unplug");
+        EXPECT_TRUE(victim.device().waitUntilGone());
+        const double begin = monotonicSeconds();
+        const CameraPointer camera(
+            ICameraFactory::getUniqueInstance().createBlockingCamera(record));
+        EXPECT_LT(monotonicSeconds() - begin, patience);
+        ASSERT_NE(camera, nullptr);
+        EXPECT_EQ(camera->formatNumber(), 0);
+        EXPECT_EQ(camera->controlNumber(), 0);
+        EXPECT_EQ(camera->setup(4), -1);
+        EXPECT_TRUE(camera->acquireFrame()->isInvalid());
+        EXPECT_EQ(listDevices()->size(), 0);
+    });
+}
+
+TEST(UnpluggingUnderTheTool, EndsACaptureWithAMessage)
+{
+    const EmulatedCameras cameras({"ordinary"}, {"1 unplug frame 5"});
+    const double begin = monotonicSeconds();
+    const CommandResult result =
+        runTool("capture 0 --size 160x120 --format YUYV -n 1000 --output-format raw -o /dev/null");
+    EXPECT_LT(monotonicSeconds() - begin, 20);
+    EXPECT_EQ(result.status, 4) << result.output;
+    EXPECT_NE(result.output.find("iacq: "), std::string::npos) << result.output;
+    EXPECT_TRUE(cameras.waitUntilGone());
+    EXPECT_EQ(runTool("list").output, "No camera.\n");
+}

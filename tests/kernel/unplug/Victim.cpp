@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "Victim.h"
+
+#include "ProcessCensus.h"
+#include "ThreadCount.h"
+
+#include <ICameraControl.h>
+#include <ICameraControlNumeric.h>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+using namespace ImageAcquisition;
+
+namespace KernelTest
+{
+
+namespace
+{
+
+std::vector<std::string> sortedDescriptors()
+{
+    std::vector<std::string> targets = descriptorTargets();
+    std::sort(targets.begin(), targets.end());
+    return targets;
+}
+
+} // namespace
+
+Victim::Victim(const std::string& model) : _device({model}) {}
+
+void Victim::open()
+{
+    _camera = openListed(_device.videoNode());
+    if (!_camera || !_camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30)) {
+        throw std::runtime_error("the camera does not open");
+    }
+    const Stream stream(*_camera, 4);
+    IFrame* const frame = _camera->acquireFrame();
+    EXPECT_EQ(frame->bytesUsed(), 160U * 120 * 2);
+    EXPECT_EQ(_camera->releaseFrame(frame), 0);
+}
+
+void Victim::startCapture(int bufferCount)
+{
+    ASSERT_EQ(_camera->setup(bufferCount), 0);
+    ASSERT_EQ(_camera->startCapture(), 0);
+}
+
+void Victim::expectDead(bool isStreaming)
+{
+    const double begin = monotonicSeconds();
+    // Nothing is streaming for a camera that never started, which libv4l2 calls a success.
+    EXPECT_EQ(_camera->stopCapture(), isStreaming ? -1 : 0);
+    EXPECT_EQ(_camera->cleanup(), 0);
+    EXPECT_EQ(_camera->setup(4), -1);
+    EXPECT_TRUE(_camera->acquireFrame()->isInvalid());
+    EXPECT_EQ(_camera->cleanup(), 0);
+    EXPECT_FALSE(_camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
+    EXPECT_LT(monotonicSeconds() - begin, patience);
+    _camera.reset();
+}
+
+void Victim::replug()
+{
+    EXPECT_TRUE(_device.waitUntilGone());
+    _device.plug();
+}
+
+RemainsCheck::RemainsCheck()
+    : _descriptors(sortedDescriptors()), _threads(threadCount()), _children(childrenOfThisProcess())
+{
+}
+
+RemainsCheck::~RemainsCheck()
+{
+    EXPECT_EQ(sortedDescriptors(), _descriptors);
+    EXPECT_TRUE(awaitThreadCount(_threads));
+    EXPECT_EQ(childrenOfThisProcess(), _children);
+}
+
+} // namespace KernelTest
