@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "CameraWithControls.h"
-#include "ExtensionUnitTable.h"
 #include "ICameraControlBoolean.h"
 #include "ICameraControlNumeric.h"
 #include "ICameraControlStringMenu.h"
+#include "ScriptedVendorCamera.h"
 
 #include <gtest/gtest.h>
 #include <linux/videodev2.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "CameraWithControls.h"
-#include "ExtensionUnitTable.h"
+#include "ScriptedVendorCamera.h"
 #include "control/ZorvaneExtensionUnit.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ExtensionUnitTable.h"
 
-#include <algorithm>
-#include <map>
-
 namespace
 {
 
@@ -78,22 +75,4 @@ std::vector<ExpectedMapping> const& expectedMappings()
         {0x0800001C, "Gamma, Auto", 25, 8, 0, boolean, booleanData, {}},
     };
     return table;
-}
-
-VirtualCamera::CameraBuilder aVendorCamera()
-{
-    std::map<unsigned int, unsigned int> bytes;
-    for (ExpectedMapping const& row : expectedMappings()) {
-        bytes[row.selector] = std::max(bytes[row.selector], (row.offset + row.size) / 8);
-    }
-    std::vector<VirtualCamera::SelectorScript> selectors;
-    for (auto const& [number, size] : bytes) {
-        VirtualCamera::SelectorScript selector;
-        selector.selector = static_cast<std::uint8_t>(number);
-        selector.size = static_cast<std::uint16_t>(size);
-        selectors.push_back(selector);
-    }
-    VirtualCamera::Guid guid{};
-    guid[0] = 1;
-    return VirtualCamera::aCamera().withExtensionUnit(guid, selectors);
 }

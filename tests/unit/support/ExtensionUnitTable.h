@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "VirtualCamera.h"
-
 #include <string>
 #include <vector>
 
@@ -27,6 +25,3 @@ struct ExpectedMapping
 
 /// All rows, in the order in which the driver is to learn of them.
 std::vector<ExpectedMapping> const& expectedMappings();
-
-/// A virtual camera whose extension unit has every selector of the table, and no other control.
-VirtualCamera::CameraBuilder aVendorCamera();
