@@ -9,6 +9,8 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 namespace KernelTest
@@ -44,6 +46,24 @@ std::string BackgroundCommand::output() const
 void BackgroundCommand::signal(int number) const
 {
     ::kill(_process, number);
+}
+
+bool BackgroundCommand::listensToUdev() const
+{
+    std::ifstream table("/proc/net/netlink");
+    std::string line;
+    while (std::getline(table, line)) {
+        std::istringstream words(line);
+        std::string socket;
+        std::string protocol;
+        std::string port;
+        std::string groups;
+        words >> socket >> protocol >> port >> groups;
+        if (protocol == "15" && port == std::to_string(_process) && groups == "00000002") {
+            return true;
+        }
+    }
+    return false;
 }
 
 int BackgroundCommand::wait()

@@ -25,6 +25,9 @@ public:
 
     void signal(int number) const;
 
+    /// Whether it has joined udev's multicast group: its events reach it from then on.
+    bool listensToUdev() const;
+
     /// Waits until it ends: its exit status, 128 and the signal that ended it, or -1 when it runs
     /// on.
     int wait();

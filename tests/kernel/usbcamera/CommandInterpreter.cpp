@@ -131,6 +131,7 @@ std::string describe(CameraDevice& camera)
     status["held"] = camera.stream().isHeld();
     status["frame"] = camera.stream().frameNumber();
     status["serialPackets"] = camera.serial().packets();
+    status["serialPending"] = camera.serial().pending();
     return status.dump();
 }
 

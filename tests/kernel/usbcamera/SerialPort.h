@@ -29,6 +29,8 @@ public:
     std::optional<Clock::time_point> nextDue() const;
 
     unsigned packets() const { return _packets; }
+    /// Replies, or parts of them, that the host has not been given yet.
+    std::size_t pending() const { return _pieces.size(); }
 
 private:
     struct Piece

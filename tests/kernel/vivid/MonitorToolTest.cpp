@@ -5,33 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <fstream>
-#include <sstream>
 
 using namespace KernelTest;
 using Json = nlohmann::json;
 
 namespace
 {
-
-/// Whether a process has joined udev's multicast group: its events reach it from then on.
-bool listensToUdev(pid_t process)
-{
-    std::ifstream table("/proc/net/netlink");
-    std::string line;
-    while (std::getline(table, line)) {
-        std::istringstream words(line);
-        std::string socket;
-        std::string protocol;
-        std::string port;
-        std::string groups;
-        words >> socket >> protocol >> port >> groups;
-        if (protocol == "15" && port == std::to_string(process) && groups == "00000002") {
-            return true;
-        }
-    }
-    return false;
-}
 
 /// `iacq monitor` while vivid comes and goes.
 class MonitorTool : public testing::Test
@@ -40,8 +19,7 @@ protected:
     void start(const std::string& arguments)
     {
         command = std::make_unique<BackgroundCommand>(toolPath() + " monitor " + arguments);
-        ASSERT_TRUE(waitFor([&] { return listensToUdev(command->process()); }))
-            << command->output();
+        ASSERT_TRUE(waitFor([&] { return command->listensToUdev(); })) << command->output();
     }
 
     static void comeAndGo()

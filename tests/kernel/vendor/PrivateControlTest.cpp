@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#include "PrivateControls.h"
+#include "Tool.h"
+
+#include <ICameraControl.h>
+#include <ICameraControlNumeric.h>
+#include <ICameraControlStringMenu.h>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <linux/videodev2.h>
+#include <set>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+using namespace ImageAcquisition;
+using namespace KernelTest;
+using Json = nlohmann::json;
+using UsbCamera::toHex;
+
+namespace
+{
+
+const std::set<std::string> readOnly{"Error Status", "Temperature (C)"};
+
+ICameraControl::Type typeOf(const ExpectedMapping& row)
+{
+    switch (row.v4l2Type) {
+    case V4L2_CTRL_TYPE_MENU:
+        return ICameraControl::Type::StringMenu;
+    case V4L2_CTRL_TYPE_BOOLEAN:
+        return ICameraControl::Type::Boolean;
+    default:
+        return ICameraControl::Type::Int32;
+    }
+}
+
+class PrivateControls : public testing::Test
+{
+protected:
+    const EmulatedCameras cameras{{"vendor-old"}};
+    const CameraPointer camera = openListed(cameras.videoNode());
+};
+
+/// A call by hand, past libv4l2.
+int errorOfPlainCall(const std::string& node, unsigned long request, unsigned id)
+{
+    const int file = ::open(node.c_str(), O_RDWR | O_CLOEXEC);
+    v4l2_control control{};
+    control.id = id;
+    const int error = ::ioctl(file, request, &control) == 0 ? 0 : errno;
+    ::close(file);
+    return error;
+}
+
+} // namespace
+
+TEST_F(PrivateControls, AreListedWithNameTypeFamilyAndItems)
+{
+    int found = 0;
+    for (int i = 0; i < camera->controlNumber(); ++i) {
+        found += camera->control(i)->id() >= V4L2_CID_PRIVATE_BASE ? 1 : 0;
+    }
+    EXPECT_EQ(found, static_cast<int>(expectedMappings().size()));
+    for (const ExpectedMapping& row : expectedMappings()) {
+        SCOPED_TRACE(row.name);
+        const ICameraControl& control = controlOf(*camera, row.name);
+        EXPECT_EQ(control.id(), row.id);
+        EXPECT_EQ(control.type(), typeOf(row));
+        EXPECT_NE(control.family(), ICameraControl::Family::Unknown);
+        EXPECT_EQ(control.isReadOnly(), readOnly.count(row.name) != 0);
+        const auto* const menu = dynamic_cast<const ICameraControlStringMenu*>(&control);
+        ASSERT_EQ(menu != nullptr, !row.menu.empty());
+        for (std::size_t item = 0; item < row.menu.size(); ++item) {
+            EXPECT_EQ(menu->string(static_cast<int>(item)), row.menu[item].name);
+        }
+        EXPECT_EQ(menu != nullptr ? menu->count() : 0, static_cast<int>(row.menu.size()));
+    }
+    EXPECT_EQ(camera->lightModeControl()->id(), V4L2_CID_PRIVATE_BASE);
+    EXPECT_EQ(camera->autoGammaControl()->id(), V4L2_CID_PRIVATE_BASE + 28U);
+}
+
+TEST_F(PrivateControls, WrittenHereArriveAtTheExtensionUnitAndTouchNothingElse)
+{
+    for (const ExpectedMapping& row : expectedMappings()) {
+        if (readOnly.count(row.name) != 0) {
+            continue;
+        }
+        SCOPED_TRACE(row.name);
+        ICameraControl& control = controlOf(*camera, row.name);
+        const long long value = otherValue(control, row);
+        const Bytes wanted =
+            withNumber(cameraBytes(cameras, 3, row.selector), row.offset / 8, row.size / 8, value);
+        cameras.mark();
+        EXPECT_TRUE(setValue(control, row, value));
+        const auto written = cameras.requests("SET_CUR");
+        ASSERT_EQ(written.size(), 1U);
+        EXPECT_EQ(written[0]["kind"], "unit");
+        EXPECT_EQ(written[0]["unit"], 3);
+        EXPECT_EQ(written[0]["selector"], row.selector);
+        EXPECT_EQ(written[0]["data"], toHex(wanted));
+        EXPECT_EQ(toHex(cameraBytes(cameras, 3, row.selector)), toHex(wanted));
+        EXPECT_EQ(valueOf(control, row), value);
+    }
+}
+
+TEST_F(PrivateControls, ThatAreReadOnlyAreNotSent)
+{
+    cameras.mark();
+    for (const std::string& name : readOnly) {
+        EXPECT_FALSE(
+            dynamic_cast<ICameraControlNumeric<int>&>(controlOf(*camera, name)).setValue(0));
+    }
+    EXPECT_TRUE(cameras.requests("SET_CUR").empty());
+}
+
+TEST_F(PrivateControls, AreRefusedByThePlainCallsOfThisKernel)
+{
+    const std::string node = cameras.videoNode();
+    cameras.mark();
+    for (const ExpectedMapping& row : expectedMappings()) {
+        EXPECT_EQ(errorOfPlainCall(node, VIDIOC_G_CTRL, row.id), EINVAL) << row.name;
+        EXPECT_EQ(errorOfPlainCall(node, VIDIOC_S_CTRL, row.id), EINVAL) << row.name;
+    }
+    EXPECT_TRUE(cameras.requests("SET_CUR").empty());
+    EXPECT_EQ(errorOfPlainCall(node, VIDIOC_S_CTRL, V4L2_CID_BRIGHTNESS), 0);
+    EXPECT_EQ(cameras.requests("SET_CUR").size(), 1U);
+}
+
+TEST_F(PrivateControls, AreThereForASecondCameraAndForAnotherProgram)
+{
+    const CameraPointer second = openListed(cameras.videoNode());
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(second->controlNumber(), camera->controlNumber());
+    const ExpectedMapping& row = expectedMappings().front();
+    EXPECT_TRUE(setValue(controlOf(*second, row.name), row, 3));
+    EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), 3);
+
+    const Json shown = readTool("show 0 --json");
+    EXPECT_EQ(shown.at("controls").size(), static_cast<std::size_t>(camera->controlNumber()));
+    EXPECT_EQ(runTool("get 0 'Light Mode'").output, "Light Mode: 1 (Continuous)\n");
+    EXPECT_EQ(runTool("set 0 'Light Mode=Off' 'Focus, Max (Range)=300'").status, 0);
+    EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), 0);
+    EXPECT_EQ(cameras.command("get 3 1"), "00");
+    EXPECT_EQ(cameras.command("get 3 9"), "00002c010100");
+}

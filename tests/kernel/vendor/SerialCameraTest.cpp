@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "DescriptorCount.h"
+#include "DeviceQueries.h"
+#include "FramePainter.h"
+#include "FuserFolder.h"
+#include "PrivateControls.h"
+#include "Tool.h"
+
+#include <ICameraControlNumeric.h>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+
+#include <algorithm>
+
+using namespace ImageAcquisition;
+using namespace KernelTest;
+using UsbCamera::FramePainter;
+
+namespace
+{
+
+bool isOpenHere(const std::string& node)
+{
+    const std::vector<std::string> targets = descriptorTargets();
+    return std::find(targets.begin(), targets.end(), node) != targets.end();
+}
+
+class SerialCamera : public testing::Test
+{
+protected:
+    const FuserFolder folder;
+    const EmulatedCameras cameras{{"vendor-new"}};
+};
+
+} // namespace
+
+TEST_F(SerialCamera, FindsItsPortInTheKernelsLogAndHoldsIt)
+{
+    const std::string node = cameras.serialNode();
+    const std::string line = lastKernelLine("ttyACM");
+    const std::string usbPath = cameras.usbFolder().substr(cameras.usbFolder().rfind('/') + 1);
+    EXPECT_NE(line.find("cdc_acm " + usbPath + ":1.5: " + node.substr(5) + ": USB ACM device"),
+              std::string::npos)
+        << line;
+    CameraPointer camera = openListed(cameras.videoNode());
+    ASSERT_NE(camera, nullptr);
+    EXPECT_TRUE(isOpenHere(node));
+    EXPECT_NE(runShell("./fuser " + node + " 2> /dev/null").output, "");
+    camera.reset();
+    EXPECT_FALSE(isOpenHere(node));
+    EXPECT_EQ(runShell("./fuser " + node + " 2> /dev/null").output, "");
+}
+
+TEST_F(SerialCamera, WhosePortIsHeldIsResetAndNotOpened)
+{
+    const std::string node = cameras.serialNode();
+    const unsigned plugs = cameras.status()["plugs"];
+    {
+        const int holder = ::open(node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        ASSERT_NE(holder, -1);
+        EXPECT_EQ(openListed(cameras.videoNode()), nullptr);
+        ::close(holder);
+    }
+    EXPECT_TRUE(waitFor([&] { return cameras.status()["plugs"] == plugs + 1; }));
+    EXPECT_TRUE(cameras.waitUntilReady());
+    EXPECT_NE(openListed(cameras.videoNode()), nullptr);
+}
+
+TEST_F(SerialCamera, DeliversEveryFrameWhileItsControlsAreUsed)
+{
+    const CameraPointer camera = openListed(cameras.videoNode());
+    ASSERT_NE(camera, nullptr);
+    ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
+    auto& light = dynamic_cast<ICameraControlNumeric<int>&>(*camera->lightIntensityControl());
+    FramePainter painter(160, 120);
+    const Stream stream(*camera, 16);
+    for (unsigned number = 0; number < 60; ++number) {
+        IFrame* const frame = camera->acquireFrame();
+        ASSERT_FALSE(frame->isInvalid());
+        EXPECT_EQ(frame->counter(), number);
+        EXPECT_TRUE(bytesOf(*frame) == painter.paint(number)) << number;
+        EXPECT_EQ(camera->releaseFrame(frame), 0);
+        const auto value = static_cast<int>(10 * number);
+        EXPECT_TRUE(light.setValue(value));
+        EXPECT_EQ(light.value(), value);
+    }
+}
+
+TEST_F(SerialCamera, IsShownReadSetAndCapturedByTheTool)
+{
+    const nlohmann::json shown = readTool("show 0 --json");
+    EXPECT_EQ(shown.at("controls").size(), 39U);
+    cameras.mark();
+    EXPECT_EQ(runTool("set 0 lighting_mode=Continuous 'Focus Window X2=77' 2> /dev/null").status,
+              0);
+    const auto written = cameras.requests("SET_CUR");
+    ASSERT_EQ(written.size(), 2U);
+    EXPECT_EQ(written[0]["kind"], "serial");
+    EXPECT_EQ(cameras.command("get 3 1"), "03");
+    EXPECT_EQ(cameras.command("get 3 20"), "00004d0000000000");
+    EXPECT_EQ(runTool("get 0 lighting_mode 2> /dev/null").output,
+              "Lighting Mode: 1 (Continuous)\n");
+    const std::string file = "frame.raw";
+    EXPECT_EQ(runTool("capture 0 --format YUYV --size 160x120 -o " + file + " 2> /dev/null").status,
+              0);
+    EXPECT_EQ(readFile(file).size(), 160U * 120 * 2);
+}
