@@ -18,6 +18,8 @@ FuserFolder::FuserFolder()
     }
     _folder = pattern;
     std::filesystem::create_symlink(splitLines(fuser).front(), _folder / "fuser");
+    // Also for a user without rights, as which a test may run.
+    std::filesystem::permissions(_folder, std::filesystem::perms(0755));
     std::filesystem::current_path(_folder);
 }
 

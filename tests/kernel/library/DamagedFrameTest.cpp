@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "EmulatedCameras.h"
+#include "FramePainter.h"
+#include "LibraryCamera.h"
+#include "Tool.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+using namespace ImageAcquisition;
+using namespace KernelTest;
+using UsbCamera::FramePainter;
+
+namespace
+{
+
+constexpr unsigned whole = 160 * 120 * 2;
+
+/// The driver throws damaged frames away unless it was told not to when the camera was plugged in.
+class DriversHabit
+{
+public:
+    explicit DriversHabit(bool keepsDamaged) { set(keepsDamaged); }
+    ~DriversHabit() { set(false); }
+    DriversHabit(const DriversHabit&) = delete;
+    DriversHabit& operator=(const DriversHabit&) = delete;
+
+private:
+    static void set(bool keepsDamaged)
+    {
+        std::ofstream("/sys/module/uvcvideo/parameters/nodrop") << (keepsDamaged ? "1" : "0");
+        EXPECT_EQ(readFile("/sys/module/uvcvideo/parameters/nodrop"), keepsDamaged ? "1" : "0");
+    }
+};
+
+class DamagedFrames : public testing::TestWithParam<bool>
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_NE(camera, nullptr);
+        ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
+    }
+
+    /// The next frame, checked for its bytes, which are the beginning of its picture's.
+    IFrame* next(unsigned number)
+    {
+        IFrame* const frame = camera->acquireFrame();
+        EXPECT_FALSE(frame->isInvalid());
+        EXPECT_EQ(frame->counter(), number);
+        Bytes wanted = painter.paint(number);
+        wanted.resize(frame->bytesUsed());
+        EXPECT_TRUE(bytesOf(*frame) == wanted) << number;
+        return frame;
+    }
+
+    const DriversHabit habit{GetParam()};
+    const EmulatedCameras cameras{{"ordinary"}, {"1 corrupt 1", "1 cut 3 10000"}};
+    CameraPointer camera = openListed(cameras.videoNode());
+    FramePainter painter{160, 120};
+};
+
+class KeptDamagedFrames : public DamagedFrames
+{
+};
+
+class DroppedDamagedFrames : public DamagedFrames
+{
+};
+
+} // namespace
+
+TEST_P(KeptDamagedFrames, AreToldFromGoodOnes)
+{
+    const Stream stream(*camera, 16);
+    for (unsigned number = 0; number < 6; ++number) {
+        IFrame* const frame = next(number);
+        EXPECT_EQ(frame->isCorrupted(), number == 1 || number == 3);
+        EXPECT_EQ(frame->bytesUsed(), number == 3 ? 10000U : whole);
+        EXPECT_EQ(camera->releaseFrame(frame), 0);
+    }
+}
+
+TEST_P(KeptDamagedFrames, AreNamedAndLeftOutByTheTool)
+{
+    camera.reset();
+    const CommandResult result =
+        runTool("capture 0 --format YUYV --size 160x120 -n 3 --buffers 16 --output-format raw -o "
+                "/tmp/kept-%d.raw");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_NE(result.output.find("frame 1 is corrupted"), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("frame 3 is corrupted"), std::string::npos) << result.output;
+    EXPECT_EQ(runShell("stat -c %s /tmp/kept-1.raw /tmp/kept-2.raw /tmp/kept-3.raw").output,
+              "38400\n38400\n38400\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(WithNoDrop, KeptDamagedFrames, testing::Values(true));
+
+TEST_P(DroppedDamagedFrames, AreGapsInTheNumbers)
+{
+    const Stream stream(*camera, 16);
+    for (const unsigned number : {0U, 2U, 4U, 5U}) {
+        IFrame* const frame = next(number);
+        EXPECT_FALSE(frame->isCorrupted());
+        EXPECT_EQ(frame->bytesUsed(), whole);
+        EXPECT_EQ(camera->releaseFrame(frame), 0);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(WithoutNoDrop, DroppedDamagedFrames, testing::Values(false));

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "DescriptorCount.h"
+#include "EmulatedCameras.h"
+#include "FramePainter.h"
+#include "FuserFolder.h"
+#include "LibraryCamera.h"
+#include "Shell.h"
+
+#include <ICameraControlNumeric.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace ImageAcquisition;
+using namespace KernelTest;
+
+namespace
+{
+
+std::vector<std::string> openTerminals()
+{
+    std::vector<std::string> targets = descriptorTargets();
+    targets.erase(std::remove_if(targets.begin(), targets.end(),
+                                 [](const std::string& target) {
+                                     return target.rfind("/dev/ttyACM", 0) != 0;
+                                 }),
+                  targets.end());
+    return targets;
+}
+
+ICameraControlNumeric<int>& lightOf(const CameraPointer& camera)
+{
+    return dynamic_cast<ICameraControlNumeric<int>&>(*camera->lightIntensityControl());
+}
+
+/// The cameras whose lines in the log are serial packets.
+std::vector<unsigned> camerasAskedBySerial(const EmulatedCameras& cameras)
+{
+    std::vector<unsigned> numbers;
+    for (const EmulatedCameras::Json& line : cameras.requests("SET_CUR")) {
+        EXPECT_EQ(line["kind"], "serial");
+        numbers.push_back(line["camera"]);
+    }
+    return numbers;
+}
+
+} // namespace
+
+TEST(TwoVendorCameras, HaveASerialPortAndAStreamEach)
+{
+    const FuserFolder folder;
+    const EmulatedCameras cameras({"vendor-new,serial=A", "vendor-new,serial=B"});
+    const CameraPointer first = openListed(cameras.videoNode(1));
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(openTerminals(), std::vector<std::string>{cameras.serialNode(1)});
+    const CameraPointer second = openListed(cameras.videoNode(2));
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(openTerminals().size(), 2U);
+    EXPECT_STREQ(first->device()->serial(), "A");
+    EXPECT_STREQ(second->device()->serial(), "B");
+
+    cameras.mark();
+    EXPECT_TRUE(lightOf(first).setValue(111));
+    EXPECT_TRUE(lightOf(second).setValue(222));
+    EXPECT_EQ(camerasAskedBySerial(cameras), (std::vector<unsigned>{1, 2}));
+    EXPECT_EQ(lightOf(first).value(), 111);
+    EXPECT_EQ(lightOf(second).value(), 222);
+
+    ASSERT_TRUE(first->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
+    ASSERT_TRUE(second->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
+    const Stream one(*first, 16);
+    const Stream other(*second, 16);
+    for (unsigned number = 0; number < 30; ++number) {
+        for (const CameraPointer* const camera : {&first, &second}) {
+            IFrame* const frame = (*camera)->acquireFrame();
+            ASSERT_FALSE(frame->isInvalid());
+            EXPECT_EQ(UsbCamera::FramePainter::readNumber(frame->bytePtr(), 160), number);
+            EXPECT_EQ((*camera)->releaseFrame(frame), 0);
+        }
+    }
+}
+
+TEST(TwoVendorCameras, OnTheSamePortOfTwoControllersShareTheTerminalThatCameLast)
+{
+    const FuserFolder folder;
+    ASSERT_EQ(runShell("dmesg --clear").status, 0);
+    EmulatedCameras cameras(
+        {"vendor-new,serial=A,port=3", "vendor-new,serial=B,port=3,controller=1"});
+    // Plugged in anew, the first is the one that the kernel announced last.
+    cameras.command("unplug", 1);
+    ASSERT_TRUE(cameras.waitUntilGone(1));
+    cameras.plug(1);
+    const std::string terminal = cameras.serialNode(1);
+    CameraPointer second = openListed(cameras.videoNode(2));
+    ASSERT_NE(second, nullptr);
+    EXPECT_STREQ(second->device()->serial(), "B");
+    EXPECT_EQ(openTerminals(), std::vector<std::string>{terminal});
+    cameras.mark();
+    EXPECT_TRUE(lightOf(second).setValue(111));
+    EXPECT_EQ(camerasAskedBySerial(cameras), std::vector<unsigned>{1});
+
+    // The rightful one finds its port held, and is not opened.
+    EXPECT_EQ(openListed(cameras.videoNode(1)), nullptr);
+    second.reset();
+    EXPECT_TRUE(waitFor([&] {
+        const int plugs = cameras.status(1)["plugs"];
+        const int others = cameras.status(2)["plugs"];
+        return plugs + others == 4;
+    }));
+}
