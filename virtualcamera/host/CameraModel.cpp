@@ -42,6 +42,7 @@ void addUsualFormats(CameraBuilder& camera)
     addUsualSizes(camera.withFormat("RGB3", "RGB3", V4L2_FMT_FLAG_EMULATED));
     addUsualSizes(camera.withFormat("BGR3", "BGR3", V4L2_FMT_FLAG_EMULATED));
     addUsualSizes(camera.withFormat("YU12", "YU12", V4L2_FMT_FLAG_EMULATED));
+    addUsualSizes(camera.withFormat("YV12", "YV12", V4L2_FMT_FLAG_EMULATED));
 }
 
 /// The node for metadata that uvcvideo makes beside each camera's own.
@@ -76,7 +77,12 @@ UsbDeviceScript usbOf(unsigned place, std::string maker, std::string product)
 
 HostCamera onUsb(unsigned place, CameraBuilder const& camera, UsbDeviceScript usb)
 {
-    return {{camera.script(), metadataNode(place, camera.script())}, std::move(usb), false};
+    CameraScript video = camera.script();
+    // A device has the capabilities of all its nodes, each of which tells them beside its own.
+    video.capabilities = V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_META_CAPTURE | V4L2_CAP_EXT_PIX_FORMAT |
+                         V4L2_CAP_DEVICE_CAPS | (video.readOffered ? V4L2_CAP_READWRITE : 0U) |
+                         (video.mmapOffered || video.userPointersOffered ? V4L2_CAP_STREAMING : 0U);
+    return {{video, metadataNode(place, video)}, std::move(usb), false};
 }
 
 HostCamera webcam(unsigned place)

@@ -77,13 +77,15 @@ protected:
     }
 };
 
-/// Luma, then chroma at half the resolution: interleaved, or first all blue and then all red.
+/// Luma, then chroma at half the resolution.
 class PlanarYuvCanvas : public GreyCanvas
 {
 public:
+    enum class Chroma : std::uint8_t { Interleaved, BlueFirst, RedFirst };
+
     PlanarYuvCanvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine,
-                    bool interleaved)
-        : GreyCanvas(width, height, bytesPerLine), _interleaved(interleaved)
+                    Chroma chroma)
+        : GreyCanvas(width, height, bytesPerLine), _chroma(chroma)
     {
     }
 
@@ -101,7 +103,7 @@ private:
             return;
         std::size_t const pairs = (std::size_t{width} + 1) / 2;
         unsigned char* const chroma = image + Canvas::size();
-        if (_interleaved) {
+        if (_chroma == Chroma::Interleaved) {
             unsigned char* at = chroma + std::size_t{y / 2} * 2 * chromaLine() + x;
             for (std::size_t pair = 0; pair < pairs; ++pair, at += 2) {
                 at[0] = colour.chromaBlue;
@@ -109,13 +111,14 @@ private:
             }
             return;
         }
-        unsigned char* const blue = chroma + std::size_t{y / 2} * chromaLine() + x / 2;
-        unsigned char* const red = blue + chromaLine() * chromaLines();
-        std::fill(blue, blue + pairs, colour.chromaBlue);
-        std::fill(red, red + pairs, colour.chromaRed);
+        bool const blueFirst = _chroma == Chroma::BlueFirst;
+        unsigned char* const first = chroma + std::size_t{y / 2} * chromaLine() + x / 2;
+        unsigned char* const second = first + chromaLine() * chromaLines();
+        std::fill(first, first + pairs, blueFirst ? colour.chromaBlue : colour.chromaRed);
+        std::fill(second, second + pairs, blueFirst ? colour.chromaRed : colour.chromaBlue);
     }
 
-    bool _interleaved;
+    Chroma _chroma;
 };
 
 } // namespace
@@ -158,9 +161,14 @@ std::unique_ptr<Canvas> canvasFor(std::uint32_t pixelFormat, std::uint32_t width
     case V4L2_PIX_FMT_GREY:
         return std::make_unique<GreyCanvas>(width, height, bytesPerLine);
     case V4L2_PIX_FMT_NV12:
-        return std::make_unique<PlanarYuvCanvas>(width, height, bytesPerLine, true);
+        return std::make_unique<PlanarYuvCanvas>(width, height, bytesPerLine,
+                                                 PlanarYuvCanvas::Chroma::Interleaved);
     case V4L2_PIX_FMT_YUV420:
-        return std::make_unique<PlanarYuvCanvas>(width, height, bytesPerLine, false);
+        return std::make_unique<PlanarYuvCanvas>(width, height, bytesPerLine,
+                                                 PlanarYuvCanvas::Chroma::BlueFirst);
+    case V4L2_PIX_FMT_YVU420:
+        return std::make_unique<PlanarYuvCanvas>(width, height, bytesPerLine,
+                                                 PlanarYuvCanvas::Chroma::RedFirst);
     default:
         return nullptr;
     }

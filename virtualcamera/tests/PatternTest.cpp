@@ -44,7 +44,8 @@ Decoded decodeJpeg(Image const& bytes)
 
 TEST(PatternTest, ChangesWithEachFrameAndOnlyWithIt)
 {
-    for (char const* name : {"YUYV", "UYVY", "RGB3", "BGR3", "GREY", "NV12", "YU12", "MJPG"}) {
+    for (char const* name :
+         {"YUYV", "UYVY", "RGB3", "BGR3", "GREY", "NV12", "YU12", "YV12", "MJPG"}) {
         std::uint32_t const format = pixelFormatByName(name);
         EXPECT_EQ(testPattern(format, 160, 120, 7), testPattern(format, 160, 120, 7)) << name;
         EXPECT_NE(testPattern(format, 160, 120, 7), testPattern(format, 160, 120, 8)) << name;
@@ -60,6 +61,19 @@ TEST(PatternTest, HasTheSizeOfItsFormat)
     EXPECT_EQ(testPattern(V4L2_PIX_FMT_NV12, 64, 48, 0).size(), 64u * 48 * 3 / 2);
     EXPECT_EQ(testPattern(V4L2_PIX_FMT_YUV420, 63, 47, 0).size(), 63u * 47 + 2 * 32 * 24);
     EXPECT_EQ(testPattern(pixelFormatByName("XYZ0"), 8, 8, 3).size(), 128u);
+}
+
+TEST(PatternTest, HasTheChromaPlanesOfOnePlanarFormatSwappedInTheOther)
+{
+    Image const blueFirst = testPattern(V4L2_PIX_FMT_YUV420, 160, 120, 5);
+    Image const redFirst = testPattern(V4L2_PIX_FMT_YVU420, 160, 120, 5);
+    std::ptrdiff_t const luma = 160 * 120;
+    std::ptrdiff_t const plane = luma / 4;
+    Image swapped(blueFirst.begin(), blueFirst.begin() + luma);
+    swapped.insert(swapped.end(), blueFirst.begin() + luma + plane, blueFirst.end());
+    swapped.insert(swapped.end(), blueFirst.begin() + luma, blueFirst.begin() + luma + plane);
+    EXPECT_EQ(redFirst, swapped);
+    EXPECT_NE(redFirst, blueFirst);
 }
 
 TEST(PatternTest, AgreesOnLumaInAllFormats)
@@ -99,7 +113,7 @@ TEST(PatternTest, StartsWithAWhiteAndEndsWithABlackBar)
 TEST(PatternTest, DrawsNothingOutsideTinyOrOddPictures)
 {
     // The address sanitizer would see it.
-    for (char const* name : {"YUYV", "UYVY", "RGB3", "GREY", "NV12", "YU12", "MJPG"})
+    for (char const* name : {"YUYV", "UYVY", "RGB3", "GREY", "NV12", "YU12", "YV12", "MJPG"})
         for (std::uint32_t size : {1u, 2u, 3u, 7u, 17u})
             EXPECT_FALSE(testPattern(pixelFormatByName(name), size, size, 9).empty()) << name;
 }

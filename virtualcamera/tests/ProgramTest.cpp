@@ -50,6 +50,14 @@ TEST(ProgramTest, ShowsTheChosenModelsInTheirOrder)
     EXPECT_EQ(run(models + "-- " + client + " card /dev/video2").output, "Virtual Control Panel\n");
 }
 
+TEST(ProgramTest, GivesCamerasTheCapabilitiesThatADriverTells)
+{
+    // As uvcvideo behind libv4l2 has them: of both nodes together, then of the node asked.
+    EXPECT_EQ(run(client + " capabilities /dev/video0").output, "85a00001 05200001\n");
+    EXPECT_EQ(run("--model platform " + client + " capabilities /dev/video0").output,
+              "85200001 05200001\n");
+}
+
 TEST(ProgramTest, ListsItsModels)
 {
     Outcome const outcome = run("--list-models");

@@ -26,6 +26,16 @@ int showCard(char const* node)
     return v4l2_close(file);
 }
 
+int showCapabilities(char const* node)
+{
+    int const file = v4l2_open(node, O_RDWR | O_NONBLOCK);
+    v4l2_capability capability{};
+    if (file < 0 || v4l2_ioctl(file, VIDIOC_QUERYCAP, &capability) != 0)
+        return 1;
+    std::printf("%08x %08x\n", capability.capabilities, capability.device_caps);
+    return v4l2_close(file);
+}
+
 /// Streams until `count` frames have come or the camera is gone.
 int stream(char const* node, int count)
 {
@@ -108,6 +118,8 @@ int main(int argc, char** argv)
     std::string const what = argc > 1 ? argv[1] : "";
     if (what == "card" && argc > 2)
         return showCard(argv[2]);
+    if (what == "capabilities" && argc > 2)
+        return showCapabilities(argv[2]);
     if (what == "stream" && argc > 3)
         return stream(argv[2], std::stoi(argv[3]));
     if (what == "exchange" && argc > 2)

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "PrivateControls.h"
-#include "Tool.h"
 
 #include <ICameraControl.h>
 #include <ICameraControlNumeric.h>
@@ -17,7 +16,6 @@
 
 using namespace ImageAcquisition;
 using namespace KernelTest;
-using Json = nlohmann::json;
 using UsbCamera::toHex;
 
 namespace
@@ -69,7 +67,7 @@ TEST_F(PrivateControls, AreListedWithNameTypeFamilyAndItems)
         const ICameraControl& control = controlOf(*camera, row.name);
         EXPECT_EQ(control.id(), row.id);
         EXPECT_EQ(control.type(), typeOf(row));
-        EXPECT_NE(control.family(), ICameraControl::Family::Unknown);
+        EXPECT_EQ(control.family(), row.family);
         EXPECT_EQ(control.isReadOnly(), readOnly.count(row.name) != 0);
         const auto* const menu = dynamic_cast<const ICameraControlStringMenu*>(&control);
         ASSERT_EQ(menu != nullptr, !row.menu.empty());
@@ -127,22 +125,4 @@ TEST_F(PrivateControls, AreRefusedByThePlainCallsOfThisKernel)
     EXPECT_TRUE(cameras.requests("SET_CUR").empty());
     EXPECT_EQ(errorOfPlainCall(node, VIDIOC_S_CTRL, V4L2_CID_BRIGHTNESS), 0);
     EXPECT_EQ(cameras.requests("SET_CUR").size(), 1U);
-}
-
-TEST_F(PrivateControls, AreThereForASecondCameraAndForAnotherProgram)
-{
-    const CameraPointer second = openListed(cameras.videoNode());
-    ASSERT_NE(second, nullptr);
-    EXPECT_EQ(second->controlNumber(), camera->controlNumber());
-    const ExpectedMapping& row = expectedMappings().front();
-    EXPECT_TRUE(setValue(controlOf(*second, row.name), row, 3));
-    EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), 3);
-
-    const Json shown = readTool("show 0 --json");
-    EXPECT_EQ(shown.at("controls").size(), static_cast<std::size_t>(camera->controlNumber()));
-    EXPECT_EQ(runTool("get 0 'Light Mode'").output, "Light Mode: 1 (Continuous)\n");
-    EXPECT_EQ(runTool("set 0 'Light Mode=Off' 'Focus, Max (Range)=300'").status, 0);
-    EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), 0);
-    EXPECT_EQ(cameras.command("get 3 1"), "00");
-    EXPECT_EQ(cameras.command("get 3 9"), "00002c010100");
 }

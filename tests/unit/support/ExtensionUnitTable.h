@@ -20,6 +20,7 @@ struct ExpectedMapping
     unsigned int offset; ///< In bits.
     unsigned int v4l2Type;
     unsigned int dataType;
+    unsigned int family; ///< The one that the library gives to the id.
     std::vector<Item> menu;
 };
 

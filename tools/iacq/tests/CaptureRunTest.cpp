@@ -65,7 +65,7 @@ TEST_P(CaptureFormat, ShowsTheColoursOfTheTestPattern)
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, CaptureFormat,
-                         testing::Values("YUYV", "MJPG", "RGB3", "BGR3", "YU12"));
+                         testing::Values("YUYV", "MJPG", "RGB3", "BGR3", "YU12", "YV12"));
 
 TEST(CaptureCommand, WritesAPpmOfTheSizeAskedFor)
 {

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+#include "PrivateControls.h"
+#include "Tool.h"
+
+#include <ICameraControl.h>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <linux/types.h>
+#include <linux/usb/video.h>
+#include <linux/uvcvideo.h>
+#include <linux/videodev2.h>
+#include <map>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+using namespace ImageAcquisition;
+using namespace KernelTest;
+using Json = nlohmann::json;
+
+namespace
+{
+
+class PrivateControlOpeners : public testing::Test
+{
+protected:
+    const EmulatedCameras cameras{{"vendor-old"}};
+    CameraPointer camera = openListed(cameras.videoNode());
+};
+
+/// Makes a control known to the driver by hand: 0, or what the driver has against it.
+int errorOfMapping(const std::string& node, const ExpectedMapping& row)
+{
+    const int file = ::open(node.c_str(), O_RDWR | O_CLOEXEC);
+    uvc_xu_control_mapping mapping{};
+    mapping.id = row.id;
+    std::snprintf(reinterpret_cast<char*>(mapping.name), sizeof mapping.name, "%s",
+                  row.name.c_str());
+    mapping.entity[0] = 1;
+    mapping.selector = static_cast<std::uint8_t>(row.selector);
+    mapping.size = static_cast<std::uint8_t>(row.size);
+    mapping.offset = static_cast<std::uint8_t>(row.offset);
+    mapping.v4l2_type = row.v4l2Type;
+    mapping.data_type = row.dataType;
+    const int error = ::ioctl(file, UVCIOC_CTRL_MAP, &mapping) == 0 ? 0 : errno;
+    ::close(file);
+    return error;
+}
+
+/// Ids of a camera's controls, in its order.
+std::vector<unsigned> idsOf(const ICamera& camera)
+{
+    std::vector<unsigned> ids;
+    for (int i = 0; i < camera.controlNumber(); ++i) {
+        ids.push_back(camera.control(i)->id());
+    }
+    return ids;
+}
+
+const char* shownType(const ExpectedMapping& row)
+{
+    return !row.menu.empty()                        ? "StringMenu"
+           : row.v4l2Type == V4L2_CTRL_TYPE_BOOLEAN ? "Boolean"
+                                                    : "Int32";
+}
+
+const char* shownFamily(const ExpectedMapping& row)
+{
+    static const std::map<unsigned, const char*> names{
+        {ICameraControl::Focus, "focus"},
+        {ICameraControl::AutoControl, "auto-control"},
+        {ICameraControl::ImageGeometry, "image-geometry"},
+        {ICameraControl::ImageQuality, "image-quality"},
+        {ICameraControl::Debug, "debug"},
+        {ICameraControl::Lighting, "lighting"},
+        {ICameraControl::Connection, "connection"},
+        {ICameraControl::Status, "status"},
+        {ICameraControl::Advanced, "advanced"}};
+    return names.at(row.family);
+}
+
+} // namespace
+
+TEST_F(PrivateControlOpeners, FindThemMappedAlreadyAndHaveTheSameControls)
+{
+    const std::vector<unsigned> ids = idsOf(*camera);
+    for (const ExpectedMapping& row : expectedMappings()) {
+        if (row.menu.empty()) {
+            EXPECT_EQ(errorOfMapping(cameras.videoNode(), row), EEXIST) << row.name;
+        }
+    }
+    const CameraPointer second = openListed(cameras.videoNode());
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(idsOf(*second), ids);
+    const ExpectedMapping& row = expectedMappings().front();
+    EXPECT_TRUE(setValue(controlOf(*second, row.name), row, 3));
+    EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), 3);
+
+    camera.reset();
+    camera = openListed(cameras.videoNode());
+    ASSERT_NE(camera, nullptr);
+    EXPECT_EQ(idsOf(*camera), ids);
+    EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), 3);
+}
+
+TEST_F(PrivateControlOpeners, MayBeAnotherProgramMeanwhile)
+{
+    const ExpectedMapping& row = expectedMappings().front();
+    EXPECT_TRUE(setValue(controlOf(*camera, row.name), row, 3));
+    EXPECT_EQ(runTool("get 0 'Light Mode'").output, "Light Mode: 1 (Continuous)\n");
+    EXPECT_EQ(runTool("set 0 'Light Mode=Off' 'Focus, Max (Range)=300'").status, 0);
+    EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), 0);
+    EXPECT_EQ(cameras.command("get 3 1"), "00");
+    EXPECT_EQ(cameras.command("get 3 9"), "00002c010100");
+}
+
+TEST_F(PrivateControlOpeners, SeeThemInTheToolAsTheTableSays)
+{
+    std::map<std::string, Json> shown;
+    const Json all = readTool("show 0 --json");
+    for (const Json& control : all.at("controls")) {
+        shown[control.at("name")] = control;
+    }
+    EXPECT_EQ(shown.size(), static_cast<std::size_t>(camera->controlNumber()));
+    for (const ExpectedMapping& row : expectedMappings()) {
+        SCOPED_TRACE(row.name);
+        ASSERT_EQ(shown.count(row.name), 1U);
+        const Json& control = shown.at(row.name);
+        EXPECT_EQ(control.at("id"), row.id);
+        EXPECT_EQ(control.at("type"), shownType(row));
+        EXPECT_EQ(control.at("family"), shownFamily(row));
+        std::vector<std::string> items;
+        for (const ExpectedMapping::Item& item : row.menu) {
+            items.push_back(item.name);
+        }
+        EXPECT_EQ(control.value("items", std::vector<std::string>{}), items);
+        EXPECT_NE(control.at("value"), nullptr);
+    }
+}

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "SerialControls.h"
+
+#include <ICameraControlBoolean.h>
+#include <ICameraControlNumeric.h>
+#include <ICameraControlStringMenu.h>
+
+#include <map>
+
+using namespace ImageAcquisition;
+
+namespace KernelTest
+{
+
+namespace
+{
+
+using Numeric = ICameraControlNumeric<int>;
+
+/// What each position of a menu sends.
+const std::vector<int>& menuValues(const SerialRow& row)
+{
+    static const std::map<std::string, std::vector<int>> values{
+        {"Auto Exposure", {2, 1}}, {"Focus Strategy", {0, 1, 2}}, {"Lighting Mode", {0, 3}}};
+    return values.at(row.name);
+}
+
+} // namespace
+
+std::unique_ptr<FuserFolder> SerialControls::folder;
+std::unique_ptr<EmulatedCameras> SerialControls::cameras;
+CameraPointer SerialControls::camera;
+
+void SerialControls::SetUpTestSuite()
+{
+    folder = std::make_unique<FuserFolder>();
+    cameras = std::make_unique<EmulatedCameras>(EmulatedCameras::Texts{"vendor-new"});
+    camera = openListed(cameras->videoNode());
+}
+
+void SerialControls::TearDownTestSuite()
+{
+    camera.reset();
+    cameras.reset();
+    folder.reset();
+}
+
+Bytes SerialControls::bytesOf(const SerialRow& row)
+{
+    return cameraBytes(*cameras, static_cast<unsigned>(row.unit),
+                       static_cast<unsigned>(row.selector));
+}
+
+std::pair<unsigned, unsigned> SerialControls::fieldOf(const SerialRow& row)
+{
+    return row.offset < 0
+               ? std::pair{0U, static_cast<unsigned>(bytesOf(row).size())}
+               : std::pair{static_cast<unsigned>(row.offset), static_cast<unsigned>(row.length)};
+}
+
+long long SerialControls::read(const SerialRow& row)
+{
+    ICameraControl& control = controlOf(*camera, row.name);
+    if (const auto* const menu = dynamic_cast<ICameraControlStringMenu*>(&control)) {
+        return menuValues(row).at(static_cast<std::size_t>(menu->currentIndex()));
+    }
+    if (const auto* const boolean = dynamic_cast<ICameraControlBoolean*>(&control)) {
+        return boolean->value() ? 1 : 0;
+    }
+    return dynamic_cast<Numeric&>(control).value();
+}
+
+long long SerialControls::change(const SerialRow& row)
+{
+    ICameraControl& control = controlOf(*camera, row.name);
+    const long long present = read(row);
+    if (auto* const menu = dynamic_cast<ICameraControlStringMenu*>(&control)) {
+        const int position = menu->currentIndex() == 0 ? 1 : 0;
+        EXPECT_TRUE(menu->setCurrentIndex(position));
+        return menuValues(row).at(static_cast<std::size_t>(position));
+    }
+    if (auto* const boolean = dynamic_cast<ICameraControlBoolean*>(&control)) {
+        EXPECT_TRUE(boolean->setValue(present == 0));
+        return 1 - present;
+    }
+    auto& number = dynamic_cast<Numeric&>(control);
+    const int value = present == number.minimum() ? number.maximum() : number.minimum();
+    EXPECT_TRUE(number.setValue(value));
+    return value;
+}
+
+} // namespace KernelTest
