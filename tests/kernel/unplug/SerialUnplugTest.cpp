@@ -32,20 +32,11 @@ protected:
         EXPECT_LT(monotonicSeconds() - begin, patience);
     }
 
-    /// A round on a camera that has a link already, and what it leaves behind.
+    /// Rounds of which each begins with a link, and a link at the end.
     template <typename Round>
     void repeat(int rounds, Round round)
     {
-        victim.open();
-        for (int i = 0; i < rounds && !HasFailure(); ++i) {
-            SCOPED_TRACE(i);
-            victim.close();
-            const RemainsCheck remains;
-            victim.open();
-            round();
-            victim.replug();
-        }
-        victim.open();
+        victim.repeat(rounds, round);
         EXPECT_GT(focus().maximum(), 0);
         EXPECT_TRUE(focus().setValue(focus().maximum()));
         EXPECT_EQ(focus().value(), focus().maximum());

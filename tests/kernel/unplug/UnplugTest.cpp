@@ -27,22 +27,10 @@ Numeric& numberOf(IBlockingCamera& camera, const char* name)
 class Unplugging : public testing::Test
 {
 protected:
-    /// Runs a round as often as is asked for, each on a camera that a new list has, and looks for
-    /// what it left behind.
     template <typename Round>
     void repeat(Round round)
     {
-        // The first opening sets up some things of the process once.
-        victim.open();
-        for (int i = 0; i < rounds && !HasFailure(); ++i) {
-            SCOPED_TRACE(i);
-            victim.close();
-            const RemainsCheck remains;
-            victim.open();
-            round();
-            victim.replug();
-        }
-        victim.open();
+        victim.repeat(rounds, round);
     }
 
     Victim victim{"ordinary"};

@@ -4,6 +4,8 @@
 #include "EmulatedCameras.h"
 #include "LibraryCamera.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -12,30 +14,6 @@ namespace KernelTest
 
 /// Within this time, in seconds, every call on a camera that is unplugged has to return.
 constexpr double patience = 2.5;
-
-/// One emulated camera that is unplugged and plugged in again, and the library's camera on it.
-class Victim
-{
-public:
-    explicit Victim(const std::string& model);
-
-    /// Opens the camera from a new list, selects 160x120 and sees that a frame comes.
-    void open();
-    /// setup() and startCapture(), with so many buffers.
-    void close() { _camera.reset(); }
-    void startCapture(int bufferCount);
-    /// What a camera that is gone answers, then the end of the library's camera.
-    void expectDead(bool isStreaming);
-    /// Plugs it in again once the kernel has taken note.
-    void replug();
-
-    ImageAcquisition::IBlockingCamera& camera() { return *_camera; }
-    const EmulatedCameras& device() const { return _device; }
-
-private:
-    EmulatedCameras _device;
-    CameraPointer _camera;
-};
 
 /// At its end the process must have as many descriptors open, threads and children as at its
 /// beginning.
@@ -51,6 +29,48 @@ private:
     std::vector<std::string> _descriptors;
     int _threads;
     int _children;
+};
+
+/// One emulated camera that is unplugged and plugged in again, and the library's camera on it.
+class Victim
+{
+public:
+    explicit Victim(const std::string& model);
+
+    /// Opens the camera from a new list, selects 160x120 and sees that a frame comes.
+    void open();
+    void close() { _camera.reset(); }
+    /// setup() and startCapture(), with so many buffers.
+    void startCapture(int bufferCount);
+    /// What a camera that is gone answers, then the end of the library's camera.
+    void expectDead(bool isStreaming);
+    /// Plugs it in again once the kernel has taken note.
+    void replug();
+
+    /// Runs a round as often as is asked for, each on a camera that a new list has, and looks for
+    /// what it left behind. Ends with the camera open.
+    template <typename Round>
+    void repeat(int rounds, Round round)
+    {
+        // The first opening sets up some things of the process once.
+        open();
+        for (int i = 0; i < rounds && !testing::Test::HasFailure(); ++i) {
+            SCOPED_TRACE(i);
+            close();
+            const RemainsCheck remains;
+            open();
+            round();
+            replug();
+        }
+        open();
+    }
+
+    ImageAcquisition::IBlockingCamera& camera() { return *_camera; }
+    const EmulatedCameras& device() const { return _device; }
+
+private:
+    EmulatedCameras _device;
+    CameraPointer _camera;
 };
 
 } // namespace KernelTest
