@@ -59,6 +59,9 @@ void Victim::expectDead(bool isStreaming)
     EXPECT_EQ(_camera->cleanup(), 0);
     EXPECT_FALSE(_camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
     EXPECT_LT(monotonicSeconds() - begin, patience);
+    // A node that is closed in the very moment in which uvcvideo gives its device up can bring this
+    // kernel down, in ida_free below v4l2_device_release.
+    EXPECT_TRUE(_device.waitUntilGone());
     _camera.reset();
 }
 
