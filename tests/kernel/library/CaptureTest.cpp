@@ -2,10 +2,9 @@
 #include "FramePainter.h"
 #include "JpegFrames.h"
 #include "OrdinaryCamera.h"
-#include "Tool.h"
 
-#include <fstream>
-#include <iterator>
+#include <algorithm>
+#include <tuple>
 
 using namespace ImageAcquisition;
 using namespace KernelTest;
@@ -18,12 +17,6 @@ namespace
 /// The driver drops frames while no buffer is free: with half a second's worth of them none is lost
 /// to a busy machine.
 constexpr int manyBuffers = 16;
-
-Bytes fileBytes(const std::string& name)
-{
-    std::ifstream file(name, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(file), {});
-}
 
 /// Frames from 0 on have to be the painter's, without a gap, stamped one after the other.
 void expectFrames(IBlockingCamera& camera, unsigned width, unsigned height, unsigned count)
@@ -66,18 +59,56 @@ TEST_F(Captures, EverySizeAndBeginAnewWithEachStart)
     }
 }
 
-TEST_F(Captures, JpegImagesAsTheCameraMadeThem)
+TEST_F(Captures, JpegImagesOfEverySizeAsTheCameraMadeThem)
 {
-    ASSERT_TRUE(camera->setCurrentImageFormat("MJPG", 640, 480, 1, 30));
-    JpegFrames images(640, 480);
+    for (const auto& [width, height, count] :
+         {std::tuple{640, 480, 20U}, {320, 240, 5U}, {1280, 720, 5U}}) {
+        SCOPED_TRACE(width);
+        ASSERT_TRUE(camera->setCurrentImageFormat("MJPG", width, height, 1, 30));
+        JpegFrames images(static_cast<unsigned>(width), static_cast<unsigned>(height));
+        const Stream stream(*camera, manyBuffers);
+        for (unsigned number = 0; number < count; ++number) {
+            IFrame* const frame = camera->acquireFrame();
+            ASSERT_FALSE(frame->isInvalid());
+            EXPECT_EQ(frame->counter(), number);
+            EXPECT_EQ(JpegFrames::readNumber(frame->bytePtr(), frame->bytesUsed()), number);
+            EXPECT_TRUE(bytesOf(*frame) == images.frame(number)) << number;
+            EXPECT_EQ(camera->releaseFrame(frame), 0);
+        }
+    }
+}
+
+TEST_F(Captures, PicturesThatLibv4l2ConvertsWithTheCamerasLuma)
+{
+    ASSERT_TRUE(camera->setCurrentImageFormat("YU12", 160, 120, 1, 30));
+    FramePainter painter(160, 120);
     const Stream stream(*camera, manyBuffers);
-    for (unsigned number = 0; number < 20; ++number) {
+    for (unsigned number = 0; number < 5; ++number) {
         IFrame* const frame = camera->acquireFrame();
-        ASSERT_FALSE(frame->isInvalid());
-        EXPECT_EQ(JpegFrames::readNumber(frame->bytePtr(), frame->bytesUsed()), number);
-        EXPECT_TRUE(bytesOf(*frame) == images.frame(number)) << number;
+        ASSERT_EQ(frame->bytesUsed(), 160 * 120 * 3 / 2U);
+        const Bytes& yuyv = painter.paint(number);
+        Bytes luma;
+        for (std::size_t i = 0; i < yuyv.size(); i += 2) {
+            luma.push_back(yuyv[i]);
+        }
+        EXPECT_TRUE(std::equal(luma.begin(), luma.end(), frame->bytePtr())) << number;
         EXPECT_EQ(camera->releaseFrame(frame), 0);
     }
+}
+
+TEST_F(Captures, WhatWasSelectedIsWhatTheCameraIsTold)
+{
+    ASSERT_TRUE(camera->setCurrentImageFormat("MJPG", 1280, 720, 1, 10));
+    const Stream stream(*camera, 4);
+    EXPECT_FALSE(camera->acquireFrame()->isInvalid());
+    std::string committed;
+    for (const EmulatedCameras::Json& line : cameras.requests()) {
+        if (line["kind"] == "streaming" && line["request"] == "SET_CUR" && line["selector"] == 2) {
+            committed = line["data"];
+        }
+    }
+    // Behind the hint: the second format, its third size, and 1000000 times 100 ns.
+    EXPECT_EQ(committed.substr(4, 12), "020340420f00") << committed;
 }
 
 TEST_F(Captures, NothingFromACameraThatHoldsItsFramesBack)
@@ -94,22 +125,14 @@ TEST_F(Captures, NothingFromACameraThatHoldsItsFramesBack)
     EXPECT_EQ(FramePainter::readNumber(frame->bytePtr(), 160), 1U);
 }
 
-TEST_F(Captures, TheSameFramesByTheTool)
+TEST(CapturesOverOtherLinks, AreTheSame)
 {
-    camera.reset();
-    const std::string folder = "/tmp/captured-";
-    const CommandResult result = runTool("capture 0 --format YUYV --size 320x240 --fps 15 "
-                                         "--buffers 16 -n 4 --output-format raw -o " +
-                                         folder + "%d.raw");
-    ASSERT_EQ(result.status, 0) << result.output;
-    FramePainter painter(320, 240);
-    for (unsigned number = 0; number < 4; ++number) {
-        const Bytes bytes = fileBytes(folder + std::to_string(number + 1) + ".raw");
-        EXPECT_TRUE(bytes == painter.paint(number)) << number << " has " << bytes.size();
+    for (const char* const speed : {"full", "super"}) {
+        SCOPED_TRACE(speed);
+        const EmulatedCameras cameras({std::string("ordinary,speed=") + speed});
+        const CameraPointer camera = openListed(cameras.videoNode());
+        ASSERT_NE(camera, nullptr);
+        ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
+        expectFrames(*camera, 320, 240, 15);
     }
-    const CommandResult image =
-        runTool("capture 0 --format MJPG --size 320x240 --output-format raw -o /tmp/one.jpg");
-    ASSERT_EQ(image.status, 0) << image.output;
-    JpegFrames images(320, 240);
-    EXPECT_TRUE(fileBytes("/tmp/one.jpg") == images.frame(0));
 }

@@ -6,17 +6,46 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+#include <memory>
+
 namespace KernelTest
 {
 
-/// An ordinary emulated camera and the library's on it.
+inline Bytes fileBytes(const std::string& name)
+{
+    std::ifstream file(name, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(file), {});
+}
+
+/// An ordinary emulated camera for all tests of a suite, and the library's camera on it.
 class OrdinaryCamera : public testing::Test
+{
+public:
+    static void SetUpTestSuite()
+    {
+        shared = std::make_unique<EmulatedCameras>(EmulatedCameras::Texts{"ordinary"});
+    }
+    static void TearDownTestSuite() { shared.reset(); }
+
+protected:
+    void SetUp() override { ASSERT_NE(camera, nullptr); }
+
+    static inline std::unique_ptr<EmulatedCameras> shared;
+    const EmulatedCameras& cameras = *shared;
+    const std::string node = cameras.videoNode();
+    CameraPointer camera = openListed(node);
+};
+
+/// The same with an emulated camera for each test, whose values are those that it begins with.
+class FreshOrdinaryCamera : public testing::Test
 {
 protected:
     void SetUp() override { ASSERT_NE(camera, nullptr); }
 
-    EmulatedCameras cameras{{"ordinary"}};
-    std::string node = cameras.videoNode();
+    const EmulatedCameras cameras{{"ordinary"}};
+    const std::string node = cameras.videoNode();
     CameraPointer camera = openListed(node);
 };
 
