@@ -8,7 +8,23 @@ using namespace KernelTest;
 using UsbCamera::readLittle;
 using UsbCamera::toHex;
 
+namespace
+{
+
 using Numeric = ICameraControlNumeric<int>;
+
+/// On a busy machine an answer may be late, and the same packet is sent once more.
+void expectSerial(const std::vector<EmulatedCameras::Json>& packets, const SerialRow& row)
+{
+    EXPECT_FALSE(packets.empty());
+    for (const EmulatedCameras::Json& one : packets) {
+        EXPECT_EQ(one["kind"], "serial");
+        EXPECT_EQ(one["unit"], row.unit);
+        EXPECT_EQ(one["selector"], row.selector);
+    }
+}
+
+} // namespace
 
 TEST_F(SerialControls, AreThoseOfTheTableInItsOrder)
 {
@@ -25,22 +41,15 @@ TEST_F(SerialControls, AreThoseOfTheTableInItsOrder)
 
 TEST_F(SerialControls, AreReadFromTheCamera)
 {
-    cameras->mark();
     for (const SerialRow& row : serialRows()) {
+        SCOPED_TRACE(row.name);
         const auto [offset, length] = fieldOf(row);
         const auto number = static_cast<long long>(readLittle(bytesOf(row), offset, length));
         // A number of four bytes becomes an int, one of two or one is signed when it is no field.
         const long long mask = (1LL << (8 * length)) - 1;
-        EXPECT_EQ(read(row) & mask, number) << row.name;
-    }
-    const auto asked = cameras->requests("GET_CUR");
-    ASSERT_EQ(asked.size(), serialRows().size());
-    auto request = asked.begin();
-    for (const SerialRow& row : serialRows()) {
-        EXPECT_EQ((*request)["kind"], "serial") << row.name;
-        EXPECT_EQ((*request)["unit"], row.unit) << row.name;
-        EXPECT_EQ((*request)["selector"], row.selector) << row.name;
-        ++request;
+        cameras->mark();
+        EXPECT_EQ(read(row) & mask, number);
+        expectSerial(cameras->requests("GET_CUR"), row);
     }
 }
 
@@ -57,11 +66,10 @@ TEST_F(SerialControls, AreWrittenToTheirOwnBytesOnly)
         const long long value = change(row);
         const std::string wanted = toHex(withNumber(before, offset, length, value));
         const auto written = cameras->requests("SET_CUR");
-        ASSERT_EQ(written.size(), 1U);
-        EXPECT_EQ(written[0]["kind"], "serial");
-        EXPECT_EQ(written[0]["unit"], row.unit);
-        EXPECT_EQ(written[0]["selector"], row.selector);
-        EXPECT_EQ(written[0]["data"], wanted);
+        expectSerial(written, row);
+        for (const EmulatedCameras::Json& one : written) {
+            EXPECT_EQ(one["data"], wanted);
+        }
         EXPECT_EQ(toHex(bytesOf(row)), wanted);
         const long long mask = (1LL << (8 * length)) - 1;
         EXPECT_EQ(read(row) & mask, value & mask);
