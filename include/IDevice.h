@@ -74,10 +74,11 @@ public:
     virtual bool isaZorvaneDevice() const = 0;
 
     /// USB revision that the device claims, as a binary coded decimal: 0x0200 for USB 2.0.
-    /// Identical cameras all report what the first of them reports.
+    /// Cameras with equal USB ids all report what the one that libusb lists first reports.
     virtual unsigned short usbRevision() const = 0;
 
-    /// Speed of the USB link. Identical cameras all report what the first of them reports.
+    /// Speed of the USB link. Cameras with equal USB ids all report what the one that libusb lists
+    /// first reports.
     virtual UsbSpeed usbSpeed() const = 0;
 };
 
