@@ -54,6 +54,11 @@ build_and_test() {
     summary=$(ctest_summary "$log")
     echo "$summary"
     count "$summary"
+    # Another try may pass, but what a sanitizer or a signal reported stays a fault.
+    if grep -E '(Address|Leak|Thread|UndefinedBehavior)Sanitizer|runtime error:|\*\*\*Exception' "$log"; then
+        echo "$preset: a fault that no other try undoes, see $log"
+        failed=$((failed + 1))
+    fi
 }
 
 # Each root starts from nothing: this is where a missing package in a list shows.

@@ -24,7 +24,9 @@ public:
 
     /**
      * @brief Prepares buffers for the format that is set now; so select the format first.
-     * @param bufferCount how many frames may be in flight; the driver may grant more or fewer.
+     * @param bufferCount how many frames may be in flight; the driver may grant more or fewer. A
+     * negative number is passed on to a driver that maps memory, which then grants as many as it
+     * can or refuses; the other ways of transfer take it for 0.
      * @return 0, or -1 when the camera has no way to transfer frames or the driver refused.
      */
     virtual int setup(int bufferCount) = 0;
