@@ -85,15 +85,22 @@ nlohmann::json describeCamera(const std::string& node)
     if (camera == nullptr) {
         return {{"listed", list->size()}, {"opened", false}};
     }
-    return {{"listed", list->size()},
-            {"opened", true},
-            {"firmware", record->firmwareVersion()},
-            {"vendorsOwn", record->isaZorvaneDevice()},
-            {"serial", record->serial()},
-            {"controls", camera->controlNumber()},
-            {"privateControls", countPrivateControls(*camera)},
-            {"formats", camera->formatNumber()},
-            {"reset", camera->softwareReset()}};
+    const std::filesystem::path device = std::filesystem::canonical(
+        "/sys/class/video4linux/" + node.substr(node.rfind('/') + 1) + "/device/..");
+    Json seen{{"listed", list->size()},
+              {"opened", true},
+              {"firmware", record->firmwareVersion()},
+              {"vendorsOwn", record->isaZorvaneDevice()},
+              {"serial", record->serial()},
+              {"controls", camera->controlNumber()},
+              {"privateControls", countPrivateControls(*camera)},
+              {"formats", camera->formatNumber()},
+              {"reset", camera->softwareReset()}};
+    if (seen["reset"]) {
+        // The camera must not be closed while the driver gives the device up.
+        waitFor([&device] { return !std::filesystem::exists(device); });
+    }
+    return seen;
 }
 
 CommandResult runToolAsUser(unsigned user, const std::string& arguments)

@@ -112,9 +112,10 @@ TEST_P(SamePortOfTwoControllers, LeadsBothCamerasToTheTerminalThatCameLast)
     // The rightful one finds its port held and is not opened; the reset that follows reaches the
     // one that libusb lists first.
     EXPECT_EQ(openListed(cameras.videoNode(1)), nullptr);
-    second.reset();
     EXPECT_TRUE(waitFor([&] { return cameras.status(2)["plugs"] == 2; }));
     EXPECT_TRUE(cameras.waitUntilReady(2));
+    // Not before: the driver must have given the device up.
+    second.reset();
     EXPECT_EQ(cameras.status(1)["plugs"], 2) << "it was plugged in anew by this test only";
 }
 
