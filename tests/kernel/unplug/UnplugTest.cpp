@@ -57,7 +57,9 @@ TEST_F(Unplugging, WhileAFrameIsAwaitedEndsTheWait)
         victim.device().command("unplug");
         reader.join();
         EXPECT_TRUE(last->isInvalid());
-        EXPECT_LT(ended - begin, patience);
+        // Before the 2 s are over after which a wait ends by itself.
+        EXPECT_GT(ended, begin);
+        EXPECT_LT(ended - begin, 1.5);
         // The memory outlives the device.
         EXPECT_EQ(bytesOf(*held).size(), 160U * 120 * 2);
         EXPECT_EQ(victim.camera().releaseFrame(held), -1);
