@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "VideoEvents.h"
 
+#include "LibraryCamera.h"
 #include "Shell.h"
 
 #include <ICameraEvent.h>
 #include <ICameraFactory.h>
 
-#include <ctime>
 #include <regex>
 #include <stdexcept>
 
@@ -17,13 +17,6 @@ namespace KernelTest
 
 namespace
 {
-
-double monotonicSeconds()
-{
-    timespec now{};
-    ::clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
-}
 
 VideoEvent recordOf(const ICameraEvent& event)
 {
