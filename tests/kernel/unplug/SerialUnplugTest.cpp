@@ -5,7 +5,6 @@
 #include "Victim.h"
 
 #include <ICameraControlNumeric.h>
-#include <ICameraFactory.h>
 
 #include <gtest/gtest.h>
 
@@ -89,15 +88,5 @@ TEST_F(SerialUnplugging, WhileAReplyIsAwaitedEndsTheExchangeWithinItsAttempts)
 
 TEST_F(SerialUnplugging, BetweenListAndOpenGivesNoCamera)
 {
-    repeat(2, [this] {
-        const ListPointer list = listDevices();
-        const IDevice* const record = recordOf(*list, victim.device().videoNode());
-        ASSERT_NE(record, nullptr);
-        victim.close();
-        victim.device().command("unplug");
-        EXPECT_TRUE(victim.device().waitUntilGone());
-        const double begin = monotonicSeconds();
-        EXPECT_EQ(ICameraFactory::getUniqueInstance().createBlockingCamera(record), nullptr);
-        EXPECT_LT(monotonicSeconds() - begin, patience);
-    });
+    repeat(2, [this] { EXPECT_EQ(victim.openFromStaleList(), nullptr); });
 }

@@ -4,7 +4,6 @@
 #include "Victim.h"
 
 #include <ICameraControlNumeric.h>
-#include <ICameraFactory.h>
 
 #include <gtest/gtest.h>
 
@@ -113,16 +112,7 @@ TEST_F(Unplugging, InTheMiddleOfAControlRequestMakesItFail)
 TEST_F(Unplugging, BetweenListAndOpenGivesAnEmptyCamera)
 {
     repeat([this] {
-        const ListPointer list = listDevices();
-        const IDevice* const record = recordOf(*list, victim.device().videoNode());
-        ASSERT_NE(record, nullptr);
-        victim.close();
-        victim.device().command("unplug");
-        EXPECT_TRUE(victim.device().waitUntilGone());
-        const double begin = monotonicSeconds();
-        const CameraPointer camera(
-            ICameraFactory::getUniqueInstance().createBlockingCamera(record));
-        EXPECT_LT(monotonicSeconds() - begin, patience);
+        const CameraPointer camera = victim.openFromStaleList();
         ASSERT_NE(camera, nullptr);
         EXPECT_EQ(camera->formatNumber(), 0);
         EXPECT_EQ(camera->controlNumber(), 0);

@@ -6,6 +6,7 @@
 
 #include <ICameraControl.h>
 #include <ICameraControlNumeric.h>
+#include <ICameraFactory.h>
 
 #include <gtest/gtest.h>
 
@@ -46,6 +47,22 @@ void Victim::startCapture(int bufferCount)
 {
     ASSERT_EQ(_camera->setup(bufferCount), 0);
     ASSERT_EQ(_camera->startCapture(), 0);
+}
+
+CameraPointer Victim::openFromStaleList()
+{
+    const ListPointer list = listDevices();
+    const IDevice* const record = recordOf(*list, _device.videoNode());
+    if (record == nullptr) {
+        throw std::runtime_error("the camera is not listed");
+    }
+    close();
+    _device.command("unplug");
+    EXPECT_TRUE(_device.waitUntilGone());
+    const double begin = monotonicSeconds();
+    CameraPointer camera(ICameraFactory::getUniqueInstance().createBlockingCamera(record));
+    EXPECT_LT(monotonicSeconds() - begin, patience);
+    return camera;
 }
 
 void Victim::expectDead(bool isStreaming)

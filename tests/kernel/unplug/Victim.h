@@ -42,6 +42,8 @@ public:
     void close() { _camera.reset(); }
     /// setup() and startCapture(), with so many buffers.
     void startCapture(int bufferCount);
+    /// Closes the library's camera, and opens one from a list that was made before the unplugging.
+    CameraPointer openFromStaleList();
     /// What a camera that is gone answers, then the end of the library's camera.
     void expectDead(bool isStreaming);
     /// Plugs it in again once the kernel has taken note.
