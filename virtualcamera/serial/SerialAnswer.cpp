@@ -79,12 +79,48 @@ SerialAnswer SerialAnswer::wrong(SerialBytes bytes)
     return answer;
 }
 
+SerialAnswer SerialAnswer::doubled() const
+{
+    SerialAnswer answer = *this;
+    answer._twice = true;
+    return answer;
+}
+
+SerialAnswer SerialAnswer::behind(SerialBytes bytes) const
+{
+    SerialAnswer answer = *this;
+    answer._before = std::move(bytes);
+    return answer;
+}
+
+SerialAnswer SerialAnswer::withoutHeader() const
+{
+    SerialAnswer answer = *this;
+    answer._headerless = true;
+    return answer;
+}
+
+SerialBytes SerialAnswer::bytesFor(SerialBytes reply) const
+{
+    if (_instead) {
+        reply = *_instead;
+    }
+    if (_headerless) {
+        std::fill_n(reply.begin(), std::min(SerialPacket::headerLength, reply.size()), 0);
+    }
+    if (_cutAt) {
+        reply.resize(std::min(*_cutAt, reply.size()));
+    }
+    SerialBytes all = _before;
+    for (int times = _twice ? 2 : 1; times > 0; --times) {
+        all.insert(all.end(), reply.begin(), reply.end());
+    }
+    return all;
+}
+
 std::vector<SerialAnswer::Piece> SerialAnswer::pieces(SerialBytes reply) const
 {
-    if (_instead)
-        reply = *_instead;
-    if (_cutAt)
-        reply.resize(std::min(*_cutAt, reply.size()));
+    reply = bytesFor(std::move(reply));
     if (reply.empty())
         return {};
     if (!_splitAt)

@@ -71,13 +71,25 @@ public:
     /// These bytes, whatever was asked.
     static SerialAnswer wrong(SerialBytes bytes);
 
+    /// The same answer sent twice.
+    SerialAnswer doubled() const;
+    /// The same answer behind these bytes.
+    SerialAnswer behind(SerialBytes bytes) const;
+    /// The same answer with zeros in place of the request's header.
+    SerialAnswer withoutHeader() const;
+
     std::vector<Piece> pieces(SerialBytes reply) const;
 
 private:
+    SerialBytes bytesFor(SerialBytes reply) const;
+
     Milliseconds _delay{0};
     std::optional<std::size_t> _splitAt;
     std::optional<std::size_t> _cutAt;
     std::optional<SerialBytes> _instead;
+    SerialBytes _before;
+    bool _twice = false;
+    bool _headerless = false;
 };
 
 } // namespace VirtualCamera

@@ -108,6 +108,7 @@ struct SerialFirmware::State
     std::vector<Script> scripts;
     std::vector<SerialPacket> packets;
     std::multimap<Clock::time_point, SerialBytes> pending;
+    std::optional<Milliseconds> apart; ///< Set when answers keep their order.
     bool stopping = false;
 
     // The thread's own.
@@ -190,8 +191,13 @@ void SerialFirmware::State::carryOut(SerialPacket const& packet)
     SerialBytes reply;
     if (!replyTo(packet, reply))
         return;
-    for (SerialAnswer::Piece const& piece : answerFor(packet).pieces(reply))
-        pending.emplace(Clock::now() + piece.delay, piece.bytes);
+    for (SerialAnswer::Piece const& piece : answerFor(packet).pieces(reply)) {
+        Clock::time_point due = Clock::now() + piece.delay;
+        if (apart && !pending.empty()) {
+            due = std::max(due, pending.rbegin()->first + *apart);
+        }
+        pending.emplace(due, piece.bytes);
+    }
 }
 
 SerialAnswer SerialFirmware::State::answerFor(SerialPacket const& packet)
@@ -263,6 +269,12 @@ void SerialFirmware::answerAllPromptly()
 {
     std::lock_guard<std::mutex> const lock(_state->mutex);
     _state->scripts.clear();
+}
+
+void SerialFirmware::answerInOrder(Milliseconds apart)
+{
+    std::lock_guard<std::mutex> const lock(_state->mutex);
+    _state->apart = apart;
 }
 
 void SerialFirmware::say(SerialBytes const& bytes)

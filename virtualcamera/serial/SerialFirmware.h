@@ -39,6 +39,9 @@ public:
     /// covers a request and is not used up counts. All others are answered promptly.
     void answer(SerialAnswer const& how, SerialRequests const& requests = {}, unsigned times = 1);
     void answerAllPromptly();
+    /// From now on no answer overtakes another: one that is late holds up all that follow, and each
+    /// leaves so long after the one before it.
+    void answerInOrder(std::chrono::milliseconds apart);
     /// Bytes that nobody asked for.
     void say(SerialBytes const& bytes);
 
