@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "serial/ReplyStream.h"
 #include "serial/UVCStringBuilder.h"
 #include "serial/ZorvaneCamera.h"
 #include "serial/ZorvaneCameraControl.h"
@@ -12,15 +13,15 @@ namespace ImageAcquisition
 namespace
 {
 
-/// Throws away what has come in. The system's buffer has to be emptied first, since without an
-/// event loop nothing else does; a camera that never stops talking gets no longer than a reply.
-void discardInput(QSerialPort& port)
+/// Takes in what has come. The system's buffer has to be emptied first, since without an event loop
+/// nothing else does; a camera that never stops talking gets no longer than a reply.
+QByteArray takeInput(QSerialPort& port)
 {
     QElapsedTimer elapsed;
     elapsed.start();
     while (port.waitForReadyRead(0) && elapsed.elapsed() < ZorvaneCameraControl::_msTimeout) {
     }
-    port.readAll();
+    return port.readAll();
 }
 
 /// Writes a request and sees it off. What cannot leave now must not leave later, together with the
@@ -39,14 +40,20 @@ bool sendNow(QSerialPort& port, QByteArray const& request)
 
 /// Waits until the whole reply is in, but no longer than for any reply. Its first pieces may have
 /// come in while the request went out.
-void awaitReply(QSerialPort& port, int expected)
+bool awaitReply(QSerialPort& port, ReplyStream& replies, QByteArray& reply)
 {
     QElapsedTimer elapsed;
     elapsed.start();
     int remaining = ZorvaneCameraControl::msReplyTimeout;
-    while (port.bytesAvailable() < expected && remaining > 0 && port.waitForReadyRead(remaining)) {
+    do {
+        replies.append(port.readAll());
+        if (replies.take(reply)) {
+            return true;
+        }
         remaining = ZorvaneCameraControl::msReplyTimeout - static_cast<int>(elapsed.elapsed());
-    }
+    } while (remaining > 0 && port.waitForReadyRead(remaining));
+    replies.append(port.readAll());
+    return replies.takeLast(reply);
 }
 
 } // namespace
@@ -60,16 +67,12 @@ bool ZorvaneCameraControl::sendCommand(QByteArray const& request, int dataLength
     if (!port.isOpen()) {
         return false;
     }
+    ReplyStream& replies = m_camera->replies();
     int const expected = dataLength + UVCStringBuilder::__baseRequestLength;
     for (int attempt = 0; attempt < _nbRetries; ++attempt) {
-        discardInput(port);
-        if (!sendNow(port, request)) {
-            continue;
-        }
-        awaitReply(port, expected);
-        QByteArray const received = port.read(expected);
-        if (received.size() >= expected) {
-            reply = received;
+        replies.append(takeInput(port));
+        replies.expect(request, expected);
+        if (sendNow(port, request) && awaitReply(port, replies, reply)) {
             return true;
         }
     }

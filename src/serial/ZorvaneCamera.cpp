@@ -64,6 +64,7 @@ bool ZorvaneCamera::openPort(QString const& name)
         qInfo() << "error code: " << m_serialPort->error();
         return false;
     }
+    m_replies.restart();
     qInfo() << "TriggerThread::connectPort()" << name;
     QThread::msleep(ZorvaneCameraControl::_msDelay);
     return true;

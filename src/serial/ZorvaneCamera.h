@@ -2,6 +2,7 @@
 #pragma once
 
 #include "camera/Camera.h"
+#include "serial/ReplyStream.h"
 #include "serial/ZorvaneCameraControlStringMenu.h"
 
 #include <QObject>
@@ -52,6 +53,9 @@ public:
     void endCommunication();
 
     QSerialPort& serialPort() const { return *m_serialPort; }
+
+    /// What the camera sends, taken apart.
+    ReplyStream& replies() { return m_replies; }
 
     ICameraControl* focusControl() const override;
     ICameraControl* autoFocusControl() const override;
@@ -160,6 +164,7 @@ private:
     ICameraControl* ownControl(char const* name) const;
 
     QSerialPort* m_serialPort;
+    ReplyStream m_replies;
 };
 
 } // namespace ImageAcquisition

@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: MIT
+#include "serial/ReplyStream.h"
+
+#include "serial/UVCStringBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace
+{
+
+using ImageAcquisition::ReplyStream;
+
+/// A request and the camera's reply to it.
+struct Exchange
+{
+    QByteArray request;
+    QByteArray data;
+
+    QByteArray reply() const { return request + data; }
+    int size() const { return request.size() + data.size(); }
+};
+
+QByteArray hex(char const* digits)
+{
+    return QByteArray::fromHex(digits);
+}
+
+Exchange const focus{hex("a181000600010200"), hex("3412")};
+Exchange const gain{hex("a181000400020200"), hex("6400")};
+Exchange const window{hex("a181001400030800"), hex("0102030405060708")};
+/// Its data are the header of the request for the focus.
+Exchange const windowLikeFocus{window.request, focus.request};
+Exchange const windowLikeItself{window.request, window.request};
+
+class ReplyStreamTest : public testing::Test
+{
+protected:
+    void expect(Exchange const& exchange)
+    {
+        m_stream.expect(exchange.request, exchange.size());
+        m_reply = "untouched";
+    }
+
+    bool takes(QByteArray const& bytes)
+    {
+        m_stream.append(bytes);
+        return m_stream.take(m_reply);
+    }
+
+    /// An exchange as it should be, after which the camera is known to send headers back.
+    void learnThatHeadersComeBack()
+    {
+        expect(gain);
+        ASSERT_TRUE(takes(gain.reply()));
+        ASSERT_EQ(m_reply, gain.reply());
+    }
+
+    /// The reply in two pieces, cut at this place, is taken once both are there.
+    void expectTaken(Exchange const& exchange, int cut)
+    {
+        EXPECT_FALSE(takes(exchange.reply().left(cut)));
+        EXPECT_TRUE(takes(exchange.reply().mid(cut)));
+        EXPECT_EQ(m_reply, exchange.reply());
+    }
+
+    ReplyStream m_stream;
+    QByteArray m_reply;
+};
+
+TEST_F(ReplyStreamTest, TakesRepliesAsTheyComeUntilOneBeginsWithItsHeader)
+{
+    expect(focus);
+    EXPECT_FALSE(takes(QByteArray(9, '\0')));
+    EXPECT_TRUE(takes(QByteArray(1, '\7')));
+    EXPECT_EQ(m_reply, QByteArray(9, '\0') + '\7');
+    learnThatHeadersComeBack();
+    expect(focus);
+    EXPECT_FALSE(takes(QByteArray(30, '\0')));
+    EXPECT_FALSE(m_stream.takeLast(m_reply));
+    EXPECT_EQ(m_reply, "untouched");
+}
+
+TEST_F(ReplyStreamTest, WaitsForAHeaderThatMayFollowTheRestOfALateReply)
+{
+    expect(window);
+    EXPECT_FALSE(takes(window.data.left(6) + window.request + window.data.left(2)));
+    EXPECT_TRUE(takes(window.data.mid(2)));
+    EXPECT_EQ(m_reply, window.reply());
+    expect(focus);
+    EXPECT_FALSE(takes(QByteArray(10, '\0'))) << "the camera is known to send headers back";
+}
+
+TEST_F(ReplyStreamTest, TakesWhatCameWhenTheHeaderThatMightFollowDoesNot)
+{
+    expect(focus);
+    EXPECT_FALSE(takes(QByteArray(9, '\0') + '\xa1'));
+    EXPECT_TRUE(m_stream.takeLast(m_reply));
+    EXPECT_EQ(m_reply, QByteArray(9, '\0') + '\xa1');
+}
+
+TEST_F(ReplyStreamTest, StillTakesAnotherReplyOfACameraWhoseDataLookLikeTheHeader)
+{
+    QByteArray const unechoed = QByteArray(8, '\0') + windowLikeItself.data;
+    for (int i = 0; i < 3; ++i) {
+        expect(window);
+        EXPECT_TRUE(takes(unechoed) || m_stream.takeLast(m_reply));
+        EXPECT_EQ(m_reply, unechoed);
+    }
+}
+
+TEST_F(ReplyStreamTest, PassesOverWhatPrecedesTheHeader)
+{
+    learnThatHeadersComeBack();
+    expect(focus);
+    EXPECT_FALSE(takes(QByteArray(300, '\x55')));
+    EXPECT_FALSE(takes(gain.reply()));
+    expectTaken(focus, 5);
+}
+
+TEST_F(ReplyStreamTest, HandsOutNoMoreThanTheReply)
+{
+    learnThatHeadersComeBack();
+    expect(focus);
+    EXPECT_TRUE(takes(focus.reply() + focus.reply() + window.reply()));
+    EXPECT_EQ(m_reply, focus.reply());
+    expect(gain);
+    EXPECT_FALSE(takes({}));
+    EXPECT_TRUE(takes(gain.reply()));
+    EXPECT_EQ(m_reply, gain.reply());
+}
+
+TEST_F(ReplyStreamTest, KnowsAReplyToARequestThatIsNoControlRequest)
+{
+    learnThatHeadersComeBack();
+    m_stream.expect("REQUEST!", 9);
+    EXPECT_FALSE(takes("RE"));
+    EXPECT_TRUE(takes("QUEST!7"));
+    EXPECT_EQ(m_reply, "REQUEST!7");
+}
+
+/// A reply of an earlier request of which so many bytes came before the new one was sent. Tells
+/// whether what is handed out, if anything is, is the new one's reply, for every cut of what comes.
+class LateReplyTest : public ReplyStreamTest
+{
+protected:
+    /// Whether the reply was handed out; wrong ones are failures.
+    bool takesOnlyItsOwn(Exchange const& late, int before, Exchange const& own)
+    {
+        QByteArray const rest = late.reply().mid(before) + own.reply();
+        bool always = true;
+        for (int cut = 0; cut <= rest.size(); ++cut) {
+            always = takesOnlyItsOwn(late, before, own, {rest.left(cut), rest.mid(cut)}) && always;
+        }
+        return always;
+    }
+
+    bool takesOnlyItsOwn(Exchange const& late, int before, Exchange const& own,
+                         std::vector<QByteArray> const& pieces)
+    {
+        m_stream = {};
+        learnThatHeadersComeBack();
+        expect(late);
+        m_stream.append(late.reply().left(before));
+        expect(own);
+        bool const taken = std::any_of(pieces.begin(), pieces.end(),
+                                       [&](QByteArray const& piece) { return takes(piece); });
+        if (taken) {
+            EXPECT_EQ(m_reply.toHex(' ').toStdString(), own.reply().toHex(' ').toStdString())
+                << before << " bytes before";
+        }
+        return taken;
+    }
+};
+
+TEST_F(LateReplyTest, IsPassedOverWhereverItIsCut)
+{
+    for (Exchange const& late : {focus, gain, window, windowLikeItself, windowLikeFocus}) {
+        for (Exchange const& own : {focus, gain, window, windowLikeItself}) {
+            // All of the reply to an equal request is as good an answer.
+            int const first = late.request == own.request ? 1 : 0;
+            for (int before = first; before <= late.size(); ++before) {
+                EXPECT_TRUE(takesOnlyItsOwn(late, before, own))
+                    << late.reply().toHex(' ').toStdString() << " before "
+                    << own.reply().toHex(' ').toStdString();
+            }
+        }
+    }
+}
+
+TEST_F(LateReplyTest, IsPassedOverWhenItsDataAreTheHeaderThatIsLookedFor)
+{
+    EXPECT_TRUE(takesOnlyItsOwn(windowLikeFocus, 0, focus));
+    EXPECT_TRUE(takesOnlyItsOwn(windowLikeFocus, 8, focus));
+}
+
+TEST_F(LateReplyTest, NeedNotComeToItsEnd)
+{
+    for (Exchange const& late : {focus, window, windowLikeFocus}) {
+        for (int before = 0; before < late.size(); ++before) {
+            EXPECT_TRUE(takesOnlyItsOwn(late, before, gain, {gain.reply()})) << before;
+        }
+    }
+}
+
+TEST_F(LateReplyTest, NeedNotComeToItsEndBeforeOneWhoseDataLookLikeAHeader)
+{
+    Exchange const likeHeader{focus.request, hex("a181")};
+    EXPECT_FALSE(takesOnlyItsOwn(window, 8, likeHeader, {likeHeader.reply()}))
+        << "it may be the data of the late one, behind which another reply begins";
+    expect(likeHeader);
+    EXPECT_TRUE(takes(likeHeader.reply())) << "which the next attempt makes clear";
+    EXPECT_EQ(m_reply, likeHeader.reply());
+}
+
+TEST_F(LateReplyTest, IsPassedOverWhenItAndTheHeaderMakeAnother)
+{
+    // Its first five bytes and the header of a write make the header of a read: of unit 0x21.
+    Exchange const write{hex("2101000400020200"), hex("6400")};
+    EXPECT_TRUE(takesOnlyItsOwn(gain, 5, write, {write.reply()}));
+}
+
+TEST_F(LateReplyTest, IsPassedOverBehindOthers)
+{
+    for (int before = 0; before <= focus.size(); ++before) {
+        EXPECT_TRUE(takesOnlyItsOwn(
+            focus, before, gain,
+            {focus.reply().mid(before), windowLikeFocus.reply(), window.reply(), gain.reply()}));
+    }
+}
+
+TEST_F(ReplyStreamTest, ForgetsARestOnceThePortIsOpenedAnew)
+{
+    learnThatHeadersComeBack();
+    expect(window);
+    EXPECT_FALSE(takes(window.reply().left(8)));
+    m_stream.restart();
+    Exchange const likeHeader{focus.request, hex("a181")};
+    expect(likeHeader);
+    EXPECT_TRUE(takes(likeHeader.reply()));
+}
+
+} // namespace
