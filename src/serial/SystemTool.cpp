@@ -43,9 +43,7 @@ protected:
 
 } // namespace
 
-int SystemTool::msTimeout = 30000;
-
-QByteArray SystemTool::run(QString const& program, QStringList const& arguments)
+QByteArray SystemTool::run(QString const& program, QStringList const& arguments, int milliseconds)
 {
     GroupProcess process;
     process.setStandardErrorFile(QProcess::nullDevice());
@@ -54,7 +52,7 @@ QByteArray SystemTool::run(QString const& program, QStringList const& arguments)
     elapsed.start();
     // waitForFinished() would go on for as long as there is output.
     while (process.state() != QProcess::NotRunning) {
-        int const remaining = msTimeout - static_cast<int>(elapsed.elapsed());
+        int const remaining = milliseconds - static_cast<int>(elapsed.elapsed());
         if (remaining <= 0 || process.bytesAvailable() > maxOutput) {
             process.killGroup();
             return {};

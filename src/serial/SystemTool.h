@@ -13,11 +13,9 @@ class SystemTool
 {
 public:
     /// What the tool wrote to its standard output; empty when it could not be started, did not
-    /// finish in time or printed without end, in which cases it and its children are killed.
-    static QByteArray run(QString const& program, QStringList const& arguments);
-
-    /// How long a tool may take. Tests shorten it.
-    static int msTimeout;
+    /// finish in so many milliseconds or printed without end, in which cases it and its children
+    /// are killed.
+    static QByteArray run(QString const& program, QStringList const& arguments, int milliseconds);
 };
 
 } // namespace ImageAcquisition

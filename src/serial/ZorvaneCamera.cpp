@@ -1,36 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "serial/ZorvaneCamera.h"
 
-#include "serial/SystemTool.h"
-#include "serial/TtyFinder.h"
 #include "serial/ZorvaneCameraControlBoolean.h"
 #include "serial/ZorvaneCameraControlNumeric.h"
-
-#include <QDebug>
-#include <QSerialPort>
-#include <QThread>
 
 namespace ImageAcquisition
 {
 
-namespace
-{
+ZorvaneCamera::ZorvaneCamera(IDevice const* device) : ZorvaneCamera(device, {}) {}
 
-bool isHeldBySomebody(QString const& port)
-{
-    // Looked up in the working directory, not on the PATH: the integrator provides the tool there.
-    QByteArray const holders = SystemTool::run("./fuser", {"/dev/" + port});
-    return !QString(holders.constData()).isEmpty();
-}
-
-} // namespace
-
-ZorvaneCamera::ZorvaneCamera(IDevice const* device)
-    : QObject(nullptr), Camera(device), m_serialPort(new QSerialPort(this))
+ZorvaneCamera::ZorvaneCamera(IDevice const* device, SerialLink::Limits const& limits)
+    : QObject(nullptr), Camera(device), m_link(this, limits)
 {
 }
 
 ZorvaneCamera::~ZorvaneCamera() = default;
+
+LinkReference::LinkReference(ZorvaneCamera* camera)
+    : m_link(camera == nullptr ? nullptr : &camera->link())
+{
+}
 
 bool ZorvaneCamera::init()
 {
@@ -41,40 +30,12 @@ bool ZorvaneCamera::init()
 
 bool ZorvaneCamera::initCommunication()
 {
-    if (device()->systemName() != nullptr) {
-        qInfo() << device()->systemName();
-    }
-    QByteArray const output = SystemTool::run("dmesg", {});
-    // With its size: a zero byte must not hide the rest.
-    QString const kernelLog = QString::fromLatin1(output.constData(), output.size());
-    TtyAnnouncement const announcement = findTty(kernelLog, device()->busInfo());
-    if (announcement.bus.isEmpty() || announcement.port.isEmpty()) {
-        qInfo() << "No match in dmesg";
-    } else if (!isHeldBySomebody(announcement.port)) {
-        openPort(announcement.port);
-    }
-    return m_serialPort->isOpen();
-}
-
-bool ZorvaneCamera::openPort(QString const& name)
-{
-    m_serialPort->setPortName(name);
-    if (!m_serialPort->open(QIODevice::ReadWrite)) {
-        qErrnoWarning("Error : TriggerThread::connectPort");
-        qInfo() << "error code: " << m_serialPort->error();
-        return false;
-    }
-    m_replies.restart();
-    qInfo() << "TriggerThread::connectPort()" << name;
-    QThread::msleep(ZorvaneCameraControl::_msDelay);
-    return true;
+    return m_link.open(*device());
 }
 
 void ZorvaneCamera::endCommunication()
 {
-    if (m_serialPort->isOpen()) {
-        m_serialPort->close();
-    }
+    m_link.close();
 }
 
 ExtensionUnit* ZorvaneCamera::createExtensionUnit() const

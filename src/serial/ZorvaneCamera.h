@@ -2,7 +2,7 @@
 #pragma once
 
 #include "camera/Camera.h"
-#include "serial/ReplyStream.h"
+#include "serial/SerialLink.h"
 #include "serial/ZorvaneCameraControlStringMenu.h"
 
 #include <QObject>
@@ -10,8 +10,6 @@
 #include <map>
 #include <memory>
 #include <vector>
-
-class QSerialPort;
 
 namespace ImageAcquisition
 {
@@ -43,6 +41,7 @@ public:
 
     /// Opens nothing.
     explicit ZorvaneCamera(IDevice const* device);
+    ZorvaneCamera(IDevice const* device, SerialLink::Limits const& limits);
     ~ZorvaneCamera() override;
 
     /// Finds the camera's tty in the kernel log and opens it, unless somebody holds it. Whether the
@@ -52,10 +51,8 @@ public:
     /// Closes the port.
     void endCommunication();
 
-    QSerialPort& serialPort() const { return *m_serialPort; }
-
-    /// What the camera sends, taken apart.
-    ReplyStream& replies() { return m_replies; }
+    /// What its controls exchange requests over.
+    SerialLink& link() { return m_link; }
 
     ICameraControl* focusControl() const override;
     ICameraControl* autoFocusControl() const override;
@@ -160,11 +157,9 @@ protected:
     ExtensionUnit* createExtensionUnit() const override;
 
 private:
-    bool openPort(QString const& name);
     ICameraControl* ownControl(char const* name) const;
 
-    QSerialPort* m_serialPort;
-    ReplyStream m_replies;
+    SerialLink m_link;
 };
 
 } // namespace ImageAcquisition

@@ -3,7 +3,6 @@
 
 #include "control/ControlTexts.h"
 #include "serial/UVCStringBuilder.h"
-#include "serial/ZorvaneCamera.h"
 
 #include <QThread>
 
@@ -20,9 +19,9 @@ constexpr int autoUpdate = 0x08;
 
 } // namespace
 
-ZorvaneCameraControl::ZorvaneCameraControl(ZorvaneCamera* camera, char const* name, int selector,
+ZorvaneCameraControl::ZorvaneCameraControl(LinkReference link, char const* name, int selector,
                                            int unit, Family family, Type type)
-    : m_camera(camera), m_selector(selector), m_unit(unit), m_name(name == nullptr ? "" : name),
+    : m_link(link.get()), m_selector(selector), m_unit(unit), m_name(name == nullptr ? "" : name),
       m_family(family), m_type(type)
 {
 }
@@ -144,6 +143,12 @@ bool ZorvaneCameraControl::getMaximum(int& maximum)
         maximum = static_cast<int>(value);
     }
     return answered;
+}
+
+bool ZorvaneCameraControl::sendCommand(QByteArray const& request, int dataLength,
+                                       QByteArray& reply) const
+{
+    return m_link != nullptr && m_link->exchange(request, dataLength, reply);
 }
 
 bool ZorvaneCameraControl::exchange(RequestBuilder build, QByteArray& reply) const

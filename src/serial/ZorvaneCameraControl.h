@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ICameraControl.h"
+#include "serial/SerialLink.h"
 
 #include <QByteArray>
 
@@ -10,24 +11,18 @@
 namespace ImageAcquisition
 {
 
-class ZorvaneCamera;
-
 /// One UVC control of a serial-link camera, or one field of a control, reached by requests over
 /// the camera's serial port. Every exchange blocks its caller; none is guarded against another.
 class ZorvaneCameraControl : public virtual ICameraControl
 {
 public:
-    static constexpr int _msTimeout = 100; ///< How long to wait for a reply after each write.
-    static constexpr int _nbRetries = 5;   ///< Attempts for each request.
+    static constexpr int _msTimeout = SerialLink::msReply;
+    static constexpr int _nbRetries = SerialLink::attempts;
     static constexpr int _retryDelay = 50; ///< Not used by the exchange, which does not pause.
-    static constexpr int _msDelay = 50; ///< Pause after the port was opened and after each query.
+    static constexpr int _msDelay = SerialLink::msPause; ///< Also after each query.
 
-    /// The wait for a reply in effect: _msTimeout, unless a test lengthens it so that a busy
-    /// machine does not pass for a silent camera.
-    static int msReplyTimeout;
-
-    /// The camera must outlive the control. A null name counts as empty.
-    ZorvaneCameraControl(ZorvaneCamera* camera, char const* name, int selector, int unit,
+    /// The camera, or its link, must outlive the control. A null name counts as empty.
+    ZorvaneCameraControl(LinkReference link, char const* name, int selector, int unit,
                          Family family, Type type);
     ZorvaneCameraControl(ZorvaneCameraControl const&) = delete;
     ZorvaneCameraControl& operator=(ZorvaneCameraControl const&) = delete;
@@ -74,8 +69,7 @@ public:
     /// Reads the whole control, puts the field in, and writes it back.
     bool setSharedControlValue(int value, int offset, int length);
 
-    /// Sends a request and takes its reply of @p dataLength bytes behind the header; up to five
-    /// attempts. On failure @p reply is left as it was.
+    /// One exchange over the link; false without one.
     bool sendCommand(QByteArray const& request, int dataLength, QByteArray& reply) const;
 
     int dataLength() const { return m_dataLength; }
@@ -108,7 +102,7 @@ private:
     int m_defaultValue = -1;
     int m_fallbackValue = -1;
     int m_infoFlags = 0;
-    ZorvaneCamera* m_camera;
+    SerialLink* m_link;
     int m_dataLength = 0;
     bool m_shared = false;
     int m_sharedLength = 0;

@@ -4,9 +4,9 @@
 namespace ImageAcquisition
 {
 
-ZorvaneCameraControlBoolean::ZorvaneCameraControlBoolean(ZorvaneCamera* camera, char const* name,
+ZorvaneCameraControlBoolean::ZorvaneCameraControlBoolean(LinkReference link, char const* name,
                                                          int selector, int unit, Family family)
-    : ZorvaneCameraControl(camera, name, selector, unit, family, Boolean)
+    : ZorvaneCameraControl(link, name, selector, unit, family, Boolean)
 {
 }
 

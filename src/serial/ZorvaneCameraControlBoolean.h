@@ -12,7 +12,7 @@ class ZorvaneCameraControlBoolean : public ZorvaneCameraControl,
                                     public virtual ICameraControlBoolean
 {
 public:
-    ZorvaneCameraControlBoolean(ZorvaneCamera* camera, char const* name, int selector, int unit,
+    ZorvaneCameraControlBoolean(LinkReference link, char const* name, int selector, int unit,
                                 Family family);
 
     /// The value last written when the camera does not answer.

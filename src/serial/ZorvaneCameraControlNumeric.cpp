@@ -7,9 +7,9 @@ namespace ImageAcquisition
 {
 
 template <typename T>
-ZorvaneCameraControlNumeric<T>::ZorvaneCameraControlNumeric(ZorvaneCamera* camera, char const* name,
+ZorvaneCameraControlNumeric<T>::ZorvaneCameraControlNumeric(LinkReference link, char const* name,
                                                             int selector, int unit, Family family)
-    : ZorvaneCameraControl(camera, name, selector, unit, family, numericType<T>)
+    : ZorvaneCameraControl(link, name, selector, unit, family, numericType<T>)
 {
 }
 

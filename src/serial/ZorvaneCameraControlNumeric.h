@@ -13,7 +13,7 @@ class ZorvaneCameraControlNumeric : public ZorvaneCameraControl,
                                     public virtual ICameraControlNumeric<T>
 {
 public:
-    ZorvaneCameraControlNumeric(ZorvaneCamera* camera, char const* name, int selector, int unit,
+    ZorvaneCameraControlNumeric(LinkReference link, char const* name, int selector, int unit,
                                 Family family);
 
     /// Asks for the limits too. Without a minimum the range is the maximum alone.

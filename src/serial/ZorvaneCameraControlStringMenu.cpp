@@ -6,11 +6,11 @@
 namespace ImageAcquisition
 {
 
-ZorvaneCameraControlStringMenu::ZorvaneCameraControlStringMenu(ZorvaneCamera* camera,
-                                                               char const* name, int selector,
-                                                               int unit, Family family,
+ZorvaneCameraControlStringMenu::ZorvaneCameraControlStringMenu(LinkReference link, char const* name,
+                                                               int selector, int unit,
+                                                               Family family,
                                                                std::vector<IndexSetting> settings)
-    : ZorvaneCameraControl(camera, name, selector, unit, family, StringMenu),
+    : ZorvaneCameraControl(link, name, selector, unit, family, StringMenu),
       m_settings(std::move(settings))
 {
 }

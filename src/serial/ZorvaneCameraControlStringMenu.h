@@ -22,7 +22,7 @@ public:
         std::string label;
     };
 
-    ZorvaneCameraControlStringMenu(ZorvaneCamera* camera, char const* name, int selector, int unit,
+    ZorvaneCameraControlStringMenu(LinkReference link, char const* name, int selector, int unit,
                                    Family family, std::vector<IndexSetting> settings);
 
     int count() const override { return static_cast<int>(m_settings.size()); }

@@ -179,7 +179,7 @@ TEST(NamedGetters, GiveTheInvalidControlForRowsThatWereNotMade)
 
 TEST(ZorvaneCamera, IsAQtObjectOfItsOwnClass)
 {
-    OpenedCamera const camera;
+    OpenedCamera camera;
     EXPECT_STREQ("ImageAcquisition::ZorvaneCamera", ZorvaneCamera::staticMetaObject.className());
     EXPECT_TRUE(camera.inherits("ImageAcquisition::ZorvaneCamera"));
     EXPECT_EQ(nullptr, camera.parent());

@@ -134,7 +134,6 @@ protected:
         return control;
     }
 
-    ReplyTimeout m_timeout{ReplyTimeout::forAnswers};
     SerialFirmware m_firmware;
     LinkedCamera m_camera{m_firmware.ttyPath()};
 };
@@ -160,7 +159,7 @@ TEST_F(ControlWireTest, AsksLengthInfoAndLimitsOfEachRowInTableOrder)
 
 TEST_F(ControlWireTest, StopsAtTheFirstControlThatDoesNotAnswerAndKeepsIt)
 {
-    ReplyTimeout const patience(ReplyTimeout::forBoth);
+    ReplyTimeout const patience(m_camera, ReplyTimeout::forBoth);
     m_firmware.answer(SerialAnswer::silence(), {}, SerialFirmware::always);
     EXPECT_FALSE(m_camera.buildMainControlSet());
     ASSERT_EQ(1, m_camera.controlNumber());
@@ -169,7 +168,7 @@ TEST_F(ControlWireTest, StopsAtTheFirstControlThatDoesNotAnswerAndKeepsIt)
 
 TEST_F(ControlWireTest, KeepsTheRowsInFrontOfOneThatDoesNotAnswer)
 {
-    ReplyTimeout const patience(ReplyTimeout::forBoth);
+    ReplyTimeout const patience(m_camera, ReplyTimeout::forBoth);
     m_firmware.answer(SerialAnswer::silence(), {GetInfo, 3, 11}, SerialFirmware::always);
     EXPECT_FALSE(m_camera.buildMainControlSet());
     ASSERT_EQ(6, m_camera.controlNumber());

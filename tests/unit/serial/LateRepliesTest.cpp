@@ -107,9 +107,9 @@ protected:
         EXPECT_TRUE(writeField(78));
     }
 
-    ReplyTimeout m_timeout{ZorvaneCameraControl::_msTimeout};
     SerialFirmware m_firmware;
     LinkedCamera m_camera{m_firmware.ttyPath()};
+    ReplyTimeout m_timeout{m_camera, ReplyTimeout::usual};
     std::array<Reading, 4> m_numbers = {{
         {{&m_camera, "Gain", 4, 2, ICameraControl::ImageQuality}, 1101},
         {{&m_camera, "Contrast", 3, 2, ICameraControl::Advanced}, 2202},
@@ -175,6 +175,7 @@ TEST_F(LateRepliesTest, TellTheRestOfOneFromTheAnswerToTheSecondAttempt)
 TEST_F(LateRepliesTest, MayBeTheVeryFirstOne)
 {
     LinkedCamera other{m_firmware.ttyPath()};
+    ReplyTimeout const usual(other, ReplyTimeout::usual);
     m_camera.endCommunication();
     ASSERT_TRUE(other.serialPort().open(QIODevice::ReadWrite));
     m_firmware.answer(SerialAnswer::split(6, milliseconds(140)));
@@ -218,6 +219,7 @@ TEST_F(LateRepliesTest, NeedNoHeaderOfACameraThatNeverSendsItBack)
 {
     m_firmware.answer(SerialAnswer::prompt().withoutHeader(), {}, SerialFirmware::always);
     LinkedCamera other{m_firmware.ttyPath()};
+    ReplyTimeout const usual(other, ReplyTimeout::usual);
     m_camera.endCommunication();
     ASSERT_TRUE(other.serialPort().open(QIODevice::ReadWrite));
     for (auto const& [control, value] : m_numbers) {
@@ -248,10 +250,9 @@ protected:
 
 TEST_F(OpeningTest, SucceedsWhenTheCameraPausesOnce)
 {
-    ReplyTimeout const usual(ZorvaneCameraControl::_msTimeout);
     m_firmware.answerInOrder(milliseconds(5));
     m_firmware.answer(SerialAnswer::late(milliseconds(130)), {GetMax, 2, 2});
-    OpenedCamera camera;
+    OpenedCamera camera(vendorRecord(), ReplyTimeout::usual);
     ASSERT_TRUE(camera.init());
     for (SerialRow const& row : serialRows()) {
         auto const* number = dynamic_cast<ICameraControlNumeric<int>*>(camera.control(row.name));

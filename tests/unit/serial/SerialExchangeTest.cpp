@@ -38,7 +38,6 @@ protected:
     QByteArray const m_lengthReply = m_getLength + QByteArray::fromHex("0100");
     QByteArray const m_untouched = "untouched";
     QByteArray m_reply = m_untouched;
-    ReplyTimeout m_timeout{ReplyTimeout::forAnswers};
     SerialFirmware m_firmware;
     LinkedCamera m_camera{m_firmware.ttyPath()};
     ZorvaneCameraControlBoolean m_control{&m_camera, "Auto Focus", 8, 1, ICameraControl::Focus};
@@ -50,7 +49,8 @@ TEST(SerialExchange, HasFiveAttemptsOfAHundredMilliseconds)
     EXPECT_EQ(5, int(ZorvaneCameraControl::_nbRetries));
     EXPECT_EQ(50, int(ZorvaneCameraControl::_retryDelay));
     EXPECT_EQ(50, int(ZorvaneCameraControl::_msDelay));
-    EXPECT_EQ(100, ZorvaneCameraControl::msReplyTimeout);
+    EXPECT_EQ(ZorvaneCamera(nullptr).link().limits().reply, 100);
+    EXPECT_EQ(ZorvaneCamera(nullptr).link().limits().tool, 30000);
 }
 
 TEST_F(SerialExchangeTest, WritesTheRequestOnceAndTakesAPromptReply)
@@ -86,7 +86,7 @@ TEST_F(SerialExchangeTest, FailsAtOnceWhileThePortIsClosed)
 
 TEST_F(SerialExchangeTest, WritesFiveTimesToASilentCameraAndLeavesTheReply)
 {
-    ReplyTimeout const usual(ZorvaneCameraControl::_msTimeout);
+    ReplyTimeout const usual(m_camera, ReplyTimeout::usual);
     m_firmware.answer(SerialAnswer::silence(), {}, SerialFirmware::always);
     Stopwatch const watch;
     EXPECT_FALSE(askCurrent());
@@ -100,7 +100,7 @@ TEST_F(SerialExchangeTest, SendsNothingOfAFailedExchangeWithTheNextOne)
 {
     m_firmware.answer(SerialAnswer::silence(), {}, 5);
     {
-        ReplyTimeout const usual(ZorvaneCameraControl::_msTimeout);
+        ReplyTimeout const usual(m_camera, ReplyTimeout::usual);
         EXPECT_FALSE(askCurrent());
     }
     ASSERT_TRUE(m_firmware.awaitPackets(5));
@@ -112,7 +112,7 @@ TEST_F(SerialExchangeTest, SendsNothingOfAFailedExchangeWithTheNextOne)
 
 TEST_F(SerialExchangeTest, StopsAskingAfterTheAttemptThatWasAnswered)
 {
-    ReplyTimeout const patience(ReplyTimeout::forBoth);
+    ReplyTimeout const patience(m_camera, ReplyTimeout::forBoth);
     m_firmware.answer(SerialAnswer::silence(), {}, 4);
     EXPECT_TRUE(askCurrent());
     EXPECT_EQ(m_currentReply, m_reply);
@@ -132,7 +132,7 @@ TEST_F(SerialExchangeTest, DiscardsAReplyThatCameAfterItsExchangeHadFailed)
     m_firmware.answer(SerialAnswer::silence(), {}, 4);
     m_firmware.answer(SerialAnswer::late(milliseconds(600)));
     {
-        ReplyTimeout const usual(ZorvaneCameraControl::_msTimeout);
+        ReplyTimeout const usual(m_camera, ReplyTimeout::usual);
         EXPECT_FALSE(askCurrent());
     }
     ASSERT_TRUE(m_camera.awaitInput(m_currentReply.size()));
@@ -169,7 +169,7 @@ TEST_F(SerialExchangeTest, PutsAReplyTogetherWhosePiecesComeInTime)
 
 TEST_F(SerialExchangeTest, FailsAnAttemptWhoseSecondPieceComesTooLate)
 {
-    ReplyTimeout const patience(600);
+    ReplyTimeout const patience(m_camera, 600);
     m_firmware.answer(SerialAnswer::split(4, milliseconds(900)));
     m_firmware.answer(SerialAnswer::silence());
     EXPECT_TRUE(askCurrent());
@@ -179,7 +179,7 @@ TEST_F(SerialExchangeTest, FailsAnAttemptWhoseSecondPieceComesTooLate)
 
 TEST_F(SerialExchangeTest, DiscardsASecondPieceThatCameTooLate)
 {
-    ReplyTimeout const patience(600);
+    ReplyTimeout const patience(m_camera, 600);
     m_firmware.answer(SerialAnswer::split(4, milliseconds(1200)));
     EXPECT_TRUE(askCurrent());
     EXPECT_EQ(m_currentReply, m_reply);
@@ -191,7 +191,7 @@ TEST_F(SerialExchangeTest, DiscardsASecondPieceThatCameTooLate)
 
 TEST_F(SerialExchangeTest, TriesAgainAfterAReplyThatIsTooShort)
 {
-    ReplyTimeout const patience(ReplyTimeout::forBoth);
+    ReplyTimeout const patience(m_camera, ReplyTimeout::forBoth);
     m_firmware.answer(SerialAnswer::cutTo(8));
     m_firmware.answer(SerialAnswer::cutTo(3));
     EXPECT_TRUE(askCurrent());
@@ -201,7 +201,7 @@ TEST_F(SerialExchangeTest, TriesAgainAfterAReplyThatIsTooShort)
 
 TEST_F(SerialExchangeTest, FailsAfterFiveRepliesThatAreTooShort)
 {
-    ReplyTimeout const usual(ZorvaneCameraControl::_msTimeout);
+    ReplyTimeout const usual(m_camera, ReplyTimeout::usual);
     m_firmware.answer(SerialAnswer::cutTo(8), {}, SerialFirmware::always);
     EXPECT_FALSE(askCurrent());
     EXPECT_EQ(m_untouched, m_reply);
@@ -229,7 +229,7 @@ TEST_F(SerialExchangeTest, TakesAReplyOfTheRightSizeAsItIs)
 
 TEST_F(SerialExchangeTest, ComesBackFromACameraThatNeverStopsTalking)
 {
-    ReplyTimeout const usual(ZorvaneCameraControl::_msTimeout);
+    ReplyTimeout const usual(m_camera, ReplyTimeout::usual);
     std::atomic<bool> enough{false};
     std::thread talking([&] {
         while (!enough) {
@@ -270,7 +270,7 @@ TEST_F(SerialExchangeTest, WorksWithACoreApplicationToo)
     QCoreApplication::processEvents();
     EXPECT_TRUE(control.sendCommand(m_getCurrent, 1, m_reply));
     EXPECT_EQ(m_currentReply, m_reply);
-    ReplyTimeout const usual(ZorvaneCameraControl::_msTimeout);
+    ReplyTimeout const usual(m_camera, ReplyTimeout::usual);
     m_firmware.answer(SerialAnswer::silence(), {}, SerialFirmware::always);
     m_firmware.clearPackets();
     EXPECT_FALSE(control.sendCommand(m_getCurrent, 1, m_reply));

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "serial/SystemTool.h"
-
 #include "ProcessCensus.h"
 #include "QtMessages.h"
 #include "SerialMachine.h"
@@ -14,9 +12,7 @@ using namespace ImageAcquisition;
 class SerialLinkTest : public SerialMachineTest
 {
 protected:
-    ~SerialLinkTest() override { SystemTool::msTimeout = 30000; }
-
-    std::string portName() const { return m_camera.serialPort().portName().toStdString(); }
+    std::string portName() { return m_camera.serialPort().portName().toStdString(); }
 
     OpenedCamera m_camera;
     QtMessages m_messages;
@@ -127,7 +123,7 @@ TEST_F(SerialLinkTest, FindsNothingWhenDmesgNeverEnds)
                             "echo $! >>\"$WORK/pids\"; wait");
     // As long as the tool needs to get so far, on a busy machine too.
     for (int const milliseconds : {1000, 4000, 16000}) {
-        SystemTool::msTimeout = milliseconds;
+        m_camera.limitTools(milliseconds);
         EXPECT_FALSE(m_camera.initCommunication());
         if (wordsIn(m_tools.read("pids")) == 2) {
             break;
@@ -157,7 +153,7 @@ TEST_P(HolderTest, DecidesWhetherThePortIsOpened)
     if (GetParam().script != nullptr) {
         m_tools.inWorkingDirectory("fuser", GetParam().script);
     }
-    SystemTool::msTimeout = GetParam().msTimeout;
+    m_camera.limitTools(GetParam().msTimeout);
     EXPECT_EQ(GetParam().free, m_camera.initCommunication());
     EXPECT_EQ(GetParam().free, m_camera.serialPort().isOpen());
     // A busy tty is passed over without a word.
@@ -191,7 +187,7 @@ TEST_F(SerialLinkTest, FindsAHolderWithTheRealFuser)
     // Sees the pseudo-terminal itself: the made-up name is not for other programs.
     m_tools.inWorkingDirectory("fuser", "exec /usr/bin/fuser " + m_firmware.ttyPath());
     {
-        LinkedCamera const holder(m_firmware.ttyPath());
+        LinkedCamera holder(m_firmware.ttyPath());
         ASSERT_TRUE(holder.serialPort().isOpen());
         EXPECT_FALSE(m_camera.initCommunication());
     }
@@ -257,6 +253,7 @@ TEST_F(SerialLinkTest, GivesVideoWithoutALinkButSaysThatSomethingIsWrong)
 TEST_F(SerialLinkTest, FailsToInitialiseWhenOneControlDoesNotAnswer)
 {
     silence({VirtualCamera::GetInfo, 1, 8});
+    ReplyTimeout const patience(m_camera, ReplyTimeout::forBoth);
     EXPECT_FALSE(m_camera.init());
     EXPECT_TRUE(m_camera.serialPort().isOpen());
     EXPECT_EQ(2, m_camera.controlNumber());

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "serial/SystemTool.h"
-
 #include "ProcessCensus.h"
 #include "QtMessages.h"
 #include "SerialMachine.h"
@@ -26,15 +24,14 @@ protected:
     {
         // The first control of the table: the set ends with it.
         silence({VirtualCamera::GetLen, 1, 6});
-        ZorvaneCameraControl::msReplyTimeout = ZorvaneCameraControl::_msTimeout;
         EXPECT_TRUE(linkInALife());
     }
-    ~RemainsTest() override { SystemTool::msTimeout = 30000; }
 
     /// Whether it had a link.
     bool linkInALife(std::function<void()> const& onceLinked = nullptr)
     {
-        OpenedCamera camera;
+        OpenedCamera camera(vendorRecord(), ReplyTimeout::usual);
+        camera.limitTools(m_msTool);
         bool const linked = camera.initCommunication();
         if (onceLinked) {
             onceLinked();
@@ -59,6 +56,8 @@ protected:
         EXPECT_EQ(linked, linkInALife());
         expectNothingElse(descriptors, threads);
     }
+
+    int m_msTool = SerialLink::msTool;
 };
 
 TEST_F(RemainsTest, AreNoneAfterExchanges)
@@ -75,7 +74,7 @@ TEST_F(RemainsTest, AreNoneWithoutDmesg)
 TEST_F(RemainsTest, AreNoneAfterAHangingDmesg)
 {
     m_tools.onPath("dmesg", "sleep 600");
-    SystemTool::msTimeout = 300;
+    m_msTool = 300;
     expectNoRemains(false);
 }
 

@@ -19,20 +19,18 @@ using ImageAcquisition::SystemTool;
 class SystemToolTest : public testing::Test
 {
 protected:
-    ~SystemToolTest() override { SystemTool::msTimeout = 30000; }
-
-    static std::string run(char const* program, QStringList const& arguments = {})
+    static std::string run(char const* program, QStringList const& arguments = {},
+                           int milliseconds = 30000)
     {
-        return SystemTool::run(program, arguments).toStdString();
+        return SystemTool::run(program, arguments, milliseconds).toStdString();
     }
     /// Runs "tool", which writes the ids of so many processes to "pids" and does not end, with as
     /// short a time as lets it get so far, on a busy machine too. All of them must end with it.
     void expectToEndTheTool(int processes = 1)
     {
         for (int const milliseconds : {1000, 4000, 16000}) {
-            SystemTool::msTimeout = milliseconds;
             Stopwatch const watch;
-            EXPECT_EQ("", run("tool"));
+            EXPECT_EQ("", run("tool", {}, milliseconds));
             EXPECT_GE(watch.seconds(), milliseconds / 1000.0);
             EXPECT_LT(watch.seconds(), milliseconds / 1000.0 + 10);
             if (wordsIn(m_tools.read("pids")) == processes) {
@@ -46,11 +44,6 @@ protected:
 
     ToolFolder m_tools;
 };
-
-TEST(SystemToolTimeout, IsThirtySeconds)
-{
-    EXPECT_EQ(30000, SystemTool::msTimeout);
-}
 
 TEST_F(SystemToolTest, GivesWhatTheToolPrints)
 {
@@ -173,9 +166,8 @@ TEST_F(SystemToolTest, EndsAToolThatComplainsForEverAndKeepsNoneOfIt)
 TEST_F(SystemToolTest, EndsAToolThatFloodsTheMemoryBeforeItsTimeIsUp)
 {
     m_tools.onPath("tool", "exec yes");
-    SystemTool::msTimeout = 60000;
     Stopwatch const watch;
-    EXPECT_EQ("", run("tool"));
+    EXPECT_EQ("", run("tool", {}, 60000));
     EXPECT_LT(watch.seconds(), 50);
     EXPECT_EQ(0, childrenOfThisProcess());
 }
@@ -197,8 +189,7 @@ TEST_F(SystemToolTest, LeavesNoDescriptorAndNoThread)
     int const threads = threadCount();
     EXPECT_EQ("answer\n", run("tool"));
     EXPECT_EQ("", run("missing"));
-    SystemTool::msTimeout = 300;
-    EXPECT_EQ("", run("hanging"));
+    EXPECT_EQ("", run("hanging", {}, 300));
     EXPECT_EQ(descriptors, descriptorsButSockets());
     EXPECT_EQ(threads, threadCount());
     EXPECT_EQ(0, childrenOfThisProcess());

@@ -323,4 +323,11 @@ TEST_F(AbsurdLengthTest, OfZeroReadsAsZero)
     EXPECT_EQ((SerialBytes{0xa1, 0x81, 0, 1, 0, 3, 0, 0}), lastPacket());
 }
 
+TEST(ZorvaneCameraControl, FailsWithoutALink)
+{
+    ZorvaneCameraControlBoolean control(nullptr, "Auto Focus", 8, 1, ICameraControl::Focus);
+    EXPECT_FALSE(control.init());
+    EXPECT_FALSE(control.setValue(true));
+}
+
 } // namespace

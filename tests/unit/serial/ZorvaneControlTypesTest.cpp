@@ -155,7 +155,7 @@ TEST_F(SerialNumberTest, SendsValuesOutOfRangeAndToControlsThatCanOnlyBeRead)
     ASSERT_TRUE(m_control.updateState());
     ASSERT_TRUE(m_control.isReadOnly());
     m_firmware.clearPackets();
-    ReplyTimeout const shorter(ReplyTimeout::forBoth);
+    ReplyTimeout const shorter(m_camera, ReplyTimeout::forBoth);
     EXPECT_FALSE(m_control.setValue(2));
     EXPECT_EQ(std::vector<int>(5, 0x01), codes());
 }

@@ -25,7 +25,7 @@ protected:
 
     void silence(std::uint8_t code, unsigned times = SerialFirmware::always)
     {
-        ImageAcquisition::ZorvaneCameraControl::msReplyTimeout = ReplyTimeout::forBoth;
+        ReplyTimeout::set(m_camera, ReplyTimeout::forBoth);
         m_firmware.answer(SerialAnswer::silence(), {code, {}, {}}, times);
     }
     /// What the camera received, as request codes.
@@ -39,7 +39,6 @@ protected:
     }
     SerialBytes lastPacket() const { return m_firmware.packetBytes().back(); }
 
-    ReplyTimeout m_timeout{ReplyTimeout::forAnswers};
     SerialFirmware m_firmware{
         {VirtualCamera::aSerialControl(unit, oneByte, 1, 0, 100, 7),
          VirtualCamera::aSerialControl(unit, twoBytes, 2, -5, 255, -2),

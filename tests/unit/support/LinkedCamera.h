@@ -27,11 +27,20 @@ inline DeviceStub vendorRecord(bool ofTheVendor = true)
     return record;
 }
 
-/// A serial-link camera that tests reach into.
+/// A serial-link camera that tests reach into. It is patient with answers.
 class OpenedCamera : public ImageAcquisition::ZorvaneCamera
 {
 public:
-    explicit OpenedCamera(DeviceStub const& record = vendorRecord()) : ZorvaneCamera(&record) {}
+    explicit OpenedCamera(DeviceStub const& record = vendorRecord(),
+                          int msReply = ReplyTimeout::forAnswers)
+        : ZorvaneCamera(&record, {msReply, ImageAcquisition::SerialLink::msTool})
+    {
+    }
+
+    QSerialPort& serialPort() { return link().port(); }
+
+    /// How long each of the system's tools may take.
+    void limitTools(int milliseconds) { link().setLimits({link().limits().reply, milliseconds}); }
 
     using ZorvaneCamera::appendControl;
     using ZorvaneCamera::buildMainControlSet;
@@ -50,7 +59,7 @@ public:
     }
 
     /// Waits until so many bytes have come in that nobody has read yet; false after 5 s.
-    bool awaitInput(int count) const
+    bool awaitInput(int count)
     {
         auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
         int waiting = 0;

@@ -1,26 +1,38 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "serial/ZorvaneCamera.h"
 #include "serial/ZorvaneCameraControl.h"
 
-/// While it lives, exchanges wait so long for a reply. A camera that is scripted to answer shall
-/// not fail because the machine is busy; one that is scripted to be silent need not take long.
+/// While it lives, a camera's exchanges wait so long for a reply. A camera that is scripted to
+/// answer shall not fail because the machine is busy; one that is scripted to be silent need not
+/// take long.
 class ReplyTimeout
 {
 public:
+    static constexpr int usual = ImageAcquisition::ZorvaneCameraControl::_msTimeout;
     static constexpr int forAnswers = 8000;
     /// For tests in which the camera does both. Each silent exchange takes five times as long.
     static constexpr int forBoth = 300;
 
-    explicit ReplyTimeout(int milliseconds)
-        : _earlier(ImageAcquisition::ZorvaneCameraControl::msReplyTimeout)
+    ReplyTimeout(ImageAcquisition::ZorvaneCamera& camera, int milliseconds)
+        : m_link(camera.link()), m_earlier(m_link.limits())
     {
-        ImageAcquisition::ZorvaneCameraControl::msReplyTimeout = milliseconds;
+        set(camera, milliseconds);
     }
     ReplyTimeout(ReplyTimeout const&) = delete;
     ReplyTimeout& operator=(ReplyTimeout const&) = delete;
-    ~ReplyTimeout() { ImageAcquisition::ZorvaneCameraControl::msReplyTimeout = _earlier; }
+    ~ReplyTimeout() { m_link.setLimits(m_earlier); }
+
+    /// From now on.
+    static void set(ImageAcquisition::ZorvaneCamera& camera, int milliseconds)
+    {
+        ImageAcquisition::SerialLink::Limits limits = camera.link().limits();
+        limits.reply = milliseconds;
+        camera.link().setLimits(limits);
+    }
 
 private:
-    int _earlier;
+    ImageAcquisition::SerialLink& m_link;
+    ImageAcquisition::SerialLink::Limits m_earlier;
 };

@@ -32,7 +32,6 @@ protected:
     /// The camera says nothing to these requests.
     void silence(VirtualCamera::SerialRequests const& requests)
     {
-        ImageAcquisition::ZorvaneCameraControl::msReplyTimeout = ReplyTimeout::forBoth;
         m_firmware.answer(VirtualCamera::SerialAnswer::silence(), requests,
                           VirtualCamera::SerialFirmware::always);
     }
@@ -61,7 +60,6 @@ protected:
             .withInterval(1, 30);
     }
 
-    ReplyTimeout m_timeout{ReplyTimeout::forAnswers};
     VirtualCamera::Testbed m_testbed;
     VirtualCamera::SerialFirmware m_firmware;
     TtyNode m_tty{m_testbed, m_firmware.ttyPath()};
