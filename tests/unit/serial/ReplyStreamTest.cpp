@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 
 namespace
 {
@@ -239,6 +240,83 @@ TEST_F(ReplyStreamTest, ForgetsARestOnceThePortIsOpenedAnew)
     Exchange const likeHeader{focus.request, hex("a181")};
     expect(likeHeader);
     EXPECT_TRUE(takes(likeHeader.reply()));
+}
+
+/// A camera that answers in order, at any time and in any pieces; it loses replies and doubles
+/// them.
+class RandomLink
+{
+public:
+    explicit RandomLink(unsigned seed) : m_random(seed)
+    {
+        std::vector<unsigned char> const codes = {0x01, 0x81, 0x82, 0x83, 0x85, 0x86};
+        for (unsigned char selector = 1; selector <= 5; ++selector) {
+            unsigned char const code = codes[below(codes.size())];
+            unsigned char const length = below(2) == 0 ? 8 : 2;
+            QByteArray header = hex("a181000000010000");
+            header[0] = static_cast<char>(code == 0x01 ? 0x21 : 0xa1);
+            header[1] = static_cast<char>(code);
+            header[3] = static_cast<char>(selector);
+            header[6] = static_cast<char>(length);
+            m_exchanges.push_back({header, {}});
+        }
+        for (Exchange& exchange : m_exchanges) {
+            exchange.data = any().request.left(exchange.request[6]);
+        }
+    }
+
+    Exchange const& any() { return m_exchanges[below(m_exchanges.size())]; }
+
+    void answer(Exchange const& exchange)
+    {
+        for (std::size_t times = std::min<std::size_t>(below(16), 2); times > 0; --times) {
+            m_underway += exchange.reply();
+            if (below(8) != 0) {
+                break;
+            }
+        }
+    }
+
+    /// What has come by now of what is under way.
+    QByteArray arrived()
+    {
+        auto const size = static_cast<std::size_t>(m_underway.size());
+        int const count = static_cast<int>(below(3) == 0 ? size : below(size + 1));
+        QByteArray const bytes = m_underway.left(count);
+        m_underway.remove(0, count);
+        return bytes;
+    }
+
+    std::size_t below(std::size_t limit) { return m_random() % limit; }
+
+private:
+    std::mt19937 m_random;
+    std::vector<Exchange> m_exchanges; ///< Their data are beginnings of each other's headers.
+    QByteArray m_underway;
+};
+
+TEST_F(ReplyStreamTest, TakesNoOtherReplyHoweverTheLinkDeliversThem)
+{
+    int taken = 0;
+    for (unsigned seed = 0; seed < 3000; ++seed) {
+        RandomLink link(seed);
+        m_stream = {};
+        learnThatHeadersComeBack();
+        for (int attempt = 0; attempt < 30; ++attempt) {
+            Exchange const exchange = link.any();
+            m_stream.append(link.arrived());
+            expect(exchange);
+            link.answer(exchange);
+            for (std::size_t pieces = link.below(4); pieces > 0; --pieces) {
+                if (takes(link.arrived())) {
+                    ++taken;
+                    ASSERT_EQ(m_reply, exchange.reply()) << "with seed " << seed;
+                    break;
+                }
+            }
+        }
+    }
+    EXPECT_GT(taken, 20000);
 }
 
 } // namespace
