@@ -22,8 +22,8 @@ constexpr int manyBuffers = 16;
 void expectFrames(IBlockingCamera& camera, unsigned width, unsigned height, unsigned count)
 {
     FramePainter painter(width, height);
-    const double begin = monotonicSeconds();
-    const Stream stream(camera, manyBuffers);
+    double const begin = monotonicSeconds();
+    Stream const stream(camera, manyBuffers);
     double last = begin;
     for (unsigned number = 0; number < count; ++number) {
         IFrame* const frame = camera.acquireFrame();
@@ -51,7 +51,7 @@ TEST_F(Captures, ThreeHundredFramesWithEveryByteAndNoneLost)
 
 TEST_F(Captures, EverySizeAndBeginAnewWithEachStart)
 {
-    for (const auto& [width, height, rate] :
+    for (auto const& [width, height, rate] :
          {std::tuple{160, 120, 60}, {320, 240, 30}, {1280, 960, 10}, {160, 120, 30}}) {
         SCOPED_TRACE(width);
         ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", width, height, 1, rate));
@@ -61,12 +61,12 @@ TEST_F(Captures, EverySizeAndBeginAnewWithEachStart)
 
 TEST_F(Captures, JpegImagesOfEverySizeAsTheCameraMadeThem)
 {
-    for (const auto& [width, height, count] :
+    for (auto const& [width, height, count] :
          {std::tuple{640, 480, 20U}, {320, 240, 5U}, {1280, 720, 5U}}) {
         SCOPED_TRACE(width);
         ASSERT_TRUE(camera->setCurrentImageFormat("MJPG", width, height, 1, 30));
         JpegFrames images(static_cast<unsigned>(width), static_cast<unsigned>(height));
-        const Stream stream(*camera, manyBuffers);
+        Stream const stream(*camera, manyBuffers);
         for (unsigned number = 0; number < count; ++number) {
             IFrame* const frame = camera->acquireFrame();
             ASSERT_FALSE(frame->isInvalid());
@@ -82,11 +82,11 @@ TEST_F(Captures, PicturesThatLibv4l2ConvertsWithTheCamerasLuma)
 {
     ASSERT_TRUE(camera->setCurrentImageFormat("YU12", 160, 120, 1, 30));
     FramePainter painter(160, 120);
-    const Stream stream(*camera, manyBuffers);
+    Stream const stream(*camera, manyBuffers);
     for (unsigned number = 0; number < 5; ++number) {
         IFrame* const frame = camera->acquireFrame();
         ASSERT_EQ(frame->bytesUsed(), 160 * 120 * 3 / 2U);
-        const Bytes& yuyv = painter.paint(number);
+        Bytes const& yuyv = painter.paint(number);
         Bytes luma;
         for (std::size_t i = 0; i < yuyv.size(); i += 2) {
             luma.push_back(yuyv[i]);
@@ -99,10 +99,10 @@ TEST_F(Captures, PicturesThatLibv4l2ConvertsWithTheCamerasLuma)
 TEST_F(Captures, WhatWasSelectedIsWhatTheCameraIsTold)
 {
     ASSERT_TRUE(camera->setCurrentImageFormat("MJPG", 1280, 720, 1, 10));
-    const Stream stream(*camera, 4);
+    Stream const stream(*camera, 4);
     EXPECT_FALSE(camera->acquireFrame()->isInvalid());
     std::string committed;
-    for (const EmulatedCameras::Json& line : cameras.requests()) {
+    for (EmulatedCameras::Json const& line : cameras.requests()) {
         if (line["kind"] == "streaming" && line["request"] == "SET_CUR" && line["selector"] == 2) {
             committed = line["data"];
         }
@@ -115,22 +115,22 @@ TEST_F(Captures, NothingFromACameraThatHoldsItsFramesBack)
 {
     ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
     cameras.command("hold 1");
-    const Stream stream(*camera, 4);
+    Stream const stream(*camera, 4);
     EXPECT_FALSE(camera->acquireFrame()->isInvalid());
-    const double begin = monotonicSeconds();
+    double const begin = monotonicSeconds();
     EXPECT_TRUE(camera->acquireFrame()->isInvalid());
     EXPECT_GE(monotonicSeconds() - begin, 1.99);
     cameras.command("release");
-    const IFrame* const frame = camera->acquireFrame();
+    IFrame const* const frame = camera->acquireFrame();
     EXPECT_EQ(FramePainter::readNumber(frame->bytePtr(), 160), 1U);
 }
 
 TEST(CapturesOverOtherLinks, AreTheSame)
 {
-    for (const char* const speed : {"full", "super"}) {
+    for (char const* const speed : {"full", "super"}) {
         SCOPED_TRACE(speed);
-        const EmulatedCameras cameras({std::string("ordinary,speed=") + speed});
-        const CameraPointer camera = openListed(cameras.videoNode());
+        EmulatedCameras const cameras({std::string("ordinary,speed=") + speed});
+        CameraPointer const camera = openListed(cameras.videoNode());
         ASSERT_NE(camera, nullptr);
         ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
         expectFrames(*camera, 320, 240, 15);

@@ -14,17 +14,17 @@ using Controls = FreshOrdinaryCamera;
 
 TEST_F(Controls, AreThoseThatV4l2CtlLists)
 {
-    const std::vector<ListedControl> listed = plainControls(node);
+    std::vector<ListedControl> const listed = plainControls(node);
     ASSERT_GT(listed.size(), 15U);
     EXPECT_EQ(camera->controlNumber(), static_cast<int>(listed.size()));
-    for (const ListedControl& one : listed) {
+    for (ListedControl const& one : listed) {
         expectListedControl(*camera, one);
     }
 }
 
 TEST_F(Controls, HaveTheirGetters)
 {
-    const std::pair<ICameraControl*, unsigned> standard[] = {
+    std::pair<ICameraControl*, unsigned> const standard[] = {
         {camera->brightnessControl(), V4L2_CID_BRIGHTNESS},
         {camera->contrastControl(), V4L2_CID_CONTRAST},
         {camera->saturationControl(), V4L2_CID_SATURATION},
@@ -40,7 +40,7 @@ TEST_F(Controls, HaveTheirGetters)
         {camera->focusControl(), V4L2_CID_FOCUS_ABSOLUTE},
         {camera->autoFocusControl(), V4L2_CID_FOCUS_AUTO},
     };
-    for (const auto& [control, id] : standard) {
+    for (auto const& [control, id] : standard) {
         EXPECT_EQ(control->id(), id);
     }
     EXPECT_EQ(camera->lightModeControl(), camera->invalidControl());
@@ -49,11 +49,11 @@ TEST_F(Controls, HaveTheirGetters)
 
 TEST_F(Controls, AreShownByTheToolAsV4l2CtlListsThem)
 {
-    const std::vector<ListedControl> listed = plainControls(node);
-    const nlohmann::json shown = readTool("show 0 --json").at("controls");
+    std::vector<ListedControl> const listed = plainControls(node);
+    nlohmann::json const shown = readTool("show 0 --json").at("controls");
     ASSERT_EQ(shown.size(), listed.size());
-    for (const nlohmann::json& control : shown) {
-        const auto found = std::find_if(listed.begin(), listed.end(), [&control](const auto& one) {
+    for (nlohmann::json const& control : shown) {
+        auto const found = std::find_if(listed.begin(), listed.end(), [&control](auto const& one) {
             return one.id == control.at("id");
         });
         ASSERT_NE(found, listed.end()) << control;

@@ -18,34 +18,34 @@ namespace
 {
 
 /// Sets another value than the present one; the result is what v4l2-ctl is to print then.
-long long change(ICameraControl& control, const ListedControl& listed)
+long long change(ICameraControl& control, ListedControl const& listed)
 {
     if (auto* const boolean = dynamic_cast<ICameraControlBoolean*>(&control)) {
-        const bool value = !boolean->value();
+        bool const value = !boolean->value();
         EXPECT_TRUE(boolean->setValue(value));
         return value ? 1 : 0;
     }
     if (auto* const menu = dynamic_cast<ICameraControlStringMenu*>(&control)) {
-        const int position = menu->currentIndex() == 0 ? menu->count() - 1 : 0;
+        int const position = menu->currentIndex() == 0 ? menu->count() - 1 : 0;
         EXPECT_TRUE(menu->setCurrentIndex(position));
         return std::next(listed.items.begin(), position)->first;
     }
     auto& number = dynamic_cast<ICameraControlNumeric<int>&>(control);
-    const int value = number.value() == number.minimum() ? number.maximum() : number.minimum();
+    int const value = number.value() == number.minimum() ? number.maximum() : number.minimum();
     EXPECT_TRUE(number.setValue(value));
     return value;
 }
 
 /// A number as it lies in a request's data; pan and tilt share one control of the camera.
-long long sentValue(const EmulatedCameras::Json& line, const ListedControl& listed)
+long long sentValue(EmulatedCameras::Json const& line, ListedControl const& listed)
 {
-    const UsbCamera::Bytes data = UsbCamera::fromHex(line["data"].get<std::string>());
-    const bool isPair = data.size() == 8;
-    const std::size_t size = isPair ? 4 : data.size();
-    const std::uint64_t value =
+    UsbCamera::Bytes const data = UsbCamera::fromHex(line["data"].get<std::string>());
+    bool const isPair = data.size() == 8;
+    std::size_t const size = isPair ? 4 : data.size();
+    std::uint64_t const value =
         UsbCamera::readLittle(data, listed.name == "tilt_absolute" ? 4 : 0, size);
-    const std::uint64_t sign = std::uint64_t{1} << (8 * size - 1);
-    const bool isNegative = listed.type == "int" && (value & sign) != 0;
+    std::uint64_t const sign = std::uint64_t{1} << (8 * size - 1);
+    bool const isNegative = listed.type == "int" && (value & sign) != 0;
     return static_cast<long long>(isNegative ? value - 2 * sign : value);
 }
 
@@ -56,11 +56,11 @@ long long exposureMode(long long bit)
 }
 
 /// The listed controls of a type that can be written, or of all other types.
-std::vector<ListedControl> writable(const std::string& node, bool wantsNumbers)
+std::vector<ListedControl> writable(std::string const& node, bool wantsNumbers)
 {
     std::vector<ListedControl> controls = plainControls(node);
     controls.erase(std::remove_if(controls.begin(), controls.end(),
-                                  [wantsNumbers](const ListedControl& one) {
+                                  [wantsNumbers](ListedControl const& one) {
                                       return one.flags.count("read-only") != 0 ||
                                              (one.type == "int") != wantsNumbers;
                                   }),
@@ -69,25 +69,25 @@ std::vector<ListedControl> writable(const std::string& node, bool wantsNumbers)
 }
 
 /// Another value than the present one.
-long long otherValue(const ListedControl& listed)
+long long otherValue(ListedControl const& listed)
 {
     if (listed.type == "bool") {
         return 1 - listed.number("value");
     }
-    const long long first =
+    long long const first =
         listed.items.empty() ? listed.number("min") : listed.items.begin()->first;
     return listed.number("value") == first ? listed.number("max") : first;
 }
 
-long long valueOf(const ICameraControl& control, const ListedControl& listed)
+long long valueOf(ICameraControl const& control, ListedControl const& listed)
 {
-    if (const auto* const boolean = dynamic_cast<const ICameraControlBoolean*>(&control)) {
+    if (auto const* const boolean = dynamic_cast<ICameraControlBoolean const*>(&control)) {
         return boolean->value() ? 1 : 0;
     }
-    if (const auto* const menu = dynamic_cast<const ICameraControlStringMenu*>(&control)) {
+    if (auto const* const menu = dynamic_cast<ICameraControlStringMenu const*>(&control)) {
         return std::next(listed.items.begin(), menu->currentIndex())->first;
     }
-    return dynamic_cast<const ICameraControlNumeric<int>&>(control).value();
+    return dynamic_cast<ICameraControlNumeric<int> const&>(control).value();
 }
 
 } // namespace
@@ -97,24 +97,24 @@ using Controls = FreshOrdinaryCamera;
 TEST_F(Controls, WrittenHereReachTheCameraAndAreReadByV4l2Ctl)
 {
     // The automatic modes first: they hold numbers back.
-    for (const bool areNumbers : {false, true}) {
-        const std::vector<ListedControl> controls = writable(node, areNumbers);
+    for (bool const areNumbers : {false, true}) {
+        std::vector<ListedControl> const controls = writable(node, areNumbers);
         ASSERT_EQ(controls.size(), areNumbers ? 14U : 6U);
         std::map<unsigned, long long> wanted;
-        for (const ListedControl& listed : controls) {
+        for (ListedControl const& listed : controls) {
             SCOPED_TRACE(listed.name);
             ICameraControl& control = *controlById(*camera, listed.id);
             control.updateState();
             EXPECT_FALSE(control.isInactive());
             cameras.mark();
             wanted[listed.id] = change(control, listed);
-            const std::vector<EmulatedCameras::Json> sent = cameras.requests("SET_CUR");
+            std::vector<EmulatedCameras::Json> const sent = cameras.requests("SET_CUR");
             ASSERT_EQ(sent.size(), 1U);
-            const long long value = sentValue(sent[0], listed);
+            long long const value = sentValue(sent[0], listed);
             EXPECT_EQ(listed.name == "auto_exposure" ? exposureMode(value) : value,
                       wanted[listed.id]);
         }
-        for (const ListedControl& listed : writable(node, areNumbers)) {
+        for (ListedControl const& listed : writable(node, areNumbers)) {
             EXPECT_EQ(listed.number("value"), wanted[listed.id]) << listed.name;
         }
     }
@@ -122,15 +122,15 @@ TEST_F(Controls, WrittenHereReachTheCameraAndAreReadByV4l2Ctl)
 
 TEST_F(Controls, WrittenByV4l2CtlAreReadHere)
 {
-    for (const bool areNumbers : {false, true}) {
-        const std::vector<ListedControl> controls = writable(node, areNumbers);
+    for (bool const areNumbers : {false, true}) {
+        std::vector<ListedControl> const controls = writable(node, areNumbers);
         std::string settings;
-        for (const ListedControl& listed : controls) {
+        for (ListedControl const& listed : controls) {
             settings += (settings.empty() ? "" : ",") + listed.name + "=" +
                         std::to_string(otherValue(listed));
         }
         v4l2Ctl(node, "--set-ctrl=" + settings);
-        for (const ListedControl& listed : controls) {
+        for (ListedControl const& listed : controls) {
             EXPECT_EQ(valueOf(*controlById(*camera, listed.id), listed), otherValue(listed))
                 << listed.name;
         }
@@ -163,7 +163,7 @@ TEST_F(Controls, AreReadAndSetByTheTool)
     EXPECT_EQ(cameras.command("get 2 3"), "0c00");
     EXPECT_EQ(runTool("get 0 brightness contrast 2> /dev/null").output,
               "Brightness: -5\nContrast: 12\n");
-    const CommandResult refused = runTool("set 0 brightness=999");
+    CommandResult const refused = runTool("set 0 brightness=999");
     EXPECT_NE(refused.status, 0);
     EXPECT_EQ(cameras.command("get 2 2"), "fbff");
 }

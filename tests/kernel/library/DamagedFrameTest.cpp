@@ -18,8 +18,8 @@ class DriversHabit
 public:
     explicit DriversHabit(bool keepsDamaged) { set(keepsDamaged); }
     ~DriversHabit() { set(false); }
-    DriversHabit(const DriversHabit&) = delete;
-    DriversHabit& operator=(const DriversHabit&) = delete;
+    DriversHabit(DriversHabit const&) = delete;
+    DriversHabit& operator=(DriversHabit const&) = delete;
 
 private:
     static void set(bool keepsDamaged)
@@ -59,14 +59,14 @@ protected:
     /// The files that the tool wrote are the frames 0, 2 and 4.
     void expectGoodFiles()
     {
-        for (const unsigned file : {1U, 2U, 3U}) {
-            const Bytes bytes = fileBytes("/tmp/good-" + std::to_string(file) + ".raw");
+        for (unsigned const file : {1U, 2U, 3U}) {
+            Bytes const bytes = fileBytes("/tmp/good-" + std::to_string(file) + ".raw");
             EXPECT_TRUE(bytes == painter.paint(2 * (file - 1))) << file;
         }
     }
 
-    const DriversHabit habit{GetParam()};
-    const EmulatedCameras cameras{{"ordinary"}, {"1 corrupt 1", "1 cut 3 10000"}};
+    DriversHabit const habit{GetParam()};
+    EmulatedCameras const cameras{{"ordinary"}, {"1 corrupt 1", "1 cut 3 10000"}};
     CameraPointer camera = openListed(cameras.videoNode());
     FramePainter painter{160, 120};
 };
@@ -83,7 +83,7 @@ class DroppedDamagedFrames : public DamagedFrames
 
 TEST_P(KeptDamagedFrames, AreToldFromGoodOnes)
 {
-    const Stream stream(*camera, 16);
+    Stream const stream(*camera, 16);
     for (unsigned number = 0; number < 6; ++number) {
         IFrame* const frame = next(number);
         EXPECT_EQ(frame->isCorrupted(), number == 1 || number == 3);
@@ -95,7 +95,7 @@ TEST_P(KeptDamagedFrames, AreToldFromGoodOnes)
 TEST_P(KeptDamagedFrames, AreNamedAndLeftOutByTheTool)
 {
     camera.reset();
-    const CommandResult result = captureByTool();
+    CommandResult const result = captureByTool();
     EXPECT_EQ(result.status, 0);
     EXPECT_NE(result.output.find("frame 1 is corrupted"), std::string::npos) << result.output;
     EXPECT_NE(result.output.find("frame 3 is corrupted"), std::string::npos) << result.output;
@@ -106,8 +106,8 @@ INSTANTIATE_TEST_SUITE_P(WithNoDrop, KeptDamagedFrames, testing::Values(true));
 
 TEST_P(DroppedDamagedFrames, AreGapsInTheNumbers)
 {
-    const Stream stream(*camera, 16);
-    for (const unsigned number : {0U, 2U, 4U, 5U}) {
+    Stream const stream(*camera, 16);
+    for (unsigned const number : {0U, 2U, 4U, 5U}) {
         IFrame* const frame = next(number);
         EXPECT_FALSE(frame->isCorrupted());
         EXPECT_EQ(frame->bytesUsed(), whole);
@@ -118,7 +118,7 @@ TEST_P(DroppedDamagedFrames, AreGapsInTheNumbers)
 TEST_P(DroppedDamagedFrames, AreUnknownToTheTool)
 {
     camera.reset();
-    const CommandResult result = captureByTool();
+    CommandResult const result = captureByTool();
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.output.find("corrupted"), std::string::npos) << result.output;
     expectGoodFiles();

@@ -15,15 +15,15 @@ using namespace KernelTest;
 namespace
 {
 
-std::unique_ptr<IDevice> describe(const std::string& node)
+std::unique_ptr<IDevice> describe(std::string const& node)
 {
-    const std::string name = node.substr(node.rfind('/') + 1);
+    std::string const name = node.substr(node.rfind('/') + 1);
     return std::unique_ptr<IDevice>(ICameraFactory::getUniqueInstance().createDevice(name.c_str()));
 }
 
 struct Reply
 {
-    const char* bytes; ///< in hexadecimal
+    char const* bytes; ///< in hexadecimal
     std::string text;  ///< what the record makes of them
 };
 
@@ -33,7 +33,7 @@ struct Reply
 // as each is unplugged, the one before it is asked.
 TEST(FirmwareText, IsWhatTheCameraSendsUpToAZeroWhenItIsFourBytesOrMore)
 {
-    const std::vector<Reply> replies{
+    std::vector<Reply> const replies{
         {"", ""},
         {"544a38", ""},
         {"544a382d", "TJ8-"},
@@ -45,13 +45,13 @@ TEST(FirmwareText, IsWhatTheCameraSendsUpToAZeroWhenItIsFourBytesOrMore)
          std::string(32, 'B')},
     };
     EmulatedCameras::Texts models;
-    for (const Reply& reply : replies) {
+    for (Reply const& reply : replies) {
         models.push_back(std::string("vendor-old,firmware-bytes=") + reply.bytes);
     }
-    const EmulatedCameras cameras(models);
-    const std::string first = cameras.videoNode(1);
+    EmulatedCameras const cameras(models);
+    std::string const first = cameras.videoNode(1);
     for (auto camera = static_cast<unsigned>(replies.size()); camera > 0; --camera) {
-        const Reply& reply = replies[camera - 1];
+        Reply const& reply = replies[camera - 1];
         EXPECT_EQ(describe(first)->firmwareVersion(), reply.text) << reply.bytes;
         cameras.command("unplug", camera);
         ASSERT_TRUE(cameras.waitUntilGone(camera));
@@ -60,8 +60,8 @@ TEST(FirmwareText, IsWhatTheCameraSendsUpToAZeroWhenItIsFourBytesOrMore)
 
 TEST(FirmwareText, OfACameraThatRefusesTheRequestIsEmpty)
 {
-    const EmulatedCameras cameras({"vendor-new"}, {"1 stall vendor"});
-    const std::unique_ptr<IDevice> refused = describe(cameras.videoNode());
+    EmulatedCameras const cameras({"vendor-new"}, {"1 stall vendor"});
+    std::unique_ptr<IDevice> const refused = describe(cameras.videoNode());
     EXPECT_STREQ(refused->firmwareVersion(), "");
     EXPECT_TRUE(refused->isaZorvaneDevice());
     EXPECT_STREQ(describe(cameras.videoNode())->firmwareVersion(), "TJ8-1.3.0");
@@ -69,23 +69,23 @@ TEST(FirmwareText, OfACameraThatRefusesTheRequestIsEmpty)
 
 TEST(FirmwareText, OfAnyBytesIsPrintedAsValidJson)
 {
-    const EmulatedCameras cameras({"vendor-old,firmware-bytes=41ff0742"});
+    EmulatedCameras const cameras({"vendor-old,firmware-bytes=41ff0742"});
     EXPECT_EQ(readTool("list --json").at(0).at("firmware"), "A\xef\xbf\xbd\aB");
 }
 
 TEST(FirmwareText, OfCamerasWithTheSameIdsIsThatOfTheOneThatLibusbListsFirst)
 {
-    const EmulatedCameras cameras({"vendor-new,serial=NEW", "vendor-old,serial=OLD"});
-    const std::string answer =
+    EmulatedCameras const cameras({"vendor-new,serial=NEW", "vendor-old,serial=OLD"});
+    std::string const answer =
         requestVendor(USBCAMERA_VENDOR_ID, USBCAMERA_PRODUCT_ID, 0xb0, 32).text.c_str();
     EXPECT_EQ(answer, "TJ8-1.2.9");
-    const ListPointer list = listDevices();
+    ListPointer const list = listDevices();
     ASSERT_EQ(list->size(), 2);
     EXPECT_STRNE(list->at(0)->serial(), list->at(1)->serial());
     EXPECT_EQ(list->at(0)->firmwareVersion(), answer);
     EXPECT_EQ(list->at(1)->firmwareVersion(), answer);
     // So the new camera is opened as if it were an old one.
-    const CameraPointer camera = openListed(cameras.videoNode(1));
+    CameraPointer const camera = openListed(cameras.videoNode(1));
     ASSERT_NE(camera, nullptr);
     EXPECT_STREQ(camera->device()->serial(), "NEW");
     EXPECT_EQ(camera->lightModeControl()->id(), 0x08000000U);
@@ -99,7 +99,7 @@ TEST(FirmwareText, OfANewCameraMakesAnOldOneWithTheSameIdsUnusable)
 {
     // A line of a camera that had the port before would be taken for this one's.
     ASSERT_EQ(runShell("dmesg --clear").status, 0);
-    const EmulatedCameras cameras({"vendor-old,serial=OLD", "vendor-new,serial=NEW"});
+    EmulatedCameras const cameras({"vendor-old,serial=OLD", "vendor-new,serial=NEW"});
     EXPECT_STREQ(listDevices()->at(0)->firmwareVersion(), "TJ8-1.3.0");
     EXPECT_STREQ(listDevices()->at(1)->firmwareVersion(), "TJ8-1.3.0");
     // The old one has no serial port: its opening fails, and resets the one that libusb lists

@@ -15,22 +15,22 @@ namespace
 {
 
 /// What the driver is set to, as v4l2-ctl tells it: "YUYV 640x480 30".
-std::string driversFormat(const std::string& node)
+std::string driversFormat(std::string const& node)
 {
-    const std::string text = v4l2Ctl(node, "--get-fmt-video --get-parm");
-    const auto behind = [&text](const std::string& label) {
-        const std::size_t begin = text.find(label) + label.size();
+    std::string const text = v4l2Ctl(node, "--get-fmt-video --get-parm");
+    auto const behind = [&text](std::string const& label) {
+        std::size_t const begin = text.find(label) + label.size();
         return text.substr(text.find_first_not_of(" :'", begin));
     };
     std::string size = behind("Width/Height");
     size = size.substr(0, size.find('\n'));
     size[size.find('/')] = 'x';
-    const std::string rate = behind("Frames per second");
+    std::string const rate = behind("Frames per second");
     return behind("Pixel Format").substr(0, 4) + " " + size + " " + rate.substr(0, rate.find('.'));
 }
 
-std::string selectionOf(const IImageFormat& format, const IFrameSize& size,
-                        const IFramePeriod& period)
+std::string selectionOf(IImageFormat const& format, IFrameSize const& size,
+                        IFramePeriod const& period)
 {
     return std::string(format.name()) + " " + std::to_string(size.width()) + "x" +
            std::to_string(size.height()) + " " +
@@ -43,7 +43,7 @@ using Formats = OrdinaryCamera;
 
 TEST_F(Formats, AreThoseThatV4l2CtlListsThroughLibv4l2)
 {
-    const std::vector<ListedFormat> listed = listFormats(node, "-w");
+    std::vector<ListedFormat> const listed = listFormats(node, "-w");
     expectListedFormats(*camera, listed);
     // The camera's two and what libv4l2 makes of them.
     ASSERT_EQ(listed.size(), 6U);
@@ -54,14 +54,14 @@ TEST_F(Formats, AreThoseThatV4l2CtlListsThroughLibv4l2)
 TEST_F(Formats, AreSelectedByPositionAndByName)
 {
     for (int f = 0; f < 2; ++f) {
-        const IImageFormat& format = *camera->format(f);
+        IImageFormat const& format = *camera->format(f);
         for (int s = 0; s < format.sizeNumber(); ++s) {
-            const IFrameSize& size = *format.frameSize(s);
+            IFrameSize const& size = *format.frameSize(s);
             for (int p = 0; p < size.periodNumber(); ++p) {
-                const IFramePeriod& period = *size.period(p);
-                const std::string wanted = selectionOf(format, size, period);
+                IFramePeriod const& period = *size.period(p);
+                std::string const wanted = selectionOf(format, size, period);
                 SCOPED_TRACE(wanted);
-                const bool isByName = (s + p) % 2 == 1;
+                bool const isByName = (s + p) % 2 == 1;
                 EXPECT_TRUE(isByName ? camera->setCurrentImageFormat(
                                            format.name(), static_cast<int>(size.width()),
                                            static_cast<int>(size.height()), period.numerator(),
@@ -79,7 +79,7 @@ TEST_F(Formats, AreSelectedByPositionAndByName)
 TEST_F(Formats, ThatTheCameraDoesNotHaveAreRefused)
 {
     ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
-    const std::string before = driversFormat(node);
+    std::string const before = driversFormat(node);
     EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 320, 241, 1, 30));
     EXPECT_FALSE(camera->setCurrentImageFormat("H264", 320, 240, 1, 30));
     EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 320, 240, 1, 29));
@@ -91,9 +91,9 @@ TEST_F(Formats, ThatTheCameraDoesNotHaveAreRefused)
 TEST_F(Formats, CannotBeSelectedWhileStreaming)
 {
     ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
-    const std::string before = driversFormat(node);
+    std::string const before = driversFormat(node);
     {
-        const Stream stream(*camera, 4);
+        Stream const stream(*camera, 4);
         EXPECT_FALSE(camera->acquireFrame()->isInvalid());
         EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
         EXPECT_FALSE(camera->setCurrentImageFormat("MJPG", 320, 240, 1, 30));
@@ -104,18 +104,18 @@ TEST_F(Formats, CannotBeSelectedWhileStreaming)
 
 TEST_F(Formats, AreShownByTheToolAsTheyAre)
 {
-    const Json shown = readTool("show 0 --json").at("formats");
+    Json const shown = readTool("show 0 --json").at("formats");
     ASSERT_EQ(shown.size(), static_cast<std::size_t>(camera->formatNumber()));
     for (int f = 0; f < camera->formatNumber(); ++f) {
-        const Json& printed = shown.at(static_cast<std::size_t>(f));
-        const IImageFormat& format = *camera->format(f);
+        Json const& printed = shown.at(static_cast<std::size_t>(f));
+        IImageFormat const& format = *camera->format(f);
         EXPECT_EQ(printed.at("name"), format.name());
         EXPECT_EQ(printed.at("description"), format.description());
         EXPECT_EQ(printed.at("emulated"), format.isEmulated());
         EXPECT_EQ(printed.at("compressed"), format.isCompressed());
         ASSERT_EQ(printed.at("sizes").size(), static_cast<std::size_t>(format.sizeNumber()));
         for (int s = 0; s < format.sizeNumber(); ++s) {
-            const Json& size = printed.at("sizes").at(static_cast<std::size_t>(s));
+            Json const& size = printed.at("sizes").at(static_cast<std::size_t>(s));
             EXPECT_EQ(size.at("width"), format.frameSize(s)->width());
             EXPECT_EQ(size.at("height"), format.frameSize(s)->height());
             EXPECT_EQ(size.at("intervals").size(),

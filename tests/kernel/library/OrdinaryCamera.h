@@ -13,7 +13,7 @@
 namespace KernelTest
 {
 
-inline Bytes fileBytes(const std::string& name)
+inline Bytes fileBytes(std::string const& name)
 {
     std::ifstream file(name, std::ios::binary);
     return Bytes(std::istreambuf_iterator<char>(file), {});
@@ -33,8 +33,8 @@ protected:
     void SetUp() override { ASSERT_NE(camera, nullptr); }
 
     static inline std::unique_ptr<EmulatedCameras> shared;
-    const EmulatedCameras& cameras = *shared;
-    const std::string node = cameras.videoNode();
+    EmulatedCameras const& cameras = *shared;
+    std::string const node = cameras.videoNode();
     CameraPointer camera = openListed(node);
 };
 
@@ -44,8 +44,8 @@ class FreshOrdinaryCamera : public testing::Test
 protected:
     void SetUp() override { ASSERT_NE(camera, nullptr); }
 
-    const EmulatedCameras cameras{{"ordinary"}};
-    const std::string node = cameras.videoNode();
+    EmulatedCameras const cameras{{"ordinary"}};
+    std::string const node = cameras.videoNode();
     CameraPointer camera = openListed(node);
 };
 

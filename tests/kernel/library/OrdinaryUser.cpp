@@ -25,27 +25,27 @@ namespace
 
 using Json = nlohmann::json;
 
-[[noreturn]] void workAs(unsigned user, const std::function<Json()>& work, int end)
+[[noreturn]] void workAs(unsigned user, std::function<Json()> const& work, int end)
 {
     int status = 1;
     try {
         if (::setgroups(0, nullptr) == 0 && ::setgid(nobody) == 0 && ::setuid(user) == 0) {
-            const std::string text = work().dump();
+            std::string const text = work().dump();
             status =
                 ::write(end, text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : 1;
         }
-    } catch (const std::exception&) {
+    } catch (std::exception const&) {
         // The parent misses the result.
     }
     ::_exit(status);
 }
 
 /// The controls that the extension unit was mapped to.
-int countPrivateControls(const IBlockingCamera& camera)
+int countPrivateControls(IBlockingCamera const& camera)
 {
     int count = 0;
     for (int i = 0; i < camera.controlNumber(); ++i) {
-        const unsigned id = camera.control(i)->id();
+        unsigned const id = camera.control(i)->id();
         count += id >= V4L2_CID_PRIVATE_BASE && id < V4L2_CID_PRIVATE_BASE + 29 ? 1 : 0;
     }
     return count;
@@ -53,13 +53,13 @@ int countPrivateControls(const IBlockingCamera& camera)
 
 } // namespace
 
-nlohmann::json asUser(unsigned user, const std::function<nlohmann::json()>& work)
+nlohmann::json asUser(unsigned user, std::function<nlohmann::json()> const& work)
 {
     int ends[2];
     if (::pipe(ends) != 0) {
         throw std::runtime_error("no pipe");
     }
-    const pid_t child = ::fork();
+    pid_t const child = ::fork();
     if (child == 0) {
         workAs(user, work, ends[1]);
     }
@@ -74,18 +74,18 @@ nlohmann::json asUser(unsigned user, const std::function<nlohmann::json()>& work
     return Json::parse(text);
 }
 
-nlohmann::json describeCamera(const std::string& node)
+nlohmann::json describeCamera(std::string const& node)
 {
-    const ListPointer list = listDevices();
-    const IDevice* const record = recordOf(*list, node);
+    ListPointer const list = listDevices();
+    IDevice const* const record = recordOf(*list, node);
     if (record == nullptr) {
         return {{"listed", list->size()}};
     }
-    const CameraPointer camera = openListed(node);
+    CameraPointer const camera = openListed(node);
     if (camera == nullptr) {
         return {{"listed", list->size()}, {"opened", false}};
     }
-    const std::filesystem::path device = std::filesystem::canonical(
+    std::filesystem::path const device = std::filesystem::canonical(
         "/sys/class/video4linux/" + node.substr(node.rfind('/') + 1) + "/device/..");
     Json seen{{"listed", list->size()},
               {"opened", true},
@@ -103,12 +103,12 @@ nlohmann::json describeCamera(const std::string& node)
     return seen;
 }
 
-CommandResult runToolAsUser(unsigned user, const std::string& arguments)
+CommandResult runToolAsUser(unsigned user, std::string const& arguments)
 {
     // The build tree may lie where only its owner may look.
-    const std::string folder = "/tmp/tool-for-everybody";
-    const std::string library = "$(ldd " + toolPath() + " | awk '/libimageacq/ { print $3 }')";
-    const CommandResult copied = runShell("mkdir -p " + folder + " && cp -L " + toolPath() + " " +
+    std::string const folder = "/tmp/tool-for-everybody";
+    std::string const library = "$(ldd " + toolPath() + " | awk '/libimageacq/ { print $3 }')";
+    CommandResult const copied = runShell("mkdir -p " + folder + " && cp -L " + toolPath() + " " +
                                           library + " " + folder + " && chmod 755 " + folder);
     if (copied.status != 0) {
         throw std::runtime_error("cannot copy the tool: " + copied.output);
@@ -118,17 +118,17 @@ CommandResult runToolAsUser(unsigned user, const std::string& arguments)
         " --regid=" + std::to_string(nobody) + " --clear-groups " + folder + "/iacq " + arguments);
 }
 
-std::string usbNode(const EmulatedCameras& cameras, unsigned camera)
+std::string usbNode(EmulatedCameras const& cameras, unsigned camera)
 {
-    const std::string folder = cameras.usbFolder(camera);
-    const auto padded = [&folder](const std::string& name) {
-        const std::string digits = readFile(folder + "/" + name);
+    std::string const folder = cameras.usbFolder(camera);
+    auto const padded = [&folder](std::string const& name) {
+        std::string const digits = readFile(folder + "/" + name);
         return std::string(3 - digits.size(), '0') + digits;
     };
     return "/dev/bus/usb/" + padded("busnum") + "/" + padded("devnum");
 }
 
-void openToAll(const std::string& node)
+void openToAll(std::string const& node)
 {
     std::filesystem::permissions(node, std::filesystem::perms(0666));
 }

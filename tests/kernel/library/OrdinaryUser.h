@@ -17,18 +17,18 @@ constexpr unsigned nobody = 65534;
 
 /// What the work returns when a user without further groups does it, in a process of its own.
 /// Throws nlohmann::json's exception when it returns nothing.
-nlohmann::json asUser(unsigned user, const std::function<nlohmann::json()>& work);
+nlohmann::json asUser(unsigned user, std::function<nlohmann::json()> const& work);
 
 /// What the library makes of the camera at a node.
-nlohmann::json describeCamera(const std::string& node);
+nlohmann::json describeCamera(std::string const& node);
 
 /// Runs iacq as such a user.
-CommandResult runToolAsUser(unsigned user, const std::string& arguments);
+CommandResult runToolAsUser(unsigned user, std::string const& arguments);
 
 /// The node that libusb opens.
-std::string usbNode(const EmulatedCameras& cameras, unsigned camera = 1);
+std::string usbNode(EmulatedCameras const& cameras, unsigned camera = 1);
 
-void openToAll(const std::string& node);
+void openToAll(std::string const& node);
 
 /// Whether everybody may read the kernel's log; Debian reserves it for root.
 class ReadableLog
@@ -36,8 +36,8 @@ class ReadableLog
 public:
     explicit ReadableLog(bool isReadable);
     ~ReadableLog();
-    ReadableLog(const ReadableLog&) = delete;
-    ReadableLog& operator=(const ReadableLog&) = delete;
+    ReadableLog(ReadableLog const&) = delete;
+    ReadableLog& operator=(ReadableLog const&) = delete;
 
 private:
     std::string _file = "/proc/sys/kernel/dmesg_restrict";

@@ -30,10 +30,10 @@ std::string printedRevision(unsigned revision)
     return text;
 }
 
-void expectPrinted(const Json& printed, const IDevice& record)
+void expectPrinted(Json const& printed, IDevice const& record)
 {
-    static const char* const speeds[] = {"unknown", "low", "full", "high", "super"};
-    const Json wanted{{"index", record.index()},
+    static char const* const speeds[] = {"unknown", "low", "full", "high", "super"};
+    Json const wanted{{"index", record.index()},
                       {"node", record.systemName()},
                       {"name", record.name()},
                       {"driver", record.driverName()},
@@ -57,17 +57,17 @@ void expectPrinted(const Json& printed, const IDevice& record)
 }
 
 /// Compares the whole list with the system and with what iacq prints. Returns the cameras' records.
-std::vector<const IDevice*> expectList(const IDeviceList& list, const EmulatedCameras& cameras,
+std::vector<IDevice const*> expectList(IDeviceList const& list, EmulatedCameras const& cameras,
                                        unsigned count)
 {
-    const Json printed = readTool("list --json");
+    Json const printed = readTool("list --json");
     EXPECT_EQ(printed.size(), count);
     EXPECT_EQ(list.size(), static_cast<int>(count));
-    std::vector<const IDevice*> records;
+    std::vector<IDevice const*> records;
     for (unsigned camera = 1; camera <= count; ++camera) {
         SCOPED_TRACE(camera);
         // Cameras that are plugged in together get their nodes in any order.
-        const IDevice* const record = recordOf(list, cameras.videoNode(camera));
+        IDevice const* const record = recordOf(list, cameras.videoNode(camera));
         if (record == nullptr) {
             throw std::runtime_error("a camera is not in the list");
         }
@@ -81,7 +81,7 @@ std::vector<const IDevice*> expectList(const IDeviceList& list, const EmulatedCa
 
 std::size_t countVideoNodes()
 {
-    const std::filesystem::directory_iterator nodes("/sys/class/video4linux");
+    std::filesystem::directory_iterator const nodes("/sys/class/video4linux");
     return static_cast<std::size_t>(std::distance(begin(nodes), end(nodes)));
 }
 
@@ -89,10 +89,10 @@ std::size_t countVideoNodes()
 
 TEST(Records, OfAnOrdinaryAndAnOldVendorCameraAreWhatTheSystemSays)
 {
-    const EmulatedCameras cameras(
+    EmulatedCameras const cameras(
         {"ordinary,serial=SN 42,manufacturer=Some Maker,name=Some Camera", "vendor-old"});
-    const ListPointer list = listDevices();
-    const auto records = expectList(*list, cameras, 2);
+    ListPointer const list = listDevices();
+    auto const records = expectList(*list, cameras, 2);
     EXPECT_STREQ(records[0]->name(), "Some Camera");
     EXPECT_STREQ(records[0]->manufacturer(), "Some Maker");
     EXPECT_STREQ(records[0]->serial(), "SN 42");
@@ -107,13 +107,13 @@ TEST(Records, OfAnOrdinaryAndAnOldVendorCameraAreWhatTheSystemSays)
 
 TEST(Records, LeaveOutTheNodesForMetadata)
 {
-    const EmulatedCameras cameras({"ordinary", "ordinary,product=0103"});
+    EmulatedCameras const cameras({"ordinary", "ordinary,product=0103"});
     ASSERT_EQ(countVideoNodes(), 4U);
     EXPECT_EQ(listDevices()->size(), 2);
-    const auto& factory = ICameraFactory::getUniqueInstance();
-    for (const char* const node : {"video0", "video1", "video2", "video3"}) {
-        const std::unique_ptr<IDevice> record(factory.createDevice(node));
-        const bool captures =
+    auto const& factory = ICameraFactory::getUniqueInstance();
+    for (char const* const node : {"video0", "video1", "video2", "video3"}) {
+        std::unique_ptr<IDevice> const record(factory.createDevice(node));
+        bool const captures =
             readFile(std::string("/sys/class/video4linux/") + node + "/index") == "0";
         ASSERT_EQ(record != nullptr, captures) << node;
         EXPECT_EQ(runTool(std::string("show ") + node).status, captures ? 0 : 3) << node;
@@ -126,9 +126,9 @@ TEST(Records, LeaveOutTheNodesForMetadata)
 
 TEST(Records, OfANewVendorCameraAndOfOneWithoutTextsAreWhatTheSystemSays)
 {
-    const EmulatedCameras cameras({"vendor-new", "ordinary,serial=,manufacturer="});
-    const ListPointer list = listDevices();
-    const auto records = expectList(*list, cameras, 2);
+    EmulatedCameras const cameras({"vendor-new", "ordinary,serial=,manufacturer="});
+    ListPointer const list = listDevices();
+    auto const records = expectList(*list, cameras, 2);
     EXPECT_TRUE(records[0]->isaZorvaneDevice());
     EXPECT_EQ(records[0]->firmwareVersion(), firmwareAnswer());
     EXPECT_STREQ(records[0]->firmwareVersion(), "TJ8-1.3.0");
@@ -138,11 +138,11 @@ TEST(Records, OfANewVendorCameraAndOfOneWithoutTextsAreWhatTheSystemSays)
 
 TEST(Records, TellTheSpeedAndRevisionOfEveryLink)
 {
-    const EmulatedCameras cameras({"ordinary,vendor=1234,product=0001,speed=full,usb=0110",
+    EmulatedCameras const cameras({"ordinary,vendor=1234,product=0001,speed=full,usb=0110",
                                    "ordinary,vendor=1234,product=0002,speed=high,usb=0210",
                                    "ordinary,vendor=1234,product=0003,speed=super"});
-    const ListPointer list = listDevices();
-    const auto records = expectList(*list, cameras, 3);
+    ListPointer const list = listDevices();
+    auto const records = expectList(*list, cameras, 3);
     EXPECT_EQ(records[0]->usbSpeed(), UsbSpeedFull);
     EXPECT_EQ(records[0]->usbRevision(), 0x0110);
     EXPECT_EQ(records[1]->usbSpeed(), UsbSpeedHigh);

@@ -17,7 +17,7 @@ class Rights : public testing::Test
 protected:
     void openToAllNodes() const
     {
-        for (const std::string& one : {node, usbNode(cameras), cameras.serialNode()}) {
+        for (std::string const& one : {node, usbNode(cameras), cameras.serialNode()}) {
             openToAll(one);
         }
     }
@@ -27,9 +27,9 @@ protected:
         return asUser(nobody, [this] { return describeCamera(node); });
     }
 
-    const FuserFolder folder;
-    const EmulatedCameras cameras{{"vendor-new"}};
-    const std::string node = cameras.videoNode();
+    FuserFolder const folder;
+    EmulatedCameras const cameras{{"vendor-new"}};
+    std::string const node = cameras.videoNode();
 };
 
 } // namespace
@@ -37,7 +37,7 @@ protected:
 TEST_F(Rights, OnTheVideoNodeAloneGiveAGenericCameraWithoutFirmwareText)
 {
     openToAll(node);
-    const Json seen = seenByNobody();
+    Json const seen = seenByNobody();
     EXPECT_EQ(seen.at("listed"), 1);
     EXPECT_EQ(seen.at("opened"), true);
     EXPECT_EQ(seen.at("vendorsOwn"), true);
@@ -54,13 +54,13 @@ TEST_F(Rights, OnTheVideoNodeAloneGiveAGenericCameraWithoutFirmwareText)
 TEST_F(Rights, OnTheVideoNodeAloneAreToldByTheTool)
 {
     openToAll(node);
-    const CommandResult list = runToolAsUser(nobody, "list --json");
+    CommandResult const list = runToolAsUser(nobody, "list --json");
     ASSERT_EQ(list.status, 0) << list.output;
     EXPECT_EQ(Json::parse(list.output).at(0).at("firmware"), "");
-    const CommandResult picture =
+    CommandResult const picture =
         runToolAsUser(nobody, "capture 0 --format YUYV --size 160x120 -o /tmp/by-nobody.ppm");
     EXPECT_EQ(picture.status, 0) << picture.output;
-    const CommandResult reset = runToolAsUser(nobody, "reset 0");
+    CommandResult const reset = runToolAsUser(nobody, "reset 0");
     EXPECT_EQ(reset.status, 1);
     EXPECT_NE(reset.output.find("its USB device cannot be opened"), std::string::npos)
         << reset.output;
@@ -76,8 +76,8 @@ TEST_F(Rights, OnNoNodeGiveAnEmptyList)
 TEST_F(Rights, OnAllNodesAndTheKernelsLogGiveTheSerialLink)
 {
     openToAllNodes();
-    const ReadableLog log(true);
-    const Json seen = seenByNobody();
+    ReadableLog const log(true);
+    Json const seen = seenByNobody();
     ASSERT_EQ(seen.at("opened"), true);
     EXPECT_EQ(seen.at("firmware"), "TJ8-1.3.0");
     EXPECT_EQ(seen.at("controls"), 39);
@@ -90,7 +90,7 @@ TEST_F(Rights, OnAllNodesAndTheKernelsLogGiveTheSerialLink)
 TEST_F(Rights, OnAllNodesButNotTheKernelsLogGiveNoCameraAndResetIt)
 {
     openToAllNodes();
-    const ReadableLog log(false);
+    ReadableLog const log(false);
     EXPECT_EQ(seenByNobody(), Json({{"listed", 1}, {"opened", false}}));
     EXPECT_TRUE(waitFor([this] { return cameras.status()["plugs"] == 2; }));
     EXPECT_TRUE(cameras.waitUntilReady());
@@ -100,7 +100,7 @@ TEST_F(Rights, OnAllNodesButTheTerminalGiveNoCameraAndResetIt)
 {
     openToAll(node);
     openToAll(usbNode(cameras));
-    const ReadableLog log(true);
+    ReadableLog const log(true);
     EXPECT_EQ(seenByNobody(), Json({{"listed", 1}, {"opened", false}}));
     EXPECT_TRUE(waitFor([this] { return cameras.status()["plugs"] == 2; }));
     EXPECT_TRUE(cameras.waitUntilReady());

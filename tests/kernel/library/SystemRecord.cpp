@@ -20,26 +20,26 @@ namespace
 {
 
 /// The first text that a pattern's only group matches; empty when nothing does.
-std::string find(const std::string& text, const std::string& pattern)
+std::string find(std::string const& text, std::string const& pattern)
 {
     std::smatch match;
     return std::regex_search(text, match, std::regex(pattern)) ? match[1].str() : "";
 }
 
 /// The folder of the USB device that a node belongs to.
-std::string usbFolder(const std::string& node)
+std::string usbFolder(std::string const& node)
 {
     return "/sys/class/video4linux/" + node.substr(node.rfind('/') + 1) + "/device/..";
 }
 
-std::string attribute(const std::string& node, const std::string& name)
+std::string attribute(std::string const& node, std::string const& name)
 {
     return readFile(usbFolder(node) + "/" + name);
 }
 
-void readDriver(const std::string& node, SystemRecord& system)
+void readDriver(std::string const& node, SystemRecord& system)
 {
-    const std::string text = v4l2Ctl(node, "-w -D");
+    std::string const text = v4l2Ctl(node, "-w -D");
     system.driver = find(text, "Driver name +: (.*)");
     system.name = find(text, "Card type +: (.*)");
     system.bus = find(text, "Bus info +: (.*)");
@@ -50,10 +50,10 @@ void readDriver(const std::string& node, SystemRecord& system)
         static_cast<unsigned>(std::stoul(find(text, "Device Caps +: (0x[0-9a-f]+)"), nullptr, 16));
 }
 
-void readUsb(const std::string& node, SystemRecord& system)
+void readUsb(std::string const& node, SystemRecord& system)
 {
-    const std::string device = attribute(node, "busnum") + ":" + attribute(node, "devnum");
-    const CommandResult result = runShell("lsusb -v -s " + device);
+    std::string const device = attribute(node, "busnum") + ":" + attribute(node, "devnum");
+    CommandResult const result = runShell("lsusb -v -s " + device);
     if (result.status != 0) {
         throw std::runtime_error("lsusb does not know " + device + ": " + result.output);
     }
@@ -64,22 +64,22 @@ void readUsb(const std::string& node, SystemRecord& system)
     system.usbRevision = find(result.output, "bcdUSB +(\\S+)");
 }
 
-UsbSpeed speedOf(const std::string& megabits)
+UsbSpeed speedOf(std::string const& megabits)
 {
-    static const std::map<std::string, UsbSpeed> speeds{
+    static std::map<std::string, UsbSpeed> const speeds{
         {"12", UsbSpeedFull}, {"480", UsbSpeedHigh}, {"5000", UsbSpeedSuper}};
     return speeds.at(megabits);
 }
 
 /// A binary coded decimal as lsusb writes it.
-unsigned short revisionOf(const std::string& text)
+unsigned short revisionOf(std::string const& text)
 {
-    const std::size_t point = text.find('.');
+    std::size_t const point = text.find('.');
     return static_cast<unsigned short>(
         std::stoul(text.substr(0, point) + text.substr(point + 1), nullptr, 16));
 }
 
-void expectSysfsToAgree(const std::string& node, const SystemRecord& system)
+void expectSysfsToAgree(std::string const& node, SystemRecord const& system)
 {
     EXPECT_EQ(attribute(node, "idVendor"), system.vendorId);
     EXPECT_EQ(attribute(node, "idProduct"), system.productId);
@@ -90,7 +90,7 @@ void expectSysfsToAgree(const std::string& node, const SystemRecord& system)
 
 } // namespace
 
-SystemRecord readSystem(const std::string& node)
+SystemRecord readSystem(std::string const& node)
 {
     SystemRecord system;
     readDriver(node, system);
@@ -99,9 +99,9 @@ SystemRecord readSystem(const std::string& node)
     return system;
 }
 
-void expectAsTheSystemSays(const IDevice& record, const std::string& node)
+void expectAsTheSystemSays(IDevice const& record, std::string const& node)
 {
-    const SystemRecord system = readSystem(node);
+    SystemRecord const system = readSystem(node);
     expectSysfsToAgree(node, system);
     EXPECT_EQ(record.systemName(), node);
     EXPECT_EQ(record.name(), system.name);

@@ -30,10 +30,10 @@ struct SystemRecord
     std::string megabits;
 };
 
-SystemRecord readSystem(const std::string& node);
+SystemRecord readSystem(std::string const& node);
 
 /// Expects every field of a record but the firmware text to be what the system says, and sysfs to
 /// say the same of the USB device as lsusb.
-void expectAsTheSystemSays(const ImageAcquisition::IDevice& record, const std::string& node);
+void expectAsTheSystemSays(ImageAcquisition::IDevice const& record, std::string const& node);
 
 } // namespace KernelTest

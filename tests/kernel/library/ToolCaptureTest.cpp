@@ -14,11 +14,11 @@ namespace
 {
 
 /// The frame number that the blocks on top of a PPM picture show.
-std::uint32_t numberInPicture(const Bytes& picture, const std::string& header, unsigned width)
+std::uint32_t numberInPicture(Bytes const& picture, std::string const& header, unsigned width)
 {
     std::uint32_t number = 0;
     for (unsigned block = 0; block < 32; ++block) {
-        const std::size_t pixel = header.size() + 3 * (block * width / 32 + width / 64);
+        std::size_t const pixel = header.size() + 3 * (block * width / 32 + width / 64);
         number = number << 1U | (picture.at(pixel) > 127 ? 1U : 0U);
     }
     return number;
@@ -34,24 +34,24 @@ protected:
 
 TEST_F(ToolCaptures, AreTheCamerasFrames)
 {
-    const CommandResult result =
+    CommandResult const result =
         runTool("capture 0 --format YUYV --size 320x240 --fps 15 --buffers 16 -n 4 "
                 "-o /tmp/captured-%d.raw");
     ASSERT_EQ(result.status, 0) << result.output;
     FramePainter painter(320, 240);
     for (unsigned number = 0; number < 4; ++number) {
-        const Bytes bytes = fileBytes("/tmp/captured-" + std::to_string(number + 1) + ".raw");
+        Bytes const bytes = fileBytes("/tmp/captured-" + std::to_string(number + 1) + ".raw");
         EXPECT_TRUE(bytes == painter.paint(number)) << number << " has " << bytes.size();
     }
     // What it selected stays.
-    const std::string text = v4l2Ctl(node, "--get-fmt-video --get-parm");
+    std::string const text = v4l2Ctl(node, "--get-fmt-video --get-parm");
     EXPECT_NE(text.find("Width/Height      : 320/240"), std::string::npos) << text;
     EXPECT_NE(text.find("Frames per second: 15.000"), std::string::npos) << text;
 }
 
 TEST_F(ToolCaptures, AreTheCamerasJpegImages)
 {
-    const CommandResult result =
+    CommandResult const result =
         runTool("capture 0 --format MJPG --size 320x240 --output-format raw -o /tmp/one.jpg");
     ASSERT_EQ(result.status, 0) << result.output;
     JpegFrames images(320, 240);
@@ -60,16 +60,16 @@ TEST_F(ToolCaptures, AreTheCamerasJpegImages)
 
 TEST_F(ToolCaptures, BecomePicturesWhateverTheFormat)
 {
-    const std::string header = "P6\n320 240\n255\n";
-    for (const char* const format : {"YUYV", "MJPG", "RGB3", "YU12"}) {
+    std::string const header = "P6\n320 240\n255\n";
+    for (char const* const format : {"YUYV", "MJPG", "RGB3", "YU12"}) {
         SCOPED_TRACE(format);
-        const CommandResult result =
+        CommandResult const result =
             runTool(std::string("capture 0 --size 320x240 --buffers 16 -n 2 -o /tmp/as-%d.ppm "
                                 "--format ") +
                     format);
         ASSERT_EQ(result.status, 0) << result.output;
-        for (const unsigned number : {0U, 1U}) {
-            const Bytes picture = fileBytes("/tmp/as-" + std::to_string(number + 1) + ".ppm");
+        for (unsigned const number : {0U, 1U}) {
+            Bytes const picture = fileBytes("/tmp/as-" + std::to_string(number + 1) + ".ppm");
             ASSERT_EQ(picture.size(), header.size() + 320 * 240 * 3);
             EXPECT_EQ(std::string(picture.begin(), picture.begin() + header.size()), header);
             EXPECT_EQ(numberInPicture(picture, header, 320), number);
@@ -79,10 +79,10 @@ TEST_F(ToolCaptures, BecomePicturesWhateverTheFormat)
 
 TEST_F(ToolCaptures, FailWhileAnotherProgramStreamsAndLeaveNoFile)
 {
-    const CameraPointer other = openListed(node);
+    CameraPointer const other = openListed(node);
     ASSERT_TRUE(other->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
-    const Stream stream(*other, 4);
-    const CommandResult result = runTool("capture 0 -o /tmp/none.raw");
+    Stream const stream(*other, 4);
+    CommandResult const result = runTool("capture 0 -o /tmp/none.raw");
     EXPECT_EQ(result.status, 1) << result.output;
     EXPECT_EQ(runShell("test -e /tmp/none.raw").status, 1);
     EXPECT_FALSE(other->acquireFrame()->isInvalid());

@@ -23,23 +23,23 @@ std::vector<std::string> openTerminals()
 {
     std::vector<std::string> targets = descriptorTargets();
     targets.erase(std::remove_if(targets.begin(), targets.end(),
-                                 [](const std::string& target) {
+                                 [](std::string const& target) {
                                      return target.rfind("/dev/ttyACM", 0) != 0;
                                  }),
                   targets.end());
     return targets;
 }
 
-ICameraControlNumeric<int>& lightOf(const CameraPointer& camera)
+ICameraControlNumeric<int>& lightOf(CameraPointer const& camera)
 {
     return dynamic_cast<ICameraControlNumeric<int>&>(*camera->lightIntensityControl());
 }
 
 /// The cameras whose lines in the log are serial packets.
-std::vector<unsigned> camerasAskedBySerial(const EmulatedCameras& cameras)
+std::vector<unsigned> camerasAskedBySerial(EmulatedCameras const& cameras)
 {
     std::vector<unsigned> numbers;
-    for (const EmulatedCameras::Json& line : cameras.requests("SET_CUR")) {
+    for (EmulatedCameras::Json const& line : cameras.requests("SET_CUR")) {
         EXPECT_EQ(line["kind"], "serial");
         numbers.push_back(line["camera"]);
     }
@@ -50,12 +50,12 @@ std::vector<unsigned> camerasAskedBySerial(const EmulatedCameras& cameras)
 
 TEST(TwoVendorCameras, HaveASerialPortAndAStreamEach)
 {
-    const FuserFolder folder;
-    const EmulatedCameras cameras({"vendor-new,serial=A", "vendor-new,serial=B"});
-    const CameraPointer first = openListed(cameras.videoNode(1));
+    FuserFolder const folder;
+    EmulatedCameras const cameras({"vendor-new,serial=A", "vendor-new,serial=B"});
+    CameraPointer const first = openListed(cameras.videoNode(1));
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(openTerminals(), std::vector<std::string>{cameras.serialNode(1)});
-    const CameraPointer second = openListed(cameras.videoNode(2));
+    CameraPointer const second = openListed(cameras.videoNode(2));
     ASSERT_NE(second, nullptr);
     EXPECT_EQ(openTerminals().size(), 2U);
     EXPECT_STREQ(first->device()->serial(), "A");
@@ -70,10 +70,10 @@ TEST(TwoVendorCameras, HaveASerialPortAndAStreamEach)
 
     ASSERT_TRUE(first->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
     ASSERT_TRUE(second->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
-    const Stream one(*first, 16);
-    const Stream other(*second, 16);
+    Stream const one(*first, 16);
+    Stream const other(*second, 16);
     for (unsigned number = 0; number < 30; ++number) {
-        for (const CameraPointer* const camera : {&first, &second}) {
+        for (CameraPointer const* const camera : {&first, &second}) {
             IFrame* const frame = (*camera)->acquireFrame();
             ASSERT_FALSE(frame->isInvalid());
             EXPECT_EQ(UsbCamera::FramePainter::readNumber(frame->bytePtr(), 160), number);
@@ -100,7 +100,7 @@ TEST_P(SamePortOfTwoControllers, LeadsBothCamerasToTheTerminalThatCameLast)
     cameras.command("unplug", 1);
     ASSERT_TRUE(cameras.waitUntilGone(1));
     cameras.plug(1);
-    const std::string terminal = cameras.serialNode(1);
+    std::string const terminal = cameras.serialNode(1);
     CameraPointer second = openListed(cameras.videoNode(2));
     ASSERT_NE(second, nullptr);
     EXPECT_STREQ(second->device()->serial(), "B");

@@ -18,7 +18,7 @@ namespace
 class InstalledRules
 {
 public:
-    explicit InstalledRules(const std::string& rules)
+    explicit InstalledRules(std::string const& rules)
     {
         std::filesystem::create_directories(_place.parent_path());
         std::ofstream(_place) << rules << '\n';
@@ -29,8 +29,8 @@ public:
         std::filesystem::remove(_place);
         reload();
     }
-    InstalledRules(const InstalledRules&) = delete;
-    InstalledRules& operator=(const InstalledRules&) = delete;
+    InstalledRules(InstalledRules const&) = delete;
+    InstalledRules& operator=(InstalledRules const&) = delete;
 
 private:
     static void reload() { EXPECT_EQ(runShell("udevadm control --reload").status, 0); }
@@ -40,8 +40,8 @@ private:
 
 std::string projectsRules()
 {
-    const char* const build = std::getenv("KERNEL_TEST_BUILD");
-    const std::string rules = readFile(std::string(build) + "/udev/70-imageacquisition.rules");
+    char const* const build = std::getenv("KERNEL_TEST_BUILD");
+    std::string const rules = readFile(std::string(build) + "/udev/70-imageacquisition.rules");
     EXPECT_FALSE(rules.empty());
     return rules;
 }
@@ -67,19 +67,19 @@ public:
         std::ofstream(_file) << "IS_SEAT0=1\nACTIVE=1\nACTIVE_UID=" << user << '\n';
     }
     ~Seat() { std::filesystem::remove_all(_file.parent_path()); }
-    Seat(const Seat&) = delete;
-    Seat& operator=(const Seat&) = delete;
+    Seat(Seat const&) = delete;
+    Seat& operator=(Seat const&) = delete;
 
 private:
     std::filesystem::path _file = "/run/systemd/seats/seat0";
 };
 
-std::string udevRecord(const std::string& node)
+std::string udevRecord(std::string const& node)
 {
     return runShell("udevadm info --name=" + node).output;
 }
 
-bool mayOpen(unsigned user, const std::string& node)
+bool mayOpen(unsigned user, std::string const& node)
 {
     return runShell("setpriv --reuid=" + std::to_string(user) + " --regid=" +
                     std::to_string(nobody) + " --clear-groups sh -c ': <> " + node + "'")
@@ -90,17 +90,17 @@ bool mayOpen(unsigned user, const std::string& node)
 
 TEST(UdevRules, MarkTheVendorsNodesForTheUserAtTheSeatAndNoOthers)
 {
-    const InstalledRules rules(projectsRules());
-    const EmulatedCameras cameras({"vendor-new", "ordinary,serial-port=yes"});
-    for (const std::string& node : {usbNode(cameras, 1), cameras.serialNode(1)}) {
-        const std::string record = udevRecord(node);
+    InstalledRules const rules(projectsRules());
+    EmulatedCameras const cameras({"vendor-new", "ordinary,serial-port=yes"});
+    for (std::string const& node : {usbNode(cameras, 1), cameras.serialNode(1)}) {
+        std::string const record = udevRecord(node);
         EXPECT_NE(record.find("uaccess"), std::string::npos) << record;
         EXPECT_NE(record.find("ID_MM_DEVICE_IGNORE=1"), std::string::npos) << record;
     }
-    const std::string terminal = udevRecord(cameras.serialNode(1));
+    std::string const terminal = udevRecord(cameras.serialNode(1));
     EXPECT_NE(terminal.find("ID_MM_PORT_IGNORE=1"), std::string::npos) << terminal;
-    for (const std::string& node : {usbNode(cameras, 2), cameras.serialNode(2)}) {
-        const std::string record = udevRecord(node);
+    for (std::string const& node : {usbNode(cameras, 2), cameras.serialNode(2)}) {
+        std::string const record = udevRecord(node);
         EXPECT_EQ(record.find("uaccess"), std::string::npos) << record;
         EXPECT_EQ(record.find("ID_MM_"), std::string::npos) << record;
     }
@@ -108,20 +108,20 @@ TEST(UdevRules, MarkTheVendorsNodesForTheUserAtTheSeatAndNoOthers)
 
 TEST(UdevRules, GiveTheUserAtTheSeatTheSerialLinkAndOthersNothing)
 {
-    const FuserFolder folder;
-    const InstalledRules rules(projectsRules());
-    const Seat seat(nobody);
-    const ReadableLog log(true);
-    const EmulatedCameras cameras({"vendor-new", "ordinary"});
-    const std::string node = cameras.videoNode(1);
-    const std::vector<std::string> nodes{node, usbNode(cameras, 1), cameras.serialNode(1)};
-    for (const std::string& one : nodes) {
+    FuserFolder const folder;
+    InstalledRules const rules(projectsRules());
+    Seat const seat(nobody);
+    ReadableLog const log(true);
+    EmulatedCameras const cameras({"vendor-new", "ordinary"});
+    std::string const node = cameras.videoNode(1);
+    std::vector<std::string> const nodes{node, usbNode(cameras, 1), cameras.serialNode(1)};
+    for (std::string const& one : nodes) {
         EXPECT_TRUE(mayOpen(nobody, one)) << one;
         EXPECT_FALSE(mayOpen(nobody - 1, one)) << one;
     }
     EXPECT_FALSE(mayOpen(nobody, usbNode(cameras, 2)));
     EXPECT_EQ(asUser(nobody - 1, [&node] { return describeCamera(node); }).at("listed"), 0);
-    const Json seen = asUser(nobody, [&node] { return describeCamera(node); });
+    Json const seen = asUser(nobody, [&node] { return describeCamera(node); });
     EXPECT_EQ(seen.at("listed"), 2);
     ASSERT_EQ(seen.at("opened"), true);
     EXPECT_EQ(seen.at("firmware"), "TJ8-1.3.0");
@@ -133,9 +133,9 @@ TEST(UdevRules, GiveTheUserAtTheSeatTheSerialLinkAndOthersNothing)
 
 TEST(UdevRules, OfTheGuideForAServiceGiveTheGroupTheUsbNode)
 {
-    const InstalledRules rules(serviceRule());
-    const EmulatedCameras cameras({"vendor-old", "ordinary"});
-    const std::string listed =
+    InstalledRules const rules(serviceRule());
+    EmulatedCameras const cameras({"vendor-old", "ordinary"});
+    std::string const listed =
         runShell("stat -c '%G %a' " + usbNode(cameras, 1) + " " + usbNode(cameras, 2)).output;
     EXPECT_EQ(listed, "video 660\nroot 664\n");
 }

@@ -17,10 +17,10 @@ using UsbCamera::toHex;
 
 TEST(CameraControl, AValueSetThroughTheDriverArrivesInTheCamera)
 {
-    const EmulatedCameras cameras({"ordinary"});
+    EmulatedCameras const cameras({"ordinary"});
     cameras.mark();
     EXPECT_EQ(runShell("v4l2-ctl -c brightness=-5 -d " + cameras.videoNode()).status, 0);
-    const auto written = cameras.requests("SET_CUR");
+    auto const written = cameras.requests("SET_CUR");
     ASSERT_EQ(written.size(), 1U);
     EXPECT_EQ(written[0]["kind"], "unit");
     EXPECT_EQ(written[0]["unit"], 2);
@@ -31,22 +31,22 @@ TEST(CameraControl, AValueSetThroughTheDriverArrivesInTheCamera)
 
 TEST(CameraControl, AValueChangedInTheCameraIsRead)
 {
-    const EmulatedCameras cameras({"ordinary"});
+    EmulatedCameras const cameras({"ordinary"});
     cameras.command("set 2 3 2a00");
-    const CommandResult read = runShell("v4l2-ctl -C contrast -d " + cameras.videoNode());
+    CommandResult const read = runShell("v4l2-ctl -C contrast -d " + cameras.videoNode());
     EXPECT_EQ(read.output, "contrast: 42\n");
 }
 
 TEST(CameraControl, EverySelectorOfTheExtensionUnitAnswers)
 {
-    const EmulatedCameras cameras({"vendor-old"});
-    const std::string node = cameras.videoNode();
-    for (const int number :
+    EmulatedCameras const cameras({"vendor-old"});
+    std::string const node = cameras.videoNode();
+    for (int const number :
          {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 20, 24, 25}) {
-        const auto selector = static_cast<std::uint8_t>(number);
-        const UnitAnswer length = queryUnit(node, 3, selector, UVC_GET_LEN, Bytes(2));
+        auto const selector = static_cast<std::uint8_t>(number);
+        UnitAnswer const length = queryUnit(node, 3, selector, UVC_GET_LEN, Bytes(2));
         ASSERT_EQ(length.error, 0) << number;
-        const UnitAnswer value = queryUnit(node, 3, selector, UVC_GET_CUR, Bytes(length.data[0]));
+        UnitAnswer const value = queryUnit(node, 3, selector, UVC_GET_CUR, Bytes(length.data[0]));
         EXPECT_EQ(value.error, 0) << number;
         EXPECT_EQ(toHex(value.data), cameras.command("get 3 " + std::to_string(number)));
     }
@@ -55,8 +55,8 @@ TEST(CameraControl, EverySelectorOfTheExtensionUnitAnswers)
 
 TEST(CameraControl, AnExtensionUnitControlCanBeMappedAndWritten)
 {
-    const EmulatedCameras cameras({"vendor-old"});
-    const int node = ::open(cameras.videoNode().c_str(), O_RDWR | O_CLOEXEC);
+    EmulatedCameras const cameras({"vendor-old"});
+    int const node = ::open(cameras.videoNode().c_str(), O_RDWR | O_CLOEXEC);
     uvc_xu_control_mapping mapping{};
     mapping.id = V4L2_CID_PRIVATE_BASE;
     std::snprintf(reinterpret_cast<char*>(mapping.name), sizeof mapping.name, "Field");
@@ -80,8 +80,8 @@ TEST(CameraControl, AnExtensionUnitControlCanBeMappedAndWritten)
 
 TEST(CameraControl, AStalledRequestIsRefusedByTheDriver)
 {
-    const EmulatedCameras cameras({"vendor-old"});
-    const std::string node = cameras.videoNode();
+    EmulatedCameras const cameras({"vendor-old"});
+    std::string const node = cameras.videoNode();
     ASSERT_EQ(queryUnit(node, 3, 1, UVC_GET_CUR, Bytes(1)).error, 0);
     cameras.command("stall 3 1 SET_CUR 1 2");
     EXPECT_NE(queryUnit(node, 3, 1, UVC_SET_CUR, {3}).error, 0);
@@ -92,16 +92,16 @@ TEST(CameraControl, AStalledRequestIsRefusedByTheDriver)
 
 TEST(CameraControl, AnAbsurdLengthReachesTheDriver)
 {
-    const EmulatedCameras cameras({"vendor-old"}, {"1 length 3 1 5000"});
-    const UnitAnswer length = queryUnit(cameras.videoNode(), 3, 1, UVC_GET_LEN, Bytes(2));
+    EmulatedCameras const cameras({"vendor-old"}, {"1 length 3 1 5000"});
+    UnitAnswer const length = queryUnit(cameras.videoNode(), 3, 1, UVC_GET_LEN, Bytes(2));
     EXPECT_EQ(toHex(length.data), "8813");
 }
 
 TEST(CameraControl, ACameraUnpluggedInARequestFailsIt)
 {
-    const EmulatedCameras cameras({"ordinary"});
+    EmulatedCameras const cameras({"ordinary"});
     cameras.command("unplug control 1");
-    const CommandResult set = runShell("v4l2-ctl -c brightness=5 -d " + cameras.videoNode());
+    CommandResult const set = runShell("v4l2-ctl -c brightness=5 -d " + cameras.videoNode());
     EXPECT_NE(set.output, "");
     EXPECT_TRUE(cameras.waitUntilGone());
     cameras.plug();
@@ -110,8 +110,8 @@ TEST(CameraControl, ACameraUnpluggedInARequestFailsIt)
 
 TEST(CameraSerialPort, ExecutesPacketsOnTheSameControls)
 {
-    const EmulatedCameras cameras({"vendor-new"});
-    const SerialClient port(cameras.serialNode());
+    EmulatedCameras const cameras({"vendor-new"});
+    SerialClient const port(cameras.serialNode());
     // GET_LEN, GET_INFO, GET_MAX and GET_CUR of the focus of the camera terminal.
     EXPECT_EQ(toHex(port.exchange("a185000600010200", 10)), "a1850006000102000200");
     EXPECT_EQ(toHex(port.exchange("a186000600010100", 9)), "a18600060001010003");
@@ -127,11 +127,11 @@ TEST(CameraSerialPort, ExecutesPacketsOnTheSameControls)
 
 TEST(CameraSerialPort, LogsWhatItWasSent)
 {
-    const EmulatedCameras cameras({"vendor-new"});
-    const SerialClient port(cameras.serialNode());
+    EmulatedCameras const cameras({"vendor-new"});
+    SerialClient const port(cameras.serialNode());
     cameras.mark();
     port.exchange("210100010003010003", 9);
-    const auto written = cameras.requests("SET_CUR");
+    auto const written = cameras.requests("SET_CUR");
     ASSERT_EQ(written.size(), 1U);
     EXPECT_EQ(written[0]["kind"], "serial");
     EXPECT_EQ(written[0]["packet"], "210100010003010003");
@@ -141,8 +141,8 @@ TEST(CameraSerialPort, LogsWhatItWasSent)
 
 TEST(CameraSerialPort, DoesNotAnswerWhatItCannotExecute)
 {
-    const EmulatedCameras cameras({"vendor-new"});
-    const SerialClient port(cameras.serialNode());
+    EmulatedCameras const cameras({"vendor-new"});
+    SerialClient const port(cameras.serialNode());
     port.write(fromHex("a181001300030100"));
     EXPECT_TRUE(port.read(1, 300).empty());
     EXPECT_EQ(toHex(port.exchange("a181000100030100", 9)), "a18100010003010000");
@@ -150,9 +150,9 @@ TEST(CameraSerialPort, DoesNotAnswerWhatItCannotExecute)
 
 TEST(CameraSerialPort, CanBeSilentSlowSplitAndShort)
 {
-    const EmulatedCameras cameras({"vendor-new"}, {"1 serial silent"});
-    const SerialClient port(cameras.serialNode());
-    const Bytes packet = fromHex("a181000100030100");
+    EmulatedCameras const cameras({"vendor-new"}, {"1 serial silent"});
+    SerialClient const port(cameras.serialNode());
+    Bytes const packet = fromHex("a181000100030100");
     port.write(packet);
     EXPECT_TRUE(port.read(1, 300).empty());
     cameras.command("serial slow 600");
@@ -173,8 +173,8 @@ TEST(CameraSerialPort, CanBeSilentSlowSplitAndShort)
 
 TEST(CameraSerialPort, ACameraUnpluggedInAnExchangeTakesItsTerminalAway)
 {
-    const EmulatedCameras cameras({"vendor-new"});
-    const SerialClient port(cameras.serialNode());
+    EmulatedCameras const cameras({"vendor-new"});
+    SerialClient const port(cameras.serialNode());
     cameras.command("unplug serial 2");
     EXPECT_EQ(port.exchange("a181000100030100", 9).size(), 9U);
     EXPECT_TRUE(port.exchange("a181000100030100", 9).empty());

@@ -19,7 +19,7 @@ namespace
 /// The driver throws faulty frames away unless it is told not to.
 void keepFaultyFrames(bool keep)
 {
-    const CommandResult result = runShell(std::string("echo ") + (keep ? "1" : "0") +
+    CommandResult const result = runShell(std::string("echo ") + (keep ? "1" : "0") +
                                           " > /sys/module/uvcvideo/parameters/nodrop");
     ASSERT_EQ(result.status, 0) << result.output;
 }
@@ -35,10 +35,10 @@ public:
 
 TEST(CameraStream, EveryFormatSizeAndIntervalIsListed)
 {
-    const EmulatedCameras cameras({"ordinary"});
-    const std::string listed =
+    EmulatedCameras const cameras({"ordinary"});
+    std::string const listed =
         runShell("v4l2-ctl --list-formats-ext -d " + cameras.videoNode()).output;
-    for (const char* text :
+    for (char const* text :
          {"'YUYV'", "'MJPG'", "640x480", "160x120", "320x240", "1280x960", "1280x720",
           "(60.000 fps)", "(30.000 fps)", "(20.000 fps)", "(15.000 fps)", "(10.000 fps)"}) {
         EXPECT_NE(listed.find(text), std::string::npos) << text << listed;
@@ -47,25 +47,25 @@ TEST(CameraStream, EveryFormatSizeAndIntervalIsListed)
 
 TEST(CameraStream, ThreeHundredFramesArriveWithEveryByteAndNoneLost)
 {
-    const EmulatedCameras cameras({"ordinary"});
+    EmulatedCameras const cameras({"ordinary"});
     FramePainter painter(640, 480);
     RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 640, 480);
-    const auto begin = std::chrono::steady_clock::now();
+    auto const begin = std::chrono::steady_clock::now();
     for (std::uint32_t number = 0; number < 300; ++number) {
-        const RawCapture::Frame frame = capture.next();
+        RawCapture::Frame const frame = capture.next();
         ASSERT_EQ(frame.error, 0);
         ASSERT_EQ(frame.sequence, number);
         ASSERT_EQ(FramePainter::readNumber(frame.bytes.data(), 640), number);
         ASSERT_TRUE(frame.bytes == painter.paint(number)) << "frame " << number;
     }
-    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+    std::chrono::duration<double> const took = std::chrono::steady_clock::now() - begin;
     RecordProperty("framesPerSecond", std::to_string(300 / took.count()));
 }
 
 TEST(CameraStream, EverySizeArrivesWhole)
 {
-    const EmulatedCameras cameras({"ordinary"});
-    for (const auto& [width, height, rate] :
+    EmulatedCameras const cameras({"ordinary"});
+    for (auto const& [width, height, rate] :
          {std::tuple{160U, 120U, 60U}, std::tuple{320U, 240U, 30U}, std::tuple{1280U, 960U, 10U}}) {
         FramePainter painter(width, height);
         RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, width, height, rate);
@@ -77,11 +77,11 @@ TEST(CameraStream, EverySizeArrivesWhole)
 
 TEST(CameraStream, JpegImagesCountTheirFrames)
 {
-    const EmulatedCameras cameras({"ordinary"});
+    EmulatedCameras const cameras({"ordinary"});
     JpegFrames images(640, 480);
     RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_MJPEG, 640, 480);
     for (std::uint32_t number = 0; number < 20; ++number) {
-        const RawCapture::Frame frame = capture.next();
+        RawCapture::Frame const frame = capture.next();
         ASSERT_EQ(frame.error, 0);
         EXPECT_EQ(JpegFrames::readNumber(frame.bytes.data(), frame.bytes.size()), number);
         EXPECT_TRUE(frame.bytes == images.frame(number)) << "frame " << number;
@@ -90,7 +90,7 @@ TEST(CameraStream, JpegImagesCountTheirFrames)
 
 TEST(CameraStream, EveryStartCountsFromZeroAgain)
 {
-    const EmulatedCameras cameras({"ordinary"});
+    EmulatedCameras const cameras({"ordinary"});
     for (int round = 0; round < 3; ++round) {
         RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 160, 120);
         for (std::uint32_t number = 0; number < 3; ++number) {
@@ -101,25 +101,25 @@ TEST(CameraStream, EveryStartCountsFromZeroAgain)
 
 TEST(CameraStream, FramesComeAtThePaceThatWasChosen)
 {
-    const EmulatedCameras cameras({"ordinary"});
+    EmulatedCameras const cameras({"ordinary"});
     RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 320, 240, 15);
     ASSERT_EQ(capture.next().error, 0);
-    const auto begin = std::chrono::steady_clock::now();
+    auto const begin = std::chrono::steady_clock::now();
     for (int i = 0; i < 15; ++i) {
         ASSERT_EQ(capture.next().error, 0);
     }
-    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+    std::chrono::duration<double> const took = std::chrono::steady_clock::now() - begin;
     EXPECT_GT(took.count(), 0.9);
 }
 
 TEST(CameraStream, FullAndSuperSpeedCamerasStreamToo)
 {
-    for (const char* speed : {"full", "super"}) {
-        const EmulatedCameras cameras({std::string("ordinary,speed=") + speed});
+    for (char const* speed : {"full", "super"}) {
+        EmulatedCameras const cameras({std::string("ordinary,speed=") + speed});
         FramePainter painter(640, 480);
         RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 640, 480);
         for (std::uint32_t number = 0; number < 30; ++number) {
-            const RawCapture::Frame frame = capture.next();
+            RawCapture::Frame const frame = capture.next();
             ASSERT_TRUE(frame.bytes == painter.paint(number)) << speed << " frame " << number;
         }
     }
@@ -127,7 +127,7 @@ TEST(CameraStream, FullAndSuperSpeedCamerasStreamToo)
 
 TEST(CameraStream, TwoCamerasStreamAtOnce)
 {
-    const EmulatedCameras cameras({"ordinary", "vendor-old"});
+    EmulatedCameras const cameras({"ordinary", "vendor-old"});
     RawCapture first(cameras.videoNode(1), V4L2_PIX_FMT_YUYV, 320, 240, 15);
     RawCapture second(cameras.videoNode(2), V4L2_PIX_FMT_YUYV, 320, 240, 15);
     for (std::uint32_t number = 0; number < 30; ++number) {
@@ -138,10 +138,10 @@ TEST(CameraStream, TwoCamerasStreamAtOnce)
 
 TEST(CameraStream, TheDriverDropsACorruptedFrame)
 {
-    const EmulatedCameras cameras({"ordinary"}, {"1 corrupt 2"});
+    EmulatedCameras const cameras({"ordinary"}, {"1 corrupt 2"});
     RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 160, 120);
-    for (const std::uint32_t number : {0U, 1U, 3U, 4U}) {
-        const RawCapture::Frame frame = capture.next();
+    for (std::uint32_t const number : {0U, 1U, 3U, 4U}) {
+        RawCapture::Frame const frame = capture.next();
         EXPECT_EQ(FramePainter::readNumber(frame.bytes.data(), 160), number);
         EXPECT_EQ(frame.sequence, number);
     }
@@ -149,11 +149,11 @@ TEST(CameraStream, TheDriverDropsACorruptedFrame)
 
 TEST(CameraStream, FaultyFramesArriveMarkedWhenTheDriverKeepsThem)
 {
-    const KeptFrames kept;
-    const EmulatedCameras cameras({"ordinary"}, {"1 corrupt 1", "1 cut 3 10000"});
+    KeptFrames const kept;
+    EmulatedCameras const cameras({"ordinary"}, {"1 corrupt 1", "1 cut 3 10000"});
     RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 160, 120);
     for (std::uint32_t number = 0; number < 5; ++number) {
-        const RawCapture::Frame frame = capture.next();
+        RawCapture::Frame const frame = capture.next();
         EXPECT_EQ(FramePainter::readNumber(frame.bytes.data(), 160), number);
         EXPECT_EQ(frame.isCorrupted, number == 1 || number == 3);
         EXPECT_EQ(frame.bytes.size(), number == 3 ? 10000U : 38400U);
@@ -162,7 +162,7 @@ TEST(CameraStream, FaultyFramesArriveMarkedWhenTheDriverKeepsThem)
 
 TEST(CameraStream, AHeldCameraSendsNothingUntilItIsReleased)
 {
-    const EmulatedCameras cameras({"ordinary"}, {"1 hold 2"});
+    EmulatedCameras const cameras({"ordinary"}, {"1 hold 2"});
     RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 160, 120);
     EXPECT_EQ(capture.next().error, 0);
     EXPECT_EQ(capture.next().error, 0);
@@ -174,7 +174,7 @@ TEST(CameraStream, AHeldCameraSendsNothingUntilItIsReleased)
 
 TEST(CameraStream, ACameraUnpluggedInAFrameIsGoneForTheReader)
 {
-    const EmulatedCameras cameras({"ordinary"}, {"1 unplug frame 3"});
+    EmulatedCameras const cameras({"ordinary"}, {"1 unplug frame 3"});
     {
         RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 160, 120);
         for (int i = 0; i < 3; ++i) {

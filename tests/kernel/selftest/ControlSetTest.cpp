@@ -31,11 +31,11 @@ TEST_F(ControlSetTest, ReadsBackWhatWasWritten)
 
 TEST_F(ControlSetTest, TellsTheLengthOfEveryVendorControl)
 {
-    const std::map<int, int> lengths{{1, 1},  {2, 2},  {3, 4},  {4, 2},  {5, 4},  {6, 1},  {7, 4},
+    std::map<int, int> const lengths{{1, 1},  {2, 2},  {3, 4},  {4, 2},  {5, 4},  {6, 1},  {7, 4},
                                      {8, 1},  {9, 6},  {10, 6}, {11, 1}, {12, 1}, {13, 1}, {14, 4},
                                      {15, 1}, {16, 1}, {17, 1}, {18, 1}, {20, 8}, {24, 1}, {25, 1}};
-    for (const auto& [selector, length] : lengths) {
-        const UnitReply reply = ask(getLen, extensionUnit, static_cast<std::uint8_t>(selector));
+    for (auto const& [selector, length] : lengths) {
+        UnitReply const reply = ask(getLen, extensionUnit, static_cast<std::uint8_t>(selector));
         EXPECT_EQ(reply.data, (Bytes{static_cast<std::uint8_t>(length), 0})) << selector;
     }
     EXPECT_EQ(ask(getLen, extensionUnit, 19).error, UvcError::InvalidControl);
@@ -97,7 +97,7 @@ TEST_F(ControlSetTest, HasNoVendorControlsWithoutAnExtensionUnit)
 
 TEST(CameraModel, TakesPropertiesFromItsText)
 {
-    const CameraModel model =
+    CameraModel const model =
         parseModel("vendor-old,vendor=1234,product=abcd,serial=S 1,speed=super,firmware=TJ8-9.8.7");
     EXPECT_EQ(model.vendorId, 0x1234);
     EXPECT_EQ(model.productId, 0xabcd);
@@ -110,7 +110,7 @@ TEST(CameraModel, TakesPropertiesFromItsText)
 
 TEST(CameraModel, RefusesWhatItDoesNotKnow)
 {
-    for (const char* text : {"", "toaster", "ordinary,wheels=4", "ordinary,speed=fast",
+    for (char const* text : {"", "toaster", "ordinary,wheels=4", "ordinary,speed=fast",
                              "ordinary,vendor=12345", "ordinary,port=x", "ordinary,serial"}) {
         EXPECT_THROW(parseModel(text), std::invalid_argument) << text;
     }

@@ -13,24 +13,24 @@ namespace
 constexpr unsigned configurationType = 2;
 
 /// The descriptors within a configuration, each by its own length.
-std::vector<Bytes> split(const Bytes& configuration)
+std::vector<Bytes> split(Bytes const& configuration)
 {
     std::vector<Bytes> parts;
     std::size_t offset = 0;
     while (offset < configuration.size()) {
-        const std::size_t size = configuration[offset];
+        std::size_t const size = configuration[offset];
         if (size < 2 || offset + size > configuration.size()) {
             ADD_FAILURE() << "a descriptor of length " << size << " at " << offset;
             break;
         }
-        const auto begin = configuration.begin() + static_cast<std::ptrdiff_t>(offset);
+        auto const begin = configuration.begin() + static_cast<std::ptrdiff_t>(offset);
         parts.emplace_back(begin, begin + static_cast<std::ptrdiff_t>(size));
         offset += size;
     }
     return parts;
 }
 
-class DescriptorTest : public testing::TestWithParam<const char*>
+class DescriptorTest : public testing::TestWithParam<char const*>
 {
 protected:
     Bytes configuration() const
@@ -43,10 +43,10 @@ protected:
 
 TEST_P(DescriptorTest, LengthsAddUpToTheConfigurations)
 {
-    const Bytes bytes = configuration();
+    Bytes const bytes = configuration();
     EXPECT_EQ(readLittle(bytes, 2, 2), bytes.size());
     std::size_t sum = 0;
-    for (const Bytes& part : split(bytes)) {
+    for (Bytes const& part : split(bytes)) {
         sum += part.size();
     }
     EXPECT_EQ(sum, bytes.size());
@@ -55,7 +55,7 @@ TEST_P(DescriptorTest, LengthsAddUpToTheConfigurations)
 TEST_P(DescriptorTest, InterfacesAreNumberedWithoutAGap)
 {
     std::set<unsigned> numbers;
-    for (const Bytes& part : split(configuration())) {
+    for (Bytes const& part : split(configuration())) {
         if (part[1] == 4) {
             EXPECT_EQ(part[2], numbers.size());
             numbers.insert(part[2]);
@@ -68,8 +68,8 @@ TEST_P(DescriptorTest, ClassSpecificTotalsCoverTheirOwnDescriptors)
 {
     std::size_t wanted = 0;
     std::size_t sum = 0;
-    for (const Bytes& part : split(configuration())) {
-        const bool isVideo = part[1] == 0x24;
+    for (Bytes const& part : split(configuration())) {
+        bool const isVideo = part[1] == 0x24;
         if (isVideo && part[2] == 1 && part.size() >= 13) {
             wanted = readLittle(part, part[3] == 0x10 ? 5 : 4, 2);
             sum = 0;
@@ -90,7 +90,7 @@ INSTANTIATE_TEST_SUITE_P(EveryModel, DescriptorTest,
 
 TEST(Descriptors, AnswerOnlyWhatThereIs)
 {
-    const CameraModel model = parseModel("ordinary,manufacturer=");
+    CameraModel const model = parseModel("ordinary,manufacturer=");
     EXPECT_FALSE(makeDescriptor(model, 3, 1).has_value());
     EXPECT_EQ(makeDescriptor(model, 3, 2)->size(), 2 + 2 * model.product.size());
     EXPECT_FALSE(makeDescriptor(model, 3, 4).has_value());

@@ -15,7 +15,7 @@ constexpr std::uint32_t someNumbers[] = {0,   1,    2,     9,         10,       
                                          255, 1000, 65535, 123456789, 0xffffffff};
 
 /// Decodes an image to its luma plane.
-Bytes decodeLuma(const Bytes& image, unsigned& width, unsigned& height)
+Bytes decodeLuma(Bytes const& image, unsigned& width, unsigned& height)
 {
     jpeg_decompress_struct decoder{};
     jpeg_error_mgr errors{};
@@ -42,16 +42,16 @@ Bytes decodeLuma(const Bytes& image, unsigned& width, unsigned& height)
 TEST(FramePainter, PaintsTheSamePictureWhateverItPaintedBefore)
 {
     FramePainter oneByOne(320, 240);
-    for (const std::uint32_t number : someNumbers) {
+    for (std::uint32_t const number : someNumbers) {
         EXPECT_EQ(oneByOne.paint(number), FramePainter(320, 240).paint(number)) << number;
     }
 }
 
 TEST(FramePainter, ShowsItsNumberInBlocks)
 {
-    for (const unsigned width : {160U, 320U, 640U, 1280U}) {
+    for (unsigned const width : {160U, 320U, 640U, 1280U}) {
         FramePainter painter(width, 120);
-        for (const std::uint32_t number : someNumbers) {
+        for (std::uint32_t const number : someNumbers) {
             EXPECT_EQ(FramePainter::readNumber(painter.paint(number).data(), width), number);
         }
     }
@@ -60,18 +60,18 @@ TEST(FramePainter, ShowsItsNumberInBlocks)
 TEST(FramePainter, ShowsColourBarsBelowTheNumber)
 {
     FramePainter painter(640, 480);
-    const Bytes& picture = painter.paint(7);
-    const std::uint8_t* lastLine = &picture[std::size_t{2} * 640 * 479];
+    Bytes const& picture = painter.paint(7);
+    std::uint8_t const* lastLine = &picture[std::size_t{2} * 640 * 479];
     EXPECT_EQ(Bytes(lastLine, lastLine + 4), (Bytes{235, 128, 235, 128}));
-    const std::uint8_t* red = lastLine + std::size_t{2} * 420;
+    std::uint8_t const* red = lastLine + std::size_t{2} * 420;
     EXPECT_EQ(Bytes(red, red + 4), (Bytes{81, 90, 81, 240}));
 }
 
 TEST(JpegFrames, TellsTheFullNumberInItsComment)
 {
     JpegFrames frames(320, 240);
-    for (const std::uint32_t number : someNumbers) {
-        const Bytes& image = frames.frame(number);
+    for (std::uint32_t const number : someNumbers) {
+        Bytes const& image = frames.frame(number);
         EXPECT_EQ(JpegFrames::readNumber(image.data(), image.size()), number);
     }
 }
@@ -81,11 +81,11 @@ TEST(JpegFrames, DecodesToThePaintedPicture)
     JpegFrames frames(320, 240);
     unsigned width = 0;
     unsigned height = 0;
-    const Bytes luma = decodeLuma(frames.frame(13), width, height);
+    Bytes const luma = decodeLuma(frames.frame(13), width, height);
     ASSERT_EQ(width, 320U);
     ASSERT_EQ(height, 240U);
     FramePainter painter(320, 240);
-    const Bytes& picture = painter.paint(13 % JpegFrames::pictures);
+    Bytes const& picture = painter.paint(13 % JpegFrames::pictures);
     long difference = 0;
     for (std::size_t i = 0; i < luma.size(); ++i) {
         difference += std::abs(int{luma[i]} - int{picture[2 * i]});
@@ -95,6 +95,6 @@ TEST(JpegFrames, DecodesToThePaintedPicture)
 
 TEST(JpegFrames, RefusesAnImageWithoutANumber)
 {
-    const Bytes image(100, 0);
+    Bytes const image(100, 0);
     EXPECT_THROW(JpegFrames::readNumber(image.data(), image.size()), std::invalid_argument);
 }

@@ -16,13 +16,13 @@
 namespace KernelTest
 {
 
-BackgroundCommand::BackgroundCommand(const std::string& line)
+BackgroundCommand::BackgroundCommand(std::string const& line)
 {
     char file[] = "/tmp/background-XXXXXX";
     ::close(::mkstemp(file));
     _file = file;
-    const std::string text = "exec < /dev/null > " + _file + " 2>&1; exec " + line;
-    const char* const arguments[] = {"sh", "-c", text.c_str(), nullptr};
+    std::string const text = "exec < /dev/null > " + _file + " 2>&1; exec " + line;
+    char const* const arguments[] = {"sh", "-c", text.c_str(), nullptr};
     if (::posix_spawn(&_process, "/bin/sh", nullptr, nullptr, const_cast<char**>(arguments),
                       environ) != 0) {
         throw std::runtime_error("cannot start " + line);

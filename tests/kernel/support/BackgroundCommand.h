@@ -12,10 +12,10 @@ class BackgroundCommand
 {
 public:
     /// Standard output and standard error go to a file.
-    explicit BackgroundCommand(const std::string& line);
+    explicit BackgroundCommand(std::string const& line);
     ~BackgroundCommand();
-    BackgroundCommand(const BackgroundCommand&) = delete;
-    BackgroundCommand& operator=(const BackgroundCommand&) = delete;
+    BackgroundCommand(BackgroundCommand const&) = delete;
+    BackgroundCommand& operator=(BackgroundCommand const&) = delete;
 
     /// The command's own process id.
     pid_t process() const { return _process; }

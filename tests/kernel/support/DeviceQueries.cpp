@@ -10,10 +10,10 @@
 namespace KernelTest
 {
 
-std::string lastKernelLine(const std::string& text)
+std::string lastKernelLine(std::string const& text)
 {
     std::string found;
-    for (const std::string& line : splitLines(runShell("dmesg").output)) {
+    for (std::string const& line : splitLines(runShell("dmesg").output)) {
         if (line.find(text) != std::string::npos) {
             found = line;
         }
@@ -21,11 +21,11 @@ std::string lastKernelLine(const std::string& text)
     return found;
 }
 
-UnitAnswer queryUnit(const std::string& node, std::uint8_t unit, std::uint8_t selector,
+UnitAnswer queryUnit(std::string const& node, std::uint8_t unit, std::uint8_t selector,
                      std::uint8_t request, UsbCamera::Bytes data)
 {
     UnitAnswer answer;
-    const int descriptor = ::open(node.c_str(), O_RDWR | O_CLOEXEC);
+    int const descriptor = ::open(node.c_str(), O_RDWR | O_CLOEXEC);
     uvc_xu_control_query query{};
     query.unit = unit;
     query.selector = selector;

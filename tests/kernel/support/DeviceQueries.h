@@ -12,7 +12,7 @@ namespace KernelTest
 {
 
 /// The kernel log's last line that holds a text; empty when none does.
-std::string lastKernelLine(const std::string& text);
+std::string lastKernelLine(std::string const& text);
 
 struct UnitAnswer
 {
@@ -21,7 +21,7 @@ struct UnitAnswer
 };
 
 /// A request to a unit of the camera behind a video node, past the driver's controls.
-UnitAnswer queryUnit(const std::string& node, std::uint8_t unit, std::uint8_t selector,
+UnitAnswer queryUnit(std::string const& node, std::uint8_t unit, std::uint8_t selector,
                      std::uint8_t request, UsbCamera::Bytes data);
 
 struct UsbAnswer

@@ -24,10 +24,10 @@ namespace
 {
 
 /// The library gives the four bytes as they are; v4l2-ctl takes the bit for the byte order out.
-std::string printedCode(const IImageFormat& format)
+std::string printedCode(IImageFormat const& format)
 {
     std::string code = format.name();
-    const auto last = static_cast<unsigned char>(code.at(3));
+    auto const last = static_cast<unsigned char>(code.at(3));
     if (last < 0x80) {
         return code;
     }
@@ -35,7 +35,7 @@ std::string printedCode(const IImageFormat& format)
     return code + "-BE";
 }
 
-std::string printedInterval(const IFramePeriod& period)
+std::string printedInterval(IFramePeriod const& period)
 {
     char text[64];
     std::snprintf(text, sizeof text, "%.3fs (%.3f fps)",
@@ -44,7 +44,7 @@ std::string printedInterval(const IFramePeriod& period)
     return text;
 }
 
-void expectListedSize(const IFrameSize& size, const ListedSize& listed)
+void expectListedSize(IFrameSize const& size, ListedSize const& listed)
 {
     EXPECT_FALSE(size.isInvalid());
     EXPECT_EQ(size.width(), listed.width);
@@ -55,7 +55,7 @@ void expectListedSize(const IFrameSize& size, const ListedSize& listed)
     }
 }
 
-void expectListedFormat(const IImageFormat& format, const ListedFormat& listed)
+void expectListedFormat(IImageFormat const& format, ListedFormat const& listed)
 {
     SCOPED_TRACE(listed.code);
     EXPECT_EQ(printedCode(format), listed.code);
@@ -68,9 +68,9 @@ void expectListedFormat(const IImageFormat& format, const ListedFormat& listed)
     }
 }
 
-std::set<std::string> flagsOf(const ICameraControl& control)
+std::set<std::string> flagsOf(ICameraControl const& control)
 {
-    const std::pair<bool, const char*> flags[] = {
+    std::pair<bool, char const*> const flags[] = {
         {control.isDisabled(), "disabled"},    {control.isGrabbed(), "grabbed"},
         {control.isReadOnly(), "read-only"},   {control.needsClassUpdate(), "update"},
         {control.isInactive(), "inactive"},    {control.bestAsSlider(), "slider"},
@@ -78,7 +78,7 @@ std::set<std::string> flagsOf(const ICameraControl& control)
         {control.hasPayload(), "has-payload"}, {control.executesOnWrite(), "execute-on-write"},
     };
     std::set<std::string> names;
-    for (const auto& [isSet, name] : flags) {
+    for (auto const& [isSet, name] : flags) {
         if (isSet) {
             names.insert(name);
         }
@@ -86,7 +86,7 @@ std::set<std::string> flagsOf(const ICameraControl& control)
     return names;
 }
 
-void expectListedNumber(const ICameraControlNumeric<int>& number, const ListedControl& listed)
+void expectListedNumber(ICameraControlNumeric<int> const& number, ListedControl const& listed)
 {
     EXPECT_EQ(number.minimum(), listed.number("min"));
     EXPECT_EQ(number.maximum(), listed.number("max"));
@@ -96,11 +96,11 @@ void expectListedNumber(const ICameraControlNumeric<int>& number, const ListedCo
     }
 }
 
-void expectListedMenu(const ICameraControlStringMenu& menu, const ListedControl& listed)
+void expectListedMenu(ICameraControlStringMenu const& menu, ListedControl const& listed)
 {
     ASSERT_EQ(menu.count(), static_cast<int>(listed.items.size()));
     int position = 0;
-    for (const auto& [index, label] : listed.items) {
+    for (auto const& [index, label] : listed.items) {
         EXPECT_EQ(menu.string(position), label);
         EXPECT_EQ(menu.currentIndex() == position,
                   listed.number("value") == static_cast<long long>(index));
@@ -112,7 +112,7 @@ void expectListedMenu(const ICameraControlStringMenu& menu, const ListedControl&
 
 } // namespace
 
-void expectListedFormats(const ICamera& camera, const std::vector<ListedFormat>& listed)
+void expectListedFormats(ICamera const& camera, std::vector<ListedFormat> const& listed)
 {
     ASSERT_EQ(camera.formatNumber(), static_cast<int>(listed.size()));
     for (int i = 0; i < camera.formatNumber(); ++i) {
@@ -120,16 +120,16 @@ void expectListedFormats(const ICamera& camera, const std::vector<ListedFormat>&
     }
 }
 
-std::vector<ListedControl> plainControls(const std::string& node)
+std::vector<ListedControl> plainControls(std::string const& node)
 {
     std::vector<ListedControl> controls = listControls(node);
     controls.erase(std::remove_if(controls.begin(), controls.end(),
-                                  [](const auto& one) { return one.isCompound(); }),
+                                  [](auto const& one) { return one.isCompound(); }),
                    controls.end());
     return controls;
 }
 
-ICameraControl* controlById(const ICamera& camera, unsigned id)
+ICameraControl* controlById(ICamera const& camera, unsigned id)
 {
     for (int i = 0; i < camera.controlNumber(); ++i) {
         if (camera.control(i)->id() == id) {
@@ -139,10 +139,10 @@ ICameraControl* controlById(const ICamera& camera, unsigned id)
     return camera.invalidControl();
 }
 
-const std::map<std::string, ICameraControl::Type>& typesByPrint()
+std::map<std::string, ICameraControl::Type> const& typesByPrint()
 {
     using Type = ICameraControl::Type;
-    static const std::map<std::string, Type> types = {
+    static std::map<std::string, Type> const types = {
         {"int", Type::Int32},       {"int64", Type::Int64},       {"bool", Type::Boolean},
         {"menu", Type::StringMenu}, {"intmenu", Type::Int64Menu}, {"bitmask", Type::BitMask},
         {"button", Type::Button},   {"str", Type::String},
@@ -150,24 +150,24 @@ const std::map<std::string, ICameraControl::Type>& typesByPrint()
     return types;
 }
 
-void expectListedControl(const ICamera& camera, const ListedControl& listed)
+void expectListedControl(ICamera const& camera, ListedControl const& listed)
 {
     SCOPED_TRACE(listed.name);
-    const ICameraControl* const control = controlById(camera, listed.id);
+    ICameraControl const* const control = controlById(camera, listed.id);
     EXPECT_EQ(shortName(control->name()), listed.name);
     EXPECT_EQ(control->type(), typesByPrint().at(listed.type));
     EXPECT_EQ(flagsOf(*control), listed.flags);
-    if (const auto* const number = dynamic_cast<const ICameraControlNumeric<int>*>(control)) {
+    if (auto const* const number = dynamic_cast<ICameraControlNumeric<int> const*>(control)) {
         expectListedNumber(*number, listed);
-    } else if (const auto* const menu = dynamic_cast<const ICameraControlStringMenu*>(control)) {
+    } else if (auto const* const menu = dynamic_cast<ICameraControlStringMenu const*>(control)) {
         expectListedMenu(*menu, listed);
-    } else if (const auto* const boolean = dynamic_cast<const ICameraControlBoolean*>(control)) {
+    } else if (auto const* const boolean = dynamic_cast<ICameraControlBoolean const*>(control)) {
         EXPECT_EQ(boolean->defaultValue(), listed.number("default") != 0);
         EXPECT_EQ(boolean->value(), listed.number("value") != 0);
-    } else if (const auto* const mask = dynamic_cast<const ICameraControlBitMask*>(control)) {
+    } else if (auto const* const mask = dynamic_cast<ICameraControlBitMask const*>(control)) {
         EXPECT_EQ(mask->defaultValue(), listed.number("default"));
         EXPECT_EQ(mask->value(), static_cast<unsigned>(listed.number("value")));
-    } else if (const auto* const text = dynamic_cast<const ICameraControlString*>(control)) {
+    } else if (auto const* const text = dynamic_cast<ICameraControlString const*>(control)) {
         EXPECT_EQ(text->minLength(), listed.number("min"));
         EXPECT_EQ(text->maxLength(), listed.number("max"));
     }

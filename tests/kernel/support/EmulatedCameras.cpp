@@ -21,13 +21,13 @@ namespace
 
 namespace fs = std::filesystem;
 
-const char devices[] = "/sys/bus/usb/devices";
+char const devices[] = "/sys/bus/usb/devices";
 
-std::vector<fs::path> entries(const fs::path& folder)
+std::vector<fs::path> entries(fs::path const& folder)
 {
     std::vector<fs::path> paths;
     std::error_code error;
-    for (const auto& entry : fs::directory_iterator(folder, error)) {
+    for (auto const& entry : fs::directory_iterator(folder, error)) {
         paths.push_back(entry.path());
     }
     std::sort(paths.begin(), paths.end());
@@ -37,9 +37,9 @@ std::vector<fs::path> entries(const fs::path& folder)
 /// The number of the hub that has the ports of a controller for a speed.
 std::string findBus(unsigned controller, bool isSuper)
 {
-    const fs::path folder = "/sys/devices/platform/vhci_hcd." + std::to_string(controller);
-    for (const fs::path& entry : entries(folder)) {
-        const std::string name = entry.filename();
+    fs::path const folder = "/sys/devices/platform/vhci_hcd." + std::to_string(controller);
+    for (fs::path const& entry : entries(folder)) {
+        std::string const name = entry.filename();
         if (name.compare(0, 3, "usb") == 0 &&
             (std::stoul("0" + readFile(entry / "speed")) >= 5000) == isSuper) {
             return name.substr(3);
@@ -48,37 +48,37 @@ std::string findBus(unsigned controller, bool isSuper)
     return "";
 }
 
-std::string nodeBelow(const fs::path& folder, bool isVideo)
+std::string nodeBelow(fs::path const& folder, bool isVideo)
 {
-    for (const fs::path& entry : entries(folder)) {
+    for (fs::path const& entry : entries(folder)) {
         // A camera's second video node, the one with another index, delivers no pictures.
         if (!isVideo || readFile(entry / "index") == "0") {
-            const fs::path node = "/dev" / entry.filename();
+            fs::path const node = "/dev" / entry.filename();
             return fs::exists(node) ? node.string() : "";
         }
     }
     return "";
 }
 
-bool answers(const std::string& socket)
+bool answers(std::string const& socket)
 {
     try {
         UsbCamera::sendCommand(socket, "1 status");
         return true;
-    } catch (const std::system_error&) {
+    } catch (std::system_error const&) {
         return false;
     }
 }
 
-[[noreturn]] void execute(const std::string& folder, const std::vector<std::string>& models,
-                          const std::vector<std::string>& commands)
+[[noreturn]] void execute(std::string const& folder, std::vector<std::string> const& models,
+                          std::vector<std::string> const& commands)
 {
     std::vector<std::string> words{USBCAMERA_PROGRAM, "--socket", folder + "/socket", "--log",
                                    folder + "/requests.jsonl"};
-    for (const std::string& model : models) {
+    for (std::string const& model : models) {
         words.insert(words.end(), {"--camera", model});
     }
-    for (const std::string& command : commands) {
+    for (std::string const& command : commands) {
         words.insert(words.end(), {"--do", command});
     }
     std::vector<char*> arguments;
@@ -92,7 +92,7 @@ bool answers(const std::string& socket)
 
 } // namespace
 
-EmulatedCameras::EmulatedCameras(const Texts& models, const Texts& commands)
+EmulatedCameras::EmulatedCameras(Texts const& models, Texts const& commands)
 {
     char folder[] = "/tmp/usbcamera.XXXXXX";
     if (::mkdtemp(folder) == nullptr) {
@@ -116,13 +116,13 @@ EmulatedCameras::~EmulatedCameras()
     stop();
 }
 
-void EmulatedCameras::start(const Texts& models, const Texts& commands)
+void EmulatedCameras::start(Texts const& models, Texts const& commands)
 {
     _process = ::fork();
     if (_process == 0) {
         execute(_folder, models, commands);
     }
-    const bool isListening = waitFor([this] {
+    bool const isListening = waitFor([this] {
         if (_process > 0 && ::waitpid(_process, nullptr, WNOHANG) != 0) {
             _process = -1;
         }
@@ -147,9 +147,9 @@ void EmulatedCameras::stop()
     fs::remove_all(_folder, error);
 }
 
-std::string EmulatedCameras::command(const std::string& words, unsigned camera) const
+std::string EmulatedCameras::command(std::string const& words, unsigned camera) const
 {
-    const std::string answer =
+    std::string const answer =
         UsbCamera::sendCommand(_folder + "/socket", std::to_string(camera) + " " + words);
     if (answer.compare(0, 2, "ok") != 0) {
         throw std::runtime_error(words + ": " + answer);
@@ -177,8 +177,8 @@ bool EmulatedCameras::waitUntilGone(unsigned camera) const
 
 bool EmulatedCameras::waitUntilReady(unsigned camera) const
 {
-    const bool wantsSerial = _first[camera - 1]["serialPort"];
-    const bool isThere = waitFor([this, camera, wantsSerial] {
+    bool const wantsSerial = _first[camera - 1]["serialPort"];
+    bool const isThere = waitFor([this, camera, wantsSerial] {
         return !videoNode(camera).empty() && (!wantsSerial || !serialNode(camera).empty());
     });
     return isThere && runShell("udevadm settle --timeout=60").status == 0;
@@ -186,41 +186,41 @@ bool EmulatedCameras::waitUntilReady(unsigned camera) const
 
 std::string EmulatedCameras::usbFolder(unsigned camera) const
 {
-    const Json& first = _first[camera - 1];
-    const std::string bus = findBus(first["controller"], first["speed"] == "super");
-    const std::string folder =
+    Json const& first = _first[camera - 1];
+    std::string const bus = findBus(first["controller"], first["speed"] == "super");
+    std::string const folder =
         std::string(devices) + "/" + bus + "-" + std::to_string(first["port"].get<unsigned>());
     return fs::exists(folder) ? folder : "";
 }
 
 std::string EmulatedCameras::videoNode(unsigned camera) const
 {
-    const fs::path folder = usbFolder(camera);
-    const std::string interface = folder.filename().string() + ":1.0";
+    fs::path const folder = usbFolder(camera);
+    std::string const interface = folder.filename().string() + ":1.0";
     return folder.empty() ? "" : nodeBelow(folder / interface / "video4linux", true);
 }
 
 std::string EmulatedCameras::serialNode(unsigned camera) const
 {
-    const fs::path folder = usbFolder(camera);
-    const std::string interface = folder.filename().string() + ":1.5";
+    fs::path const folder = usbFolder(camera);
+    std::string const interface = folder.filename().string() + ":1.5";
     return folder.empty() ? "" : nodeBelow(folder / interface / "tty", false);
 }
 
 std::vector<EmulatedCameras::Json> EmulatedCameras::requests() const
 {
     std::vector<Json> lines;
-    for (const std::string& line : splitLines(readFile(_folder + "/requests.jsonl"))) {
+    for (std::string const& line : splitLines(readFile(_folder + "/requests.jsonl"))) {
         lines.push_back(Json::parse(line));
     }
     return lines;
 }
 
-std::vector<EmulatedCameras::Json> EmulatedCameras::requests(const std::string& name) const
+std::vector<EmulatedCameras::Json> EmulatedCameras::requests(std::string const& name) const
 {
     std::vector<Json> found;
-    for (const Json& line : requests()) {
-        const std::string kind = line["kind"];
+    for (Json const& line : requests()) {
+        std::string const kind = line["kind"];
         if (kind == "event" && line["event"] == "mark") {
             found.clear();
         } else if ((kind == "unit" || kind == "serial") && line["request"] == name) {

@@ -18,13 +18,13 @@ public:
     using Texts = std::vector<std::string>;
 
     /// `models` as usbcamera's --camera takes them, `commands` as its --do.
-    explicit EmulatedCameras(const Texts& models, const Texts& commands = {});
+    explicit EmulatedCameras(Texts const& models, Texts const& commands = {});
     ~EmulatedCameras();
-    EmulatedCameras(const EmulatedCameras&) = delete;
-    EmulatedCameras& operator=(const EmulatedCameras&) = delete;
+    EmulatedCameras(EmulatedCameras const&) = delete;
+    EmulatedCameras& operator=(EmulatedCameras const&) = delete;
 
     /// Gives a command and returns its result; throws std::runtime_error when it is refused.
-    std::string command(const std::string& words, unsigned camera = 1) const;
+    std::string command(std::string const& words, unsigned camera = 1) const;
     Json status(unsigned camera = 1) const;
 
     /// Plugs a camera in and waits until its nodes are there again.
@@ -42,11 +42,11 @@ public:
     /// What the cameras have logged so far.
     std::vector<Json> requests() const;
     /// The unit and serial requests with this name since the last mark, from any way.
-    std::vector<Json> requests(const std::string& name) const;
+    std::vector<Json> requests(std::string const& name) const;
     void mark(unsigned camera = 1) const;
 
 private:
-    void start(const Texts& models, const Texts& commands);
+    void start(Texts const& models, Texts const& commands);
     void stop();
 
     std::string _folder;

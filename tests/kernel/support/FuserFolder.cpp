@@ -11,7 +11,7 @@ namespace KernelTest
 
 FuserFolder::FuserFolder()
 {
-    const std::string fuser = runShell("command -v fuser").output;
+    std::string const fuser = runShell("command -v fuser").output;
     char pattern[] = "/tmp/fuser.XXXXXX";
     if (fuser.empty() || ::mkdtemp(pattern) == nullptr) {
         throw std::runtime_error("there is no fuser, or no folder for it");

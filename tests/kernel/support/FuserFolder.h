@@ -13,8 +13,8 @@ class FuserFolder
 public:
     FuserFolder();
     ~FuserFolder();
-    FuserFolder(const FuserFolder&) = delete;
-    FuserFolder& operator=(const FuserFolder&) = delete;
+    FuserFolder(FuserFolder const&) = delete;
+    FuserFolder& operator=(FuserFolder const&) = delete;
 
 private:
     std::filesystem::path _earlier = std::filesystem::current_path();

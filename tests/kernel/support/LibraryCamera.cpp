@@ -16,7 +16,7 @@ ListPointer listDevices()
     return ListPointer(ICameraFactory::getUniqueInstance().createDeviceList());
 }
 
-IDevice const* recordOf(const IDeviceList& list, const std::string& node)
+IDevice const* recordOf(IDeviceList const& list, std::string const& node)
 {
     for (int i = 0; i < list.size(); ++i) {
         if (list.at(i)->systemName() == node) {
@@ -26,15 +26,15 @@ IDevice const* recordOf(const IDeviceList& list, const std::string& node)
     return nullptr;
 }
 
-CameraPointer openListed(const std::string& node)
+CameraPointer openListed(std::string const& node)
 {
-    const ListPointer list = listDevices();
+    ListPointer const list = listDevices();
     IDevice const* const record = recordOf(*list, node);
     return CameraPointer(record ? ICameraFactory::getUniqueInstance().createBlockingCamera(record)
                                 : nullptr);
 }
 
-Bytes bytesOf(const IFrame& frame)
+Bytes bytesOf(IFrame const& frame)
 {
     return Bytes(frame.bytePtr(), frame.bytePtr() + frame.bytesUsed());
 }
@@ -46,9 +46,9 @@ double monotonicSeconds()
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
 }
 
-double stampSeconds(const IFrame& frame)
+double stampSeconds(IFrame const& frame)
 {
-    const FrameTimeStamp stamp = frame.timeStamp();
+    FrameTimeStamp const stamp = frame.timeStamp();
     return static_cast<double>(stamp.seconds) + static_cast<double>(stamp.microseconds) / 1e6;
 }
 

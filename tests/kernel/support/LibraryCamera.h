@@ -21,17 +21,17 @@ using Bytes = std::vector<std::uint8_t>;
 ListPointer listDevices();
 
 /// A list's record of a node; null when it has none.
-ImageAcquisition::IDevice const* recordOf(const ImageAcquisition::IDeviceList& list,
-                                          const std::string& node);
+ImageAcquisition::IDevice const* recordOf(ImageAcquisition::IDeviceList const& list,
+                                          std::string const& node);
 
 /// The camera that a fresh list has at a node; null when the list lacks it or it does not open.
-CameraPointer openListed(const std::string& node);
+CameraPointer openListed(std::string const& node);
 
-Bytes bytesOf(const ImageAcquisition::IFrame& frame);
+Bytes bytesOf(ImageAcquisition::IFrame const& frame);
 
 /// Seconds of the clock that stamps frames.
 double monotonicSeconds();
-double stampSeconds(const ImageAcquisition::IFrame& frame);
+double stampSeconds(ImageAcquisition::IFrame const& frame);
 
 /// A capture that is stopped and cleaned up at the end; throws std::runtime_error when it does not
 /// start.
@@ -40,8 +40,8 @@ class Stream
 public:
     Stream(ImageAcquisition::IBlockingCamera& camera, int bufferCount);
     ~Stream();
-    Stream(const Stream&) = delete;
-    Stream& operator=(const Stream&) = delete;
+    Stream(Stream const&) = delete;
+    Stream& operator=(Stream const&) = delete;
 
     /// Takes frames without giving any back, until none comes.
     std::vector<ImageAcquisition::IFrame*> takeAll() const;

@@ -33,7 +33,7 @@ RawCapture::Frame failed(int error)
 
 } // namespace
 
-RawCapture::RawCapture(const std::string& node, std::uint32_t pixelFormat, unsigned width,
+RawCapture::RawCapture(std::string const& node, std::uint32_t pixelFormat, unsigned width,
                        unsigned height, unsigned framesPerSecond, unsigned bufferCount)
     : _descriptor(::open(node.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC))
 {
@@ -61,13 +61,13 @@ void RawCapture::release()
 {
     int type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
     ::ioctl(_descriptor, VIDIOC_STREAMOFF, &type);
-    for (const Mapping& mapping : _mappings) {
+    for (Mapping const& mapping : _mappings) {
         ::munmap(mapping.address, mapping.size);
     }
     ::close(_descriptor);
 }
 
-void RawCapture::call(unsigned long request, void* argument, const char* what) const
+void RawCapture::call(unsigned long request, void* argument, char const* what) const
 {
     while (::ioctl(_descriptor, request, argument) != 0) {
         if (errno != EINTR) {
@@ -127,7 +127,7 @@ RawCapture::Frame RawCapture::next(int timeoutMilliseconds)
     Frame frame;
     frame.sequence = buffer.sequence;
     frame.isCorrupted = (buffer.flags & V4L2_BUF_FLAG_ERROR) != 0;
-    const auto* bytes = static_cast<const std::uint8_t*>(_mappings[buffer.index].address);
+    auto const* bytes = static_cast<std::uint8_t const*>(_mappings[buffer.index].address);
     frame.bytes.assign(bytes, bytes + buffer.bytesused);
     ::ioctl(_descriptor, VIDIOC_QBUF, &buffer);
     return frame;

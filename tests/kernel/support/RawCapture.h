@@ -24,11 +24,11 @@ public:
     /// Opens the node, selects the format and starts to stream; throws std::system_error. The
     /// driver drops frames while no buffer is free: with half a second's worth of them no frame is
     /// lost to a busy machine.
-    RawCapture(const std::string& node, std::uint32_t pixelFormat, unsigned width, unsigned height,
+    RawCapture(std::string const& node, std::uint32_t pixelFormat, unsigned width, unsigned height,
                unsigned framesPerSecond = 30, unsigned bufferCount = 16);
     ~RawCapture();
-    RawCapture(const RawCapture&) = delete;
-    RawCapture& operator=(const RawCapture&) = delete;
+    RawCapture(RawCapture const&) = delete;
+    RawCapture& operator=(RawCapture const&) = delete;
 
     /// Waits for a frame, copies it and gives its buffer back.
     Frame next(int timeoutMilliseconds = 20000);
@@ -40,7 +40,7 @@ private:
         std::size_t size;
     };
 
-    void call(unsigned long request, void* argument, const char* what) const;
+    void call(unsigned long request, void* argument, char const* what) const;
     void setFormat(std::uint32_t pixelFormat, unsigned width, unsigned height) const;
     void setRate(unsigned framesPerSecond) const;
     void mapBuffers(unsigned count);

@@ -13,7 +13,7 @@ namespace KernelTest
 
 using UsbCamera::Bytes;
 
-SerialClient::SerialClient(const std::string& node)
+SerialClient::SerialClient(std::string const& node)
     : _descriptor(::open(node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC))
 {
     termios settings{};
@@ -29,7 +29,7 @@ SerialClient::~SerialClient()
     ::close(_descriptor);
 }
 
-void SerialClient::write(const Bytes& packet) const
+void SerialClient::write(Bytes const& packet) const
 {
     if (::write(_descriptor, packet.data(), packet.size()) != static_cast<ssize_t>(packet.size())) {
         throw std::system_error(errno, std::generic_category(), "writing to the terminal");
@@ -42,7 +42,7 @@ Bytes SerialClient::read(std::size_t size, int timeoutMilliseconds) const
     pollfd descriptor{_descriptor, POLLIN, 0};
     while (bytes.size() < size && ::poll(&descriptor, 1, timeoutMilliseconds) > 0) {
         std::uint8_t part[256];
-        const ssize_t count = ::read(_descriptor, part, sizeof part);
+        ssize_t const count = ::read(_descriptor, part, sizeof part);
         if (count <= 0) {
             break;
         }
@@ -51,7 +51,7 @@ Bytes SerialClient::read(std::size_t size, int timeoutMilliseconds) const
     return bytes;
 }
 
-Bytes SerialClient::exchange(const std::string& hexPacket, std::size_t answerSize) const
+Bytes SerialClient::exchange(std::string const& hexPacket, std::size_t answerSize) const
 {
     write(UsbCamera::fromHex(hexPacket));
     return read(answerSize);

@@ -13,18 +13,18 @@ class SerialClient
 {
 public:
     /// Throws std::system_error.
-    explicit SerialClient(const std::string& node);
+    explicit SerialClient(std::string const& node);
     ~SerialClient();
-    SerialClient(const SerialClient&) = delete;
-    SerialClient& operator=(const SerialClient&) = delete;
+    SerialClient(SerialClient const&) = delete;
+    SerialClient& operator=(SerialClient const&) = delete;
 
-    void write(const UsbCamera::Bytes& packet) const;
+    void write(UsbCamera::Bytes const& packet) const;
 
     /// Reads until so many bytes have come or nothing came for the time.
     UsbCamera::Bytes read(std::size_t size, int timeoutMilliseconds = 5000) const;
 
     /// A packet and its answer.
-    UsbCamera::Bytes exchange(const std::string& hexPacket, std::size_t answerSize) const;
+    UsbCamera::Bytes exchange(std::string const& hexPacket, std::size_t answerSize) const;
 
 private:
     int _descriptor;

@@ -12,7 +12,7 @@
 namespace KernelTest
 {
 
-CommandResult runShell(const std::string& line)
+CommandResult runShell(std::string const& line)
 {
     // Standard input is this program's own, which no command may wait for.
     FILE* pipe = ::popen(("exec 2>&1 < /dev/null; " + line).c_str(), "r");
@@ -25,12 +25,12 @@ CommandResult runShell(const std::string& line)
     while ((count = std::fread(bytes.data(), 1, bytes.size(), pipe)) > 0) {
         result.output.append(bytes.data(), count);
     }
-    const int status = ::pclose(pipe);
+    int const status = ::pclose(pipe);
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return result;
 }
 
-std::vector<std::string> splitLines(const std::string& text)
+std::vector<std::string> splitLines(std::string const& text)
 {
     std::vector<std::string> lines;
     std::istringstream stream(text);
@@ -41,7 +41,7 @@ std::vector<std::string> splitLines(const std::string& text)
     return lines;
 }
 
-std::string readFile(const std::string& path)
+std::string readFile(std::string const& path)
 {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream text;
@@ -53,9 +53,9 @@ std::string readFile(const std::string& path)
     return content;
 }
 
-bool waitFor(const std::function<bool()>& condition, std::chrono::milliseconds limit)
+bool waitFor(std::function<bool()> const& condition, std::chrono::milliseconds limit)
 {
-    const auto until = std::chrono::steady_clock::now() + limit;
+    auto const until = std::chrono::steady_clock::now() + limit;
     while (!condition()) {
         if (std::chrono::steady_clock::now() >= until) {
             return false;

@@ -16,16 +16,16 @@ struct CommandResult
 };
 
 /// Runs a line in the shell.
-CommandResult runShell(const std::string& line);
+CommandResult runShell(std::string const& line);
 
 /// The parts of a text between line ends.
-std::vector<std::string> splitLines(const std::string& text);
+std::vector<std::string> splitLines(std::string const& text);
 
 /// A whole file without the line end behind it; empty when it can't be read.
-std::string readFile(const std::string& path);
+std::string readFile(std::string const& path);
 
 /// Tries until the condition holds; false when the time ran out first.
-bool waitFor(const std::function<bool()>& condition,
+bool waitFor(std::function<bool()> const& condition,
              std::chrono::milliseconds limit = std::chrono::seconds(30));
 
 } // namespace KernelTest

@@ -12,9 +12,9 @@ namespace KernelTest
 std::string toolPath();
 
 /// Runs iacq with arguments for the shell.
-CommandResult runTool(const std::string& arguments);
+CommandResult runTool(std::string const& arguments);
 
 /// What iacq prints as JSON; throws std::runtime_error when it fails.
-nlohmann::json readTool(const std::string& arguments);
+nlohmann::json readTool(std::string const& arguments);
 
 } // namespace KernelTest

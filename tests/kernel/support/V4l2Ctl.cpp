@@ -15,7 +15,7 @@ namespace KernelTest
 namespace
 {
 
-std::vector<std::string> splitAt(const std::string& text, const std::string& separator)
+std::vector<std::string> splitAt(std::string const& text, std::string const& separator)
 {
     std::vector<std::string> parts;
     std::size_t begin = 0;
@@ -27,7 +27,7 @@ std::vector<std::string> splitAt(const std::string& text, const std::string& sep
     return parts;
 }
 
-ListedFormat parseFormat(const std::smatch& match)
+ListedFormat parseFormat(std::smatch const& match)
 {
     std::vector<std::string> const remarks = splitAt(match[2], ", ");
     ListedFormat format;
@@ -37,17 +37,17 @@ ListedFormat parseFormat(const std::smatch& match)
     return format;
 }
 
-ListedControl parseControl(const std::smatch& match)
+ListedControl parseControl(std::smatch const& match)
 {
-    static const std::regex field("([a-z]+)=('[^']*'|\\S+)");
+    static std::regex const field("([a-z]+)=('[^']*'|\\S+)");
     ListedControl control;
     control.name = match[1];
     control.id = static_cast<unsigned>(std::stoul(match[2], nullptr, 16));
     control.type = match[3];
     std::string rest = match[4];
-    const std::size_t flags = rest.find("flags=");
+    std::size_t const flags = rest.find("flags=");
     if (flags != std::string::npos) {
-        for (const std::string& flag : splitAt(rest.substr(flags + 6), ", ")) {
+        for (std::string const& flag : splitAt(rest.substr(flags + 6), ", ")) {
             control.flags.insert(flag);
         }
         rest.resize(flags);
@@ -58,13 +58,13 @@ ListedControl parseControl(const std::smatch& match)
     return control;
 }
 
-std::vector<ListedControl> parseControls(const std::string& text)
+std::vector<ListedControl> parseControls(std::string const& text)
 {
-    static const std::regex controlLine("\\s*(\\w+) 0x([0-9a-f]{8}) \\((\\w+)\\)\\s*: (.*)");
-    static const std::regex itemLine("\\t+(\\d+): (.*)");
+    static std::regex const controlLine("\\s*(\\w+) 0x([0-9a-f]{8}) \\((\\w+)\\)\\s*: (.*)");
+    static std::regex const itemLine("\\t+(\\d+): (.*)");
     std::vector<ListedControl> controls;
     std::smatch match;
-    for (const std::string& line : splitLines(text)) {
+    for (std::string const& line : splitLines(text)) {
         if (std::regex_match(line, match, itemLine)) {
             controls.back().items[static_cast<unsigned>(std::stoul(match[1]))] = match[2];
         } else if (std::regex_match(line, match, controlLine)) {
@@ -76,24 +76,24 @@ std::vector<ListedControl> parseControls(const std::string& text)
 
 } // namespace
 
-std::string v4l2Ctl(const std::string& node, const std::string& arguments)
+std::string v4l2Ctl(std::string const& node, std::string const& arguments)
 {
-    const std::string line = "v4l2-ctl -d " + node + " " + arguments;
-    const CommandResult result = runShell(line);
+    std::string const line = "v4l2-ctl -d " + node + " " + arguments;
+    CommandResult const result = runShell(line);
     if (result.status != 0) {
         throw std::runtime_error(line + " failed: " + result.output);
     }
     return result.output;
 }
 
-std::vector<ListedFormat> listFormats(const std::string& node, const std::string& option)
+std::vector<ListedFormat> listFormats(std::string const& node, std::string const& option)
 {
-    static const std::regex formatLine("\\t\\[\\d+\\]: '(.*)' \\((.*)\\)");
-    static const std::regex sizeLine("\\t\\tSize: Discrete (\\d+)x(\\d+)");
-    static const std::string interval = "\t\t\tInterval: Discrete ";
+    static std::regex const formatLine("\\t\\[\\d+\\]: '(.*)' \\((.*)\\)");
+    static std::regex const sizeLine("\\t\\tSize: Discrete (\\d+)x(\\d+)");
+    static std::string const interval = "\t\t\tInterval: Discrete ";
     std::vector<ListedFormat> formats;
     std::smatch match;
-    for (const std::string& line : splitLines(v4l2Ctl(node, option + " --list-formats-ext"))) {
+    for (std::string const& line : splitLines(v4l2Ctl(node, option + " --list-formats-ext"))) {
         if (line.compare(0, interval.size(), interval) == 0) {
             formats.back().sizes.back().intervals.push_back(line.substr(interval.size()));
         } else if (std::regex_match(line, match, sizeLine)) {
@@ -112,27 +112,27 @@ bool ListedControl::isCompound() const
     return fields.count("dims") != 0 || type == "area";
 }
 
-long long ListedControl::number(const std::string& field) const
+long long ListedControl::number(std::string const& field) const
 {
     return std::stoll(fields.at(field), nullptr, 0);
 }
 
-std::vector<ListedControl> listControls(const std::string& node)
+std::vector<ListedControl> listControls(std::string const& node)
 {
     return parseControls(v4l2Ctl(node, "--list-ctrls-menus"));
 }
 
-std::string readControl(const std::string& node, const std::string& shortName)
+std::string readControl(std::string const& node, std::string const& shortName)
 {
     std::string text = v4l2Ctl(node, "--get-ctrl=" + shortName);
     text = text.substr(text.find(": ") + 2);
     return text.substr(0, text.find('\n'));
 }
 
-std::map<unsigned, std::string> readControls(const std::string& node)
+std::map<unsigned, std::string> readControls(std::string const& node)
 {
     std::map<unsigned, std::string> values;
-    for (const ListedControl& control : parseControls(v4l2Ctl(node, "--list-ctrls"))) {
+    for (ListedControl const& control : parseControls(v4l2Ctl(node, "--list-ctrls"))) {
         if (control.fields.count("value") != 0) {
             values[control.id] = control.fields.at("value");
         }
@@ -140,11 +140,11 @@ std::map<unsigned, std::string> readControls(const std::string& node)
     return values;
 }
 
-std::string shortName(const std::string& name)
+std::string shortName(std::string const& name)
 {
     std::string result;
-    for (const char character : name) {
-        const auto byte = static_cast<unsigned char>(character);
+    for (char const character : name) {
+        auto const byte = static_cast<unsigned char>(character);
         if (std::isalnum(byte) != 0) {
             result += static_cast<char>(std::tolower(byte));
         } else if (!result.empty() && result.back() != '_') {
@@ -159,8 +159,8 @@ std::string shortName(const std::string& name)
 
 ControlKeeper::ControlKeeper(std::string node) : _node(std::move(node))
 {
-    static const std::set<std::string> kept = {"int", "bool", "menu", "intmenu", "bitmask"};
-    for (const ListedControl& control : parseControls(v4l2Ctl(_node, "--list-ctrls"))) {
+    static std::set<std::string> const kept = {"int", "bool", "menu", "intmenu", "bitmask"};
+    for (ListedControl const& control : parseControls(v4l2Ctl(_node, "--list-ctrls"))) {
         if (kept.count(control.type) != 0 && control.flags.count("read-only") == 0 &&
             control.flags.count("inactive") == 0) {
             _settings +=
@@ -173,7 +173,7 @@ ControlKeeper::~ControlKeeper()
 {
     try {
         v4l2Ctl(_node, "--set-ctrl=" + _settings);
-    } catch (const std::exception& error) {
+    } catch (std::exception const& error) {
         std::cerr << "the controls keep their new values: " << error.what() << '\n';
     }
 }

@@ -10,7 +10,7 @@ namespace KernelTest
 {
 
 /// Runs v4l2-ctl on a node; throws std::runtime_error with its output when it fails.
-std::string v4l2Ctl(const std::string& node, const std::string& arguments);
+std::string v4l2Ctl(std::string const& node, std::string const& arguments);
 
 struct ListedSize
 {
@@ -29,7 +29,7 @@ struct ListedFormat
 };
 
 /// The driver's formats; with the option -w those that libv4l2 offers.
-std::vector<ListedFormat> listFormats(const std::string& node, const std::string& option = "");
+std::vector<ListedFormat> listFormats(std::string const& node, std::string const& option = "");
 
 /// A control as `v4l2-ctl --list-ctrls-menus` shows it.
 struct ListedControl
@@ -43,19 +43,19 @@ struct ListedControl
 
     /// An array or a structure, which no plain control record describes.
     bool isCompound() const;
-    long long number(const std::string& field) const;
+    long long number(std::string const& field) const;
 };
 
-std::vector<ListedControl> listControls(const std::string& node);
+std::vector<ListedControl> listControls(std::string const& node);
 
 /// The value of one control as v4l2-ctl prints it.
-std::string readControl(const std::string& node, const std::string& shortName);
+std::string readControl(std::string const& node, std::string const& shortName);
 
 /// The values of all controls, by id.
-std::map<unsigned, std::string> readControls(const std::string& node);
+std::map<unsigned, std::string> readControls(std::string const& node);
 
 /// A control's name as v4l2-ctl writes it.
-std::string shortName(const std::string& name);
+std::string shortName(std::string const& name);
 
 /// Remembers the numbers of all controls of a node and brings them back.
 class ControlKeeper
@@ -63,8 +63,8 @@ class ControlKeeper
 public:
     explicit ControlKeeper(std::string node);
     ~ControlKeeper();
-    ControlKeeper(const ControlKeeper&) = delete;
-    ControlKeeper& operator=(const ControlKeeper&) = delete;
+    ControlKeeper(ControlKeeper const&) = delete;
+    ControlKeeper& operator=(ControlKeeper const&) = delete;
 
 private:
     std::string _node;

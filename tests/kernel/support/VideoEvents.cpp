@@ -18,19 +18,19 @@ namespace KernelTest
 namespace
 {
 
-VideoEvent recordOf(const ICameraEvent& event)
+VideoEvent recordOf(ICameraEvent const& event)
 {
-    static const char* const actions[] = {"other", "add", "remove", "change", "move"};
+    static char const* const actions[] = {"other", "add", "remove", "change", "move"};
     return {actions[event.type()], event.deviceSystemName(), event.subSystemName(),
             monotonicSeconds()};
 }
 
-VideoEvents allUdevEvents(const std::string& text)
+VideoEvents allUdevEvents(std::string const& text)
 {
-    static const std::regex line("UDEV +\\[([0-9.]+)\\] (\\w+) +\\S*/([^/ ]+) \\((\\S+)\\)");
+    static std::regex const line("UDEV +\\[([0-9.]+)\\] (\\w+) +\\S*/([^/ ]+) \\((\\S+)\\)");
     VideoEvents events;
     std::smatch match;
-    for (const std::string& one : splitLines(text)) {
+    for (std::string const& one : splitLines(text)) {
         if (std::regex_match(one, match, line)) {
             events.push_back({match[2], "/dev/" + match[3].str(), match[4], std::stod(match[1])});
         }
@@ -55,14 +55,14 @@ ContinuousWatch::~ContinuousWatch()
 
 VideoEvents ContinuousWatch::events() const
 {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    std::lock_guard<std::mutex> const lock(_mutex);
     return _events;
 }
 
 void ContinuousWatch::cameraEventReceived(ICameraEvent* event)
 {
-    const std::unique_ptr<ICameraEvent> owned(event);
-    const std::lock_guard<std::mutex> lock(_mutex);
+    std::unique_ptr<ICameraEvent> const owned(event);
+    std::lock_guard<std::mutex> const lock(_mutex);
     _events.push_back(recordOf(*event));
 }
 
@@ -89,16 +89,16 @@ void BlockingWatch::beginToAsk()
 
 void BlockingWatch::ask()
 {
-    const std::unique_ptr<ICameraEvent> event(ICameraFactory::getUniqueInstance().createEvent());
+    std::unique_ptr<ICameraEvent> const event(ICameraFactory::getUniqueInstance().createEvent());
     while (_monitor->getEvent(event.get())) {
-        const std::lock_guard<std::mutex> lock(_mutex);
+        std::lock_guard<std::mutex> const lock(_mutex);
         _events.push_back(recordOf(*event));
     }
 }
 
 VideoEvents BlockingWatch::events() const
 {
-    const std::lock_guard<std::mutex> lock(_mutex);
+    std::lock_guard<std::mutex> const lock(_mutex);
     return _events;
 }
 
@@ -112,7 +112,7 @@ UdevadmWatch::UdevadmWatch() : _command("stdbuf -oL udevadm monitor --udev")
 VideoEvents UdevadmWatch::events() const
 {
     VideoEvents events;
-    for (const VideoEvent& event : allUdevEvents(_command.output())) {
+    for (VideoEvent const& event : allUdevEvents(_command.output())) {
         if (event.subsystem == "video4linux") {
             events.push_back(event);
         }

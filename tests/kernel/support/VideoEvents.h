@@ -23,7 +23,7 @@ struct VideoEvent
     std::string subsystem;
     double seconds = 0; ///< when it was seen, on the monotonic clock
 
-    bool isSameAs(const VideoEvent& other) const
+    bool isSameAs(VideoEvent const& other) const
     {
         return action == other.action && node == other.node;
     }
@@ -53,8 +53,8 @@ class BlockingWatch
 public:
     BlockingWatch();
     ~BlockingWatch();
-    BlockingWatch(const BlockingWatch&) = delete;
-    BlockingWatch& operator=(const BlockingWatch&) = delete;
+    BlockingWatch(BlockingWatch const&) = delete;
+    BlockingWatch& operator=(BlockingWatch const&) = delete;
 
     void beginToAsk();
     VideoEvents events() const;

@@ -18,10 +18,10 @@ namespace
 using Numeric = ICameraControlNumeric<int>;
 
 /// When the camera left the bus, on the clock of the tests; 0 while it has not.
-double unplugSeconds(const EmulatedCameras& cameras)
+double unplugSeconds(EmulatedCameras const& cameras)
 {
     double seconds = 0;
-    for (const EmulatedCameras::Json& line : cameras.requests()) {
+    for (EmulatedCameras::Json const& line : cameras.requests()) {
         if (line["kind"] == "event" && line["event"] == "unplug") {
             seconds = line["time"];
         }
@@ -30,15 +30,15 @@ double unplugSeconds(const EmulatedCameras& cameras)
 }
 
 /// Opens a camera that leaves the bus meanwhile; the result is null or one that can do nothing.
-CameraPointer openWhileUnplugged(const EmulatedCameras& cameras, const std::string& when)
+CameraPointer openWhileUnplugged(EmulatedCameras const& cameras, std::string const& when)
 {
-    const ListPointer list = listDevices();
-    const IDevice* const record = recordOf(*list, cameras.videoNode());
+    ListPointer const list = listDevices();
+    IDevice const* const record = recordOf(*list, cameras.videoNode());
     EXPECT_NE(record, nullptr);
     cameras.command("unplug " + when);
-    const double begin = monotonicSeconds();
+    double const begin = monotonicSeconds();
     CameraPointer camera(ICameraFactory::getUniqueInstance().createBlockingCamera(record));
-    const double end = monotonicSeconds();
+    double const end = monotonicSeconds();
     EXPECT_EQ(cameras.status()["plugged"], false);
     EXPECT_GT(unplugSeconds(cameras), begin);
     EXPECT_LT(end - unplugSeconds(cameras), patience);
@@ -55,11 +55,11 @@ TEST(UnpluggingDuringTheOpening, LeavesACameraThatCanDoNothing)
     // The driver asks for the range of a control once in the life of a device.
     victim.device().command("unplug");
     // At the first question about a control, early among them, and late.
-    for (const int request : {1, 9, 40}) {
+    for (int const request : {1, 9, 40}) {
         SCOPED_TRACE(request);
-        const RemainsCheck remains;
+        RemainsCheck const remains;
         victim.replug();
-        const CameraPointer camera =
+        CameraPointer const camera =
             openWhileUnplugged(victim.device(), "control " + std::to_string(request));
         ASSERT_NE(camera, nullptr);
         EXPECT_TRUE(victim.device().waitUntilGone());
@@ -76,13 +76,13 @@ TEST(UnpluggingDuringTheOpening, LeavesACameraThatCanDoNothing)
 
 TEST(UnpluggingDuringTheOpening, OfASerialLinkGivesNoCamera)
 {
-    const FuserFolder folder;
+    FuserFolder const folder;
     Victim victim("vendor-new");
     victim.open();
-    for (const int packet : {1, 70}) {
+    for (int const packet : {1, 70}) {
         SCOPED_TRACE(packet);
         victim.close();
-        const RemainsCheck remains;
+        RemainsCheck const remains;
         EXPECT_EQ(openWhileUnplugged(victim.device(), "serial " + std::to_string(packet)), nullptr);
         victim.replug();
     }
@@ -93,14 +93,14 @@ TEST(UnpluggingInAPrivateControl, MakesItFail)
 {
     Victim victim("vendor-old");
     victim.open();
-    for (const bool isRead : {false, true}) {
+    for (bool const isRead : {false, true}) {
         SCOPED_TRACE(isRead);
         victim.close();
-        const RemainsCheck remains;
+        RemainsCheck const remains;
         victim.open();
         auto& light = dynamic_cast<Numeric&>(*victim.camera().lightIntensityControl());
         victim.device().command("unplug control 1");
-        const double begin = monotonicSeconds();
+        double const begin = monotonicSeconds();
         if (isRead) {
             EXPECT_EQ(light.value(), 0);
         } else {
@@ -119,10 +119,10 @@ TEST(UnpluggingWhileFramesFlow, EndsTheControlsThatAreSetBetweenThem)
 {
     Victim victim("ordinary");
     victim.open();
-    for (const char* const when : {"frame 4", "control 7"}) {
+    for (char const* const when : {"frame 4", "control 7"}) {
         SCOPED_TRACE(when);
         victim.close();
-        const RemainsCheck remains;
+        RemainsCheck const remains;
         victim.open();
         auto& contrast = dynamic_cast<Numeric&>(*victim.camera().control("Contrast"));
         victim.startCapture(4);

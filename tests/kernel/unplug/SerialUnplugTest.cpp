@@ -24,7 +24,7 @@ protected:
 
     void expectDeadLink()
     {
-        const double begin = monotonicSeconds();
+        double const begin = monotonicSeconds();
         EXPECT_FALSE(focus().setValue(5));
         EXPECT_EQ(focus().value(), -1);
         EXPECT_FALSE(focus().updateState());
@@ -41,7 +41,7 @@ protected:
         EXPECT_EQ(focus().value(), focus().maximum());
     }
 
-    const FuserFolder folder;
+    FuserFolder const folder;
     Victim victim{"vendor-new"};
 };
 
@@ -51,7 +51,7 @@ TEST_F(SerialUnplugging, InsteadOfAReplyEndsTheExchangeWithinItsAttempts)
 {
     repeat(2, [this] {
         victim.device().command("unplug serial 1");
-        const double begin = monotonicSeconds();
+        double const begin = monotonicSeconds();
         EXPECT_EQ(focus().value(), -1);
         EXPECT_LT(monotonicSeconds() - begin, patience);
         EXPECT_EQ(victim.device().status()["plugged"], false);
@@ -64,12 +64,12 @@ TEST_F(SerialUnplugging, WhileAReplyIsAwaitedEndsTheExchangeWithinItsAttempts)
 {
     repeat(2, [this] {
         victim.device().command("serial silent");
-        const int before = victim.device().status()["serialPackets"];
+        int const before = victim.device().status()["serialPackets"];
         double ended = 0;
         int value = 0;
         double begin = 0;
         {
-            const WatchedThread reader([&] {
+            WatchedThread const reader([&] {
                 value = focus().value();
                 ended = monotonicSeconds();
             });

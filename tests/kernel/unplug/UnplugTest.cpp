@@ -18,7 +18,7 @@ constexpr int rounds = 11;
 
 using Numeric = ICameraControlNumeric<int>;
 
-Numeric& numberOf(IBlockingCamera& camera, const char* name)
+Numeric& numberOf(IBlockingCamera& camera, char const* name)
 {
     return dynamic_cast<Numeric&>(*camera.control(name));
 }
@@ -45,14 +45,14 @@ TEST_F(Unplugging, WhileAFrameIsAwaitedEndsTheWait)
         IFrame* const held = victim.camera().acquireFrame();
         ASSERT_FALSE(held->isInvalid());
         ASSERT_FALSE(victim.camera().acquireFrame()->isInvalid());
-        const IFrame* last = nullptr;
+        IFrame const* last = nullptr;
         double ended = 0;
         WatchedThread reader([&] {
             last = victim.camera().acquireFrame();
             ended = monotonicSeconds();
         });
         EXPECT_TRUE(reader.awaitSelect());
-        const double begin = monotonicSeconds();
+        double const begin = monotonicSeconds();
         victim.device().command("unplug");
         reader.join();
         EXPECT_TRUE(last->isInvalid());
@@ -89,10 +89,10 @@ TEST_F(Unplugging, InTheMiddleOfAControlRequestMakesItFail)
 {
     int number = 0;
     repeat([this, &number] {
-        const bool isRead = ++number % 2 == 0;
+        bool const isRead = ++number % 2 == 0;
         Numeric& contrast = numberOf(victim.camera(), "Contrast");
         victim.device().command("unplug control 1");
-        const double begin = monotonicSeconds();
+        double const begin = monotonicSeconds();
         if (isRead) {
             EXPECT_EQ(contrast.value(), 0);
         } else {
@@ -112,7 +112,7 @@ TEST_F(Unplugging, InTheMiddleOfAControlRequestMakesItFail)
 TEST_F(Unplugging, BetweenListAndOpenGivesAnEmptyCamera)
 {
     repeat([this] {
-        const CameraPointer camera = victim.openFromStaleList();
+        CameraPointer const camera = victim.openFromStaleList();
         ASSERT_NE(camera, nullptr);
         EXPECT_EQ(camera->formatNumber(), 0);
         EXPECT_EQ(camera->controlNumber(), 0);
@@ -124,9 +124,9 @@ TEST_F(Unplugging, BetweenListAndOpenGivesAnEmptyCamera)
 
 TEST(UnpluggingUnderTheTool, EndsACaptureWithAMessage)
 {
-    const EmulatedCameras cameras({"ordinary"}, {"1 unplug frame 5"});
-    const double begin = monotonicSeconds();
-    const CommandResult result =
+    EmulatedCameras const cameras({"ordinary"}, {"1 unplug frame 5"});
+    double const begin = monotonicSeconds();
+    CommandResult const result =
         runTool("capture 0 --size 160x120 --format YUYV -n 1000 --output-format raw -o /dev/null");
     EXPECT_LT(monotonicSeconds() - begin, 20);
     EXPECT_EQ(result.status, 4) << result.output;

@@ -29,7 +29,7 @@ std::vector<std::string> sortedDescriptors()
 
 } // namespace
 
-Victim::Victim(const std::string& model) : _device({model}) {}
+Victim::Victim(std::string const& model) : _device({model}) {}
 
 void Victim::open()
 {
@@ -37,7 +37,7 @@ void Victim::open()
     if (!_camera || !_camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30)) {
         throw std::runtime_error("the camera does not open");
     }
-    const Stream stream(*_camera, 4);
+    Stream const stream(*_camera, 4);
     IFrame* const frame = _camera->acquireFrame();
     EXPECT_EQ(frame->bytesUsed(), 160U * 120 * 2);
     EXPECT_EQ(_camera->releaseFrame(frame), 0);
@@ -51,15 +51,15 @@ void Victim::startCapture(int bufferCount)
 
 CameraPointer Victim::openFromStaleList()
 {
-    const ListPointer list = listDevices();
-    const IDevice* const record = recordOf(*list, _device.videoNode());
+    ListPointer const list = listDevices();
+    IDevice const* const record = recordOf(*list, _device.videoNode());
     if (record == nullptr) {
         throw std::runtime_error("the camera is not listed");
     }
     close();
     _device.command("unplug");
     EXPECT_TRUE(_device.waitUntilGone());
-    const double begin = monotonicSeconds();
+    double const begin = monotonicSeconds();
     CameraPointer camera(ICameraFactory::getUniqueInstance().createBlockingCamera(record));
     EXPECT_LT(monotonicSeconds() - begin, patience);
     return camera;
@@ -67,7 +67,7 @@ CameraPointer Victim::openFromStaleList()
 
 void Victim::expectDead(bool isStreaming)
 {
-    const double begin = monotonicSeconds();
+    double const begin = monotonicSeconds();
     // Nothing is streaming for a camera that never started, which libv4l2 calls a success.
     EXPECT_EQ(_camera->stopCapture(), isStreaming ? -1 : 0);
     EXPECT_EQ(_camera->cleanup(), 0);

@@ -22,8 +22,8 @@ class RemainsCheck
 public:
     RemainsCheck();
     ~RemainsCheck();
-    RemainsCheck(const RemainsCheck&) = delete;
-    RemainsCheck& operator=(const RemainsCheck&) = delete;
+    RemainsCheck(RemainsCheck const&) = delete;
+    RemainsCheck& operator=(RemainsCheck const&) = delete;
 
 private:
     std::vector<std::string> _descriptors;
@@ -35,7 +35,7 @@ private:
 class Victim
 {
 public:
-    explicit Victim(const std::string& model);
+    explicit Victim(std::string const& model);
 
     /// Opens the camera from a new list, selects 160x120 and sees that a frame comes.
     void open();
@@ -59,7 +59,7 @@ public:
         for (int i = 0; i < rounds && !testing::Test::HasFailure(); ++i) {
             SCOPED_TRACE(i);
             close();
-            const RemainsCheck remains;
+            RemainsCheck const remains;
             open();
             round();
             replug();
@@ -68,7 +68,7 @@ public:
     }
 
     ImageAcquisition::IBlockingCamera& camera() { return *_camera; }
-    const EmulatedCameras& device() const { return _device; }
+    EmulatedCameras const& device() const { return _device; }
 
 private:
     EmulatedCameras _device;

@@ -6,7 +6,7 @@
 namespace UsbCamera
 {
 
-Bytes fromHex(const std::string& text)
+Bytes fromHex(std::string const& text)
 {
     if (text.size() % 2 != 0 || text.find_first_not_of("0123456789abcdefABCDEF") != text.npos) {
         throw std::invalid_argument("not a sequence of hexadecimal bytes: " + text);

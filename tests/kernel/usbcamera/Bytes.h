@@ -20,13 +20,13 @@ inline void appendLittle(Bytes& bytes, std::uint64_t value, std::size_t size)
     }
 }
 
-inline void append(Bytes& bytes, const Bytes& more)
+inline void append(Bytes& bytes, Bytes const& more)
 {
     bytes.insert(bytes.end(), more.begin(), more.end());
 }
 
 /// The number in `size` bytes, at most 8, from `offset` on; bytes beyond the end count as 0.
-inline std::uint64_t readLittle(const Bytes& bytes, std::size_t offset, std::size_t size)
+inline std::uint64_t readLittle(Bytes const& bytes, std::size_t offset, std::size_t size)
 {
     std::uint64_t value = 0;
     for (std::size_t i = 0; i < size && offset + i < bytes.size(); ++i) {
@@ -35,11 +35,11 @@ inline std::uint64_t readLittle(const Bytes& bytes, std::size_t offset, std::siz
     return value;
 }
 
-inline std::string toHex(const Bytes& bytes)
+inline std::string toHex(Bytes const& bytes)
 {
-    static const char digits[] = "0123456789abcdef";
+    static char const digits[] = "0123456789abcdef";
     std::string text;
-    for (const std::uint8_t byte : bytes) {
+    for (std::uint8_t const byte : bytes) {
         text += digits[byte >> 4];
         text += digits[byte & 15];
     }
@@ -47,6 +47,6 @@ inline std::string toHex(const Bytes& bytes)
 }
 
 /// Reads pairs of hexadecimal digits; throws std::invalid_argument on anything else.
-Bytes fromHex(const std::string& text);
+Bytes fromHex(std::string const& text);
 
 } // namespace UsbCamera

@@ -16,7 +16,7 @@ constexpr std::chrono::milliseconds attachPause{20};
 
 } // namespace
 
-CameraDevice::CameraDevice(unsigned number, const CameraModel& model, RequestLog& log)
+CameraDevice::CameraDevice(unsigned number, CameraModel const& model, RequestLog& log)
     : _number(number), _model(model), _log(log), _controls(_model, _faults), _stream(_faults),
       _serial(number, _controls, _faults, log), _port(model.controller, model.port, model.speed)
 {
@@ -29,7 +29,7 @@ void CameraDevice::plug()
     }
 }
 
-void CameraDevice::unplug(const std::string& why)
+void CameraDevice::unplug(std::string const& why)
 {
     _attachAt.reset();
     if (!isPlugged()) {
@@ -44,7 +44,7 @@ void CameraDevice::unplug(const std::string& why)
 
 void CameraDevice::tryToAttach(Clock::time_point now)
 {
-    const int socket = _port.attach();
+    int const socket = _port.attach();
     if (socket < 0) {
         _attachAt = now + attachPause;
         return;
@@ -61,7 +61,7 @@ void CameraDevice::tryToAttach(Clock::time_point now)
 std::optional<Clock::time_point> CameraDevice::nextDue() const
 {
     std::optional<Clock::time_point> due = _attachAt;
-    for (const auto& other : {_stream.nextDue(), _serial.nextDue()}) {
+    for (auto const& other : {_stream.nextDue(), _serial.nextDue()}) {
         if (other && (!due || *other < *due)) {
             due = other;
         }
@@ -71,7 +71,7 @@ std::optional<Clock::time_point> CameraDevice::nextDue() const
 
 void CameraDevice::receive()
 {
-    const auto command = _connection->receive();
+    auto const command = _connection->receive();
     if (!command) {
         unplug("the host has gone");
     } else if (command->kind == UsbIpCommand::Kind::Unlink) {
@@ -83,20 +83,20 @@ void CameraDevice::receive()
     }
 }
 
-void CameraDevice::unlink(const UsbIpCommand& command)
+void CameraDevice::unlink(UsbIpCommand const& command)
 {
-    const bool wasPending = _stream.unlink(command.unlinked) || _serial.unlink(command.unlinked);
+    bool const wasPending = _stream.unlink(command.unlinked) || _serial.unlink(command.unlinked);
     // The serial events' transfer is kept nowhere, since there never is an event.
     _connection->confirmUnlink(command.sequence, wasPending);
 }
 
-void CameraDevice::receiveControl(const UsbIpCommand& command)
+void CameraDevice::receiveControl(UsbIpCommand const& command)
 {
     if (ControlEndpoint::isUnitRequest(command.setup) && countDown(_faults.unplugInControl)) {
         unplug("in a control request");
         return;
     }
-    const ControlReply reply = _endpoint->handle(command.setup, command.data);
+    ControlReply const reply = _endpoint->handle(command.setup, command.data);
     _log.control(_number, command.setup, command.data, reply);
     bool isSent = false;
     if (reply.isStalled) {
@@ -134,7 +134,7 @@ void CameraDevice::apply(ControlReply::Effect effect)
     }
 }
 
-void CameraDevice::receiveData(const UsbIpCommand& command)
+void CameraDevice::receiveData(UsbIpCommand const& command)
 {
     switch (command.endpoint) {
     case videoEndpoint:

@@ -14,11 +14,11 @@ namespace UsbCamera
 class CameraDevice
 {
 public:
-    CameraDevice(unsigned number, const CameraModel& model, RequestLog& log);
+    CameraDevice(unsigned number, CameraModel const& model, RequestLog& log);
 
     /// Asks for the port: as soon as it's free, the camera is attached by serve().
     void plug();
-    void unplug(const std::string& why);
+    void unplug(std::string const& why);
 
     bool isPlugged() const { return _connection != nullptr; }
     int descriptor() const { return isPlugged() ? _connection->descriptor() : -1; }
@@ -33,15 +33,15 @@ public:
     CameraModel& model() { return _model; }
     ControlSet& controls() { return _controls; }
     Faults& faults() { return _faults; }
-    const VideoStream& stream() const { return _stream; }
-    const SerialPort& serial() const { return _serial; }
+    VideoStream const& stream() const { return _stream; }
+    SerialPort const& serial() const { return _serial; }
     unsigned plugged() const { return _plugged; }
 
 private:
     void tryToAttach(Clock::time_point now);
-    void receiveControl(const UsbIpCommand& command);
-    void receiveData(const UsbIpCommand& command);
-    void unlink(const UsbIpCommand& command);
+    void receiveControl(UsbIpCommand const& command);
+    void receiveData(UsbIpCommand const& command);
+    void unlink(UsbIpCommand const& command);
     void apply(ControlReply::Effect effect);
     void settle(Served served);
 

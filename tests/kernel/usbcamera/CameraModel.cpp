@@ -12,18 +12,18 @@ namespace UsbCamera
 namespace
 {
 
-[[noreturn]] void refuse(const std::string& why)
+[[noreturn]] void refuse(std::string const& why)
 {
     throw std::invalid_argument(why);
 }
 
-unsigned parseNumber(const std::string& text, int base, unsigned limit)
+unsigned parseNumber(std::string const& text, int base, unsigned limit)
 {
     std::size_t used = 0;
     unsigned long value = 0;
     try {
         value = std::stoul(text, &used, base);
-    } catch (const std::logic_error&) {
+    } catch (std::logic_error const&) {
         used = 0;
     }
     if (used == 0 || used != text.size() || value > limit) {
@@ -32,12 +32,12 @@ unsigned parseNumber(const std::string& text, int base, unsigned limit)
     return static_cast<unsigned>(value);
 }
 
-std::uint16_t parseWord(const std::string& text)
+std::uint16_t parseWord(std::string const& text)
 {
     return static_cast<std::uint16_t>(parseNumber(text, 16, 0xffff));
 }
 
-bool parseSwitch(const std::string& text)
+bool parseSwitch(std::string const& text)
 {
     if (text != "yes" && text != "no") {
         refuse("neither yes nor no: " + text);
@@ -45,52 +45,52 @@ bool parseSwitch(const std::string& text)
     return text == "yes";
 }
 
-Speed parseSpeed(const std::string& text)
+Speed parseSpeed(std::string const& text)
 {
-    static const std::map<std::string, Speed> speeds{
+    static std::map<std::string, Speed> const speeds{
         {"full", Speed::Full}, {"high", Speed::High}, {"super", Speed::Super}};
-    const auto found = speeds.find(text);
+    auto const found = speeds.find(text);
     if (found == speeds.end()) {
         refuse("a speed is full, high or super, not " + text);
     }
     return found->second;
 }
 
-void setSpeed(CameraModel& model, const std::string& text)
+void setSpeed(CameraModel& model, std::string const& text)
 {
     model.speed = parseSpeed(text);
     // A hub believes a device at this speed only with the matching revision.
     model.usbRelease = model.speed == Speed::Super ? 0x0300 : 0x0200;
 }
 
-using Setter = std::function<void(CameraModel&, const std::string&)>;
+using Setter = std::function<void(CameraModel&, std::string const&)>;
 
-const std::map<std::string, Setter>& setters()
+std::map<std::string, Setter> const& setters()
 {
     using Model = CameraModel;
     using Text = std::string;
-    static const std::map<std::string, Setter> table{
-        {"vendor", [](Model& model, const Text& text) { model.vendorId = parseWord(text); }},
-        {"product", [](Model& model, const Text& text) { model.productId = parseWord(text); }},
-        {"usb", [](Model& model, const Text& text) { model.usbRelease = parseWord(text); }},
-        {"release", [](Model& model, const Text& text) { model.deviceRelease = parseWord(text); }},
-        {"manufacturer", [](Model& model, const Text& text) { model.manufacturer = text; }},
-        {"name", [](Model& model, const Text& text) { model.product = text; }},
-        {"serial", [](Model& model, const Text& text) { model.serialNumber = text; }},
-        {"firmware", [](Model& model, const Text& text) { model.firmware = firmwareReply(text); }},
-        {"firmware-bytes", [](Model& model, const Text& text) { model.firmware = fromHex(text); }},
+    static std::map<std::string, Setter> const table{
+        {"vendor", [](Model& model, Text const& text) { model.vendorId = parseWord(text); }},
+        {"product", [](Model& model, Text const& text) { model.productId = parseWord(text); }},
+        {"usb", [](Model& model, Text const& text) { model.usbRelease = parseWord(text); }},
+        {"release", [](Model& model, Text const& text) { model.deviceRelease = parseWord(text); }},
+        {"manufacturer", [](Model& model, Text const& text) { model.manufacturer = text; }},
+        {"name", [](Model& model, Text const& text) { model.product = text; }},
+        {"serial", [](Model& model, Text const& text) { model.serialNumber = text; }},
+        {"firmware", [](Model& model, Text const& text) { model.firmware = firmwareReply(text); }},
+        {"firmware-bytes", [](Model& model, Text const& text) { model.firmware = fromHex(text); }},
         {"speed", setSpeed},
         {"controller",
-         [](Model& model, const Text& text) { model.controller = parseNumber(text, 10, 7); }},
-        {"port", [](Model& model, const Text& text) { model.port = parseNumber(text, 10, 31); }},
+         [](Model& model, Text const& text) { model.controller = parseNumber(text, 10, 7); }},
+        {"port", [](Model& model, Text const& text) { model.port = parseNumber(text, 10, 31); }},
         {"extension-unit",
-         [](Model& model, const Text& text) { model.hasExtensionUnit = parseSwitch(text); }},
+         [](Model& model, Text const& text) { model.hasExtensionUnit = parseSwitch(text); }},
         {"serial-port",
-         [](Model& model, const Text& text) { model.hasSerialPort = parseSwitch(text); }},
+         [](Model& model, Text const& text) { model.hasSerialPort = parseSwitch(text); }},
         {"vendor-requests",
-         [](Model& model, const Text& text) { model.answersVendorRequests = parseSwitch(text); }},
+         [](Model& model, Text const& text) { model.answersVendorRequests = parseSwitch(text); }},
         {"reset-delay",
-         [](Model& model, const Text& text) {
+         [](Model& model, Text const& text) {
              model.resetDelay = std::chrono::milliseconds(parseNumber(text, 10, 60000));
          }},
     };
@@ -109,7 +109,7 @@ CameraModel ordinaryCamera()
     return model;
 }
 
-CameraModel vendorCamera(const std::string& kind, const std::string& firmware)
+CameraModel vendorCamera(std::string const& kind, std::string const& firmware)
 {
     CameraModel model;
     model.kind = kind;
@@ -125,7 +125,7 @@ CameraModel vendorCamera(const std::string& kind, const std::string& firmware)
     return model;
 }
 
-CameraModel modelOfKind(const std::string& kind)
+CameraModel modelOfKind(std::string const& kind)
 {
     if (kind == "ordinary") {
         return ordinaryCamera();
@@ -141,22 +141,22 @@ CameraModel modelOfKind(const std::string& kind)
 
 } // namespace
 
-Bytes firmwareReply(const std::string& text)
+Bytes firmwareReply(std::string const& text)
 {
     Bytes reply(text.begin(), text.end());
     reply.push_back(0);
     return reply;
 }
 
-CameraModel parseModel(const std::string& text)
+CameraModel parseModel(std::string const& text)
 {
     std::istringstream words(text);
     std::string word;
     std::getline(words, word, ',');
     CameraModel model = modelOfKind(word);
     while (std::getline(words, word, ',')) {
-        const std::size_t sign = word.find('=');
-        const auto setter = setters().find(word.substr(0, sign));
+        std::size_t const sign = word.find('=');
+        auto const setter = setters().find(word.substr(0, sign));
         if (sign == std::string::npos || setter == setters().end()) {
             refuse("a camera has no property " + word);
         }

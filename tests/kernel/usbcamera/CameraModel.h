@@ -33,9 +33,9 @@ struct CameraModel
 
 /// Makes a model from a text like "vendor-new,serial=A1,speed=super": a kind (ordinary, vendor-old,
 /// vendor-new) and what differs from it. Throws std::invalid_argument with a sentence for the user.
-CameraModel parseModel(const std::string& text);
+CameraModel parseModel(std::string const& text);
 
 /// The firmware text as cameras send it: with its terminating zero byte.
-Bytes firmwareReply(const std::string& text);
+Bytes firmwareReply(std::string const& text);
 
 } // namespace UsbCamera

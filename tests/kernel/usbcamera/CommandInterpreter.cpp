@@ -12,7 +12,7 @@ namespace UsbCamera
 namespace
 {
 
-std::uint32_t number(const Words& words, std::size_t position, std::uint32_t otherwise,
+std::uint32_t number(Words const& words, std::size_t position, std::uint32_t otherwise,
                      std::uint32_t limit = std::numeric_limits<std::uint32_t>::max())
 {
     if (words.size() <= position) {
@@ -22,7 +22,7 @@ std::uint32_t number(const Words& words, std::size_t position, std::uint32_t oth
     unsigned long value = 0;
     try {
         value = std::stoul(words[position], &used, 0);
-    } catch (const std::logic_error&) {
+    } catch (std::logic_error const&) {
         used = 0;
     }
     if (used == 0 || used != words[position].size() || value > limit) {
@@ -31,7 +31,7 @@ std::uint32_t number(const Words& words, std::size_t position, std::uint32_t oth
     return static_cast<std::uint32_t>(value);
 }
 
-std::uint32_t number(const Words& words, std::size_t position)
+std::uint32_t number(Words const& words, std::size_t position)
 {
     if (words.size() <= position) {
         throw std::invalid_argument("a number is missing");
@@ -39,13 +39,13 @@ std::uint32_t number(const Words& words, std::size_t position)
     return number(words, position, 0);
 }
 
-std::uint8_t byte(const Words& words, std::size_t position)
+std::uint8_t byte(Words const& words, std::size_t position)
 {
     number(words, position);
     return static_cast<std::uint8_t>(number(words, position, 0, 0xff));
 }
 
-const std::string& text(const Words& words, std::size_t position)
+std::string const& text(Words const& words, std::size_t position)
 {
     if (words.size() <= position) {
         throw std::invalid_argument("an argument is missing");
@@ -53,7 +53,7 @@ const std::string& text(const Words& words, std::size_t position)
     return words[position];
 }
 
-std::optional<std::uint8_t> byteOrAny(const Words& words, std::size_t position)
+std::optional<std::uint8_t> byteOrAny(Words const& words, std::size_t position)
 {
     if (text(words, position) == "any") {
         return std::nullopt;
@@ -61,7 +61,7 @@ std::optional<std::uint8_t> byteOrAny(const Words& words, std::size_t position)
     return byte(words, position);
 }
 
-std::string addStall(CameraDevice& camera, const Words& words)
+std::string addStall(CameraDevice& camera, Words const& words)
 {
     if (text(words, 1) == "vendor") {
         camera.faults().vendorStalls = number(words, 2, 1);
@@ -79,14 +79,14 @@ std::string addStall(CameraDevice& camera, const Words& words)
     return "";
 }
 
-std::string setSerialMode(CameraDevice& camera, const Words& words)
+std::string setSerialMode(CameraDevice& camera, Words const& words)
 {
-    static const std::map<std::string, SerialMode> modes{{"normal", SerialMode::Normal},
+    static std::map<std::string, SerialMode> const modes{{"normal", SerialMode::Normal},
                                                          {"silent", SerialMode::Silent},
                                                          {"slow", SerialMode::Slow},
                                                          {"split", SerialMode::Split},
                                                          {"short", SerialMode::Short}};
-    const auto found = modes.find(text(words, 1));
+    auto const found = modes.find(text(words, 1));
     if (found == modes.end()) {
         throw std::invalid_argument("a serial port is normal, silent, slow, split or short");
     }
@@ -100,9 +100,9 @@ std::string setSerialMode(CameraDevice& camera, const Words& words)
     return "";
 }
 
-std::string unplug(CameraDevice& camera, const Words& words)
+std::string unplug(CameraDevice& camera, Words const& words)
 {
-    const std::string when = words.size() > 1 ? words[1] : "now";
+    std::string const when = words.size() > 1 ? words[1] : "now";
     if (when == "now") {
         camera.unplug("by command");
     } else if (when == "frame") {
@@ -150,11 +150,11 @@ CommandInterpreter::CommandInterpreter(std::vector<std::unique_ptr<CameraDevice>
 void CommandInterpreter::addPlugCommands()
 {
     _handlers["unplug"] = unplug;
-    _handlers["plug"] = [](CameraDevice& camera, const Words&) {
+    _handlers["plug"] = [](CameraDevice& camera, Words const&) {
         camera.plug();
         return std::string();
     };
-    _handlers["firmware"] = [](CameraDevice& camera, const Words& words) {
+    _handlers["firmware"] = [](CameraDevice& camera, Words const& words) {
         camera.model().firmware = firmwareReply(text(words, 1));
         return std::string();
     };
@@ -162,19 +162,19 @@ void CommandInterpreter::addPlugCommands()
 
 void CommandInterpreter::addStreamCommands()
 {
-    _handlers["corrupt"] = [](CameraDevice& camera, const Words& words) {
+    _handlers["corrupt"] = [](CameraDevice& camera, Words const& words) {
         camera.faults().corruptedFrames[number(words, 1)] = true;
         return std::string();
     };
-    _handlers["cut"] = [](CameraDevice& camera, const Words& words) {
+    _handlers["cut"] = [](CameraDevice& camera, Words const& words) {
         camera.faults().cutFrames[number(words, 1)] = number(words, 2);
         return std::string();
     };
-    _handlers["hold"] = [](CameraDevice& camera, const Words& words) {
+    _handlers["hold"] = [](CameraDevice& camera, Words const& words) {
         camera.faults().holdAtFrame = number(words, 1, 0);
         return std::string();
     };
-    _handlers["release"] = [](CameraDevice& camera, const Words&) {
+    _handlers["release"] = [](CameraDevice& camera, Words const&) {
         camera.faults().holdAtFrame.reset();
         return std::string();
     };
@@ -184,15 +184,15 @@ void CommandInterpreter::addControlCommands()
 {
     _handlers["stall"] = addStall;
     _handlers["serial"] = setSerialMode;
-    _handlers["length"] = [](CameraDevice& camera, const Words& words) {
+    _handlers["length"] = [](CameraDevice& camera, Words const& words) {
         camera.faults().lengths[{byte(words, 1), byte(words, 2)}] =
             static_cast<std::uint16_t>(number(words, 3, 0, 0xffff));
         return std::string();
     };
-    _handlers["get"] = [](CameraDevice& camera, const Words& words) {
+    _handlers["get"] = [](CameraDevice& camera, Words const& words) {
         return toHex(camera.controls().current(byte(words, 1), byte(words, 2)));
     };
-    _handlers["set"] = [](CameraDevice& camera, const Words& words) {
+    _handlers["set"] = [](CameraDevice& camera, Words const& words) {
         camera.controls().change(byte(words, 1), byte(words, 2), fromHex(text(words, 3)));
         return std::string();
     };
@@ -200,40 +200,40 @@ void CommandInterpreter::addControlCommands()
 
 void CommandInterpreter::addOtherCommands()
 {
-    _handlers["status"] = [](CameraDevice& camera, const Words&) { return describe(camera); };
-    _handlers["clear"] = [](CameraDevice& camera, const Words&) {
+    _handlers["status"] = [](CameraDevice& camera, Words const&) { return describe(camera); };
+    _handlers["clear"] = [](CameraDevice& camera, Words const&) {
         camera.faults() = Faults{};
         return std::string();
     };
-    _handlers["mark"] = [this](CameraDevice&, const Words& words) {
+    _handlers["mark"] = [this](CameraDevice&, Words const& words) {
         _log.event(_current, "mark", text(words, 1));
         return std::string();
     };
-    _handlers["quit"] = [this](CameraDevice&, const Words&) {
+    _handlers["quit"] = [this](CameraDevice&, Words const&) {
         _isQuitting = true;
         return std::string();
     };
 }
 
-std::string CommandInterpreter::executeWords(unsigned camera, const Words& words)
+std::string CommandInterpreter::executeWords(unsigned camera, Words const& words)
 {
     if (camera == 0 || camera > _cameras.size()) {
         return "error there is no camera " + std::to_string(camera);
     }
-    const auto handler = words.empty() ? _handlers.end() : _handlers.find(words[0]);
+    auto const handler = words.empty() ? _handlers.end() : _handlers.find(words[0]);
     if (handler == _handlers.end()) {
         std::string known;
-        for (const auto& entry : _handlers) {
+        for (auto const& entry : _handlers) {
             known += " " + entry.first;
         }
         return "error the commands are" + known;
     }
     _current = camera;
-    const std::string result = handler->second(*_cameras[camera - 1], words);
+    std::string const result = handler->second(*_cameras[camera - 1], words);
     return result.empty() ? "ok" : "ok " + result;
 }
 
-std::string CommandInterpreter::execute(const std::string& line)
+std::string CommandInterpreter::execute(std::string const& line)
 {
     std::istringstream stream(line);
     unsigned camera = 0;
@@ -245,7 +245,7 @@ std::string CommandInterpreter::execute(const std::string& line)
     }
     try {
         return executeWords(camera, words);
-    } catch (const std::exception& error) {
+    } catch (std::exception const& error) {
         return std::string("error ") + error.what();
     }
 }

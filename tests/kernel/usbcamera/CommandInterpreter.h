@@ -19,18 +19,18 @@ public:
 
     /// `line` is a camera's number, a command and its arguments. The answer is "ok", perhaps with
     /// a result behind it, or "error" and the reason.
-    std::string execute(const std::string& line);
+    std::string execute(std::string const& line);
 
     bool isQuitting() const { return _isQuitting; }
 
 private:
-    using Handler = std::function<std::string(CameraDevice&, const Words&)>;
+    using Handler = std::function<std::string(CameraDevice&, Words const&)>;
 
     void addPlugCommands();
     void addStreamCommands();
     void addControlCommands();
     void addOtherCommands();
-    std::string executeWords(unsigned number, const Words& words);
+    std::string executeWords(unsigned number, Words const& words);
 
     std::vector<std::unique_ptr<CameraDevice>>& _cameras;
     RequestLog& _log;

@@ -14,12 +14,12 @@ namespace UsbCamera
 namespace
 {
 
-[[noreturn]] void fail(const std::string& what)
+[[noreturn]] void fail(std::string const& what)
 {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-sockaddr_un makeAddress(const std::string& path)
+sockaddr_un makeAddress(std::string const& path)
 {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -33,14 +33,14 @@ sockaddr_un makeAddress(const std::string& path)
 
 int makeSocket()
 {
-    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    int const socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (socket < 0) {
         fail("socket");
     }
     return socket;
 }
 
-bool sendText(int socket, const std::string& text)
+bool sendText(int socket, std::string const& text)
 {
     return ::send(socket, text.data(), text.size(), MSG_NOSIGNAL) ==
            static_cast<ssize_t>(text.size());
@@ -48,14 +48,14 @@ bool sendText(int socket, const std::string& text)
 
 } // namespace
 
-CommandServer::CommandServer(const std::string& path, CommandInterpreter& interpreter)
+CommandServer::CommandServer(std::string const& path, CommandInterpreter& interpreter)
     : _path(path), _interpreter(interpreter), _listener(makeSocket())
 {
-    const sockaddr_un address = makeAddress(path);
+    sockaddr_un const address = makeAddress(path);
     ::unlink(path.c_str());
-    if (::bind(_listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+    if (::bind(_listener, reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0 ||
         ::listen(_listener, 8) != 0) {
-        const int error = errno;
+        int const error = errno;
         ::close(_listener);
         errno = error;
         fail(path);
@@ -64,7 +64,7 @@ CommandServer::CommandServer(const std::string& path, CommandInterpreter& interp
 
 CommandServer::~CommandServer()
 {
-    for (const auto& client : _clients) {
+    for (auto const& client : _clients) {
         ::close(client.first);
     }
     ::close(_listener);
@@ -74,14 +74,14 @@ CommandServer::~CommandServer()
 void CommandServer::addDescriptors(std::vector<pollfd>& descriptors) const
 {
     descriptors.push_back({_listener, POLLIN, 0});
-    for (const auto& client : _clients) {
+    for (auto const& client : _clients) {
         descriptors.push_back({client.first, POLLIN, 0});
     }
 }
 
-void CommandServer::handle(const std::vector<pollfd>& descriptors)
+void CommandServer::handle(std::vector<pollfd> const& descriptors)
 {
-    for (const pollfd& descriptor : descriptors) {
+    for (pollfd const& descriptor : descriptors) {
         if (descriptor.revents == 0) {
             continue;
         }
@@ -96,7 +96,7 @@ void CommandServer::handle(const std::vector<pollfd>& descriptors)
 
 void CommandServer::accept()
 {
-    const int client = ::accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC);
+    int const client = ::accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC);
     if (client >= 0) {
         _clients[client];
     }
@@ -105,14 +105,14 @@ void CommandServer::accept()
 bool CommandServer::read(int client)
 {
     char bytes[1024];
-    const ssize_t size = ::recv(client, bytes, sizeof bytes, 0);
+    ssize_t const size = ::recv(client, bytes, sizeof bytes, 0);
     if (size <= 0) {
         return false;
     }
     std::string& text = _clients[client];
     text.append(bytes, static_cast<std::size_t>(size));
     for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n')) {
-        const std::string line = text.substr(0, end);
+        std::string const line = text.substr(0, end);
         text.erase(0, end + 1);
         if (!sendText(client, _interpreter.execute(line) + "\n")) {
             return false;
@@ -121,19 +121,19 @@ bool CommandServer::read(int client)
     return true;
 }
 
-std::string sendCommand(const std::string& path, const std::string& line)
+std::string sendCommand(std::string const& path, std::string const& line)
 {
-    const sockaddr_un address = makeAddress(path);
-    const int socket = makeSocket();
+    sockaddr_un const address = makeAddress(path);
+    int const socket = makeSocket();
     std::string answer;
-    if (::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
+    if (::connect(socket, reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0 &&
         sendText(socket, line + "\n")) {
         char byte = 0;
         while (::recv(socket, &byte, 1, 0) == 1 && byte != '\n') {
             answer += byte;
         }
     }
-    const int error = errno;
+    int const error = errno;
     ::close(socket);
     if (answer.empty()) {
         errno = error;

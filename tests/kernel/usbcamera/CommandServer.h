@@ -14,13 +14,13 @@ class CommandServer
 {
 public:
     /// Throws std::system_error when the socket can't be made at this path.
-    CommandServer(const std::string& path, CommandInterpreter& interpreter);
+    CommandServer(std::string const& path, CommandInterpreter& interpreter);
     ~CommandServer();
-    CommandServer(const CommandServer&) = delete;
-    CommandServer& operator=(const CommandServer&) = delete;
+    CommandServer(CommandServer const&) = delete;
+    CommandServer& operator=(CommandServer const&) = delete;
 
     void addDescriptors(std::vector<pollfd>& descriptors) const;
-    void handle(const std::vector<pollfd>& descriptors);
+    void handle(std::vector<pollfd> const& descriptors);
 
 private:
     void accept();
@@ -33,6 +33,6 @@ private:
 };
 
 /// The other side: sends one line and returns the answer. Throws std::system_error.
-std::string sendCommand(const std::string& path, const std::string& line);
+std::string sendCommand(std::string const& path, std::string const& line);
 
 } // namespace UsbCamera

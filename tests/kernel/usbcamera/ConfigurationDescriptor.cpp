@@ -18,7 +18,7 @@ constexpr std::uint8_t interrupt = 3;
 constexpr std::uint8_t in = 0x80;
 
 /// Pays for the length byte that opens every descriptor.
-Bytes withLength(const Bytes& rest)
+Bytes withLength(Bytes const& rest)
 {
     Bytes bytes;
     bytes.reserve(rest.size() + 1);
@@ -39,7 +39,7 @@ Bytes makeInterface(std::uint8_t number, std::uint8_t endpoints, std::uint8_t in
     return {9, 4, number, 0, endpoints, interfaceClass, subclass, protocol, 0};
 }
 
-Bytes makeEndpoint(const CameraModel& model, unsigned address, std::uint8_t type)
+Bytes makeEndpoint(CameraModel const& model, unsigned address, std::uint8_t type)
 {
     Bytes bytes{7, 5, static_cast<std::uint8_t>(address), type};
     appendLittle(bytes, type == interrupt ? 16 : bulkPacketSize(model.speed), 2);
@@ -51,16 +51,16 @@ Bytes makeEndpoint(const CameraModel& model, unsigned address, std::uint8_t type
     return bytes;
 }
 
-std::uint64_t controlBits(const CameraModel& model, std::uint8_t unit)
+std::uint64_t controlBits(CameraModel const& model, std::uint8_t unit)
 {
     std::uint64_t bits = 0;
-    for (const ControlDefinition& definition : controlTable(model)) {
+    for (ControlDefinition const& definition : controlTable(model)) {
         bits |= definition.unit == unit ? std::uint64_t{1} << definition.descriptorBit : 0;
     }
     return bits;
 }
 
-Bytes makeCameraTerminal(const CameraModel& model)
+Bytes makeCameraTerminal(CameraModel const& model)
 {
     Bytes bytes{0x24, 2, cameraTerminal, 0x01, 0x02, 0, 0};
     // No optical zoom: the three focal lengths are 0.
@@ -70,7 +70,7 @@ Bytes makeCameraTerminal(const CameraModel& model)
     return withLength(bytes);
 }
 
-Bytes makeProcessingUnit(const CameraModel& model)
+Bytes makeProcessingUnit(CameraModel const& model)
 {
     Bytes bytes{0x24, 5, processingUnit, cameraTerminal, 0, 0, 3};
     appendLittle(bytes, controlBits(model, processingUnit), 3);
@@ -78,11 +78,11 @@ Bytes makeProcessingUnit(const CameraModel& model)
     return withLength(bytes);
 }
 
-Bytes makeExtensionUnit(const CameraModel& model)
+Bytes makeExtensionUnit(CameraModel const& model)
 {
     Bytes bytes{0x24, 6, extensionUnit, 0x01};
     appendLittle(bytes, 0, 15);
-    const std::uint64_t bits = controlBits(model, extensionUnit);
+    std::uint64_t const bits = controlBits(model, extensionUnit);
     bytes.push_back(static_cast<std::uint8_t>(__builtin_popcountll(bits)));
     append(bytes, {1, processingUnit, 4});
     appendLittle(bytes, bits, 4);
@@ -90,9 +90,9 @@ Bytes makeExtensionUnit(const CameraModel& model)
     return withLength(bytes);
 }
 
-Bytes makeVideoControl(const CameraModel& model)
+Bytes makeVideoControl(CameraModel const& model)
 {
-    const std::uint8_t last = model.hasExtensionUnit ? extensionUnit : processingUnit;
+    std::uint8_t const last = model.hasExtensionUnit ? extensionUnit : processingUnit;
     Bytes units = makeCameraTerminal(model);
     append(units, makeProcessingUnit(model));
     if (model.hasExtensionUnit) {
@@ -109,27 +109,27 @@ Bytes makeVideoControl(const CameraModel& model)
     return bytes;
 }
 
-Bytes makeSize(const VideoFormat& format, const VideoSize& size, std::uint8_t index)
+Bytes makeSize(VideoFormat const& format, VideoSize const& size, std::uint8_t index)
 {
-    const bool isMjpeg = format.kind == VideoFormat::Kind::Mjpeg;
+    bool const isMjpeg = format.kind == VideoFormat::Kind::Mjpeg;
     Bytes bytes{0x24, static_cast<std::uint8_t>(isMjpeg ? 7 : 5), index, 0};
     appendLittle(bytes, size.width, 2);
     appendLittle(bytes, size.height, 2);
-    const std::uint64_t bitsPerFrame = std::uint64_t{8} * frameBytes(size);
+    std::uint64_t const bitsPerFrame = std::uint64_t{8} * frameBytes(size);
     appendLittle(bytes, bitsPerFrame * 10000000 / size.intervals.back(), 4);
     appendLittle(bytes, bitsPerFrame * 10000000 / size.intervals.front(), 4);
     appendLittle(bytes, frameBytes(size), 4);
     appendLittle(bytes, size.intervals.front(), 4);
     bytes.push_back(static_cast<std::uint8_t>(size.intervals.size()));
-    for (const std::uint32_t interval : size.intervals) {
+    for (std::uint32_t const interval : size.intervals) {
         appendLittle(bytes, interval, 4);
     }
     return withLength(bytes);
 }
 
-Bytes makeFormat(const VideoFormat& format, std::uint8_t index)
+Bytes makeFormat(VideoFormat const& format, std::uint8_t index)
 {
-    const auto sizes = static_cast<std::uint8_t>(format.sizes.size());
+    auto const sizes = static_cast<std::uint8_t>(format.sizes.size());
     Bytes bytes;
     if (format.kind == VideoFormat::Kind::Mjpeg) {
         bytes = withLength({0x24, 6, index, sizes, 1, 1, 0, 0, 0, 0});
@@ -138,22 +138,22 @@ Bytes makeFormat(const VideoFormat& format, std::uint8_t index)
                             0,    0, 0xaa,  0,     0x38, 0x9b, 0x71, 16,  1, 0, 0,    0, 0});
     }
     std::uint8_t sizeIndex = 0;
-    for (const VideoSize& size : format.sizes) {
+    for (VideoSize const& size : format.sizes) {
         append(bytes, makeSize(format, size, ++sizeIndex));
     }
     append(bytes, {6, 0x24, 13, 1, 1, 4});
     return bytes;
 }
 
-Bytes makeVideoStreaming(const CameraModel& model)
+Bytes makeVideoStreaming(CameraModel const& model)
 {
     Bytes formats;
     std::uint8_t count = 0;
-    for (const VideoFormat& format : videoFormats()) {
+    for (VideoFormat const& format : videoFormats()) {
         append(formats, makeFormat(format, ++count));
     }
     Bytes bytes = makeInterface(videoStreamingInterface, 1, videoClass, 2, 0);
-    const auto headerSize = static_cast<std::uint8_t>(13 + count);
+    auto const headerSize = static_cast<std::uint8_t>(13 + count);
     append(bytes, {headerSize, 0x24, 1, count});
     appendLittle(bytes, headerSize + formats.size(), 2);
     append(bytes, {in | videoEndpoint, 0, outputTerminal, 0, 0, 0, 1});
@@ -175,7 +175,7 @@ Bytes makeFillers()
     return bytes;
 }
 
-Bytes makeSerialPort(const CameraModel& model)
+Bytes makeSerialPort(CameraModel const& model)
 {
     Bytes bytes = makeAssociation(serialControlInterface, 2, 2, 2, 0);
     append(bytes, makeInterface(serialControlInterface, 1, 2, 2, 0));
@@ -192,7 +192,7 @@ Bytes makeSerialPort(const CameraModel& model)
 
 } // namespace
 
-Bytes makeConfiguration(const CameraModel& model)
+Bytes makeConfiguration(CameraModel const& model)
 {
     Bytes interfaces = makeAssociation(videoControlInterface, 2, videoClass, 3, 0);
     append(interfaces, makeVideoControl(model));

@@ -8,6 +8,6 @@ namespace UsbCamera
 {
 
 /// The only configuration, with all its interfaces, endpoints and class descriptors.
-Bytes makeConfiguration(const CameraModel& model);
+Bytes makeConfiguration(CameraModel const& model);
 
 } // namespace UsbCamera

@@ -51,12 +51,12 @@ ControlReply answer(Bytes data)
 
 } // namespace
 
-ControlEndpoint::ControlEndpoint(const CameraModel& model, ControlSet& controls, Faults& faults)
+ControlEndpoint::ControlEndpoint(CameraModel const& model, ControlSet& controls, Faults& faults)
     : _model(model), _controls(controls), _faults(faults), _negotiation(model.speed)
 {
 }
 
-ControlReply ControlEndpoint::handle(const SetupPacket& setup, const Bytes& data)
+ControlReply ControlEndpoint::handle(SetupPacket const& setup, Bytes const& data)
 {
     ControlReply reply;
     switch (setup.requestType & typeMask) {
@@ -80,7 +80,7 @@ ControlReply ControlEndpoint::handle(const SetupPacket& setup, const Bytes& data
     return reply;
 }
 
-ControlReply ControlEndpoint::handleStandard(const SetupPacket& setup)
+ControlReply ControlEndpoint::handleStandard(SetupPacket const& setup)
 {
     constexpr std::uint8_t endpointRecipient = 2;
     switch (setup.request) {
@@ -115,7 +115,7 @@ ControlReply ControlEndpoint::handleStandard(const SetupPacket& setup)
     }
 }
 
-ControlReply ControlEndpoint::handleClass(const SetupPacket& setup, const Bytes& data)
+ControlReply ControlEndpoint::handleClass(SetupPacket const& setup, Bytes const& data)
 {
     switch (lowByte(setup.index)) {
     case videoControlInterface:
@@ -129,23 +129,23 @@ ControlReply ControlEndpoint::handleClass(const SetupPacket& setup, const Bytes&
     }
 }
 
-bool ControlEndpoint::isUnitRequest(const SetupPacket& setup)
+bool ControlEndpoint::isUnitRequest(SetupPacket const& setup)
 {
     return (setup.requestType & typeMask) == classType &&
            lowByte(setup.index) == videoControlInterface && highByte(setup.index) != 0;
 }
 
-ControlReply ControlEndpoint::handleUnit(const SetupPacket& setup, const Bytes& data)
+ControlReply ControlEndpoint::handleUnit(SetupPacket const& setup, Bytes const& data)
 {
-    const UnitRequest request{setup.request, highByte(setup.index), highByte(setup.value),
+    UnitRequest const request{setup.request, highByte(setup.index), highByte(setup.value),
                               setup.length, data};
-    const UnitReply reply = _controls.execute(request);
+    UnitReply const reply = _controls.execute(request);
     return reply.isRefused() ? ControlReply::stall() : answer(reply.data);
 }
 
-ControlReply ControlEndpoint::handleStreaming(const SetupPacket& setup, const Bytes& data)
+ControlReply ControlEndpoint::handleStreaming(SetupPacket const& setup, Bytes const& data)
 {
-    const std::uint8_t selector = highByte(setup.value);
+    std::uint8_t const selector = highByte(setup.value);
     if (setup.isIn()) {
         auto reply = _negotiation.read(selector, setup.request);
         return reply ? answer(*reply) : ControlReply::stall();
@@ -159,7 +159,7 @@ ControlReply ControlEndpoint::handleStreaming(const SetupPacket& setup, const By
                                        : ControlReply::Effect::None};
 }
 
-ControlReply ControlEndpoint::handleSerial(const SetupPacket& setup, const Bytes& data)
+ControlReply ControlEndpoint::handleSerial(SetupPacket const& setup, Bytes const& data)
 {
     switch (setup.request) {
     case setLineCoding:
@@ -175,7 +175,7 @@ ControlReply ControlEndpoint::handleSerial(const SetupPacket& setup, const Bytes
     }
 }
 
-ControlReply ControlEndpoint::handleVendor(const SetupPacket& setup)
+ControlReply ControlEndpoint::handleVendor(SetupPacket const& setup)
 {
     if (!_model.answersVendorRequests || !setup.isIn()) {
         return ControlReply::stall();

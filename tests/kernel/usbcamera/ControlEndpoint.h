@@ -24,24 +24,24 @@ struct ControlReply
 class ControlEndpoint
 {
 public:
-    ControlEndpoint(const CameraModel& model, ControlSet& controls, Faults& faults);
+    ControlEndpoint(CameraModel const& model, ControlSet& controls, Faults& faults);
 
-    ControlReply handle(const SetupPacket& setup, const Bytes& data);
+    ControlReply handle(SetupPacket const& setup, Bytes const& data);
 
-    const StreamNegotiation& negotiation() const { return _negotiation; }
+    StreamNegotiation const& negotiation() const { return _negotiation; }
 
     /// The entity that a request is for, when it is a video class request to one.
-    static bool isUnitRequest(const SetupPacket& setup);
+    static bool isUnitRequest(SetupPacket const& setup);
 
 private:
-    ControlReply handleStandard(const SetupPacket& setup);
-    ControlReply handleClass(const SetupPacket& setup, const Bytes& data);
-    ControlReply handleUnit(const SetupPacket& setup, const Bytes& data);
-    ControlReply handleStreaming(const SetupPacket& setup, const Bytes& data);
-    ControlReply handleSerial(const SetupPacket& setup, const Bytes& data);
-    ControlReply handleVendor(const SetupPacket& setup);
+    ControlReply handleStandard(SetupPacket const& setup);
+    ControlReply handleClass(SetupPacket const& setup, Bytes const& data);
+    ControlReply handleUnit(SetupPacket const& setup, Bytes const& data);
+    ControlReply handleStreaming(SetupPacket const& setup, Bytes const& data);
+    ControlReply handleSerial(SetupPacket const& setup, Bytes const& data);
+    ControlReply handleVendor(SetupPacket const& setup);
 
-    const CameraModel& _model;
+    CameraModel const& _model;
     ControlSet& _controls;
     Faults& _faults;
     StreamNegotiation _negotiation;

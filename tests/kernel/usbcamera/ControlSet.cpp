@@ -13,30 +13,30 @@ namespace
 constexpr std::uint8_t interfaceEntity = 0;
 constexpr std::uint8_t errorCodeSelector = 2;
 
-Bytes pack(const ControlDefinition& definition, std::int64_t ControlField::*member)
+Bytes pack(ControlDefinition const& definition, std::int64_t ControlField::*member)
 {
     Bytes bytes;
-    for (const ControlField& field : definition.fields) {
+    for (ControlField const& field : definition.fields) {
         appendLittle(bytes, static_cast<std::uint64_t>(field.*member), field.size);
     }
     return bytes;
 }
 
-std::int64_t fieldValue(const ControlField& field, const Bytes& data, std::size_t offset)
+std::int64_t fieldValue(ControlField const& field, Bytes const& data, std::size_t offset)
 {
-    const std::uint64_t raw = readLittle(data, offset, field.size);
-    const std::uint64_t sign = std::uint64_t{1} << (8 * field.size - 1);
+    std::uint64_t const raw = readLittle(data, offset, field.size);
+    std::uint64_t const sign = std::uint64_t{1} << (8 * field.size - 1);
     if (field.isSigned && (raw & sign) != 0) {
         return static_cast<std::int64_t>(raw | ~(sign - 1));
     }
     return static_cast<std::int64_t>(raw);
 }
 
-bool isInRange(const ControlDefinition& definition, const Bytes& data)
+bool isInRange(ControlDefinition const& definition, Bytes const& data)
 {
     std::size_t offset = 0;
-    for (const ControlField& field : definition.fields) {
-        const std::int64_t value = fieldValue(field, data, offset);
+    for (ControlField const& field : definition.fields) {
+        std::int64_t const value = fieldValue(field, data, offset);
         if (value < field.minimum || value > field.maximum) {
             return false;
         }
@@ -54,22 +54,22 @@ Bytes little(std::uint64_t value, std::size_t size)
 
 } // namespace
 
-ControlSet::ControlSet(const CameraModel& model, Faults& faults) : _faults(faults)
+ControlSet::ControlSet(CameraModel const& model, Faults& faults) : _faults(faults)
 {
-    for (const ControlDefinition& definition : controlTable(model)) {
+    for (ControlDefinition const& definition : controlTable(model)) {
         _controls[{definition.unit, definition.selector}] =
             Control{definition, pack(definition, &ControlField::initial)};
     }
 }
 
-UnitReply ControlSet::execute(const UnitRequest& request)
+UnitReply ControlSet::execute(UnitRequest const& request)
 {
     if (request.unit == interfaceEntity) {
         return readErrorCode(request);
     }
     UnitReply reply;
-    const auto found = _controls.find({request.unit, request.selector});
-    if (const auto stall = _faults.takeStall(request.unit, request.selector, request.code)) {
+    auto const found = _controls.find({request.unit, request.selector});
+    if (auto const stall = _faults.takeStall(request.unit, request.selector, request.code)) {
         reply.error = *stall;
     } else if (request.unit > extensionUnit) {
         reply.error = UvcError::InvalidUnit;
@@ -84,7 +84,7 @@ UnitReply ControlSet::execute(const UnitRequest& request)
     return reply;
 }
 
-UnitReply ControlSet::readErrorCode(const UnitRequest& request) const
+UnitReply ControlSet::readErrorCode(UnitRequest const& request) const
 {
     if (request.selector != errorCodeSelector || request.code != getCur) {
         return {UvcError::InvalidControl, {}};
@@ -92,9 +92,9 @@ UnitReply ControlSet::readErrorCode(const UnitRequest& request) const
     return {UvcError::None, {static_cast<std::uint8_t>(_lastError)}};
 }
 
-UnitReply ControlSet::read(const Control& control, const UnitRequest& request) const
+UnitReply ControlSet::read(Control const& control, UnitRequest const& request) const
 {
-    const ControlDefinition& definition = control.definition;
+    ControlDefinition const& definition = control.definition;
     switch (request.code) {
     case getCur:
         return {UvcError::None, control.current};
@@ -109,8 +109,8 @@ UnitReply ControlSet::read(const Control& control, const UnitRequest& request) c
     case getInfo:
         return {UvcError::None, {definition.info}};
     case getLen: {
-        const auto absurd = _faults.lengths.find({request.unit, request.selector});
-        const std::size_t length =
+        auto const absurd = _faults.lengths.find({request.unit, request.selector});
+        std::size_t const length =
             absurd == _faults.lengths.end() ? control.current.size() : absurd->second;
         return {UvcError::None, little(length, 2)};
     }
@@ -119,7 +119,7 @@ UnitReply ControlSet::read(const Control& control, const UnitRequest& request) c
     }
 }
 
-UnitReply ControlSet::write(Control& control, const Bytes& data)
+UnitReply ControlSet::write(Control& control, Bytes const& data)
 {
     if ((control.definition.info & canSet) == 0) {
         return {UvcError::InvalidRequest, {}};
@@ -133,14 +133,14 @@ UnitReply ControlSet::write(Control& control, const Bytes& data)
 
 Bytes ControlSet::current(std::uint8_t unit, std::uint8_t selector) const
 {
-    const auto found = _controls.find({unit, selector});
+    auto const found = _controls.find({unit, selector});
     if (found == _controls.end()) {
         throw std::invalid_argument("the camera has no such control");
     }
     return found->second.current;
 }
 
-void ControlSet::change(std::uint8_t unit, std::uint8_t selector, const Bytes& data)
+void ControlSet::change(std::uint8_t unit, std::uint8_t selector, Bytes const& data)
 {
     if (data.size() != current(unit, selector).size()) {
         throw std::invalid_argument("the control has another length");

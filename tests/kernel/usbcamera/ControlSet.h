@@ -32,14 +32,14 @@ struct UnitReply
 class ControlSet
 {
 public:
-    ControlSet(const CameraModel& model, Faults& faults);
+    ControlSet(CameraModel const& model, Faults& faults);
 
-    UnitReply execute(const UnitRequest& request);
+    UnitReply execute(UnitRequest const& request);
 
     /// Direct access for the user of the emulation: no faults, no range check, and read-only
     /// controls change too. Throws std::invalid_argument for a control that there isn't.
     Bytes current(std::uint8_t unit, std::uint8_t selector) const;
-    void change(std::uint8_t unit, std::uint8_t selector, const Bytes& data);
+    void change(std::uint8_t unit, std::uint8_t selector, Bytes const& data);
 
     /// Back to the values of a camera that was just switched on.
     void reset();
@@ -52,9 +52,9 @@ private:
     };
     using Key = std::pair<std::uint8_t, std::uint8_t>;
 
-    UnitReply read(const Control& control, const UnitRequest& request) const;
-    UnitReply write(Control& control, const Bytes& data);
-    UnitReply readErrorCode(const UnitRequest& request) const;
+    UnitReply read(Control const& control, UnitRequest const& request) const;
+    UnitReply write(Control& control, Bytes const& data);
+    UnitReply readErrorCode(UnitRequest const& request) const;
 
     std::map<Key, Control> _controls;
     Faults& _faults;

@@ -39,7 +39,7 @@ using Table = std::vector<ControlDefinition>;
 /// that there are.
 Table commonControls(bool isVendor)
 {
-    const ControlField exposureMode = isVendor ? byte(1, 2, 2, 3) : byte(1, 8, 8, 9);
+    ControlField const exposureMode = isVendor ? byte(1, 2, 2, 3) : byte(1, 8, 8, 9);
     return {
         {cameraTerminal, 2, 1, plain, {exposureMode}},
         {cameraTerminal, 4, 3, plain, {longWord(1, 10000, 156)}},
@@ -78,10 +78,10 @@ Table ordinaryControls()
 /// The vendor's own controls; bit n - 1 of the descriptor stands for selector n.
 Table extensionControls()
 {
-    const ControlField coordinate = word(0, 4095, 0);
-    const ControlField anyWord = longWord(0, 0xffffffff, 0);
-    const ControlField gain = word(0, 1023, 256);
-    const ControlField angle = word(-180, 180, 0);
+    ControlField const coordinate = word(0, 4095, 0);
+    ControlField const anyWord = longWord(0, 0xffffffff, 0);
+    ControlField const gain = word(0, 1023, 256);
+    ControlField const angle = word(-180, 180, 0);
     Table table{
         {extensionUnit, 1, 0, plain, {byte(0, 3, 0)}},
         {extensionUnit, 2, 0, plain, {word(0, 1000, 500)}},
@@ -113,14 +113,14 @@ Table extensionControls()
 
 } // namespace
 
-std::vector<ControlDefinition> controlTable(const CameraModel& model)
+std::vector<ControlDefinition> controlTable(CameraModel const& model)
 {
-    const bool isVendor = model.kind != "ordinary";
+    bool const isVendor = model.kind != "ordinary";
     Table table = commonControls(isVendor);
-    const Table more = isVendor ? Table{} : ordinaryControls();
+    Table const more = isVendor ? Table{} : ordinaryControls();
     table.insert(table.end(), more.begin(), more.end());
     if (model.hasExtensionUnit) {
-        const Table extension = extensionControls();
+        Table const extension = extensionControls();
         table.insert(table.end(), extension.begin(), extension.end());
     }
     return table;

@@ -40,6 +40,6 @@ struct ControlDefinition
 };
 
 /// Every control that a camera of this model has.
-std::vector<ControlDefinition> controlTable(const CameraModel& model);
+std::vector<ControlDefinition> controlTable(CameraModel const& model);
 
 } // namespace UsbCamera

@@ -15,7 +15,7 @@ constexpr unsigned stringType = 3;
 constexpr unsigned qualifierType = 6;
 constexpr unsigned storeType = 15;
 
-Bytes makeDevice(const CameraModel& model)
+Bytes makeDevice(CameraModel const& model)
 {
     Bytes bytes{18, deviceType};
     appendLittle(bytes, model.usbRelease, 2);
@@ -32,7 +32,7 @@ Bytes makeDevice(const CameraModel& model)
     return bytes;
 }
 
-Bytes makeQualifier(const CameraModel& model)
+Bytes makeQualifier(CameraModel const& model)
 {
     Bytes bytes{10, qualifierType};
     appendLittle(bytes, model.usbRelease, 2);
@@ -42,7 +42,7 @@ Bytes makeQualifier(const CameraModel& model)
 
 /// The binary object store, which hosts ask newer devices for: link power management and, for a
 /// super-speed device, its speeds.
-Bytes makeStore(const CameraModel& model)
+Bytes makeStore(CameraModel const& model)
 {
     Bytes capabilities{7, 16, 2, 0, 0, 0, 0};
     std::uint8_t count = 1;
@@ -57,18 +57,18 @@ Bytes makeStore(const CameraModel& model)
     return bytes;
 }
 
-std::optional<Bytes> makeString(const CameraModel& model, unsigned index)
+std::optional<Bytes> makeString(CameraModel const& model, unsigned index)
 {
     if (index == 0) {
         return Bytes{4, stringType, 0x09, 0x04};
     }
-    const std::string texts[] = {model.manufacturer, model.product, model.serialNumber};
+    std::string const texts[] = {model.manufacturer, model.product, model.serialNumber};
     if (index > 3 || texts[index - 1].empty()) {
         return std::nullopt;
     }
     Bytes bytes{0, stringType};
     // A descriptor's length is one byte: 126 characters at most.
-    for (const char character : texts[index - 1].substr(0, 126)) {
+    for (char const character : texts[index - 1].substr(0, 126)) {
         append(bytes, {static_cast<std::uint8_t>(character), 0});
     }
     bytes[0] = static_cast<std::uint8_t>(bytes.size());
@@ -90,7 +90,7 @@ std::uint16_t bulkPacketSize(Speed speed)
     return 1024;
 }
 
-std::optional<Bytes> makeDescriptor(const CameraModel& model, unsigned type, unsigned index)
+std::optional<Bytes> makeDescriptor(CameraModel const& model, unsigned type, unsigned index)
 {
     if (type == stringType) {
         return makeString(model, index);

@@ -24,6 +24,6 @@ constexpr std::uint8_t serialDataInterface = 6;
 std::uint16_t bulkPacketSize(Speed speed);
 
 /// Answers GET_DESCRIPTOR: the descriptor of a type and index; nothing when there is none.
-std::optional<Bytes> makeDescriptor(const CameraModel& model, unsigned type, unsigned index);
+std::optional<Bytes> makeDescriptor(CameraModel const& model, unsigned type, unsigned index);
 
 } // namespace UsbCamera

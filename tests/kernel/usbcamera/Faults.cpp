@@ -7,7 +7,7 @@ namespace UsbCamera
 namespace
 {
 
-bool matches(const std::optional<std::uint8_t>& wanted, std::uint8_t value)
+bool matches(std::optional<std::uint8_t> const& wanted, std::uint8_t value)
 {
     return !wanted.has_value() || *wanted == value;
 }

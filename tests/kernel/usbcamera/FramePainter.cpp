@@ -61,7 +61,7 @@ void FramePainter::paintBars()
                                             {41, 240, 110},  {16, 128, 128}};
     for (unsigned y = 0; y < _height; ++y) {
         for (unsigned x = 0; x < _width; x += 2) {
-            const auto& colour = colours[x * 8 / _width];
+            auto const& colour = colours[x * 8 / _width];
             std::uint8_t* pair = &_picture[std::size_t{2} * (y * _width + x)];
             pair[0] = colour[0];
             pair[1] = colour[1];
@@ -90,29 +90,29 @@ unsigned FramePainter::dotSize() const
 
 void FramePainter::paintDigit(unsigned position, unsigned digit)
 {
-    const unsigned dot = dotSize();
-    const unsigned left = 2 + position * (glyphWidth + 1) * dot;
+    unsigned const dot = dotSize();
+    unsigned const left = 2 + position * (glyphWidth + 1) * dot;
     for (unsigned row = 0; row < glyphHeight; ++row) {
         for (unsigned column = 0; column < glyphWidth; ++column) {
-            const bool isSet = (glyphs[digit][row] >> (glyphWidth - 1 - column) & 1) != 0;
+            bool const isSet = (glyphs[digit][row] >> (glyphWidth - 1 - column) & 1) != 0;
             fill(left + column * dot, digitTop + row * dot, dot, dot, isSet ? white : black);
         }
     }
 }
 
-const Bytes& FramePainter::paint(std::uint32_t number)
+Bytes const& FramePainter::paint(std::uint32_t number)
 {
     // Only what differs from the picture before: emulated processors are slow.
-    const unsigned blockWidth = _width / bits;
+    unsigned const blockWidth = _width / bits;
     for (unsigned bit = 0; bit < bits; ++bit) {
-        const std::uint32_t mask = std::uint32_t{1} << (bits - 1 - bit);
+        std::uint32_t const mask = std::uint32_t{1} << (bits - 1 - bit);
         if (((number ^ _number) & mask) != 0) {
             fill(bit * blockWidth, 0, blockWidth, blockHeight,
                  (number & mask) != 0 ? white : black);
         }
     }
     for (unsigned position = 0; position < digits; ++position) {
-        const unsigned digit = digitOf(number, position);
+        unsigned const digit = digitOf(number, position);
         if (digit != digitOf(_number, position)) {
             paintDigit(position, digit);
         }
@@ -121,13 +121,13 @@ const Bytes& FramePainter::paint(std::uint32_t number)
     return _picture;
 }
 
-std::uint32_t FramePainter::readNumber(const std::uint8_t* picture, unsigned width)
+std::uint32_t FramePainter::readNumber(std::uint8_t const* picture, unsigned width)
 {
-    const unsigned blockWidth = width / bits;
+    unsigned const blockWidth = width / bits;
     std::uint32_t number = 0;
     for (unsigned bit = 0; bit < bits; ++bit) {
-        const unsigned x = bit * blockWidth + blockWidth / 2;
-        const unsigned luma = picture[std::size_t{2} * (blockHeight / 2 * width + x)];
+        unsigned const x = bit * blockWidth + blockWidth / 2;
+        unsigned const luma = picture[std::size_t{2} * (blockHeight / 2 * width + x)];
         number = number << 1 | (luma > 125 ? 1U : 0U);
     }
     return number;

@@ -16,10 +16,10 @@ public:
     FramePainter(unsigned width, unsigned height);
 
     /// The bytes stay good until the next call.
-    const Bytes& paint(std::uint32_t number);
+    Bytes const& paint(std::uint32_t number);
 
     /// The number that the blocks of a picture show.
-    static std::uint32_t readNumber(const std::uint8_t* picture, unsigned width);
+    static std::uint32_t readNumber(std::uint8_t const* picture, unsigned width);
 
 private:
     void fill(unsigned x, unsigned y, unsigned width, unsigned height, std::uint8_t luma);

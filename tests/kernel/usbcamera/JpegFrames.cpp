@@ -14,21 +14,21 @@ namespace UsbCamera
 namespace
 {
 
-const std::string label = "frame ";
+std::string const label = "frame ";
 constexpr std::size_t numberDigits = 10;
 /// The comment follows the first marker, well within these bytes.
 constexpr std::size_t searchedBytes = 64;
 
 std::string numberText(std::uint32_t number)
 {
-    const std::string text = std::to_string(number);
+    std::string const text = std::to_string(number);
     return std::string(numberDigits - text.size(), '0') + text;
 }
 
-std::size_t findNumber(const std::uint8_t* image, std::size_t size)
+std::size_t findNumber(std::uint8_t const* image, std::size_t size)
 {
-    const std::uint8_t* end = image + std::min(size, searchedBytes);
-    const std::uint8_t* found = std::search(image, end, label.begin(), label.end());
+    std::uint8_t const* end = image + std::min(size, searchedBytes);
+    std::uint8_t const* found = std::search(image, end, label.begin(), label.end());
     if (found == end ||
         static_cast<std::size_t>(found - image) + label.size() + numberDigits > size) {
         throw std::invalid_argument("the image has no frame number");
@@ -36,14 +36,14 @@ std::size_t findNumber(const std::uint8_t* image, std::size_t size)
     return static_cast<std::size_t>(found - image) + label.size();
 }
 
-void writeLines(jpeg_compress_struct& compressor, const Bytes& picture)
+void writeLines(jpeg_compress_struct& compressor, Bytes const& picture)
 {
-    const std::size_t width = compressor.image_width;
+    std::size_t const width = compressor.image_width;
     Bytes line(3 * width);
     while (compressor.next_scanline < compressor.image_height) {
-        const std::uint8_t* from = &picture[2 * width * compressor.next_scanline];
+        std::uint8_t const* from = &picture[2 * width * compressor.next_scanline];
         for (std::size_t x = 0; x < width; ++x) {
-            const std::uint8_t* pair = from + x / 2 * 4;
+            std::uint8_t const* pair = from + x / 2 * 4;
             line[3 * x] = pair[x % 2 * 2];
             line[3 * x + 1] = pair[1];
             line[3 * x + 2] = pair[3];
@@ -64,7 +64,7 @@ JpegFrames::JpegFrames(unsigned width, unsigned height)
     }
 }
 
-Bytes JpegFrames::encode(const Bytes& picture) const
+Bytes JpegFrames::encode(Bytes const& picture) const
 {
     jpeg_compress_struct compressor{};
     jpeg_error_mgr errors{};
@@ -82,8 +82,8 @@ Bytes JpegFrames::encode(const Bytes& picture) const
     // The same subsampling as the picture's own.
     compressor.comp_info[0].v_samp_factor = 1;
     jpeg_start_compress(&compressor, TRUE);
-    const std::string comment = label + numberText(0);
-    jpeg_write_marker(&compressor, JPEG_COM, reinterpret_cast<const JOCTET*>(comment.data()),
+    std::string const comment = label + numberText(0);
+    jpeg_write_marker(&compressor, JPEG_COM, reinterpret_cast<JOCTET const*>(comment.data()),
                       static_cast<unsigned>(comment.size()));
     writeLines(compressor, picture);
     jpeg_finish_compress(&compressor);
@@ -93,18 +93,18 @@ Bytes JpegFrames::encode(const Bytes& picture) const
     return image;
 }
 
-const Bytes& JpegFrames::frame(std::uint32_t number)
+Bytes const& JpegFrames::frame(std::uint32_t number)
 {
     Bytes& image = _images[number % pictures];
-    const std::string text = numberText(number);
+    std::string const text = numberText(number);
     std::copy(text.begin(), text.end(),
               image.begin() + static_cast<std::ptrdiff_t>(findNumber(image.data(), image.size())));
     return image;
 }
 
-std::uint32_t JpegFrames::readNumber(const std::uint8_t* image, std::size_t size)
+std::uint32_t JpegFrames::readNumber(std::uint8_t const* image, std::size_t size)
 {
-    const std::size_t offset = findNumber(image, size);
+    std::size_t const offset = findNumber(image, size);
     return static_cast<std::uint32_t>(
         std::stoul(std::string(image + offset, image + offset + numberDigits)));
 }

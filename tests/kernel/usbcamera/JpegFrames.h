@@ -16,15 +16,15 @@ public:
     JpegFrames(unsigned width, unsigned height);
 
     /// The bytes stay good until the next call with a number that is equal modulo 8.
-    const Bytes& frame(std::uint32_t number);
+    Bytes const& frame(std::uint32_t number);
 
     static constexpr std::uint32_t pictures = 8;
 
     /// The number in an image's comment; throws std::invalid_argument when there is none.
-    static std::uint32_t readNumber(const std::uint8_t* image, std::size_t size);
+    static std::uint32_t readNumber(std::uint8_t const* image, std::size_t size);
 
 private:
-    Bytes encode(const Bytes& picture) const;
+    Bytes encode(Bytes const& picture) const;
 
     unsigned _width;
     unsigned _height;

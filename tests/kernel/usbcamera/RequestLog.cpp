@@ -16,9 +16,9 @@ namespace
 
 using Json = nlohmann::ordered_json;
 
-Json makeLine(unsigned camera, const std::string& kind)
+Json makeLine(unsigned camera, std::string const& kind)
 {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    auto const now = std::chrono::steady_clock::now().time_since_epoch();
     Json line;
     line["time"] = std::chrono::duration<double>(now).count();
     line["camera"] = camera;
@@ -26,13 +26,13 @@ Json makeLine(unsigned camera, const std::string& kind)
     return line;
 }
 
-void write(std::FILE* file, const Json& line)
+void write(std::FILE* file, Json const& line)
 {
     std::fputs((line.dump() + "\n").c_str(), file);
     std::fflush(file);
 }
 
-std::string kindOf(const SetupPacket& setup)
+std::string kindOf(SetupPacket const& setup)
 {
     switch (setup.requestType >> 5 & 3) {
     case 0:
@@ -57,7 +57,7 @@ std::string kindOf(const SetupPacket& setup)
 
 } // namespace
 
-RequestLog::RequestLog(const std::string& fileName)
+RequestLog::RequestLog(std::string const& fileName)
 {
     if (fileName.empty()) {
         return;
@@ -68,13 +68,13 @@ RequestLog::RequestLog(const std::string& fileName)
     }
 }
 
-void RequestLog::control(unsigned camera, const SetupPacket& setup, const Bytes& sent,
-                         const ControlReply& reply)
+void RequestLog::control(unsigned camera, SetupPacket const& setup, Bytes const& sent,
+                         ControlReply const& reply)
 {
     if (_file == nullptr) {
         return;
     }
-    const std::string kind = kindOf(setup);
+    std::string const kind = kindOf(setup);
     Json line = makeLine(camera, kind);
     if (kind == "standard" || kind == "port") {
         line["request"] = setup.request;
@@ -94,8 +94,8 @@ void RequestLog::control(unsigned camera, const SetupPacket& setup, const Bytes&
     write(_file.get(), line);
 }
 
-void RequestLog::serial(unsigned camera, const UnitRequest& request, const Bytes& packet,
-                        const UnitReply& reply, const Bytes& answer)
+void RequestLog::serial(unsigned camera, UnitRequest const& request, Bytes const& packet,
+                        UnitReply const& reply, Bytes const& answer)
 {
     if (_file == nullptr) {
         return;
@@ -112,7 +112,7 @@ void RequestLog::serial(unsigned camera, const UnitRequest& request, const Bytes
     write(_file.get(), line);
 }
 
-void RequestLog::event(unsigned camera, const std::string& name, const std::string& detail)
+void RequestLog::event(unsigned camera, std::string const& name, std::string const& detail)
 {
     if (_file == nullptr) {
         return;

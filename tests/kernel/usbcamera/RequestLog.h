@@ -15,13 +15,13 @@ class RequestLog
 {
 public:
     /// An empty name: nothing is written. Throws std::system_error when the file can't be made.
-    explicit RequestLog(const std::string& fileName);
+    explicit RequestLog(std::string const& fileName);
 
-    void control(unsigned camera, const SetupPacket& setup, const Bytes& sent,
-                 const ControlReply& reply);
-    void serial(unsigned camera, const UnitRequest& request, const Bytes& packet,
-                const UnitReply& reply, const Bytes& answer);
-    void event(unsigned camera, const std::string& name, const std::string& detail = "");
+    void control(unsigned camera, SetupPacket const& setup, Bytes const& sent,
+                 ControlReply const& reply);
+    void serial(unsigned camera, UnitRequest const& request, Bytes const& packet,
+                UnitReply const& reply, Bytes const& answer);
+    void event(unsigned camera, std::string const& name, std::string const& detail = "");
 
 private:
     struct Closer

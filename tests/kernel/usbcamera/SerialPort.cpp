@@ -14,7 +14,7 @@ constexpr std::size_t largestData = 64;
 constexpr std::uint8_t setType = 0x21;
 constexpr std::uint8_t getType = 0xa1;
 
-UnitRequest parse(const Bytes& packet)
+UnitRequest parse(Bytes const& packet)
 {
     UnitRequest request;
     request.code = packet[1];
@@ -32,10 +32,10 @@ SerialPort::SerialPort(unsigned camera, ControlSet& controls, Faults& faults, Re
 {
 }
 
-bool SerialPort::receive(const Bytes& bytes, Clock::time_point now)
+bool SerialPort::receive(Bytes const& bytes, Clock::time_point now)
 {
     append(_received, bytes);
-    while (const auto packet = takePacket()) {
+    while (auto const packet = takePacket()) {
         ++_packets;
         if (countDown(_faults.unplugInSerial)) {
             return false;
@@ -53,7 +53,7 @@ std::optional<Bytes> SerialPort::takePacket()
     std::size_t size = headerSize;
     bool isPacket = _received[0] == setType || _received[0] == getType;
     if (isPacket && _received.size() >= headerSize && _received[0] == setType) {
-        const auto dataSize = static_cast<std::size_t>(readLittle(_received, 6, 2));
+        auto const dataSize = static_cast<std::size_t>(readLittle(_received, 6, 2));
         size += dataSize;
         isPacket = dataSize <= largestData;
     }
@@ -66,15 +66,15 @@ std::optional<Bytes> SerialPort::takePacket()
     if (_received.size() < size) {
         return std::nullopt;
     }
-    const auto end = _received.begin() + static_cast<std::ptrdiff_t>(size);
+    auto const end = _received.begin() + static_cast<std::ptrdiff_t>(size);
     Bytes packet(_received.begin(), end);
     _received.erase(_received.begin(), end);
     return packet;
 }
 
-void SerialPort::execute(const Bytes& packet, Clock::time_point now)
+void SerialPort::execute(Bytes const& packet, Clock::time_point now)
 {
-    const UnitRequest request = parse(packet);
+    UnitRequest const request = parse(packet);
     UnitReply reply = _controls.execute(request);
     Bytes bytes;
     if (!reply.isRefused()) {
@@ -88,9 +88,9 @@ void SerialPort::execute(const Bytes& packet, Clock::time_point now)
     }
 }
 
-void SerialPort::answer(const Bytes& reply, Clock::time_point now)
+void SerialPort::answer(Bytes const& reply, Clock::time_point now)
 {
-    const auto middle = reply.begin() + static_cast<std::ptrdiff_t>(reply.size() / 2);
+    auto const middle = reply.begin() + static_cast<std::ptrdiff_t>(reply.size() / 2);
     switch (_faults.serialMode) {
     case SerialMode::Normal:
         _pieces.push_back({now, reply});
@@ -105,7 +105,7 @@ void SerialPort::answer(const Bytes& reply, Clock::time_point now)
         _pieces.push_back({now + _faults.serialDelay, Bytes(middle, reply.end())});
         break;
     case SerialMode::Short: {
-        const std::size_t size = std::min(_faults.serialSize, reply.size());
+        std::size_t const size = std::min(_faults.serialSize, reply.size());
         if (size > 0) {
             _pieces.push_back(
                 {now, Bytes(reply.begin(), reply.begin() + static_cast<std::ptrdiff_t>(size))});
@@ -122,9 +122,9 @@ void SerialPort::submit(std::uint32_t sequence, std::size_t length)
 
 bool SerialPort::unlink(std::uint32_t sequence)
 {
-    const auto found =
+    auto const found =
         std::find_if(_transfers.begin(), _transfers.end(),
-                     [sequence](const auto& entry) { return entry.first == sequence; });
+                     [sequence](auto const& entry) { return entry.first == sequence; });
     if (found == _transfers.end()) {
         return false;
     }
@@ -142,8 +142,8 @@ void SerialPort::reset()
 Served SerialPort::serve(UsbIpConnection& connection, Clock::time_point now)
 {
     while (!_transfers.empty() && !_pieces.empty() && _pieces.front().due <= now) {
-        const auto transfer = _transfers.front();
-        const Bytes bytes = _pieces.front().bytes;
+        auto const transfer = _transfers.front();
+        Bytes const bytes = _pieces.front().bytes;
         _transfers.pop_front();
         _pieces.pop_front();
         if (!connection.complete(transfer.first, bytes)) {

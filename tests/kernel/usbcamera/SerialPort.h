@@ -19,7 +19,7 @@ public:
     SerialPort(unsigned camera, ControlSet& controls, Faults& faults, RequestLog& log);
 
     /// Takes bytes as they come; false when the camera is to be unplugged now.
-    bool receive(const Bytes& bytes, Clock::time_point now);
+    bool receive(Bytes const& bytes, Clock::time_point now);
 
     void submit(std::uint32_t sequence, std::size_t length);
     bool unlink(std::uint32_t sequence);
@@ -40,8 +40,8 @@ private:
     };
 
     std::optional<Bytes> takePacket();
-    void execute(const Bytes& packet, Clock::time_point now);
-    void answer(const Bytes& reply, Clock::time_point now);
+    void execute(Bytes const& packet, Clock::time_point now);
+    void answer(Bytes const& reply, Clock::time_point now);
 
     unsigned _camera;
     ControlSet& _controls;

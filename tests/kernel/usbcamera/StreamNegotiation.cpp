@@ -26,7 +26,7 @@ std::uint32_t distance(std::uint32_t a, std::uint32_t b)
     return a > b ? a - b : b - a;
 }
 
-std::uint32_t nearestInterval(const VideoSize& size, std::uint32_t wanted)
+std::uint32_t nearestInterval(VideoSize const& size, std::uint32_t wanted)
 {
     if (wanted == 0) {
         return size.intervals.front();
@@ -37,7 +37,7 @@ std::uint32_t nearestInterval(const VideoSize& size, std::uint32_t wanted)
                              });
 }
 
-StreamChoice choiceFrom(const Bytes& record)
+StreamChoice choiceFrom(Bytes const& record)
 {
     StreamChoice choice;
     choice.format = choose(readLittle(record, 2, 1), videoFormats().size());
@@ -56,7 +56,7 @@ StreamNegotiation::StreamNegotiation(Speed speed)
     _committed = _probed;
 }
 
-Bytes StreamNegotiation::describe(const StreamChoice& choice) const
+Bytes StreamNegotiation::describe(StreamChoice const& choice) const
 {
     Bytes record{1, 0};
     appendLittle(record, choice.format + 1, 1);
@@ -79,7 +79,7 @@ std::optional<Bytes> StreamNegotiation::read(std::uint8_t selector, std::uint8_t
         return std::nullopt;
     }
     StreamChoice choice = selector == probeSelector ? _probed : _committed;
-    const auto& intervals = choice.videoSize().intervals;
+    auto const& intervals = choice.videoSize().intervals;
     switch (code) {
     case getMin:
         choice.interval = intervals.front();
@@ -102,7 +102,7 @@ std::optional<Bytes> StreamNegotiation::read(std::uint8_t selector, std::uint8_t
     }
 }
 
-bool StreamNegotiation::write(std::uint8_t selector, const Bytes& data)
+bool StreamNegotiation::write(std::uint8_t selector, Bytes const& data)
 {
     if (data.size() < 26 || (selector != probeSelector && selector != commitSelector)) {
         return false;

@@ -17,8 +17,8 @@ struct StreamChoice
     std::size_t size = 0;   ///< position in the format's sizes
     std::uint32_t interval = 0;
 
-    const VideoFormat& videoFormat() const { return videoFormats()[format]; }
-    const VideoSize& videoSize() const { return videoFormat().sizes[size]; }
+    VideoFormat const& videoFormat() const { return videoFormats()[format]; }
+    VideoSize const& videoSize() const { return videoFormat().sizes[size]; }
 };
 
 /// The probe and commit controls of the video streaming interface.
@@ -31,13 +31,13 @@ public:
     std::optional<Bytes> read(std::uint8_t selector, std::uint8_t code) const;
 
     /// Takes a SET_CUR; what can't be had becomes what is nearest to it. False: stall.
-    bool write(std::uint8_t selector, const Bytes& data);
+    bool write(std::uint8_t selector, Bytes const& data);
 
-    const StreamChoice& committed() const { return _committed; }
+    StreamChoice const& committed() const { return _committed; }
     std::size_t payloadSize() const { return _payloadSize; }
 
 private:
-    Bytes describe(const StreamChoice& choice) const;
+    Bytes describe(StreamChoice const& choice) const;
 
     std::size_t _payloadSize;
     StreamChoice _probed;

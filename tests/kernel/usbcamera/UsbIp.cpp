@@ -22,7 +22,7 @@ constexpr std::size_t largestTransfer = 16U << 20U;
 
 using Header = std::array<std::uint8_t, headerSize>;
 
-std::uint32_t readBig(const Header& header, std::size_t offset)
+std::uint32_t readBig(Header const& header, std::size_t offset)
 {
     std::uint32_t value = 0;
     for (std::size_t i = 0; i < 4; ++i) {
@@ -38,9 +38,9 @@ void writeBig(Header& header, std::size_t offset, std::uint32_t value)
     }
 }
 
-SetupPacket readSetup(const Header& header)
+SetupPacket readSetup(Header const& header)
 {
-    const Bytes bytes(header.begin() + 40, header.end());
+    Bytes const bytes(header.begin() + 40, header.end());
     SetupPacket setup;
     setup.requestType = bytes[0];
     setup.request = bytes[1];
@@ -66,7 +66,7 @@ bool sendAll(int socket, iovec* pieces, std::size_t count)
         msghdr message{};
         message.msg_iov = pieces;
         message.msg_iovlen = count;
-        const ssize_t result = ::sendmsg(socket, &message, MSG_NOSIGNAL);
+        ssize_t const result = ::sendmsg(socket, &message, MSG_NOSIGNAL);
         if (result < 0) {
             if (errno == EINTR) {
                 continue;
@@ -97,7 +97,7 @@ UsbIpConnection::~UsbIpConnection()
 bool UsbIpConnection::readExactly(std::uint8_t* bytes, std::size_t size) const
 {
     while (size > 0) {
-        const ssize_t result = ::recv(_socket, bytes, size, 0);
+        ssize_t const result = ::recv(_socket, bytes, size, 0);
         if (result < 0 && errno == EINTR) {
             continue;
         }
@@ -146,7 +146,7 @@ bool UsbIpConnection::complete(std::uint32_t sequence, int status, std::size_t t
     return sendAll(_socket, &piece, 1);
 }
 
-bool UsbIpConnection::complete(std::uint32_t sequence, const Bytes& head, const std::uint8_t* tail,
+bool UsbIpConnection::complete(std::uint32_t sequence, Bytes const& head, std::uint8_t const* tail,
                                std::size_t tailSize)
 {
     Header header = makeReply(submitReply, sequence, 0, head.size() + tailSize);

@@ -41,8 +41,8 @@ class UsbIpConnection
 public:
     explicit UsbIpConnection(int socket) : _socket(socket) {}
     ~UsbIpConnection();
-    UsbIpConnection(const UsbIpConnection&) = delete;
-    UsbIpConnection& operator=(const UsbIpConnection&) = delete;
+    UsbIpConnection(UsbIpConnection const&) = delete;
+    UsbIpConnection& operator=(UsbIpConnection const&) = delete;
 
     int descriptor() const { return _socket; }
 
@@ -53,7 +53,7 @@ public:
     bool complete(std::uint32_t sequence, int status, std::size_t transferred);
 
     /// Answers a transfer from the device with two pieces, of which the second is not copied.
-    bool complete(std::uint32_t sequence, const Bytes& head, const std::uint8_t* tail = nullptr,
+    bool complete(std::uint32_t sequence, Bytes const& head, std::uint8_t const* tail = nullptr,
                   std::size_t tailSize = 0);
 
     bool confirmUnlink(std::uint32_t sequence, bool wasPending);

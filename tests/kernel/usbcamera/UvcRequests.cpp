@@ -12,9 +12,9 @@ namespace UsbCamera
 namespace
 {
 
-const std::map<std::uint8_t, std::string>& names()
+std::map<std::uint8_t, std::string> const& names()
 {
-    static const std::map<std::uint8_t, std::string> table{
+    static std::map<std::uint8_t, std::string> const table{
         {setCur, "SET_CUR"}, {getCur, "GET_CUR"}, {getMin, "GET_MIN"},   {getMax, "GET_MAX"},
         {getRes, "GET_RES"}, {getLen, "GET_LEN"}, {getInfo, "GET_INFO"}, {getDef, "GET_DEF"}};
     return table;
@@ -24,13 +24,13 @@ const std::map<std::uint8_t, std::string>& names()
 
 std::string requestName(std::uint8_t code)
 {
-    const auto found = names().find(code);
+    auto const found = names().find(code);
     return found == names().end() ? toHex({code}) : found->second;
 }
 
-std::uint8_t requestCode(const std::string& name)
+std::uint8_t requestCode(std::string const& name)
 {
-    for (const auto& entry : names()) {
+    for (auto const& entry : names()) {
         if (entry.second == name) {
             return entry.first;
         }

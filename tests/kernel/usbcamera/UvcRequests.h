@@ -32,6 +32,6 @@ enum class UvcError : std::uint8_t {
 std::string requestName(std::uint8_t code);
 
 /// The reverse; throws std::invalid_argument.
-std::uint8_t requestCode(const std::string& name);
+std::uint8_t requestCode(std::string const& name);
 
 } // namespace UsbCamera

@@ -15,16 +15,16 @@ namespace UsbCamera
 namespace
 {
 
-const char folder[] = "/sys/devices/platform/vhci_hcd.0/";
+char const folder[] = "/sys/devices/platform/vhci_hcd.0/";
 constexpr unsigned freePort = 4;
 
-[[noreturn]] void fail(const std::string& what)
+[[noreturn]] void fail(std::string const& what)
 {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
 /// The status file lists the ports of the high-speed hub first, then those of the super-speed hub.
-unsigned portsPerHub(const std::string& statusFile)
+unsigned portsPerHub(std::string const& statusFile)
 {
     std::ifstream status(statusFile);
     std::string line;
@@ -57,7 +57,7 @@ std::string speedName(Speed speed)
 VhciPort::VhciPort(unsigned controller, unsigned port, Speed speed)
     : _controller(controller), _number(0), _speed(speed)
 {
-    const unsigned ports = portsPerHub(statusFile());
+    unsigned const ports = portsPerHub(statusFile());
     if (port == 0 || port > ports) {
         errno = EINVAL;
         fail("a hub of the virtual host controller has the ports 1 to " + std::to_string(ports));
@@ -96,13 +96,13 @@ int VhciPort::attach()
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         fail("socketpair");
     }
-    const std::string request = std::to_string(_number) + " " + std::to_string(ends[1]) + " " +
+    std::string const request = std::to_string(_number) + " " + std::to_string(ends[1]) + " " +
                                 std::to_string(0x10000U + _number + 1) + " " +
                                 std::to_string(static_cast<unsigned>(_speed));
-    const int file = ::open((std::string(folder) + "attach").c_str(), O_WRONLY | O_CLOEXEC);
-    const bool written = file >= 0 && ::write(file, request.data(), request.size()) ==
+    int const file = ::open((std::string(folder) + "attach").c_str(), O_WRONLY | O_CLOEXEC);
+    bool const written = file >= 0 && ::write(file, request.data(), request.size()) ==
                                           static_cast<ssize_t>(request.size());
-    const int error = errno;
+    int const error = errno;
     if (file >= 0) {
         ::close(file);
     }

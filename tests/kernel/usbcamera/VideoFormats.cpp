@@ -14,9 +14,9 @@ constexpr std::uint32_t perSecond(std::uint32_t frames)
 
 } // namespace
 
-const std::vector<VideoFormat>& videoFormats()
+std::vector<VideoFormat> const& videoFormats()
 {
-    static const std::vector<VideoFormat> formats{
+    static std::vector<VideoFormat> const formats{
         {VideoFormat::Kind::Yuyv,
          {{640, 480, {perSecond(30), perSecond(20), perSecond(15), perSecond(5)}},
           {160, 120, {perSecond(60), perSecond(30)}},

@@ -22,10 +22,10 @@ struct VideoFormat
 };
 
 /// What every emulated camera offers; UVC numbers formats and sizes from 1.
-const std::vector<VideoFormat>& videoFormats();
+std::vector<VideoFormat> const& videoFormats();
 
 /// The largest frame of a size in any format, in bytes.
-inline std::uint32_t frameBytes(const VideoSize& size)
+inline std::uint32_t frameBytes(VideoSize const& size)
 {
     return std::uint32_t{2} * size.width * size.height;
 }

@@ -16,11 +16,11 @@ constexpr std::uint8_t endOfFrame = 0x02;
 
 } // namespace
 
-void VideoStream::start(const StreamChoice& choice, std::size_t payloadSize, Clock::time_point now)
+void VideoStream::start(StreamChoice const& choice, std::size_t payloadSize, Clock::time_point now)
 {
     _choice = choice;
     _payloadSize = payloadSize;
-    const VideoSize& size = choice.videoSize();
+    VideoSize const& size = choice.videoSize();
     if (choice.videoFormat().kind == VideoFormat::Kind::Yuyv) {
         _painter = std::make_unique<FramePainter>(size.width, size.height);
     } else if (_jpegs[choice.size] == nullptr) {
@@ -45,8 +45,8 @@ void VideoStream::submit(std::uint32_t sequence, std::size_t length)
 
 bool VideoStream::unlink(std::uint32_t sequence)
 {
-    const auto found =
-        std::find_if(_transfers.begin(), _transfers.end(), [sequence](const Transfer& transfer) {
+    auto const found =
+        std::find_if(_transfers.begin(), _transfers.end(), [sequence](Transfer const& transfer) {
             return transfer.sequence == sequence;
         });
     if (found == _transfers.end()) {
@@ -83,7 +83,7 @@ Served VideoStream::serve(UsbIpConnection& connection, Clock::time_point now)
             _faults.unplugAtFrame.reset();
             return Served::MustUnplug;
         }
-        const Served served = sendPayload(connection, now);
+        Served const served = sendPayload(connection, now);
         if (served != Served::Well) {
             return served;
         }
@@ -91,7 +91,7 @@ Served VideoStream::serve(UsbIpConnection& connection, Clock::time_point now)
     return Served::Well;
 }
 
-const Bytes& VideoStream::currentFrame()
+Bytes const& VideoStream::currentFrame()
 {
     if (_choice.videoFormat().kind == VideoFormat::Kind::Yuyv) {
         return _painter->paint(_number);
@@ -101,13 +101,13 @@ const Bytes& VideoStream::currentFrame()
 
 void VideoStream::openFrame()
 {
-    const Bytes& frame = currentFrame();
+    Bytes const& frame = currentFrame();
     _frame = frame.data();
     _frameSize = frame.size();
     _offset = 0;
     _isOpen = true;
     _isCorrupted = _faults.corruptedFrames.erase(_number) > 0;
-    const auto cut = _faults.cutFrames.find(_number);
+    auto const cut = _faults.cutFrames.find(_number);
     if (cut != _faults.cutFrames.end()) {
         _frameSize = std::min(_frameSize, cut->second);
         _faults.cutFrames.erase(cut);
@@ -116,15 +116,15 @@ void VideoStream::openFrame()
 
 Served VideoStream::sendPayload(UsbIpConnection& connection, Clock::time_point now)
 {
-    const Transfer transfer = _transfers.front();
+    Transfer const transfer = _transfers.front();
     _transfers.pop_front();
     // A payload ends with its largest size or with a transfer that isn't full.
-    const std::size_t room = transfer.length >= _payloadSize
+    std::size_t const room = transfer.length >= _payloadSize
                                  ? _payloadSize
                                  : std::max(transfer.length, headerSize + 1) - 1;
-    const std::size_t size = std::min(room - headerSize, _frameSize - _offset);
-    const bool isLast = _offset + size == _frameSize;
-    const Bytes header{headerSize, static_cast<std::uint8_t>(endOfHeader | (_toggle ? 1 : 0) |
+    std::size_t const size = std::min(room - headerSize, _frameSize - _offset);
+    bool const isLast = _offset + size == _frameSize;
+    Bytes const header{headerSize, static_cast<std::uint8_t>(endOfHeader | (_toggle ? 1 : 0) |
                                                              (isLast ? endOfFrame : 0) |
                                                              (_isCorrupted ? errorBit : 0))};
     if (!connection.complete(transfer.sequence, header, _frame + _offset, size)) {

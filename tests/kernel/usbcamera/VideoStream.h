@@ -27,7 +27,7 @@ class VideoStream
 public:
     explicit VideoStream(Faults& faults) : _faults(faults) {}
 
-    void start(const StreamChoice& choice, std::size_t payloadSize, Clock::time_point now);
+    void start(StreamChoice const& choice, std::size_t payloadSize, Clock::time_point now);
     void stop();
 
     void submit(std::uint32_t sequence, std::size_t length);
@@ -53,7 +53,7 @@ private:
     void openFrame();
     void closeFrame(Clock::time_point now);
     Served sendPayload(UsbIpConnection& connection, Clock::time_point now);
-    const Bytes& currentFrame();
+    Bytes const& currentFrame();
 
     Faults& _faults;
     std::deque<Transfer> _transfers;
@@ -66,7 +66,7 @@ private:
     bool _toggle = false;
     bool _isCorrupted = false;
     std::uint32_t _number = 0;
-    const std::uint8_t* _frame = nullptr;
+    std::uint8_t const* _frame = nullptr;
     std::size_t _frameSize = 0;
     std::size_t _offset = 0;
     Clock::time_point _due;

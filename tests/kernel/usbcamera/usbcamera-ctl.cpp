@@ -17,19 +17,19 @@ int main(int argc, char** argv)
     CLI11_PARSE(app, argc, argv);
 
     std::string line = std::to_string(camera);
-    for (const std::string& word : words) {
+    for (std::string const& word : words) {
         line += " " + word;
     }
     try {
-        const std::string answer = UsbCamera::sendCommand(socket, line);
-        const bool isGood = answer.compare(0, 2, "ok") == 0;
-        const std::size_t space = answer.find(' ');
-        const std::string rest = space == std::string::npos ? "" : answer.substr(space + 1);
+        std::string const answer = UsbCamera::sendCommand(socket, line);
+        bool const isGood = answer.compare(0, 2, "ok") == 0;
+        std::size_t const space = answer.find(' ');
+        std::string const rest = space == std::string::npos ? "" : answer.substr(space + 1);
         if (!rest.empty()) {
             (isGood ? std::cout : std::cerr) << (isGood ? "" : "usbcamera-ctl: ") << rest << '\n';
         }
         return isGood ? 0 : 1;
-    } catch (const std::exception& error) {
+    } catch (std::exception const& error) {
         std::cerr << "usbcamera-ctl: " << error.what() << '\n';
         return 1;
     }

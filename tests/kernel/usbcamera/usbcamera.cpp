@@ -29,11 +29,11 @@ using Cameras = std::vector<std::unique_ptr<CameraDevice>>;
 void choosePorts(std::vector<CameraModel>& models)
 {
     using Place = std::tuple<unsigned, bool, unsigned>;
-    const auto placeOf = [](const CameraModel& model, unsigned port) {
+    auto const placeOf = [](CameraModel const& model, unsigned port) {
         return Place{model.controller, model.speed == Speed::Super, port};
     };
     std::set<Place> taken;
-    for (const CameraModel& model : models) {
+    for (CameraModel const& model : models) {
         if (model.port != 0 && !taken.insert(placeOf(model, model.port)).second) {
             throw std::invalid_argument("two cameras on the port " + std::to_string(model.port));
         }
@@ -47,16 +47,16 @@ void choosePorts(std::vector<CameraModel>& models)
     }
 }
 
-Cameras makeCameras(const std::vector<std::string>& texts, RequestLog& log)
+Cameras makeCameras(std::vector<std::string> const& texts, RequestLog& log)
 {
     std::vector<CameraModel> models;
-    for (const std::string& text : texts) {
+    for (std::string const& text : texts) {
         models.push_back(parseModel(text));
     }
     choosePorts(models);
     Cameras cameras;
-    for (const CameraModel& model : models) {
-        const auto number = static_cast<unsigned>(cameras.size() + 1);
+    for (CameraModel const& model : models) {
+        auto const number = static_cast<unsigned>(cameras.size() + 1);
         cameras.push_back(std::make_unique<CameraDevice>(number, model, log));
     }
     return cameras;
@@ -74,17 +74,17 @@ int openSignals()
 
 timespec remaining(Clock::time_point due)
 {
-    const auto wait = std::chrono::duration_cast<std::chrono::nanoseconds>(
+    auto const wait = std::chrono::duration_cast<std::chrono::nanoseconds>(
         std::max(due - Clock::now(), Clock::duration::zero()));
     return {static_cast<time_t>(wait.count() / 1000000000),
             static_cast<long>(wait.count() % 1000000000)};
 }
 
-void waitForWork(const Cameras& cameras, std::vector<pollfd>& descriptors)
+void waitForWork(Cameras const& cameras, std::vector<pollfd>& descriptors)
 {
     std::optional<Clock::time_point> due;
-    for (const auto& camera : cameras) {
-        const auto next = camera->nextDue();
+    for (auto const& camera : cameras) {
+        auto const next = camera->nextDue();
         if (next && (!due || *next < *due)) {
             due = next;
         }
@@ -99,15 +99,15 @@ void waitForWork(const Cameras& cameras, std::vector<pollfd>& descriptors)
     }
 }
 
-void run(Cameras& cameras, CommandServer& server, const CommandInterpreter& interpreter)
+void run(Cameras& cameras, CommandServer& server, CommandInterpreter const& interpreter)
 {
-    const int signals = openSignals();
+    int const signals = openSignals();
     while (!interpreter.isQuitting()) {
         std::vector<pollfd> descriptors{{signals, POLLIN, 0}};
-        for (const auto& camera : cameras) {
+        for (auto const& camera : cameras) {
             descriptors.push_back({camera->descriptor(), POLLIN, 0});
         }
-        const std::size_t own = descriptors.size();
+        std::size_t const own = descriptors.size();
         server.addDescriptors(descriptors);
         waitForWork(cameras, descriptors);
         if (descriptors[0].revents != 0) {
@@ -119,27 +119,27 @@ void run(Cameras& cameras, CommandServer& server, const CommandInterpreter& inte
             }
         }
         server.handle({descriptors.begin() + static_cast<std::ptrdiff_t>(own), descriptors.end()});
-        for (const auto& camera : cameras) {
+        for (auto const& camera : cameras) {
             camera->serve(Clock::now());
         }
     }
     ::close(signals);
 }
 
-void start(const Options& options)
+void start(Options const& options)
 {
     RequestLog log(options.log);
     Cameras cameras = makeCameras(options.cameras, log);
     CommandInterpreter interpreter(cameras, log);
-    for (const std::string& command : options.commands) {
-        const std::string answer = interpreter.execute(command);
+    for (std::string const& command : options.commands) {
+        std::string const answer = interpreter.execute(command);
         if (answer.compare(0, 2, "ok") != 0) {
             throw std::invalid_argument(command + ": " + answer);
         }
     }
     CommandServer server(options.socket, interpreter);
     if (!options.isUnplugged) {
-        for (const auto& camera : cameras) {
+        for (auto const& camera : cameras) {
             camera->plug();
             camera->serve(Clock::now());
         }
@@ -164,7 +164,7 @@ int main(int argc, char** argv)
     CLI11_PARSE(app, argc, argv);
     try {
         start(options);
-    } catch (const std::exception& error) {
+    } catch (std::exception const& error) {
         std::cerr << "usbcamera: " << error.what() << '\n';
         return 1;
     }

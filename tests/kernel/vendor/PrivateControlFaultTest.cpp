@@ -15,9 +15,9 @@ namespace
 {
 
 /// A value for each row that none of its neighbours has and that each range holds.
-long long sampleOf(const ExpectedMapping& row)
+long long sampleOf(ExpectedMapping const& row)
 {
-    const auto number = static_cast<long long>(row.id - expectedMappings().front().id);
+    auto const number = static_cast<long long>(row.id - expectedMappings().front().id);
     if (!row.menu.empty()) {
         return row.menu.back().value;
     }
@@ -28,44 +28,44 @@ long long sampleOf(const ExpectedMapping& row)
 std::map<unsigned, Bytes> samples()
 {
     std::map<unsigned, Bytes> bytes;
-    for (const ExpectedMapping& row : expectedMappings()) {
+    for (ExpectedMapping const& row : expectedMappings()) {
         Bytes& all = bytes[row.selector];
         all.resize(std::max<std::size_t>(all.size(), (row.offset + row.size) / 8));
     }
-    for (const ExpectedMapping& row : expectedMappings()) {
+    for (ExpectedMapping const& row : expectedMappings()) {
         Bytes& all = bytes[row.selector];
         all = withNumber(all, row.offset / 8, row.size / 8, sampleOf(row));
     }
     return bytes;
 }
 
-const ExpectedMapping& rowNamed(const std::string& name)
+ExpectedMapping const& rowNamed(std::string const& name)
 {
-    const auto& rows = expectedMappings();
+    auto const& rows = expectedMappings();
     return *std::find_if(rows.begin(), rows.end(),
-                         [&](const ExpectedMapping& row) { return row.name == name; });
+                         [&](ExpectedMapping const& row) { return row.name == name; });
 }
 
 } // namespace
 
 TEST(PrivateValues, ChangedInTheCameraAreReadHere)
 {
-    const EmulatedCameras cameras({"vendor-old"});
-    const CameraPointer camera = openListed(cameras.videoNode());
-    for (const auto& [selector, bytes] : samples()) {
+    EmulatedCameras const cameras({"vendor-old"});
+    CameraPointer const camera = openListed(cameras.videoNode());
+    for (auto const& [selector, bytes] : samples()) {
         cameras.command("set 3 " + std::to_string(selector) + " " + toHex(bytes));
     }
-    for (const ExpectedMapping& row : expectedMappings()) {
+    for (ExpectedMapping const& row : expectedMappings()) {
         EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), sampleOf(row)) << row.name;
     }
 }
 
 TEST(PrivateValues, AreRememberedByTheDriverUnlessTheyChangeByThemselves)
 {
-    const EmulatedCameras cameras({"vendor-old"});
-    const CameraPointer camera = openListed(cameras.videoNode());
-    const ExpectedMapping& light = rowNamed("Light Intensity");
-    const ExpectedMapping& temperature = rowNamed("Temperature (C)");
+    EmulatedCameras const cameras({"vendor-old"});
+    CameraPointer const camera = openListed(cameras.videoNode());
+    ExpectedMapping const& light = rowNamed("Light Intensity");
+    ExpectedMapping const& temperature = rowNamed("Temperature (C)");
     EXPECT_EQ(valueOf(controlOf(*camera, light.name), light), 500);
     EXPECT_EQ(valueOf(controlOf(*camera, temperature.name), temperature), 35);
     cameras.command("set 3 2 0700");
@@ -76,9 +76,9 @@ TEST(PrivateValues, AreRememberedByTheDriverUnlessTheyChangeByThemselves)
 
 TEST(PrivateValues, ThatTheCameraRefusesAreNotSet)
 {
-    const EmulatedCameras cameras({"vendor-old"});
-    const CameraPointer camera = openListed(cameras.videoNode());
-    const ExpectedMapping& row = rowNamed("Light Mode");
+    EmulatedCameras const cameras({"vendor-old"});
+    CameraPointer const camera = openListed(cameras.videoNode());
+    ExpectedMapping const& row = rowNamed("Light Mode");
     cameras.command("stall 3 1 SET_CUR 1 2");
     EXPECT_FALSE(setValue(controlOf(*camera, row.name), row, 3));
     EXPECT_EQ(cameras.command("get 3 1"), "00");
@@ -88,29 +88,29 @@ TEST(PrivateValues, ThatTheCameraRefusesAreNotSet)
 
 TEST(PrivateValues, AreMissingWithoutTheExtensionUnitAndAllElseIsThere)
 {
-    const EmulatedCameras cameras({"vendor-old,extension-unit=no"});
-    const CameraPointer camera = openListed(cameras.videoNode());
+    EmulatedCameras const cameras({"vendor-old,extension-unit=no"});
+    CameraPointer const camera = openListed(cameras.videoNode());
     ASSERT_NE(camera, nullptr);
-    for (const ExpectedMapping& row : expectedMappings()) {
+    for (ExpectedMapping const& row : expectedMappings()) {
         EXPECT_EQ(camera->control(row.name.c_str()), camera->invalidControl()) << row.name;
     }
     EXPECT_EQ(camera->lightModeControl(), camera->invalidControl());
     EXPECT_GT(camera->controlNumber(), 10);
     ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
-    const Stream stream(*camera, 4);
+    Stream const stream(*camera, 4);
     EXPECT_FALSE(camera->acquireFrame()->isInvalid());
 }
 
 TEST(PrivateValues, OfAControlWithAnAbsurdLengthCannotBeSetAndTheOthersCan)
 {
-    const EmulatedCameras cameras({"vendor-old"}, {"1 length 3 1 5000"});
-    const CameraPointer camera = openListed(cameras.videoNode());
+    EmulatedCameras const cameras({"vendor-old"}, {"1 length 3 1 5000"});
+    CameraPointer const camera = openListed(cameras.videoNode());
     ASSERT_NE(camera, nullptr);
-    const ExpectedMapping& absurd = rowNamed("Light Mode");
+    ExpectedMapping const& absurd = rowNamed("Light Mode");
     EXPECT_FALSE(setValue(controlOf(*camera, absurd.name), absurd, 3));
     EXPECT_EQ(valueOf(controlOf(*camera, absurd.name), absurd), 0);
     EXPECT_EQ(cameras.command("get 3 1"), "00");
-    const ExpectedMapping& row = rowNamed("Light Intensity");
+    ExpectedMapping const& row = rowNamed("Light Intensity");
     EXPECT_TRUE(setValue(controlOf(*camera, row.name), row, 7));
     EXPECT_EQ(cameras.command("get 3 2"), "0700");
 }

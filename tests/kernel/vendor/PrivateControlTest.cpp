@@ -21,9 +21,9 @@ using UsbCamera::toHex;
 namespace
 {
 
-const std::set<std::string> readOnly{"Error Status", "Temperature (C)"};
+std::set<std::string> const readOnly{"Error Status", "Temperature (C)"};
 
-ICameraControl::Type typeOf(const ExpectedMapping& row)
+ICameraControl::Type typeOf(ExpectedMapping const& row)
 {
     switch (row.v4l2Type) {
     case V4L2_CTRL_TYPE_MENU:
@@ -38,17 +38,17 @@ ICameraControl::Type typeOf(const ExpectedMapping& row)
 class PrivateControls : public testing::Test
 {
 protected:
-    const EmulatedCameras cameras{{"vendor-old"}};
-    const CameraPointer camera = openListed(cameras.videoNode());
+    EmulatedCameras const cameras{{"vendor-old"}};
+    CameraPointer const camera = openListed(cameras.videoNode());
 };
 
 /// A call by hand, past libv4l2.
-int errorOfPlainCall(const std::string& node, unsigned long request, unsigned id)
+int errorOfPlainCall(std::string const& node, unsigned long request, unsigned id)
 {
-    const int file = ::open(node.c_str(), O_RDWR | O_CLOEXEC);
+    int const file = ::open(node.c_str(), O_RDWR | O_CLOEXEC);
     v4l2_control control{};
     control.id = id;
-    const int error = ::ioctl(file, request, &control) == 0 ? 0 : errno;
+    int const error = ::ioctl(file, request, &control) == 0 ? 0 : errno;
     ::close(file);
     return error;
 }
@@ -62,14 +62,14 @@ TEST_F(PrivateControls, AreListedWithNameTypeFamilyAndItems)
         found += camera->control(i)->id() >= V4L2_CID_PRIVATE_BASE ? 1 : 0;
     }
     EXPECT_EQ(found, static_cast<int>(expectedMappings().size()));
-    for (const ExpectedMapping& row : expectedMappings()) {
+    for (ExpectedMapping const& row : expectedMappings()) {
         SCOPED_TRACE(row.name);
-        const ICameraControl& control = controlOf(*camera, row.name);
+        ICameraControl const& control = controlOf(*camera, row.name);
         EXPECT_EQ(control.id(), row.id);
         EXPECT_EQ(control.type(), typeOf(row));
         EXPECT_EQ(control.family(), row.family);
         EXPECT_EQ(control.isReadOnly(), readOnly.count(row.name) != 0);
-        const auto* const menu = dynamic_cast<const ICameraControlStringMenu*>(&control);
+        auto const* const menu = dynamic_cast<ICameraControlStringMenu const*>(&control);
         ASSERT_EQ(menu != nullptr, !row.menu.empty());
         for (std::size_t item = 0; item < row.menu.size(); ++item) {
             EXPECT_EQ(menu->string(static_cast<int>(item)), row.menu[item].name);
@@ -82,18 +82,18 @@ TEST_F(PrivateControls, AreListedWithNameTypeFamilyAndItems)
 
 TEST_F(PrivateControls, WrittenHereArriveAtTheExtensionUnitAndTouchNothingElse)
 {
-    for (const ExpectedMapping& row : expectedMappings()) {
+    for (ExpectedMapping const& row : expectedMappings()) {
         if (readOnly.count(row.name) != 0) {
             continue;
         }
         SCOPED_TRACE(row.name);
         ICameraControl& control = controlOf(*camera, row.name);
-        const long long value = otherValue(control, row);
-        const Bytes wanted =
+        long long const value = otherValue(control, row);
+        Bytes const wanted =
             withNumber(cameraBytes(cameras, 3, row.selector), row.offset / 8, row.size / 8, value);
         cameras.mark();
         EXPECT_TRUE(setValue(control, row, value));
-        const auto written = cameras.requests("SET_CUR");
+        auto const written = cameras.requests("SET_CUR");
         ASSERT_EQ(written.size(), 1U);
         EXPECT_EQ(written[0]["kind"], "unit");
         EXPECT_EQ(written[0]["unit"], 3);
@@ -107,7 +107,7 @@ TEST_F(PrivateControls, WrittenHereArriveAtTheExtensionUnitAndTouchNothingElse)
 TEST_F(PrivateControls, ThatAreReadOnlyAreNotSent)
 {
     cameras.mark();
-    for (const std::string& name : readOnly) {
+    for (std::string const& name : readOnly) {
         EXPECT_FALSE(
             dynamic_cast<ICameraControlNumeric<int>&>(controlOf(*camera, name)).setValue(0));
     }
@@ -116,9 +116,9 @@ TEST_F(PrivateControls, ThatAreReadOnlyAreNotSent)
 
 TEST_F(PrivateControls, AreRefusedByThePlainCallsOfThisKernel)
 {
-    const std::string node = cameras.videoNode();
+    std::string const node = cameras.videoNode();
     cameras.mark();
-    for (const ExpectedMapping& row : expectedMappings()) {
+    for (ExpectedMapping const& row : expectedMappings()) {
         EXPECT_EQ(errorOfPlainCall(node, VIDIOC_G_CTRL, row.id), EINVAL) << row.name;
         EXPECT_EQ(errorOfPlainCall(node, VIDIOC_S_CTRL, row.id), EINVAL) << row.name;
     }

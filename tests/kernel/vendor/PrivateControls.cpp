@@ -17,7 +17,7 @@ namespace
 
 using Numeric = ICameraControlNumeric<int>;
 
-int positionOf(const ExpectedMapping& row, long long value)
+int positionOf(ExpectedMapping const& row, long long value)
 {
     for (std::size_t i = 0; i < row.menu.size(); ++i) {
         if (row.menu[i].value == value) {
@@ -29,7 +29,7 @@ int positionOf(const ExpectedMapping& row, long long value)
 
 } // namespace
 
-ICameraControl& controlOf(const ICamera& camera, const std::string& name)
+ICameraControl& controlOf(ICamera const& camera, std::string const& name)
 {
     ICameraControl* const control = camera.control(name.c_str());
     if (control == camera.invalidControl()) {
@@ -38,7 +38,7 @@ ICameraControl& controlOf(const ICamera& camera, const std::string& name)
     return *control;
 }
 
-Bytes cameraBytes(const EmulatedCameras& cameras, unsigned unit, unsigned selector)
+Bytes cameraBytes(EmulatedCameras const& cameras, unsigned unit, unsigned selector)
 {
     return UsbCamera::fromHex(
         cameras.command("get " + std::to_string(unit) + " " + std::to_string(selector)));
@@ -52,18 +52,18 @@ Bytes withNumber(Bytes bytes, unsigned offset, unsigned size, long long number)
     return bytes;
 }
 
-long long valueOf(const ICameraControl& control, const ExpectedMapping& row)
+long long valueOf(ICameraControl const& control, ExpectedMapping const& row)
 {
-    if (const auto* const menu = dynamic_cast<const ICameraControlStringMenu*>(&control)) {
+    if (auto const* const menu = dynamic_cast<ICameraControlStringMenu const*>(&control)) {
         return row.menu.at(static_cast<std::size_t>(menu->currentIndex())).value;
     }
-    if (const auto* const boolean = dynamic_cast<const ICameraControlBoolean*>(&control)) {
+    if (auto const* const boolean = dynamic_cast<ICameraControlBoolean const*>(&control)) {
         return boolean->value() ? 1 : 0;
     }
-    return dynamic_cast<const Numeric&>(control).value();
+    return dynamic_cast<Numeric const&>(control).value();
 }
 
-bool setValue(ICameraControl& control, const ExpectedMapping& row, long long value)
+bool setValue(ICameraControl& control, ExpectedMapping const& row, long long value)
 {
     if (auto* const menu = dynamic_cast<ICameraControlStringMenu*>(&control)) {
         return menu->setCurrentIndex(positionOf(row, value));
@@ -74,16 +74,16 @@ bool setValue(ICameraControl& control, const ExpectedMapping& row, long long val
     return dynamic_cast<Numeric&>(control).setValue(static_cast<int>(value));
 }
 
-long long otherValue(const ICameraControl& control, const ExpectedMapping& row)
+long long otherValue(ICameraControl const& control, ExpectedMapping const& row)
 {
-    const long long present = valueOf(control, row);
+    long long const present = valueOf(control, row);
     if (!row.menu.empty()) {
         return present == row.menu.back().value ? row.menu.front().value : row.menu.back().value;
     }
-    if (dynamic_cast<const ICameraControlBoolean*>(&control) != nullptr) {
+    if (dynamic_cast<ICameraControlBoolean const*>(&control) != nullptr) {
         return 1 - present;
     }
-    const auto& number = dynamic_cast<const Numeric&>(control);
+    auto const& number = dynamic_cast<Numeric const&>(control);
     return present == number.minimum() ? number.maximum() : number.minimum();
 }
 

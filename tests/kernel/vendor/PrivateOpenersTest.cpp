@@ -27,14 +27,14 @@ namespace
 class PrivateControlOpeners : public testing::Test
 {
 protected:
-    const EmulatedCameras cameras{{"vendor-old"}};
+    EmulatedCameras const cameras{{"vendor-old"}};
     CameraPointer camera = openListed(cameras.videoNode());
 };
 
 /// Makes a control known to the driver by hand: 0, or what the driver has against it.
-int errorOfMapping(const std::string& node, const ExpectedMapping& row)
+int errorOfMapping(std::string const& node, ExpectedMapping const& row)
 {
-    const int file = ::open(node.c_str(), O_RDWR | O_CLOEXEC);
+    int const file = ::open(node.c_str(), O_RDWR | O_CLOEXEC);
     uvc_xu_control_mapping mapping{};
     mapping.id = row.id;
     std::snprintf(reinterpret_cast<char*>(mapping.name), sizeof mapping.name, "%s",
@@ -45,13 +45,13 @@ int errorOfMapping(const std::string& node, const ExpectedMapping& row)
     mapping.offset = static_cast<std::uint8_t>(row.offset);
     mapping.v4l2_type = row.v4l2Type;
     mapping.data_type = row.dataType;
-    const int error = ::ioctl(file, UVCIOC_CTRL_MAP, &mapping) == 0 ? 0 : errno;
+    int const error = ::ioctl(file, UVCIOC_CTRL_MAP, &mapping) == 0 ? 0 : errno;
     ::close(file);
     return error;
 }
 
 /// Ids of a camera's controls, in its order.
-std::vector<unsigned> idsOf(const ICamera& camera)
+std::vector<unsigned> idsOf(ICamera const& camera)
 {
     std::vector<unsigned> ids;
     for (int i = 0; i < camera.controlNumber(); ++i) {
@@ -60,16 +60,16 @@ std::vector<unsigned> idsOf(const ICamera& camera)
     return ids;
 }
 
-const char* shownType(const ExpectedMapping& row)
+char const* shownType(ExpectedMapping const& row)
 {
     return !row.menu.empty()                        ? "StringMenu"
            : row.v4l2Type == V4L2_CTRL_TYPE_BOOLEAN ? "Boolean"
                                                     : "Int32";
 }
 
-const char* shownFamily(const ExpectedMapping& row)
+char const* shownFamily(ExpectedMapping const& row)
 {
-    static const std::map<unsigned, const char*> names{
+    static std::map<unsigned, char const*> const names{
         {ICameraControl::Focus, "focus"},
         {ICameraControl::AutoControl, "auto-control"},
         {ICameraControl::ImageGeometry, "image-geometry"},
@@ -86,16 +86,16 @@ const char* shownFamily(const ExpectedMapping& row)
 
 TEST_F(PrivateControlOpeners, FindThemMappedAlreadyAndHaveTheSameControls)
 {
-    const std::vector<unsigned> ids = idsOf(*camera);
-    for (const ExpectedMapping& row : expectedMappings()) {
+    std::vector<unsigned> const ids = idsOf(*camera);
+    for (ExpectedMapping const& row : expectedMappings()) {
         if (row.menu.empty()) {
             EXPECT_EQ(errorOfMapping(cameras.videoNode(), row), EEXIST) << row.name;
         }
     }
-    const CameraPointer second = openListed(cameras.videoNode());
+    CameraPointer const second = openListed(cameras.videoNode());
     ASSERT_NE(second, nullptr);
     EXPECT_EQ(idsOf(*second), ids);
-    const ExpectedMapping& row = expectedMappings().front();
+    ExpectedMapping const& row = expectedMappings().front();
     EXPECT_TRUE(setValue(controlOf(*second, row.name), row, 3));
     EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), 3);
 
@@ -108,7 +108,7 @@ TEST_F(PrivateControlOpeners, FindThemMappedAlreadyAndHaveTheSameControls)
 
 TEST_F(PrivateControlOpeners, MayBeAnotherProgramMeanwhile)
 {
-    const ExpectedMapping& row = expectedMappings().front();
+    ExpectedMapping const& row = expectedMappings().front();
     EXPECT_TRUE(setValue(controlOf(*camera, row.name), row, 3));
     EXPECT_EQ(runTool("get 0 'Light Mode'").output, "Light Mode: 1 (Continuous)\n");
     EXPECT_EQ(runTool("set 0 'Light Mode=Off' 'Focus, Max (Range)=300'").status, 0);
@@ -120,20 +120,20 @@ TEST_F(PrivateControlOpeners, MayBeAnotherProgramMeanwhile)
 TEST_F(PrivateControlOpeners, SeeThemInTheToolAsTheTableSays)
 {
     std::map<std::string, Json> shown;
-    const Json all = readTool("show 0 --json");
-    for (const Json& control : all.at("controls")) {
+    Json const all = readTool("show 0 --json");
+    for (Json const& control : all.at("controls")) {
         shown[control.at("name")] = control;
     }
     EXPECT_EQ(shown.size(), static_cast<std::size_t>(camera->controlNumber()));
-    for (const ExpectedMapping& row : expectedMappings()) {
+    for (ExpectedMapping const& row : expectedMappings()) {
         SCOPED_TRACE(row.name);
         ASSERT_EQ(shown.count(row.name), 1U);
-        const Json& control = shown.at(row.name);
+        Json const& control = shown.at(row.name);
         EXPECT_EQ(control.at("id"), row.id);
         EXPECT_EQ(control.at("type"), shownType(row));
         EXPECT_EQ(control.at("family"), shownFamily(row));
         std::vector<std::string> items;
-        for (const ExpectedMapping::Item& item : row.menu) {
+        for (ExpectedMapping::Item const& item : row.menu) {
             items.push_back(item.name);
         }
         EXPECT_EQ(control.value("items", std::vector<std::string>{}), items);

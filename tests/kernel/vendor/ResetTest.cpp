@@ -19,43 +19,43 @@ namespace
 {
 
 /// Where an event of a node stands in a list; its size when it does not.
-std::size_t placeOf(const VideoEvents& events, const std::string& action, const std::string& node)
+std::size_t placeOf(VideoEvents const& events, std::string const& action, std::string const& node)
 {
-    const auto place = std::find_if(events.begin(), events.end(), [&](const VideoEvent& event) {
+    auto const place = std::find_if(events.begin(), events.end(), [&](VideoEvent const& event) {
         return event.action == action && event.node == node;
     });
     return static_cast<std::size_t>(place - events.begin());
 }
 
-void expectComingBack(const VideoEvents& events, const std::string& node)
+void expectComingBack(VideoEvents const& events, std::string const& node)
 {
-    const std::size_t removed = placeOf(events, "remove", node);
-    const std::size_t added = placeOf(events, "add", node);
+    std::size_t const removed = placeOf(events, "remove", node);
+    std::size_t const added = placeOf(events, "add", node);
     EXPECT_LT(removed, events.size());
     EXPECT_LT(added, events.size());
     EXPECT_LT(removed, added);
 }
 
-bool wasReset(const EmulatedCameras& cameras)
+bool wasReset(EmulatedCameras const& cameras)
 {
-    const auto all = cameras.requests();
-    return std::any_of(all.begin(), all.end(), [](const EmulatedCameras::Json& line) {
+    auto const all = cameras.requests();
+    return std::any_of(all.begin(), all.end(), [](EmulatedCameras::Json const& line) {
         return line["kind"] == "vendor" && line["request"] == "e0";
     });
 }
 
-class Reset : public testing::TestWithParam<const char*>
+class Reset : public testing::TestWithParam<char const*>
 {
 protected:
-    const FuserFolder folder;
-    const EmulatedCameras cameras{{GetParam()}};
+    FuserFolder const folder;
+    EmulatedCameras const cameras{{GetParam()}};
 };
 
 } // namespace
 
 TEST_P(Reset, IsSeenAsRemovalAndAdditionByBothMonitors)
 {
-    const std::string node = cameras.videoNode();
+    std::string const node = cameras.videoNode();
     CameraPointer camera = openListed(node);
     ASSERT_NE(camera, nullptr);
     ContinuousWatch continuous;
@@ -68,7 +68,7 @@ TEST_P(Reset, IsSeenAsRemovalAndAdditionByBothMonitors)
     camera.reset();
     EXPECT_TRUE(cameras.waitUntilReady());
     EXPECT_EQ(cameras.videoNode(), node);
-    for (const auto& events : {std::function([&] { return continuous.events(); }),
+    for (auto const& events : {std::function([&] { return continuous.events(); }),
                                std::function([&] { return blocking.events(); })}) {
         EXPECT_TRUE(waitFor([&] { return placeOf(events(), "add", node) < events().size(); }));
         expectComingBack(events(), node);
@@ -80,17 +80,17 @@ TEST_P(Reset, IsSeenAsRemovalAndAdditionByBothMonitors)
 
 TEST_P(Reset, ByTheToolIsSeenByItsMonitor)
 {
-    const std::string node = cameras.videoNode();
-    const BackgroundCommand monitor(toolPath() + " monitor --json");
+    std::string const node = cameras.videoNode();
+    BackgroundCommand const monitor(toolPath() + " monitor --json");
     ASSERT_TRUE(waitFor([&] { return monitor.listensToUdev(); }));
     EXPECT_EQ(runTool("reset 0").status, 0);
     EXPECT_TRUE(waitFor([&] { return cameras.status()["plugs"] == 2; }));
     EXPECT_TRUE(cameras.waitUntilReady());
     EXPECT_TRUE(wasReset(cameras));
-    const auto events = [&] {
+    auto const events = [&] {
         VideoEvents seen;
-        for (const std::string& line : splitLines(monitor.output())) {
-            const auto event = nlohmann::json::parse(line, nullptr, false);
+        for (std::string const& line : splitLines(monitor.output())) {
+            auto const event = nlohmann::json::parse(line, nullptr, false);
             if (event.is_object()) {
                 seen.push_back({event.at("action"), event.at("node"), event.at("subsystem"), 0});
             }
@@ -98,7 +98,7 @@ TEST_P(Reset, ByTheToolIsSeenByItsMonitor)
         return seen;
     };
     // The tool may hold the node for a moment longer than the camera is gone.
-    const std::string present = cameras.videoNode();
+    std::string const present = cameras.videoNode();
     EXPECT_TRUE(waitFor([&] { return placeOf(events(), "add", present) < events().size(); }))
         << monitor.output();
     EXPECT_LT(placeOf(events(), "remove", node), placeOf(events(), "add", present));
@@ -108,11 +108,11 @@ INSTANTIATE_TEST_SUITE_P(Cameras, Reset, testing::Values("vendor-old", "vendor-n
 
 TEST(ResetUnderACamera, GivesTheCameraNewNodesThatANewListFinds)
 {
-    const FuserFolder folder;
-    const EmulatedCameras cameras({"vendor-new"});
-    const std::string node = cameras.videoNode();
-    const std::string terminal = cameras.serialNode();
-    const CameraPointer held = openListed(node);
+    FuserFolder const folder;
+    EmulatedCameras const cameras({"vendor-new"});
+    std::string const node = cameras.videoNode();
+    std::string const terminal = cameras.serialNode();
+    CameraPointer const held = openListed(node);
     ASSERT_NE(held, nullptr);
     EXPECT_TRUE(held->softwareReset());
     EXPECT_TRUE(waitFor([&] { return cameras.status()["plugs"] == 2; }));
@@ -120,7 +120,7 @@ TEST(ResetUnderACamera, GivesTheCameraNewNodesThatANewListFinds)
     EXPECT_NE(cameras.videoNode(), node);
     // Of two lines in the kernel's log the last one names the present terminal.
     EXPECT_NE(cameras.serialNode(), terminal);
-    const CameraPointer camera = openListed(cameras.videoNode());
+    CameraPointer const camera = openListed(cameras.videoNode());
     ASSERT_NE(camera, nullptr);
     auto& light = dynamic_cast<ICameraControlNumeric<int>&>(*camera->lightIntensityControl());
     EXPECT_TRUE(light.setValue(123));

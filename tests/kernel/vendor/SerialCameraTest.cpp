@@ -20,26 +20,26 @@ using UsbCamera::FramePainter;
 namespace
 {
 
-bool isOpenHere(const std::string& node)
+bool isOpenHere(std::string const& node)
 {
-    const std::vector<std::string> targets = descriptorTargets();
+    std::vector<std::string> const targets = descriptorTargets();
     return std::find(targets.begin(), targets.end(), node) != targets.end();
 }
 
 class SerialCamera : public testing::Test
 {
 protected:
-    const FuserFolder folder;
-    const EmulatedCameras cameras{{"vendor-new"}};
+    FuserFolder const folder;
+    EmulatedCameras const cameras{{"vendor-new"}};
 };
 
 } // namespace
 
 TEST_F(SerialCamera, FindsItsPortInTheKernelsLogAndHoldsIt)
 {
-    const std::string node = cameras.serialNode();
-    const std::string line = lastKernelLine("ttyACM");
-    const std::string usbPath = cameras.usbFolder().substr(cameras.usbFolder().rfind('/') + 1);
+    std::string const node = cameras.serialNode();
+    std::string const line = lastKernelLine("ttyACM");
+    std::string const usbPath = cameras.usbFolder().substr(cameras.usbFolder().rfind('/') + 1);
     EXPECT_NE(line.find("cdc_acm " + usbPath + ":1.5: " + node.substr(5) + ": USB ACM device"),
               std::string::npos)
         << line;
@@ -54,19 +54,19 @@ TEST_F(SerialCamera, FindsItsPortInTheKernelsLogAndHoldsIt)
 
 TEST_F(SerialCamera, DeliversEveryFrameWhileItsControlsAreUsed)
 {
-    const CameraPointer camera = openListed(cameras.videoNode());
+    CameraPointer const camera = openListed(cameras.videoNode());
     ASSERT_NE(camera, nullptr);
     ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
     auto& light = dynamic_cast<ICameraControlNumeric<int>&>(*camera->lightIntensityControl());
     FramePainter painter(160, 120);
-    const Stream stream(*camera, 16);
+    Stream const stream(*camera, 16);
     for (unsigned number = 0; number < 60; ++number) {
         IFrame* const frame = camera->acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
         EXPECT_EQ(frame->counter(), number);
         EXPECT_TRUE(bytesOf(*frame) == painter.paint(number)) << number;
         EXPECT_EQ(camera->releaseFrame(frame), 0);
-        const auto value = static_cast<int>(10 * number);
+        auto const value = static_cast<int>(10 * number);
         EXPECT_TRUE(light.setValue(value));
         EXPECT_EQ(light.value(), value);
     }
@@ -74,10 +74,10 @@ TEST_F(SerialCamera, DeliversEveryFrameWhileItsControlsAreUsed)
 
 TEST_F(SerialCamera, IsShownReadSetAndCapturedByTheTool)
 {
-    const nlohmann::json shown = readTool("show 0 --json");
+    nlohmann::json const shown = readTool("show 0 --json");
     ASSERT_EQ(shown.at("controls").size(), serialRows().size());
     auto control = shown.at("controls").begin();
-    for (const SerialRow& row : serialRows()) {
+    for (SerialRow const& row : serialRows()) {
         EXPECT_EQ(control->at("name"), row.name);
         EXPECT_EQ(control->at("id"), row.selector) << row.name;
         EXPECT_NE(control->at("value"), nullptr) << row.name;
@@ -86,12 +86,12 @@ TEST_F(SerialCamera, IsShownReadSetAndCapturedByTheTool)
     cameras.mark();
     EXPECT_EQ(runTool("set 0 lighting_mode=Continuous 'Focus Window X2=77' 2> /dev/null").status,
               0);
-    const auto written = cameras.requests("SET_CUR");
+    auto const written = cameras.requests("SET_CUR");
     ASSERT_EQ(written.size(), 2U);
     EXPECT_EQ(written[0]["kind"], "serial");
     EXPECT_EQ(cameras.command("get 3 1"), "03");
     EXPECT_EQ(cameras.command("get 3 20"), "00004d0000000000");
-    const std::string file = "frame.raw";
+    std::string const file = "frame.raw";
     EXPECT_EQ(runTool("capture 0 --format YUYV --size 160x120 -o " + file + " 2> /dev/null").status,
               0);
     EXPECT_EQ(readFile(file).size(), 160U * 120 * 2);

@@ -14,10 +14,10 @@ namespace
 using Numeric = ICameraControlNumeric<int>;
 
 /// On a busy machine an answer may be late, and the same packet is sent once more.
-void expectSerial(const std::vector<EmulatedCameras::Json>& packets, const SerialRow& row)
+void expectSerial(std::vector<EmulatedCameras::Json> const& packets, SerialRow const& row)
 {
     EXPECT_FALSE(packets.empty());
-    for (const EmulatedCameras::Json& one : packets) {
+    for (EmulatedCameras::Json const& one : packets) {
         EXPECT_EQ(one["kind"], "serial");
         EXPECT_EQ(one["unit"], row.unit);
         EXPECT_EQ(one["selector"], row.selector);
@@ -30,8 +30,8 @@ TEST_F(SerialControls, AreThoseOfTheTableInItsOrder)
 {
     ASSERT_EQ(camera->controlNumber(), static_cast<int>(serialRows().size()));
     int position = 0;
-    for (const SerialRow& row : serialRows()) {
-        const ICameraControl& control = *camera->control(position++);
+    for (SerialRow const& row : serialRows()) {
+        ICameraControl const& control = *camera->control(position++);
         EXPECT_STREQ(control.name(), row.name);
         EXPECT_EQ(control.id(), static_cast<unsigned>(row.selector));
         EXPECT_EQ(control.type(), row.type);
@@ -41,12 +41,12 @@ TEST_F(SerialControls, AreThoseOfTheTableInItsOrder)
 
 TEST_F(SerialControls, AreReadFromTheCamera)
 {
-    for (const SerialRow& row : serialRows()) {
+    for (SerialRow const& row : serialRows()) {
         SCOPED_TRACE(row.name);
-        const auto [offset, length] = fieldOf(row);
-        const auto number = static_cast<long long>(readLittle(bytesOf(row), offset, length));
+        auto const [offset, length] = fieldOf(row);
+        auto const number = static_cast<long long>(readLittle(bytesOf(row), offset, length));
         // A number of four bytes becomes an int, one of two or one is signed when it is no field.
-        const long long mask = (1LL << (8 * length)) - 1;
+        long long const mask = (1LL << (8 * length)) - 1;
         cameras->mark();
         EXPECT_EQ(read(row) & mask, number);
         expectSerial(cameras->requests("GET_CUR"), row);
@@ -55,23 +55,23 @@ TEST_F(SerialControls, AreReadFromTheCamera)
 
 TEST_F(SerialControls, AreWrittenToTheirOwnBytesOnly)
 {
-    for (const SerialRow& row : serialRows()) {
+    for (SerialRow const& row : serialRows()) {
         if (controlOf(*camera, row.name).isReadOnly()) {
             continue;
         }
         SCOPED_TRACE(row.name);
-        const Bytes before = bytesOf(row);
-        const auto [offset, length] = fieldOf(row);
+        Bytes const before = bytesOf(row);
+        auto const [offset, length] = fieldOf(row);
         cameras->mark();
-        const long long value = change(row);
-        const std::string wanted = toHex(withNumber(before, offset, length, value));
-        const auto written = cameras->requests("SET_CUR");
+        long long const value = change(row);
+        std::string const wanted = toHex(withNumber(before, offset, length, value));
+        auto const written = cameras->requests("SET_CUR");
         expectSerial(written, row);
-        for (const EmulatedCameras::Json& one : written) {
+        for (EmulatedCameras::Json const& one : written) {
             EXPECT_EQ(one["data"], wanted);
         }
         EXPECT_EQ(toHex(bytesOf(row)), wanted);
-        const long long mask = (1LL << (8 * length)) - 1;
+        long long const mask = (1LL << (8 * length)) - 1;
         EXPECT_EQ(read(row) & mask, value & mask);
     }
 }
@@ -88,12 +88,12 @@ TEST_F(SerialControls, OfOneControlKeepWhatAnotherProgramWroteBesideThem)
 
 TEST_F(SerialControls, ThatCanOnlyBeReadAreSentAndRefusedByTheCamera)
 {
-    for (const char* const name : {"Error Status", "Temperature (C)"}) {
+    for (char const* const name : {"Error Status", "Temperature (C)"}) {
         auto& control = dynamic_cast<Numeric&>(controlOf(*camera, name));
         EXPECT_TRUE(control.isReadOnly()) << name;
         cameras->mark();
         EXPECT_FALSE(control.setValue(1)) << name;
-        const auto written = cameras->requests("SET_CUR");
+        auto const written = cameras->requests("SET_CUR");
         ASSERT_EQ(written.size(), 5U) << name;
         EXPECT_EQ(written[0]["refused"], true);
     }

@@ -18,9 +18,9 @@ namespace
 using Numeric = ICameraControlNumeric<int>;
 
 /// What each position of a menu sends.
-const std::vector<int>& menuValues(const SerialRow& row)
+std::vector<int> const& menuValues(SerialRow const& row)
 {
-    static const std::map<std::string, std::vector<int>> values{
+    static std::map<std::string, std::vector<int>> const values{
         {"Auto Exposure", {2, 1}}, {"Focus Strategy", {0, 1, 2}}, {"Lighting Mode", {0, 3}}};
     return values.at(row.name);
 }
@@ -45,37 +45,37 @@ void SerialControls::TearDownTestSuite()
     folder.reset();
 }
 
-Bytes SerialControls::bytesOf(const SerialRow& row)
+Bytes SerialControls::bytesOf(SerialRow const& row)
 {
     return cameraBytes(*cameras, static_cast<unsigned>(row.unit),
                        static_cast<unsigned>(row.selector));
 }
 
-std::pair<unsigned, unsigned> SerialControls::fieldOf(const SerialRow& row)
+std::pair<unsigned, unsigned> SerialControls::fieldOf(SerialRow const& row)
 {
     return row.offset < 0
                ? std::pair{0U, static_cast<unsigned>(bytesOf(row).size())}
                : std::pair{static_cast<unsigned>(row.offset), static_cast<unsigned>(row.length)};
 }
 
-long long SerialControls::read(const SerialRow& row)
+long long SerialControls::read(SerialRow const& row)
 {
     ICameraControl& control = controlOf(*camera, row.name);
-    if (const auto* const menu = dynamic_cast<ICameraControlStringMenu*>(&control)) {
+    if (auto const* const menu = dynamic_cast<ICameraControlStringMenu*>(&control)) {
         return menuValues(row).at(static_cast<std::size_t>(menu->currentIndex()));
     }
-    if (const auto* const boolean = dynamic_cast<ICameraControlBoolean*>(&control)) {
+    if (auto const* const boolean = dynamic_cast<ICameraControlBoolean*>(&control)) {
         return boolean->value() ? 1 : 0;
     }
     return dynamic_cast<Numeric&>(control).value();
 }
 
-long long SerialControls::change(const SerialRow& row)
+long long SerialControls::change(SerialRow const& row)
 {
     ICameraControl& control = controlOf(*camera, row.name);
-    const long long present = read(row);
+    long long const present = read(row);
     if (auto* const menu = dynamic_cast<ICameraControlStringMenu*>(&control)) {
-        const int position = menu->currentIndex() == 0 ? 1 : 0;
+        int const position = menu->currentIndex() == 0 ? 1 : 0;
         EXPECT_TRUE(menu->setCurrentIndex(position));
         return menuValues(row).at(static_cast<std::size_t>(position));
     }
@@ -84,7 +84,7 @@ long long SerialControls::change(const SerialRow& row)
         return 1 - present;
     }
     auto& number = dynamic_cast<Numeric&>(control);
-    const int value = present == number.minimum() ? number.maximum() : number.minimum();
+    int const value = present == number.minimum() ? number.maximum() : number.minimum();
     EXPECT_TRUE(number.setValue(value));
     return value;
 }

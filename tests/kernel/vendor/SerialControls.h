@@ -21,13 +21,13 @@ protected:
     void TearDown() override { cameras->command("clear"); }
 
     /// The bytes in the camera that a row is a part of.
-    static Bytes bytesOf(const SerialRow& row);
+    static Bytes bytesOf(SerialRow const& row);
     /// The row's part of its control's bytes: where it begins, and how long it is.
-    static std::pair<unsigned, unsigned> fieldOf(const SerialRow& row);
+    static std::pair<unsigned, unsigned> fieldOf(SerialRow const& row);
 
-    static long long read(const SerialRow& row);
+    static long long read(SerialRow const& row);
     /// Sets another value than the present one; the result is that value.
-    static long long change(const SerialRow& row);
+    static long long change(SerialRow const& row);
 
     static std::unique_ptr<FuserFolder> folder;
     static std::unique_ptr<EmulatedCameras> cameras;

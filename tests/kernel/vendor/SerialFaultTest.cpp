@@ -14,16 +14,16 @@ namespace
 {
 
 /// The data of requests, in their order.
-std::vector<std::string> dataOf(const std::vector<EmulatedCameras::Json>& requests)
+std::vector<std::string> dataOf(std::vector<EmulatedCameras::Json> const& requests)
 {
     std::vector<std::string> data;
-    for (const EmulatedCameras::Json& request : requests) {
+    for (EmulatedCameras::Json const& request : requests) {
         data.push_back(request["data"]);
     }
     return data;
 }
 
-std::vector<std::string> fiveOf(const std::string& first, const std::string& second = "")
+std::vector<std::string> fiveOf(std::string const& first, std::string const& second = "")
 {
     std::vector<std::string> all(5, first);
     all.resize(second.empty() ? 5 : 10, second);
@@ -40,9 +40,9 @@ TEST_F(SerialControls, FailAfterFiveAttemptsOnASilentLine)
     cameras->command("set 3 6 00");
     cameras->command("serial silent");
     cameras->mark();
-    const double begin = monotonicSeconds();
+    double const begin = monotonicSeconds();
     EXPECT_EQ(focus.value(), -1);
-    const double took = monotonicSeconds() - begin;
+    double const took = monotonicSeconds() - begin;
     EXPECT_GE(took, 0.5);
     EXPECT_LT(took, 2);
     EXPECT_EQ(cameras->requests("GET_CUR").size(), 5U);
@@ -59,7 +59,7 @@ TEST_F(SerialControls, TakeRepliesThatAreInTimeAndNoOthers)
     auto& light = dynamic_cast<Numeric&>(*camera->lightIntensityControl());
     ASSERT_TRUE(light.setValue(500));
     ASSERT_TRUE(focus.setValue(321));
-    for (const auto& [mode, wanted] : {std::pair{"serial short 6", -1},
+    for (auto const& [mode, wanted] : {std::pair{"serial short 6", -1},
                                        {"serial slow 40", 321},
                                        {"serial split 20", 321},
                                        {"serial slow 900", -1},

@@ -20,7 +20,7 @@ namespace
 std::vector<std::string> openNodes()
 {
     std::vector<std::string> nodes;
-    for (const std::string& target : descriptorTargets()) {
+    for (std::string const& target : descriptorTargets()) {
         if (target.rfind("/dev/video", 0) == 0 || target.rfind("/dev/ttyACM", 0) == 0 ||
             target.rfind("/dev/bus/usb", 0) == 0) {
             nodes.push_back(target);
@@ -33,7 +33,7 @@ std::vector<std::string> openNodes()
 class SerialOpening : public testing::Test
 {
 protected:
-    void start(const std::string& model, const EmulatedCameras::Texts& commands = {})
+    void start(std::string const& model, EmulatedCameras::Texts const& commands = {})
     {
         cameras = std::make_unique<EmulatedCameras>(EmulatedCameras::Texts{model}, commands);
         plugs = cameras->status()["plugs"];
@@ -55,16 +55,16 @@ protected:
     }
 
     /// How many packets asked for this; the driver asks too, when the camera comes back.
-    int serialRequests(const std::string& name) const
+    int serialRequests(std::string const& name) const
     {
         int count = 0;
-        for (const EmulatedCameras::Json& request : cameras->requests(name)) {
+        for (EmulatedCameras::Json const& request : cameras->requests(name)) {
             count += request["kind"] == "serial" ? 1 : 0;
         }
         return count;
     }
 
-    const FuserFolder folder;
+    FuserFolder const folder;
     std::unique_ptr<EmulatedCameras> cameras;
     unsigned plugs = 0;
     int children = 0;
@@ -75,8 +75,8 @@ protected:
 TEST_F(SerialOpening, OfAHeldPortResetsTheCamera)
 {
     start("vendor-new");
-    const std::string node = cameras->serialNode();
-    const int holder = ::open(node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    std::string const node = cameras->serialNode();
+    int const holder = ::open(node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     ASSERT_NE(holder, -1);
     cameras->mark();
     EXPECT_EQ(openListed(cameras->videoNode()), nullptr);
@@ -93,7 +93,7 @@ TEST_F(SerialOpening, OfACameraThatDoesNotAnswerEndsAtItsFirstControl)
     start("vendor-new", {"1 serial silent"});
     children = childrenOfThisProcess();
     cameras->mark();
-    const double begin = monotonicSeconds();
+    double const begin = monotonicSeconds();
     expectRefusal();
     EXPECT_LT(monotonicSeconds() - begin, 10);
     // Of the length and of the flags, five attempts each.
@@ -101,7 +101,7 @@ TEST_F(SerialOpening, OfACameraThatDoesNotAnswerEndsAtItsFirstControl)
     EXPECT_EQ(serialRequests("GET_INFO"), 5);
     EXPECT_EQ(serialRequests("GET_MAX"), 0);
 
-    const CommandResult shown = runTool("show 0");
+    CommandResult const shown = runTool("show 0");
     EXPECT_EQ(shown.status, 1);
     EXPECT_NE(shown.output.find("could not be initialised; the camera was reset"),
               std::string::npos)
@@ -115,7 +115,7 @@ TEST_F(SerialOpening, OfACameraWithoutAPortResetsIt)
     children = childrenOfThisProcess();
     EXPECT_EQ(cameras->serialNode(), "");
     expectRefusal();
-    const CommandResult shown = runTool("list");
+    CommandResult const shown = runTool("list");
     EXPECT_EQ(shown.status, 0);
     EXPECT_NE(shown.output.find(cameras->videoNode().substr(5)), std::string::npos) << shown.output;
 }

@@ -16,7 +16,7 @@ namespace
 class MonitorTool : public testing::Test
 {
 protected:
-    void start(const std::string& arguments)
+    void start(std::string const& arguments)
     {
         command = std::make_unique<BackgroundCommand>(toolPath() + " monitor " + arguments);
         ASSERT_TRUE(waitFor([&] { return command->listensToUdev(); })) << command->output();
@@ -52,7 +52,7 @@ TEST_F(MonitorTool, PrintsObjectsAndEndsWithCtrlC)
     start("--json");
     comeAndGo();
     ASSERT_TRUE(waitFor([&] { return lines().size() == 2; })) << command->output();
-    const Json added = Json::parse(lines()[0]);
+    Json const added = Json::parse(lines()[0]);
     EXPECT_EQ(added.at("action"), "add");
     EXPECT_EQ(added.at("node"), "/dev/video0");
     EXPECT_EQ(added.at("subsystem"), "video4linux");

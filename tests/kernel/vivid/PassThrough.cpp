@@ -21,7 +21,7 @@ std::atomic<bool> isStraight{false};
 /// The function of this name in libv4l2. It is opened by hand: since nothing of it seems to be used
 /// here, a linker may leave it out.
 template <typename Function>
-Function* libraryFunction(Function* /*ours*/, const char* name)
+Function* libraryFunction(Function* /*ours*/, char const* name)
 {
     static void* const library = dlopen("libv4l2.so.0", RTLD_NOW);
     void* const address = library == nullptr ? nullptr : dlsym(library, name);
@@ -51,7 +51,7 @@ PassThrough::~PassThrough()
 
 extern "C" {
 
-int v4l2_open(const char* file, int flags, ...)
+int v4l2_open(char const* file, int flags, ...)
 {
     static auto* const real = libraryFunction(v4l2_open, "v4l2_open");
     return isStraight ? ::open(file, flags) : real(file, flags);

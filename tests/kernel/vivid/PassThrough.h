@@ -11,8 +11,8 @@ class PassThrough
 public:
     PassThrough();
     ~PassThrough();
-    PassThrough(const PassThrough&) = delete;
-    PassThrough& operator=(const PassThrough&) = delete;
+    PassThrough(PassThrough const&) = delete;
+    PassThrough& operator=(PassThrough const&) = delete;
 };
 
 } // namespace KernelTest

@@ -30,12 +30,12 @@ void loadModule(int cameras)
     std::string counts;
     std::string inputs;
     for (int i = 0; i < cameras; ++i) {
-        const char* const separator = i == 0 ? "" : ",";
+        char const* const separator = i == 0 ? "" : ",";
         types += separator + std::string("0x1");
         counts += separator + std::string("1");
         inputs += separator + std::string("0");
     }
-    const CommandResult result =
+    CommandResult const result =
         runShell("modprobe vivid n_devs=" + std::to_string(cameras) + " node_types=" + types +
                  " num_inputs=" + counts + " input_types=" + inputs);
     ASSERT_EQ(result.status, 0) << result.output;
@@ -90,12 +90,12 @@ private:
 
 /// The same events at the same times. Their order is each listener's own: several processes of
 /// udev's send at once, and the kernel hands a message to one listener after the other.
-void expectSameEvents(const VideoEvents& events, const VideoEvents& wanted, double tolerance)
+void expectSameEvents(VideoEvents const& events, VideoEvents const& wanted, double tolerance)
 {
     ASSERT_EQ(events.size(), wanted.size());
     double furthest = 0;
-    for (const VideoEvent& one : wanted) {
-        const auto match = std::find_if(events.begin(), events.end(), [&](const VideoEvent& event) {
+    for (VideoEvent const& one : wanted) {
+        auto const match = std::find_if(events.begin(), events.end(), [&](VideoEvent const& event) {
             return event.isSameAs(one);
         });
         ASSERT_NE(match, events.end()) << one.action << " " << one.node;
@@ -107,16 +107,16 @@ void expectSameEvents(const VideoEvents& events, const VideoEvents& wanted, doub
 }
 
 /// Every node from video0 on once with this action, and no other.
-void expectEachNodeOnce(const VideoEvents& events, const std::string& action, int count)
+void expectEachNodeOnce(VideoEvents const& events, std::string const& action, int count)
 {
     VideoEvents some;
     std::copy_if(events.begin(), events.end(), std::back_inserter(some),
-                 [&](const VideoEvent& event) { return event.action == action; });
+                 [&](VideoEvent const& event) { return event.action == action; });
     EXPECT_EQ(some.size(), static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
-        const std::string node = "/dev/video" + std::to_string(i);
+        std::string const node = "/dev/video" + std::to_string(i);
         EXPECT_EQ(std::count_if(some.begin(), some.end(),
-                                [&](const VideoEvent& event) { return event.node == node; }),
+                                [&](VideoEvent const& event) { return event.node == node; }),
                   1)
             << action << " " << node;
     }
@@ -133,7 +133,7 @@ protected:
     }
     static void TearDownTestSuite() { watched.reset(); }
 
-    static void expectAll(const VideoEvents& events)
+    static void expectAll(VideoEvents const& events)
     {
         expectEachNodeOnce(events, "add", Cameras);
         expectEachNodeOnce(events, "remove", Cameras);

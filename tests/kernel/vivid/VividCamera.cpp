@@ -14,7 +14,7 @@ using namespace ImageAcquisition;
 namespace KernelTest
 {
 
-CameraPointer openCamera(const std::string& node)
+CameraPointer openCamera(std::string const& node)
 {
     DeviceStub record;
     record.card = "vivid";
@@ -25,20 +25,20 @@ CameraPointer openCamera(const std::string& node)
     return CameraPointer(ICameraFactory::getUniqueInstance().createBlockingCamera(&record));
 }
 
-void showStillPicture(const std::string& node)
+void showStillPicture(std::string const& node)
 {
     v4l2Ctl(node, "--set-ctrl=test_pattern=0,osd_text_mode=2,horizontal_movement=3,"
                   "vertical_movement=3,show_border=0,show_square=0,timestamp_source=1");
 }
 
-bool selectSmall(IBlockingCamera& camera, const char* format)
+bool selectSmall(IBlockingCamera& camera, char const* format)
 {
     return camera.setCurrentImageFormat(format, 320, 180, 1, 25);
 }
 
-Bytes capturedByV4l2Ctl(const std::string& node, unsigned count)
+Bytes capturedByV4l2Ctl(std::string const& node, unsigned count)
 {
-    const std::string file = "/tmp/vivid-frames";
+    std::string const file = "/tmp/vivid-frames";
     v4l2Ctl(node, "--stream-mmap --stream-count=" + std::to_string(count) + " --stream-to=" + file);
     std::ifstream stream(file, std::ios::binary);
     return Bytes(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());

@@ -8,24 +8,24 @@
 namespace KernelTest
 {
 
-constexpr const char* firstNode = "/dev/video0";
-constexpr const char* secondNode = "/dev/video1";
+constexpr char const* firstNode = "/dev/video0";
+constexpr char const* secondNode = "/dev/video1";
 
 /// A camera made by the factory from a record of the test's own, since nothing of USB stands behind
 /// a vivid node, which the library's own records ask for.
-CameraPointer openCamera(const std::string& node = firstNode);
+CameraPointer openCamera(std::string const& node = firstNode);
 
 /// vivid's picture without movement and text, so that all frames are alike, and frames stamped when
 /// they begin: stamps of their end lie nine tenths of an interval in the future.
-void showStillPicture(const std::string& node = firstNode);
+void showStillPicture(std::string const& node = firstNode);
 
 /// 320x180 at 25 frames a second in a format.
-bool selectSmall(ImageAcquisition::IBlockingCamera& camera, const char* format = "YUYV");
+bool selectSmall(ImageAcquisition::IBlockingCamera& camera, char const* format = "YUYV");
 
 /// Bytes of such a frame with two bytes a pixel.
 constexpr unsigned smallSize = 320 * 180 * 2;
 
 /// Frames that `v4l2-ctl --stream-mmap --stream-to` writes in the format that is set.
-Bytes capturedByV4l2Ctl(const std::string& node, unsigned count = 1);
+Bytes capturedByV4l2Ctl(std::string const& node, unsigned count = 1);
 
 } // namespace KernelTest

@@ -30,7 +30,7 @@ protected:
     }
 
     /// Presses a button of vivid's, through the library.
-    void press(const char* name) const
+    void press(char const* name) const
     {
         auto* const button = dynamic_cast<ICameraControlButton*>(camera->control(name));
         ASSERT_NE(button, nullptr) << name;
@@ -50,10 +50,10 @@ using FrameRecords = std::vector<FrameRecord>;
 
 /// Captures until it is enough; each frame has to be a good one of the right size.
 FrameRecords captureUntil(IBlockingCamera& camera, unsigned size,
-                          const std::function<bool(const FrameRecords&)>& isEnough)
+                          std::function<bool(FrameRecords const&)> const& isEnough)
 {
     FrameRecords records;
-    const Stream stream(camera, 8);
+    Stream const stream(camera, 8);
     while (!isEnough(records)) {
         IFrame* const frame = camera.acquireFrame();
         if (frame->isInvalid()) {
@@ -74,11 +74,11 @@ FrameRecords captureUntil(IBlockingCamera& camera, unsigned size,
 FrameRecords captureFrames(IBlockingCamera& camera, std::size_t count, unsigned size = smallSize)
 {
     return captureUntil(camera, size,
-                        [=](const FrameRecords& records) { return records.size() >= count; });
+                        [=](FrameRecords const& records) { return records.size() >= count; });
 }
 
 /// How many numbers are missing in a sequence that has to rise.
-unsigned long long countLost(const FrameRecords& frames)
+unsigned long long countLost(FrameRecords const& frames)
 {
     unsigned long long lost = 0;
     for (std::size_t i = 1; i < frames.size(); ++i) {
@@ -93,13 +93,13 @@ unsigned long long countLost(const FrameRecords& frames)
 
 TEST_F(VividCapture, FramesRiseInNumberAndTimeAndThreeHundredInARowComeWithoutLoss)
 {
-    const double begin = monotonicSeconds();
+    double const begin = monotonicSeconds();
     // vivid skips a frame by itself when a busy host keeps the whole machine from running, so the
     // row may begin anew; a loss of the library's own making would never let it end.
     std::size_t row = 0;
-    const FrameRecords frames = captureUntil(*camera, smallSize, [&](const FrameRecords& records) {
-        const std::size_t count = records.size();
-        const bool follows =
+    FrameRecords const frames = captureUntil(*camera, smallSize, [&](FrameRecords const& records) {
+        std::size_t const count = records.size();
+        bool const follows =
             count > 1 && records[count - 1].counter == records[count - 2].counter + 1;
         row = follows ? row + 1 : std::min<std::size_t>(count, 1);
         return row == 300 || count == 1000;
@@ -109,7 +109,7 @@ TEST_F(VividCapture, FramesRiseInNumberAndTimeAndThreeHundredInARowComeWithoutLo
     EXPECT_GE(frames.front().stamp, begin);
     std::cout << frames.size() << " frames captured, " << countLost(frames)
               << " skipped by the driver\n";
-    const double interval = (frames.back().stamp - frames.front().stamp) /
+    double const interval = (frames.back().stamp - frames.front().stamp) /
                             static_cast<double>(frames.back().counter - frames.front().counter);
     EXPECT_NEAR(interval, 1.0 / 25, 0.2 / 25);
 }
@@ -117,7 +117,7 @@ TEST_F(VividCapture, FramesRiseInNumberAndTimeAndThreeHundredInARowComeWithoutLo
 TEST_F(VividCapture, NumbersStartAnewWithEachCapture)
 {
     for (int round = 0; round < 3; ++round) {
-        const FrameRecords frames = captureFrames(*camera, 3);
+        FrameRecords const frames = captureFrames(*camera, 3);
         ASSERT_EQ(frames.size(), 3U);
         EXPECT_EQ(frames.front().counter, 0U);
     }
@@ -125,13 +125,13 @@ TEST_F(VividCapture, NumbersStartAnewWithEachCapture)
 
 TEST_F(VividCapture, FramesAreThoseThatV4l2CtlWrites)
 {
-    for (const char* format : {"YUYV", "UYVY", "GREY", "NV12", "RGB3", "YU12", "RGGB"}) {
+    for (char const* format : {"YUYV", "UYVY", "GREY", "NV12", "RGB3", "YU12", "RGGB"}) {
         SCOPED_TRACE(format);
         ASSERT_TRUE(selectSmall(*camera, format));
-        const Bytes wanted = capturedByV4l2Ctl(firstNode);
+        Bytes const wanted = capturedByV4l2Ctl(firstNode);
         ASSERT_FALSE(wanted.empty());
-        const Stream stream(*camera, 2);
-        const IFrame* const frame = camera->acquireFrame();
+        Stream const stream(*camera, 2);
+        IFrame const* const frame = camera->acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
         EXPECT_EQ(frame->bytesUsed(), wanted.size());
         EXPECT_TRUE(bytesOf(*frame) == wanted);
@@ -140,11 +140,11 @@ TEST_F(VividCapture, FramesAreThoseThatV4l2CtlWrites)
 
 TEST_F(VividCapture, AStillPictureIsTheSameInEveryFrameAndDiffersFromAnother)
 {
-    const Bytes other = capturedByV4l2Ctl(firstNode);
+    Bytes const other = capturedByV4l2Ctl(firstNode);
     v4l2Ctl(firstNode, "--set-ctrl=test_pattern=10");
-    const Bytes wanted = capturedByV4l2Ctl(firstNode);
+    Bytes const wanted = capturedByV4l2Ctl(firstNode);
     EXPECT_FALSE(wanted == other);
-    const Stream stream(*camera, 4);
+    Stream const stream(*camera, 4);
     for (int i = 0; i < 20; ++i) {
         IFrame* const frame = camera->acquireFrame();
         EXPECT_TRUE(bytesOf(*frame) == wanted) << i;
@@ -154,7 +154,7 @@ TEST_F(VividCapture, AStillPictureIsTheSameInEveryFrameAndDiffersFromAnother)
 
 TEST_F(VividCapture, AFrameWithTheErrorBitIsCorruptedAndTheNextIsNot)
 {
-    const Stream stream(*camera, 4);
+    Stream const stream(*camera, 4);
     EXPECT_FALSE(camera->acquireFrame()->isCorrupted());
     press("Inject V4L2_BUF_FLAG_ERROR");
     bool wasCorrupted = false;
@@ -170,7 +170,7 @@ TEST_F(VividCapture, AFrameWithTheErrorBitIsCorruptedAndTheNextIsNot)
 
 TEST_F(VividCapture, DroppedFramesAreGapsInTheNumbers)
 {
-    const ControlKeeper keeper(firstNode);
+    ControlKeeper const keeper(firstNode);
     v4l2Ctl(firstNode, "--set-ctrl=percentage_of_dropped_buffers=50");
     EXPECT_GT(countLost(captureFrames(*camera, 20)), 0U);
 }
@@ -197,7 +197,7 @@ TEST_F(VividCapture, RefusedCallsFailAndTheNextCaptureWorks)
 TEST_F(VividCapture, AFatalErrorEndsInTheInvalidFrameAndTheNextCaptureWorks)
 {
     {
-        const Stream stream(*camera, 4);
+        Stream const stream(*camera, 4);
         press("Inject Fatal Streaming Error");
         EXPECT_TRUE(camera->acquireFrame()->isInvalid());
     }
@@ -206,15 +206,15 @@ TEST_F(VividCapture, AFatalErrorEndsInTheInvalidFrameAndTheNextCaptureWorks)
 
 TEST_F(VividCapture, WithAllBuffersHeldNoFrameComesWithinTwoSeconds)
 {
-    const Stream stream(*camera, 4);
+    Stream const stream(*camera, 4);
     std::vector<IFrame*> held;
     for (int i = 0; i < 4; ++i) {
         held.push_back(camera->acquireFrame());
         ASSERT_FALSE(held.back()->isInvalid());
     }
-    const double begin = monotonicSeconds();
+    double const begin = monotonicSeconds();
     EXPECT_TRUE(camera->acquireFrame()->isInvalid());
-    const double waited = monotonicSeconds() - begin;
+    double const waited = monotonicSeconds() - begin;
     EXPECT_GE(waited, 1.99);
     EXPECT_LT(waited, 4);
     for (IFrame* const frame : held) {
@@ -225,15 +225,15 @@ TEST_F(VividCapture, WithAllBuffersHeldNoFrameComesWithinTwoSeconds)
 
 TEST_F(VividCapture, TheDriverMayGrantMoreBuffersThanAskedFor)
 {
-    const Stream stream(*camera, 1);
+    Stream const stream(*camera, 1);
     EXPECT_EQ(stream.takeAll().size(), 2U);
 }
 
 TEST_F(VividCapture, TheDriverMayGrantFewerBuffersThanAskedFor)
 {
     ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 320, 180, 1, 50));
-    for (const int asked : {40, -1}) {
-        const Stream stream(*camera, asked);
+    for (int const asked : {40, -1}) {
+        Stream const stream(*camera, asked);
         EXPECT_EQ(stream.takeAll().size(), 32U) << asked;
     }
 }
@@ -247,11 +247,11 @@ TEST_F(VividCapture, NoBuffersAreNoCapture)
 
 TEST_F(VividCapture, StoppingFromAnotherThreadEndsAWait)
 {
-    const Stream stream(*camera, 2);
+    Stream const stream(*camera, 2);
     ASSERT_FALSE(camera->acquireFrame()->isInvalid());
     ASSERT_FALSE(camera->acquireFrame()->isInvalid());
-    const IFrame* last = nullptr;
-    const double begin = monotonicSeconds();
+    IFrame const* last = nullptr;
+    double const begin = monotonicSeconds();
     double ended = begin;
     {
         WatchedThread reader([&] {
@@ -268,9 +268,9 @@ TEST_F(VividCapture, StoppingFromAnotherThreadEndsAWait)
 
 TEST_F(VividCapture, TheFormatStaysWhileStreaming)
 {
-    const IFrameSize* const before = camera->currentFrameSize();
+    IFrameSize const* const before = camera->currentFrameSize();
     {
-        const Stream stream(*camera, 4);
+        Stream const stream(*camera, 4);
         EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
         EXPECT_FALSE(camera->setCurrentImageFormat("GREY", 320, 180, 1, 25));
         EXPECT_EQ(camera->currentFrameSize(), before);
@@ -290,12 +290,12 @@ TEST_F(VividCapture, TheFormatStaysWhileBuffersArePrepared)
 TEST_F(VividCapture, TwoCamerasCaptureAtOnce)
 {
     showStillPicture(secondNode);
-    const CameraPointer other = openCamera(secondNode);
+    CameraPointer const other = openCamera(secondNode);
     ASSERT_NE(other, nullptr);
     ASSERT_TRUE(other->setCurrentImageFormat("GREY", 640, 360, 1, 10));
     FrameRecords fromOther;
     std::thread thread([&] { fromOther = captureFrames(*other, 20, 640 * 360); });
-    const FrameRecords fromFirst = captureFrames(*camera, 50);
+    FrameRecords const fromFirst = captureFrames(*camera, 50);
     thread.join();
     EXPECT_EQ(fromFirst.size(), 50U);
     EXPECT_EQ(fromOther.size(), 20U);

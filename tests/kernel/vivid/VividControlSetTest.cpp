@@ -13,10 +13,10 @@ using VividControlSet = VividControls;
 
 TEST_F(VividControlSet, HasEveryPlainControlAsListed)
 {
-    const std::vector<ListedControl> listed = plainControls(firstNode);
+    std::vector<ListedControl> const listed = plainControls(firstNode);
     ASSERT_GT(listed.size(), 50U);
     EXPECT_EQ(camera->controlNumber(), static_cast<int>(listed.size()));
-    for (const ListedControl& one : listed) {
+    for (ListedControl const& one : listed) {
         expectListedControl(*camera, one);
     }
 }
@@ -24,9 +24,9 @@ TEST_F(VividControlSet, HasEveryPlainControlAsListed)
 TEST_F(VividControlSet, HasMenusWithHoles)
 {
     unsigned holes = 0;
-    for (const ListedControl& one : plainControls(firstNode)) {
-        const auto* const menu =
-            dynamic_cast<const ICameraControlStringMenu*>(controlById(*camera, one.id));
+    for (ListedControl const& one : plainControls(firstNode)) {
+        auto const* const menu =
+            dynamic_cast<ICameraControlStringMenu const*>(controlById(*camera, one.id));
         if (menu != nullptr && one.number("max") - one.number("min") + 1 > menu->count()) {
             ++holes;
         }
@@ -40,7 +40,7 @@ TEST_F(VividControlSet, HasAControlOfEachTypeThatVividOffers)
     for (int i = 0; i < camera->controlNumber(); ++i) {
         types.insert(camera->control(i)->type());
     }
-    for (const auto& [print, type] : typesByPrint()) {
+    for (auto const& [print, type] : typesByPrint()) {
         EXPECT_EQ(types.count(type), 1U) << print;
     }
 }
@@ -56,7 +56,7 @@ TEST_F(VividControlSet, IsSortedByName)
 TEST_F(VividControlSet, HasNoCompoundControl)
 {
     unsigned compound = 0;
-    for (const ListedControl& one : listControls(firstNode)) {
+    for (ListedControl const& one : listControls(firstNode)) {
         if (one.isCompound()) {
             ++compound;
             EXPECT_EQ(controlById(*camera, one.id), camera->invalidControl()) << one.name;

@@ -21,25 +21,25 @@ namespace
 using Number = ICameraControlNumeric<int>;
 
 /// A value one third of the range above its minimum.
-int lowerThird(const Number& control)
+int lowerThird(Number const& control)
 {
-    const long long width = static_cast<long long>(control.maximum()) - control.minimum();
+    long long const width = static_cast<long long>(control.maximum()) - control.minimum();
     return static_cast<int>(control.minimum() + width / 3);
 }
 
-int upperThird(const Number& control)
+int upperThird(Number const& control)
 {
-    const long long width = static_cast<long long>(control.maximum()) - control.minimum();
+    long long const width = static_cast<long long>(control.maximum()) - control.minimum();
     return static_cast<int>(control.maximum() - width / 3);
 }
 
 /// The driver's numbers of a menu's items, in order.
-std::vector<unsigned> itemNumbers(const ICameraControl& menu)
+std::vector<unsigned> itemNumbers(ICameraControl const& menu)
 {
     std::vector<unsigned> numbers;
-    for (const ListedControl& one : listControls(firstNode)) {
+    for (ListedControl const& one : listControls(firstNode)) {
         if (one.id == menu.id()) {
-            for (const auto& item : one.items) {
+            for (auto const& item : one.items) {
                 numbers.push_back(item.first);
             }
         }
@@ -47,12 +47,12 @@ std::vector<unsigned> itemNumbers(const ICameraControl& menu)
     return numbers;
 }
 
-bool v4l2CtlRefuses(const std::string& setting)
+bool v4l2CtlRefuses(std::string const& setting)
 {
     return runShell(std::string("v4l2-ctl -d ") + firstNode + " --set-ctrl=" + setting).status != 0;
 }
 
-std::string textOf(const ICameraControlString& control)
+std::string textOf(ICameraControlString const& control)
 {
     std::vector<char> buffer(16, '#');
     return control.getValue(buffer.data(), static_cast<int>(buffer.size())) ? buffer.data()
@@ -72,10 +72,10 @@ TEST_F(VividControls, EveryNumberIsWrittenHereAndReadThere)
 
 TEST_F(VividControls, EveryNumberIsWrittenThereAndReadHere)
 {
-    const std::vector<Number*> numbers = writable<Number>();
+    std::vector<Number*> const numbers = writable<Number>();
     ASSERT_GE(numbers.size(), 7U);
-    setThere(numbers, [](const Number& control) { return upperThird(control); });
-    for (const Number* const control : numbers) {
+    setThere(numbers, [](Number const& control) { return upperThird(control); });
+    for (Number const* const control : numbers) {
         EXPECT_EQ(control->value(), upperThird(*control)) << control->name();
     }
 }
@@ -83,7 +83,7 @@ TEST_F(VividControls, EveryNumberIsWrittenThereAndReadHere)
 TEST_F(VividControls, NumbersReachBothEndsOfTheirRangeAndNoFurther)
 {
     auto& wide = control<Number>("Integer 32 Bits");
-    for (const int end : {INT_MIN, INT_MAX, -1, 0}) {
+    for (int const end : {INT_MIN, INT_MAX, -1, 0}) {
         EXPECT_TRUE(wide.setValue(end));
         EXPECT_EQ(readControl(firstNode, "integer_32_bits"), std::to_string(end));
         EXPECT_EQ(wide.value(), end);
@@ -97,11 +97,11 @@ TEST_F(VividControls, NumbersReachBothEndsOfTheirRangeAndNoFurther)
 
 TEST_F(VividControls, EverySwitchIsWrittenHereAndReadThere)
 {
-    const std::vector<ICameraControlBoolean*> switches = writable<ICameraControlBoolean>();
+    std::vector<ICameraControlBoolean*> const switches = writable<ICameraControlBoolean>();
     ASSERT_GE(switches.size(), 10U);
     for (int round = 0; round < 2; ++round) {
         expectWrittenHere(switches, [](ICameraControlBoolean& control) {
-            const bool value = !control.value();
+            bool const value = !control.value();
             EXPECT_TRUE(control.setValue(value)) << control.name();
             EXPECT_EQ(control.value(), value) << control.name();
             return std::string(value ? "1" : "0");
@@ -111,25 +111,25 @@ TEST_F(VividControls, EverySwitchIsWrittenHereAndReadThere)
 
 TEST_F(VividControls, EverySwitchIsWrittenThereAndReadHere)
 {
-    const std::vector<ICameraControlBoolean*> switches = writable<ICameraControlBoolean>();
-    setThere(switches, [](const ICameraControlBoolean& one) { return one.defaultValue() ? 0 : 1; });
-    for (const ICameraControlBoolean* const control : switches) {
+    std::vector<ICameraControlBoolean*> const switches = writable<ICameraControlBoolean>();
+    setThere(switches, [](ICameraControlBoolean const& one) { return one.defaultValue() ? 0 : 1; });
+    for (ICameraControlBoolean const* const control : switches) {
         EXPECT_NE(control->value(), control->defaultValue()) << control->name();
     }
 }
 
 TEST_F(VividControls, EveryMenuIsWrittenHereAndReadThere)
 {
-    const std::vector<ICameraControlStringMenu*> menus = writable<ICameraControlStringMenu>();
+    std::vector<ICameraControlStringMenu*> const menus = writable<ICameraControlStringMenu>();
     ASSERT_GE(menus.size(), 10U);
     std::map<unsigned, std::vector<unsigned>> numbers;
-    for (const ListedControl& one : listControls(firstNode)) {
-        for (const auto& item : one.items) {
+    for (ListedControl const& one : listControls(firstNode)) {
+        for (auto const& item : one.items) {
             numbers[one.id].push_back(item.first);
         }
     }
     expectWrittenHere(menus, [&](ICameraControlStringMenu& menu) {
-        const int next = (menu.currentIndex() + 1) % menu.count();
+        int const next = (menu.currentIndex() + 1) % menu.count();
         EXPECT_TRUE(menu.setCurrentIndex(next)) << menu.name();
         EXPECT_EQ(menu.currentIndex(), next) << menu.name();
         return std::to_string(numbers[menu.id()].at(static_cast<std::size_t>(next)));
@@ -139,10 +139,10 @@ TEST_F(VividControls, EveryMenuIsWrittenHereAndReadThere)
 TEST_F(VividControls, EveryItemOfAMenuWithAHoleIsWrittenBothWays)
 {
     auto& menu = control<ICameraControlStringMenu>("Menu");
-    const std::vector<unsigned> numbers = itemNumbers(menu);
+    std::vector<unsigned> const numbers = itemNumbers(menu);
     ASSERT_EQ(numbers, (std::vector<unsigned>{1, 3, 4}));
     for (int position = 0; position < 3; ++position) {
-        const std::string number = std::to_string(numbers[static_cast<std::size_t>(position)]);
+        std::string const number = std::to_string(numbers[static_cast<std::size_t>(position)]);
         EXPECT_TRUE(menu.setCurrentIndex(position));
         EXPECT_EQ(readControl(firstNode, "menu").substr(0, 1), number);
         EXPECT_TRUE(menu.setCurrentIndex((position + 1) % 3));
@@ -159,13 +159,13 @@ TEST_F(VividControls, EveryItemOfAMenuWithAHoleIsWrittenBothWays)
 TEST_F(VividControls, EveryItemOfANumberMenuIsWrittenBothWays)
 {
     auto& menu = control<ICameraControlInt64Menu>("Integer Menu");
-    const std::vector<unsigned> numbers = itemNumbers(menu);
+    std::vector<unsigned> const numbers = itemNumbers(menu);
     ASSERT_EQ(numbers, (std::vector<unsigned>{2, 3, 4, 5, 6, 7, 8}));
     EXPECT_EQ(menu.defaultIndex(), 2);
     EXPECT_EQ(menu.count(), 0);
     EXPECT_THROW(menu.value(0), std::out_of_range);
     for (int position = 0; position < 7; ++position) {
-        const std::string number = std::to_string(numbers[static_cast<std::size_t>(position)]);
+        std::string const number = std::to_string(numbers[static_cast<std::size_t>(position)]);
         EXPECT_TRUE(menu.setCurrentIndex(position));
         EXPECT_EQ(readControl(firstNode, "integer_menu").substr(0, 1), number);
         EXPECT_TRUE(menu.setCurrentIndex((position + 1) % 7));
@@ -179,7 +179,7 @@ TEST_F(VividControls, BitMasksAreWrittenBothWays)
 {
     auto& mask = control<ICameraControlBitMask>("Bitmask");
     EXPECT_EQ(mask.defaultValue(), 0x80002000U);
-    for (const unsigned value : {0U, 0x80402010U, 0x80000000U, 0x10U}) {
+    for (unsigned const value : {0U, 0x80402010U, 0x80000000U, 0x10U}) {
         EXPECT_TRUE(mask.setValue(value));
         EXPECT_EQ(static_cast<unsigned>(std::stoll(readControl(firstNode, "bitmask"))), value);
         EXPECT_EQ(mask.value(), value);
@@ -193,8 +193,8 @@ TEST_F(VividControls, BitMasksAreWrittenBothWays)
 
 TEST_F(VividControls, SixtyFourBitNumbersAreReadWhole)
 {
-    const auto& wide = control<ICameraControlNumeric<long long>>("Integer 64 Bits");
-    for (const char* const value : {"5000000000", "-5000000000", "9223372036854775807",
+    auto const& wide = control<ICameraControlNumeric<long long>>("Integer 64 Bits");
+    for (char const* const value : {"5000000000", "-5000000000", "9223372036854775807",
                                     "-9223372036854775808", "4294967296", "-1", "0"}) {
         v4l2Ctl(firstNode, std::string("--set-ctrl=integer_64_bits=") + value);
         EXPECT_EQ(std::to_string(wide.value()), value);
@@ -231,11 +231,11 @@ TEST_F(VividControls, TextsHaveTheLengthsThatTheDriverAllows)
     EXPECT_EQ(text.minLength(), 2);
     EXPECT_EQ(text.maxLength(), 4);
     EXPECT_EQ(text.stringSize(), 5U);
-    for (const char* const fitting : {"ab", "abc", "abcd"}) {
+    for (char const* const fitting : {"ab", "abc", "abcd"}) {
         EXPECT_TRUE(text.setValue(fitting));
         EXPECT_EQ(textOf(text), fitting);
     }
-    for (const char* const unfitting : {"", "a", "abcde"}) {
+    for (char const* const unfitting : {"", "a", "abcde"}) {
         EXPECT_FALSE(text.setValue(unfitting)) << unfitting;
         EXPECT_EQ(textOf(text), "abcd");
     }
@@ -244,7 +244,7 @@ TEST_F(VividControls, TextsHaveTheLengthsThatTheDriverAllows)
 
 TEST_F(VividControls, ATextNeedsRoomForItsLongest)
 {
-    const auto& text = control<ICameraControlString>("String");
+    auto const& text = control<ICameraControlString>("String");
     char buffer[5];
     EXPECT_FALSE(text.getValue(buffer, 4));
     EXPECT_FALSE(text.getValue(buffer, 0));
@@ -296,7 +296,7 @@ TEST_F(VividControls, AGrabbedControlIsNotWrittenWhileStreaming)
     auto& cropping = control<ICameraControlBoolean>("Enable Capture Cropping");
     ASSERT_TRUE(selectSmall(*camera));
     {
-        const Stream stream(*camera, 4);
+        Stream const stream(*camera, 4);
         EXPECT_TRUE(cropping.updateState());
         EXPECT_TRUE(cropping.isGrabbed());
         EXPECT_FALSE(cropping.setValue(false));
@@ -327,9 +327,9 @@ TEST_F(VividControls, ControlsActOnThePictureWhileStreaming)
     showStillPicture();
     ASSERT_TRUE(selectSmall(*camera));
     v4l2Ctl(firstNode, "--set-ctrl=test_pattern=6");
-    const Bytes white = capturedByV4l2Ctl(firstNode);
+    Bytes const white = capturedByV4l2Ctl(firstNode);
     showStillPicture();
-    const Stream stream(*camera, 2);
+    Stream const stream(*camera, 2);
     IFrame* const before = camera->acquireFrame();
     EXPECT_FALSE(bytesOf(*before) == white);
     camera->releaseFrame(before);

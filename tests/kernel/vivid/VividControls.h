@@ -18,7 +18,7 @@ protected:
     using Control = ImageAcquisition::ICameraControl;
 
     template <typename Interface>
-    Interface& control(const char* name) const
+    Interface& control(char const* name) const
     {
         auto* const typed = dynamic_cast<Interface*>(camera->control(name));
         if (typed == nullptr) {
@@ -44,13 +44,13 @@ protected:
     /// Writes with `write` here and expects v4l2-ctl to print the text it returns, for each
     /// control.
     template <typename Interface, typename Write>
-    void expectWrittenHere(const std::vector<Interface*>& controls, Write write) const
+    void expectWrittenHere(std::vector<Interface*> const& controls, Write write) const
     {
         std::map<unsigned, std::string> wanted;
         for (Interface* const one : controls) {
             wanted[one->id()] = write(*one);
         }
-        const std::map<unsigned, std::string> printed = readControls(firstNode);
+        std::map<unsigned, std::string> const printed = readControls(firstNode);
         for (Interface* const one : controls) {
             EXPECT_EQ(printed.at(one->id()), wanted[one->id()]) << one->name();
         }
@@ -58,7 +58,7 @@ protected:
 
     /// Has v4l2-ctl set what `choose` returns, for each control, all at once.
     template <typename Interface, typename Choose>
-    void setThere(const std::vector<Interface*>& controls, Choose choose) const
+    void setThere(std::vector<Interface*> const& controls, Choose choose) const
     {
         std::string settings;
         for (Interface* const one : controls) {

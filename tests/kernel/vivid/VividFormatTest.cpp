@@ -20,12 +20,12 @@ std::string printedSelection()
     return v4l2Ctl(firstNode, "--get-fmt-video --get-parm");
 }
 
-void expectPrinted(const std::string& text, const std::string& wanted)
+void expectPrinted(std::string const& text, std::string const& wanted)
 {
     EXPECT_NE(text.find(wanted), std::string::npos) << wanted << " is not in\n" << text;
 }
 
-std::string printed(const char* label, const std::string& value)
+std::string printed(char const* label, std::string const& value)
 {
     return std::string(label) + value;
 }
@@ -36,8 +36,8 @@ class OtherInput
 public:
     explicit OtherInput(int number) { select(number); }
     ~OtherInput() { select(0); }
-    OtherInput(const OtherInput&) = delete;
-    OtherInput& operator=(const OtherInput&) = delete;
+    OtherInput(OtherInput const&) = delete;
+    OtherInput& operator=(OtherInput const&) = delete;
 
 private:
     static void select(int number) { v4l2Ctl(firstNode, "-i " + std::to_string(number)); }
@@ -47,15 +47,15 @@ private:
 
 TEST(VividFormats, AreThoseThatV4l2CtlListsInEveryField)
 {
-    const CameraPointer camera = openCamera();
-    const std::vector<ListedFormat> listed = listFormats(firstNode);
+    CameraPointer const camera = openCamera();
+    std::vector<ListedFormat> const listed = listFormats(firstNode);
     ASSERT_GT(listed.size(), 10U);
     expectListedFormats(*camera, listed);
 }
 
 TEST(VividFormats, EndWithTheInvalidOne)
 {
-    const CameraPointer camera = openCamera();
+    CameraPointer const camera = openCamera();
     EXPECT_TRUE(camera->format(camera->formatNumber())->isInvalid());
     EXPECT_TRUE(camera->format(0)->frameSize(camera->format(0)->sizeNumber())->isInvalid());
     EXPECT_FALSE(camera->setCurrentImageFormat(camera->formatNumber(), 0, 0));
@@ -66,12 +66,12 @@ TEST(VividFormats, EndWithTheInvalidOne)
 
 TEST(VividFormats, EachOneIsSelectedAndReadBack)
 {
-    const CameraPointer camera = openCamera();
+    CameraPointer const camera = openCamera();
     for (int i = 0; i < camera->formatNumber(); ++i) {
-        const IImageFormat* const format = camera->format(i);
+        IImageFormat const* const format = camera->format(i);
         SCOPED_TRACE(format->description());
-        const int size = i % format->sizeNumber();
-        const int interval = i % format->frameSize(size)->periodNumber();
+        int const size = i % format->sizeNumber();
+        int const interval = i % format->frameSize(size)->periodNumber();
         ASSERT_TRUE(camera->setCurrentImageFormat(i, size, interval));
         EXPECT_EQ(camera->currentImageFormat(), format);
         EXPECT_EQ(camera->currentFrameSize(), format->frameSize(size));
@@ -81,8 +81,8 @@ TEST(VividFormats, EachOneIsSelectedAndReadBack)
 
 TEST(VividFormats, EachSizeAndIntervalIsSelectedAndReadBack)
 {
-    const CameraPointer camera = openCamera();
-    const IImageFormat* const format = camera->format(1);
+    CameraPointer const camera = openCamera();
+    IImageFormat const* const format = camera->format(1);
     for (int size = 0; size < format->sizeNumber(); ++size) {
         for (int interval = 0; interval < format->frameSize(size)->periodNumber(); ++interval) {
             ASSERT_TRUE(camera->setCurrentImageFormat(1, size, interval));
@@ -94,10 +94,10 @@ TEST(VividFormats, EachSizeAndIntervalIsSelectedAndReadBack)
 
 TEST(VividFormats, WhatIsSelectedByIndexIsWhatV4l2CtlReports)
 {
-    const CameraPointer camera = openCamera();
+    CameraPointer const camera = openCamera();
     ASSERT_STREQ(camera->format(1)->name(), "UYVY");
     ASSERT_TRUE(camera->setCurrentImageFormat(1, 2, 4));
-    const std::string text = printedSelection();
+    std::string const text = printedSelection();
     expectPrinted(text, "Width/Height      : 640/480");
     expectPrinted(text, "Pixel Format      : 'UYVY'");
     expectPrinted(text, printed("Bytes per Line    : ",
@@ -108,9 +108,9 @@ TEST(VividFormats, WhatIsSelectedByIndexIsWhatV4l2CtlReports)
 
 TEST(VividFormats, WhatIsSelectedByNameIsWhatV4l2CtlReports)
 {
-    const CameraPointer camera = openCamera();
+    CameraPointer const camera = openCamera();
     ASSERT_TRUE(camera->setCurrentImageFormat("GREY", 1280, 720, 2, 25));
-    const std::string text = printedSelection();
+    std::string const text = printedSelection();
     expectPrinted(text, "Width/Height      : 1280/720");
     expectPrinted(text, "Pixel Format      : 'GREY'");
     expectPrinted(text, "Frames per second: 12.500 (25/2)");
@@ -119,7 +119,7 @@ TEST(VividFormats, WhatIsSelectedByNameIsWhatV4l2CtlReports)
 TEST(VividFormats, WhatV4l2CtlSelectsIsReadByACameraOpenedLater)
 {
     v4l2Ctl(firstNode, "--set-fmt-video=width=640,height=360,pixelformat=NV12 --set-parm=15");
-    const CameraPointer camera = openCamera();
+    CameraPointer const camera = openCamera();
     EXPECT_STREQ(camera->currentImageFormat()->name(), "NV12");
     EXPECT_EQ(camera->currentFrameSize()->width(), 640U);
     EXPECT_EQ(camera->currentFrameSize()->height(), 360U);
@@ -129,21 +129,21 @@ TEST(VividFormats, WhatV4l2CtlSelectsIsReadByACameraOpenedLater)
 
 TEST(VividFormats, WhatV4l2CtlSelectsIsNotSeenByAnOpenCamera)
 {
-    const CameraPointer camera = openCamera();
+    CameraPointer const camera = openCamera();
     ASSERT_TRUE(selectSmall(*camera));
     v4l2Ctl(firstNode, "--set-fmt-video=width=640,height=360,pixelformat=NV12");
     // libv4l2 answers from its own memory.
     EXPECT_STREQ(camera->currentImageFormat()->name(), "YUYV");
     EXPECT_EQ(camera->currentFrameSize()->width(), 320U);
     ASSERT_TRUE(selectSmall(*camera));
-    const Stream stream(*camera, 2);
+    Stream const stream(*camera, 2);
     EXPECT_EQ(camera->acquireFrame()->bytesUsed(), smallSize);
 }
 
 TEST(VividFormats, ARangeOfSizesMakesNoListAndNoSelection)
 {
-    const OtherInput television(1);
-    const CameraPointer camera = openCamera();
+    OtherInput const television(1);
+    CameraPointer const camera = openCamera();
     ASSERT_GT(camera->formatNumber(), 10);
     for (int i = 0; i < camera->formatNumber(); ++i) {
         EXPECT_EQ(camera->format(i)->sizeNumber(), 0) << i;

@@ -36,12 +36,12 @@ public:
     }
     ~FullTable()
     {
-        for (const int fd : _descriptors) {
+        for (int const fd : _descriptors) {
             HelperV4l2::close(fd);
         }
     }
-    FullTable(const FullTable&) = delete;
-    FullTable& operator=(const FullTable&) = delete;
+    FullTable(FullTable const&) = delete;
+    FullTable& operator=(FullTable const&) = delete;
 
     std::size_t size() const { return _descriptors.size(); }
 
@@ -49,11 +49,11 @@ private:
     std::vector<int> _descriptors;
 };
 
-std::string thrownText(const std::function<void()>& action)
+std::string thrownText(std::function<void()> const& action)
 {
     try {
         action();
-    } catch (const std::invalid_argument& error) {
+    } catch (std::invalid_argument const& error) {
         return error.what();
     }
     return "nothing";
@@ -63,26 +63,26 @@ std::string thrownText(const std::function<void()>& action)
 
 TEST(VividFactory, ANodeWithoutUsbParentThrowsInSingleCreation)
 {
-    const ICameraFactory& factory = ICameraFactory::getUniqueInstance();
+    ICameraFactory const& factory = ICameraFactory::getUniqueInstance();
     EXPECT_EQ(thrownText([&] { std::unique_ptr<IDevice>(factory.createDevice("video0")); }),
               "stoul");
 }
 
 TEST(VividFactory, ANodeWithoutUsbParentThrowsInEnumeration)
 {
-    const ICameraFactory& factory = ICameraFactory::getUniqueInstance();
+    ICameraFactory const& factory = ICameraFactory::getUniqueInstance();
     EXPECT_EQ(thrownText([&] { std::unique_ptr<IDeviceList>(factory.createDeviceList()); }),
               "stoul");
 }
 
 TEST(VividFactory, TheToolSaysWhichNodesHaveNoUsbParent)
 {
-    const CommandResult list = runTool("list");
+    CommandResult const list = runTool("list");
     EXPECT_EQ(list.status, 1);
     EXPECT_EQ(splitLines(list.output).size(), 1U) << list.output;
     EXPECT_NE(list.output.find(firstNode), std::string::npos) << list.output;
     EXPECT_NE(list.output.find(secondNode), std::string::npos) << list.output;
-    const CommandResult show = runTool("show video1");
+    CommandResult const show = runTool("show video1");
     EXPECT_EQ(show.status, 1);
     EXPECT_NE(show.output.find(secondNode), std::string::npos) << show.output;
 }
@@ -94,7 +94,7 @@ TEST(VividFactory, AnAbsentNodeIsNoDevice)
 
 TEST(VividFactory, ACameraOnAnAbsentNodeIsEmptyAndFails)
 {
-    const CameraPointer camera = openCamera("/dev/video9");
+    CameraPointer const camera = openCamera("/dev/video9");
     ASSERT_NE(camera, nullptr);
     EXPECT_EQ(camera->formatNumber(), 0);
     EXPECT_EQ(camera->controlNumber(), 0);
@@ -104,11 +104,11 @@ TEST(VividFactory, ACameraOnAnAbsentNodeIsEmptyAndFails)
 
 TEST(VividFactory, ACameraLeavesNoDescriptorBehind)
 {
-    const int before = openDescriptors();
+    int const before = openDescriptors();
     {
-        const CameraPointer camera = openCamera();
+        CameraPointer const camera = openCamera();
         ASSERT_TRUE(selectSmall(*camera));
-        const Stream stream(*camera, 4);
+        Stream const stream(*camera, 4);
         EXPECT_FALSE(camera->acquireFrame()->isInvalid());
         EXPECT_GT(openDescriptors(), before);
     }
@@ -117,10 +117,10 @@ TEST(VividFactory, ACameraLeavesNoDescriptorBehind)
 
 TEST(VividOpeners, TheSecondCannotCaptureWhileTheFirstDoes)
 {
-    const CameraPointer first = openCamera();
-    const CameraPointer second = openCamera();
+    CameraPointer const first = openCamera();
+    CameraPointer const second = openCamera();
     ASSERT_TRUE(selectSmall(*first));
-    const Stream stream(*first, 4);
+    Stream const stream(*first, 4);
 
     EXPECT_FALSE(selectSmall(*second, "GREY"));
     EXPECT_EQ(second->setup(4), -1);
@@ -139,11 +139,11 @@ TEST(VividOpeners, TheSecondCannotCaptureWhileTheFirstDoes)
 
 TEST(VividOpeners, OneThatOpensWhileAnotherStreamsSeesEverythingAndCapturesLater)
 {
-    const CameraPointer first = openCamera();
+    CameraPointer const first = openCamera();
     ASSERT_TRUE(selectSmall(*first));
     CameraPointer second;
     {
-        const Stream stream(*first, 4);
+        Stream const stream(*first, 4);
         second = openCamera();
         ASSERT_NE(second, nullptr);
         EXPECT_EQ(second->formatNumber(), first->formatNumber());
@@ -152,16 +152,16 @@ TEST(VividOpeners, OneThatOpensWhileAnotherStreamsSeesEverythingAndCapturesLater
         IFrame* const frame = first->acquireFrame();
         EXPECT_FALSE(frame->isInvalid());
     }
-    const Stream stream(*second, 4);
+    Stream const stream(*second, 4);
     EXPECT_FALSE(second->acquireFrame()->isInvalid());
 }
 
 TEST(VividOpeners, AnotherProgramIsKeptOut)
 {
-    const CameraPointer camera = openCamera();
+    CameraPointer const camera = openCamera();
     ASSERT_TRUE(selectSmall(*camera));
-    const Stream stream(*camera, 4);
-    const CommandResult other =
+    Stream const stream(*camera, 4);
+    CommandResult const other =
         runShell("v4l2-ctl -d /dev/video0 --stream-mmap --stream-count=1 --stream-to=/dev/null");
     EXPECT_NE(other.output.find("Device or resource busy"), std::string::npos) << other.output;
     EXPECT_FALSE(camera->acquireFrame()->isInvalid());
@@ -170,9 +170,9 @@ TEST(VividOpeners, AnotherProgramIsKeptOut)
 TEST(VividOpeners, TheSeventeenthOpeningInAProcessIsAnEmptyCamera)
 {
     {
-        const FullTable table;
+        FullTable const table;
         EXPECT_EQ(table.size(), 16U);
-        const CameraPointer camera = openCamera();
+        CameraPointer const camera = openCamera();
         ASSERT_NE(camera, nullptr);
         EXPECT_EQ(camera->formatNumber(), 0);
         EXPECT_EQ(camera->controlNumber(), 0);

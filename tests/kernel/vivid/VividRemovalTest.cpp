@@ -17,9 +17,9 @@ using namespace KernelTest;
 namespace
 {
 
-void bindDriver(const char* action)
+void bindDriver(char const* action)
 {
-    const CommandResult result =
+    CommandResult const result =
         runShell(std::string("echo vivid.0 > /sys/bus/platform/drivers/vivid/") + action);
     ASSERT_EQ(result.status, 0) << result.output;
 }
@@ -41,8 +41,8 @@ public:
         EXPECT_TRUE(waitFor([] { return nodeExists(); }));
         EXPECT_EQ(runShell("udevadm settle").status, 0);
     }
-    Unplugged(const Unplugged&) = delete;
-    Unplugged& operator=(const Unplugged&) = delete;
+    Unplugged(Unplugged const&) = delete;
+    Unplugged& operator=(Unplugged const&) = delete;
 
 private:
     static void unplug()
@@ -67,9 +67,9 @@ void expectDead(IBlockingCamera& camera)
 
 void expectCaptures()
 {
-    const CameraPointer camera = openCamera();
+    CameraPointer const camera = openCamera();
     ASSERT_TRUE(selectSmall(*camera));
-    const Stream stream(*camera, 4);
+    Stream const stream(*camera, 4);
     EXPECT_EQ(camera->acquireFrame()->bytesUsed(), smallSize);
 }
 
@@ -84,11 +84,11 @@ TEST(VividRemoval, EndsTheWaitOfABlockedReader)
     IFrame* const held = camera->acquireFrame();
     ASSERT_FALSE(held->isInvalid());
     ASSERT_FALSE(camera->acquireFrame()->isInvalid());
-    const IFrame* last = nullptr;
+    IFrame const* last = nullptr;
     {
         WatchedThread reader([&] { last = camera->acquireFrame(); });
         ASSERT_TRUE(reader.awaitSelect());
-        const Unplugged absence;
+        Unplugged const absence;
         reader.join();
         EXPECT_TRUE(last->isInvalid());
         // The mapping outlives the device.
@@ -117,7 +117,7 @@ TEST(VividRemoval, ReachesACaptureThatRunsAndAnIdleCamera)
             }
         });
         ASSERT_TRUE(waitFor([&] { return frames > 5; }));
-        const Unplugged absence;
+        Unplugged const absence;
         reader.join();
         EXPECT_EQ(idle->startCapture(), -1);
         EXPECT_EQ(capturing->stopCapture(), -1);
@@ -136,7 +136,7 @@ TEST(VividRemoval, OfTheModuleHasToWaitForTheCamera)
     EXPECT_NE(runShell("rmmod vivid").status, 0);
     ASSERT_TRUE(selectSmall(*camera));
     {
-        const Stream stream(*camera, 4);
+        Stream const stream(*camera, 4);
         EXPECT_FALSE(camera->acquireFrame()->isInvalid());
     }
     camera.reset();
@@ -152,7 +152,7 @@ TEST(VividRemoval, OfTheModuleHasToWaitForTheCamera)
 TEST(VividRemoval, OfADisconnectedDeviceEndsWithTheLastCamera)
 {
     {
-        const CameraPointer camera = openCamera();
+        CameraPointer const camera = openCamera();
         ASSERT_TRUE(selectSmall(*camera));
         ASSERT_EQ(camera->setup(4), 0);
         ASSERT_EQ(camera->startCapture(), 0);

@@ -27,7 +27,7 @@ namespace
 /// The two methods that get ready only when the wake-up pipe cannot be opened.
 int setUpWithoutPipe(InputMethod& method, int bufferCount)
 {
-    const DescriptorLimit limit;
+    DescriptorLimit const limit;
     return method.setup(bufferCount, smallSize);
 }
 
@@ -54,7 +54,7 @@ using VividRead = VividTransfer;
 class VividUserPointers : public VividTransfer
 {
 protected:
-    const PassThrough straight;
+    PassThrough const straight;
 };
 
 } // namespace
@@ -77,7 +77,7 @@ TEST_F(VividRead, FramesAreThoseThatV4l2CtlWrites)
 
 TEST_F(VividRead, FramesAreThoseThatAPlainReadGives)
 {
-    const CommandResult result =
+    CommandResult const result =
         runShell("dd if=/dev/video0 of=/tmp/vivid-read bs=" + std::to_string(smallSize) +
                  " count=1 && cmp /tmp/vivid-read /tmp/vivid-frames");
     EXPECT_EQ(result.status, 0) << result.output;
@@ -129,7 +129,7 @@ TEST_F(VividUserPointers, FramesAreThoseThatV4l2CtlWrites)
     InputMethodUserPointers method(fd);
     ASSERT_EQ(setUpWithoutPipe(method, 4), 0);
     ASSERT_EQ(method.startCapture(), 0);
-    std::set<const unsigned char*> buffers;
+    std::set<unsigned char const*> buffers;
     unsigned long long next = 0;
     for (int i = 0; i < 40; ++i) {
         IFrame* const frame = method.acquireFrame();
@@ -155,7 +155,7 @@ TEST_F(VividUserPointers, WithAllBuffersHeldNoFrameComesWithinTwoSeconds)
     IFrame* const first = method.acquireFrame();
     ASSERT_FALSE(first->isInvalid());
     ASSERT_FALSE(method.acquireFrame()->isInvalid());
-    const double begin = monotonicSeconds();
+    double const begin = monotonicSeconds();
     EXPECT_TRUE(method.acquireFrame()->isInvalid());
     EXPECT_GE(monotonicSeconds() - begin, 1.99);
     EXPECT_EQ(method.releaseFrame(first), 0);
@@ -171,7 +171,7 @@ TEST_F(VividUserPointers, StoppingTheStreamEndsAWaitWithoutAPipe)
     ASSERT_EQ(method.startCapture(), 0);
     ASSERT_FALSE(method.acquireFrame()->isInvalid());
     ASSERT_FALSE(method.acquireFrame()->isInvalid());
-    const IFrame* last = nullptr;
+    IFrame const* last = nullptr;
     {
         WatchedThread reader([&] { last = method.acquireFrame(); });
         ASSERT_TRUE(reader.awaitSelect());
