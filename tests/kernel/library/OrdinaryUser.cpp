@@ -135,15 +135,15 @@ void openToAll(std::string const& node)
 
 ReadableLog::ReadableLog(bool isReadable)
 {
-    std::ofstream(_file) << (isReadable ? "0" : "1");
-    if (readFile(_file) != (isReadable ? "0" : "1")) {
+    std::ofstream(m_file) << (isReadable ? "0" : "1");
+    if (readFile(m_file) != (isReadable ? "0" : "1")) {
         throw std::runtime_error("the rights on the kernel's log stay");
     }
 }
 
 ReadableLog::~ReadableLog()
 {
-    std::ofstream(_file) << _before;
+    std::ofstream(m_file) << m_before;
 }
 
 } // namespace KernelTest

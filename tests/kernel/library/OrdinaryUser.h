@@ -40,8 +40,8 @@ public:
     ReadableLog& operator=(ReadableLog const&) = delete;
 
 private:
-    std::string _file = "/proc/sys/kernel/dmesg_restrict";
-    std::string _before = readFile(_file);
+    std::string m_file = "/proc/sys/kernel/dmesg_restrict";
+    std::string m_before = readFile(m_file);
 };
 
 } // namespace KernelTest

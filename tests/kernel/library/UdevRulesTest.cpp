@@ -20,13 +20,13 @@ class InstalledRules
 public:
     explicit InstalledRules(std::string const& rules)
     {
-        std::filesystem::create_directories(_place.parent_path());
-        std::ofstream(_place) << rules << '\n';
+        std::filesystem::create_directories(m_place.parent_path());
+        std::ofstream(m_place) << rules << '\n';
         reload();
     }
     ~InstalledRules()
     {
-        std::filesystem::remove(_place);
+        std::filesystem::remove(m_place);
         reload();
     }
     InstalledRules(InstalledRules const&) = delete;
@@ -35,7 +35,7 @@ public:
 private:
     static void reload() { EXPECT_EQ(runShell("udevadm control --reload").status, 0); }
 
-    std::filesystem::path _place = "/run/udev/rules.d/70-imageacquisition.rules";
+    std::filesystem::path m_place = "/run/udev/rules.d/70-imageacquisition.rules";
 };
 
 std::string projectsRules()
@@ -63,15 +63,15 @@ class Seat
 public:
     explicit Seat(unsigned user)
     {
-        std::filesystem::create_directories(_file.parent_path());
-        std::ofstream(_file) << "IS_SEAT0=1\nACTIVE=1\nACTIVE_UID=" << user << '\n';
+        std::filesystem::create_directories(m_file.parent_path());
+        std::ofstream(m_file) << "IS_SEAT0=1\nACTIVE=1\nACTIVE_UID=" << user << '\n';
     }
-    ~Seat() { std::filesystem::remove_all(_file.parent_path()); }
+    ~Seat() { std::filesystem::remove_all(m_file.parent_path()); }
     Seat(Seat const&) = delete;
     Seat& operator=(Seat const&) = delete;
 
 private:
-    std::filesystem::path _file = "/run/systemd/seats/seat0";
+    std::filesystem::path m_file = "/run/systemd/seats/seat0";
 };
 
 std::string udevRecord(std::string const& node)

@@ -20,10 +20,10 @@ BackgroundCommand::BackgroundCommand(std::string const& line)
 {
     char file[] = "/tmp/background-XXXXXX";
     ::close(::mkstemp(file));
-    _file = file;
-    std::string const text = "exec < /dev/null > " + _file + " 2>&1; exec " + line;
+    m_file = file;
+    std::string const text = "exec < /dev/null > " + m_file + " 2>&1; exec " + line;
     char const* const arguments[] = {"sh", "-c", text.c_str(), nullptr};
-    if (::posix_spawn(&_process, "/bin/sh", nullptr, nullptr, const_cast<char**>(arguments),
+    if (::posix_spawn(&m_process, "/bin/sh", nullptr, nullptr, const_cast<char**>(arguments),
                       environ) != 0) {
         throw std::runtime_error("cannot start " + line);
     }
@@ -31,21 +31,21 @@ BackgroundCommand::BackgroundCommand(std::string const& line)
 
 BackgroundCommand::~BackgroundCommand()
 {
-    if (_process != -1) {
+    if (m_process != -1) {
         signal(SIGKILL);
-        ::waitpid(_process, nullptr, 0);
+        ::waitpid(m_process, nullptr, 0);
     }
-    ::unlink(_file.c_str());
+    ::unlink(m_file.c_str());
 }
 
 std::string BackgroundCommand::output() const
 {
-    return readFile(_file);
+    return readFile(m_file);
 }
 
 void BackgroundCommand::signal(int number) const
 {
-    ::kill(_process, number);
+    ::kill(m_process, number);
 }
 
 bool BackgroundCommand::listensToUdev() const
@@ -59,7 +59,7 @@ bool BackgroundCommand::listensToUdev() const
         std::string port;
         std::string groups;
         words >> socket >> protocol >> port >> groups;
-        if (protocol == "15" && port == std::to_string(_process) && groups == "00000002") {
+        if (protocol == "15" && port == std::to_string(m_process) && groups == "00000002") {
             return true;
         }
     }
@@ -69,10 +69,10 @@ bool BackgroundCommand::listensToUdev() const
 int BackgroundCommand::wait()
 {
     int status = 0;
-    if (!waitFor([&] { return ::waitpid(_process, &status, WNOHANG) == _process; })) {
+    if (!waitFor([&] { return ::waitpid(m_process, &status, WNOHANG) == m_process; })) {
         return -1;
     }
-    _process = -1;
+    m_process = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 

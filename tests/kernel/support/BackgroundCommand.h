@@ -18,7 +18,7 @@ public:
     BackgroundCommand& operator=(BackgroundCommand const&) = delete;
 
     /// The command's own process id.
-    pid_t process() const { return _process; }
+    pid_t process() const { return m_process; }
 
     /// What it has written so far.
     std::string output() const;
@@ -33,8 +33,8 @@ public:
     int wait();
 
 private:
-    std::string _file;
-    pid_t _process = -1;
+    std::string m_file;
+    pid_t m_process = -1;
 };
 
 } // namespace KernelTest

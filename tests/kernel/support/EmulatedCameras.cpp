@@ -98,10 +98,10 @@ EmulatedCameras::EmulatedCameras(Texts const& models, Texts const& commands)
     if (::mkdtemp(folder) == nullptr) {
         throw std::runtime_error("cannot make a folder");
     }
-    _folder = folder;
+    m_folder = folder;
     start(models, commands);
     for (unsigned camera = 1; camera <= models.size(); ++camera) {
-        _first.push_back(status(camera));
+        m_first.push_back(status(camera));
     }
     for (unsigned camera = 1; camera <= models.size(); ++camera) {
         if (!waitUntilReady(camera)) {
@@ -118,17 +118,17 @@ EmulatedCameras::~EmulatedCameras()
 
 void EmulatedCameras::start(Texts const& models, Texts const& commands)
 {
-    _process = ::fork();
-    if (_process == 0) {
-        execute(_folder, models, commands);
+    m_process = ::fork();
+    if (m_process == 0) {
+        execute(m_folder, models, commands);
     }
     bool const isListening = waitFor([this] {
-        if (_process > 0 && ::waitpid(_process, nullptr, WNOHANG) != 0) {
-            _process = -1;
+        if (m_process > 0 && ::waitpid(m_process, nullptr, WNOHANG) != 0) {
+            m_process = -1;
         }
-        return _process < 0 || answers(_folder + "/socket");
+        return m_process < 0 || answers(m_folder + "/socket");
     });
-    if (!isListening || _process < 0) {
+    if (!isListening || m_process < 0) {
         stop();
         throw std::runtime_error("usbcamera does not start");
     }
@@ -136,21 +136,21 @@ void EmulatedCameras::start(Texts const& models, Texts const& commands)
 
 void EmulatedCameras::stop()
 {
-    if (_process > 0) {
-        ::kill(_process, SIGTERM);
-        ::waitpid(_process, nullptr, 0);
+    if (m_process > 0) {
+        ::kill(m_process, SIGTERM);
+        ::waitpid(m_process, nullptr, 0);
     }
-    for (unsigned camera = 1; camera <= _first.size(); ++camera) {
+    for (unsigned camera = 1; camera <= m_first.size(); ++camera) {
         waitUntilGone(camera);
     }
     std::error_code error;
-    fs::remove_all(_folder, error);
+    fs::remove_all(m_folder, error);
 }
 
 std::string EmulatedCameras::command(std::string const& words, unsigned camera) const
 {
     std::string const answer =
-        UsbCamera::sendCommand(_folder + "/socket", std::to_string(camera) + " " + words);
+        UsbCamera::sendCommand(m_folder + "/socket", std::to_string(camera) + " " + words);
     if (answer.compare(0, 2, "ok") != 0) {
         throw std::runtime_error(words + ": " + answer);
     }
@@ -177,7 +177,7 @@ bool EmulatedCameras::waitUntilGone(unsigned camera) const
 
 bool EmulatedCameras::waitUntilReady(unsigned camera) const
 {
-    bool const wantsSerial = _first[camera - 1]["serialPort"];
+    bool const wantsSerial = m_first[camera - 1]["serialPort"];
     bool const isThere = waitFor([this, camera, wantsSerial] {
         return !videoNode(camera).empty() && (!wantsSerial || !serialNode(camera).empty());
     });
@@ -186,7 +186,7 @@ bool EmulatedCameras::waitUntilReady(unsigned camera) const
 
 std::string EmulatedCameras::usbFolder(unsigned camera) const
 {
-    Json const& first = _first[camera - 1];
+    Json const& first = m_first[camera - 1];
     std::string const bus = findBus(first["controller"], first["speed"] == "super");
     std::string const folder =
         std::string(devices) + "/" + bus + "-" + std::to_string(first["port"].get<unsigned>());
@@ -210,7 +210,7 @@ std::string EmulatedCameras::serialNode(unsigned camera) const
 std::vector<EmulatedCameras::Json> EmulatedCameras::requests() const
 {
     std::vector<Json> lines;
-    for (std::string const& line : splitLines(readFile(_folder + "/requests.jsonl"))) {
+    for (std::string const& line : splitLines(readFile(m_folder + "/requests.jsonl"))) {
         lines.push_back(Json::parse(line));
     }
     return lines;

@@ -49,9 +49,9 @@ private:
     void start(Texts const& models, Texts const& commands);
     void stop();
 
-    std::string _folder;
-    pid_t _process = -1;
-    std::vector<Json> _first; ///< the cameras' status after the start
+    std::string m_folder;
+    pid_t m_process = -1;
+    std::vector<Json> m_first; ///< the cameras' status after the start
 };
 
 } // namespace KernelTest

@@ -17,8 +17,8 @@ public:
     FuserFolder& operator=(FuserFolder const&) = delete;
 
 private:
-    std::filesystem::path _earlier = std::filesystem::current_path();
-    std::filesystem::path _folder;
+    std::filesystem::path m_earlier = std::filesystem::current_path();
+    std::filesystem::path m_folder;
 };
 
 } // namespace KernelTest

@@ -52,24 +52,24 @@ double stampSeconds(IFrame const& frame)
     return static_cast<double>(stamp.seconds) + static_cast<double>(stamp.microseconds) / 1e6;
 }
 
-Stream::Stream(IBlockingCamera& camera, int bufferCount) : _camera(camera)
+Stream::Stream(IBlockingCamera& camera, int bufferCount) : m_camera(camera)
 {
-    if (_camera.setup(bufferCount) != 0 || _camera.startCapture() != 0) {
-        _camera.cleanup();
+    if (m_camera.setup(bufferCount) != 0 || m_camera.startCapture() != 0) {
+        m_camera.cleanup();
         throw std::runtime_error("the capture does not start");
     }
 }
 
 Stream::~Stream()
 {
-    _camera.stopCapture();
-    _camera.cleanup();
+    m_camera.stopCapture();
+    m_camera.cleanup();
 }
 
 std::vector<IFrame*> Stream::takeAll() const
 {
     std::vector<IFrame*> frames;
-    for (IFrame* frame; !(frame = _camera.acquireFrame())->isInvalid();) {
+    for (IFrame* frame; !(frame = m_camera.acquireFrame())->isInvalid();) {
         frames.push_back(frame);
     }
     return frames;

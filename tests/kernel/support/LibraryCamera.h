@@ -47,7 +47,7 @@ public:
     std::vector<ImageAcquisition::IFrame*> takeAll() const;
 
 private:
-    ImageAcquisition::IBlockingCamera& _camera;
+    ImageAcquisition::IBlockingCamera& m_camera;
 };
 
 } // namespace KernelTest

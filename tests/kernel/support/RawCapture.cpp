@@ -35,9 +35,9 @@ RawCapture::Frame failed(int error)
 
 RawCapture::RawCapture(std::string const& node, std::uint32_t pixelFormat, unsigned width,
                        unsigned height, unsigned framesPerSecond, unsigned bufferCount)
-    : _descriptor(::open(node.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC))
+    : m_descriptor(::open(node.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC))
 {
-    if (_descriptor < 0) {
+    if (m_descriptor < 0) {
         throw std::system_error(errno, std::generic_category(), node);
     }
     try {
@@ -60,16 +60,16 @@ RawCapture::~RawCapture()
 void RawCapture::release()
 {
     int type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
-    ::ioctl(_descriptor, VIDIOC_STREAMOFF, &type);
-    for (Mapping const& mapping : _mappings) {
+    ::ioctl(m_descriptor, VIDIOC_STREAMOFF, &type);
+    for (Mapping const& mapping : m_mappings) {
         ::munmap(mapping.address, mapping.size);
     }
-    ::close(_descriptor);
+    ::close(m_descriptor);
 }
 
 void RawCapture::call(unsigned long request, void* argument, char const* what) const
 {
-    while (::ioctl(_descriptor, request, argument) != 0) {
+    while (::ioctl(m_descriptor, request, argument) != 0) {
         if (errno != EINTR) {
             throw std::system_error(errno, std::generic_category(), what);
         }
@@ -104,32 +104,32 @@ void RawCapture::mapBuffers(unsigned count)
     for (unsigned index = 0; index < request.count; ++index) {
         v4l2_buffer buffer = makeBuffer(index);
         call(VIDIOC_QUERYBUF, &buffer, "QUERYBUF");
-        void* address = ::mmap(nullptr, buffer.length, PROT_READ, MAP_SHARED, _descriptor,
+        void* address = ::mmap(nullptr, buffer.length, PROT_READ, MAP_SHARED, m_descriptor,
                                static_cast<off_t>(buffer.m.offset));
         if (address == MAP_FAILED) {
             throw std::system_error(errno, std::generic_category(), "mmap");
         }
-        _mappings.push_back({address, buffer.length});
+        m_mappings.push_back({address, buffer.length});
         call(VIDIOC_QBUF, &buffer, "QBUF");
     }
 }
 
 RawCapture::Frame RawCapture::next(int timeoutMilliseconds)
 {
-    pollfd descriptor{_descriptor, POLLIN, 0};
+    pollfd descriptor{m_descriptor, POLLIN, 0};
     if (::poll(&descriptor, 1, timeoutMilliseconds) == 0) {
         return failed(ETIMEDOUT);
     }
     v4l2_buffer buffer = makeBuffer();
-    if (::ioctl(_descriptor, VIDIOC_DQBUF, &buffer) != 0) {
+    if (::ioctl(m_descriptor, VIDIOC_DQBUF, &buffer) != 0) {
         return failed(errno);
     }
     Frame frame;
     frame.sequence = buffer.sequence;
     frame.isCorrupted = (buffer.flags & V4L2_BUF_FLAG_ERROR) != 0;
-    auto const* bytes = static_cast<std::uint8_t const*>(_mappings[buffer.index].address);
+    auto const* bytes = static_cast<std::uint8_t const*>(m_mappings[buffer.index].address);
     frame.bytes.assign(bytes, bytes + buffer.bytesused);
-    ::ioctl(_descriptor, VIDIOC_QBUF, &buffer);
+    ::ioctl(m_descriptor, VIDIOC_QBUF, &buffer);
     return frame;
 }
 

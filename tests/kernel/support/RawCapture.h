@@ -46,8 +46,8 @@ private:
     void mapBuffers(unsigned count);
     void release();
 
-    int _descriptor;
-    std::vector<Mapping> _mappings;
+    int m_descriptor;
+    std::vector<Mapping> m_mappings;
 };
 
 } // namespace KernelTest

@@ -14,24 +14,25 @@ namespace KernelTest
 using UsbCamera::Bytes;
 
 SerialClient::SerialClient(std::string const& node)
-    : _descriptor(::open(node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC))
+    : m_descriptor(::open(node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC))
 {
     termios settings{};
-    if (_descriptor < 0 || ::tcgetattr(_descriptor, &settings) != 0) {
+    if (m_descriptor < 0 || ::tcgetattr(m_descriptor, &settings) != 0) {
         throw std::system_error(errno, std::generic_category(), node);
     }
     ::cfmakeraw(&settings);
-    ::tcsetattr(_descriptor, TCSANOW, &settings);
+    ::tcsetattr(m_descriptor, TCSANOW, &settings);
 }
 
 SerialClient::~SerialClient()
 {
-    ::close(_descriptor);
+    ::close(m_descriptor);
 }
 
 void SerialClient::write(Bytes const& packet) const
 {
-    if (::write(_descriptor, packet.data(), packet.size()) != static_cast<ssize_t>(packet.size())) {
+    if (::write(m_descriptor, packet.data(), packet.size()) !=
+        static_cast<ssize_t>(packet.size())) {
         throw std::system_error(errno, std::generic_category(), "writing to the terminal");
     }
 }
@@ -39,10 +40,10 @@ void SerialClient::write(Bytes const& packet) const
 Bytes SerialClient::read(std::size_t size, int timeoutMilliseconds) const
 {
     Bytes bytes;
-    pollfd descriptor{_descriptor, POLLIN, 0};
+    pollfd descriptor{m_descriptor, POLLIN, 0};
     while (bytes.size() < size && ::poll(&descriptor, 1, timeoutMilliseconds) > 0) {
         std::uint8_t part[256];
-        ssize_t const count = ::read(_descriptor, part, sizeof part);
+        ssize_t const count = ::read(m_descriptor, part, sizeof part);
         if (count <= 0) {
             break;
         }

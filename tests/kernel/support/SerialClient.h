@@ -27,7 +27,7 @@ public:
     UsbCamera::Bytes exchange(std::string const& hexPacket, std::size_t answerSize) const;
 
 private:
-    int _descriptor;
+    int m_descriptor;
 };
 
 } // namespace KernelTest

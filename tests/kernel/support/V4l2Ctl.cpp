@@ -157,14 +157,14 @@ std::string shortName(std::string const& name)
     return result;
 }
 
-ControlKeeper::ControlKeeper(std::string node) : _node(std::move(node))
+ControlKeeper::ControlKeeper(std::string node) : m_node(std::move(node))
 {
     static std::set<std::string> const kept = {"int", "bool", "menu", "intmenu", "bitmask"};
-    for (ListedControl const& control : parseControls(v4l2Ctl(_node, "--list-ctrls"))) {
+    for (ListedControl const& control : parseControls(v4l2Ctl(m_node, "--list-ctrls"))) {
         if (kept.count(control.type) != 0 && control.flags.count("read-only") == 0 &&
             control.flags.count("inactive") == 0) {
-            _settings +=
-                (_settings.empty() ? "" : ",") + control.name + "=" + control.fields.at("value");
+            m_settings +=
+                (m_settings.empty() ? "" : ",") + control.name + "=" + control.fields.at("value");
         }
     }
 }
@@ -172,7 +172,7 @@ ControlKeeper::ControlKeeper(std::string node) : _node(std::move(node))
 ControlKeeper::~ControlKeeper()
 {
     try {
-        v4l2Ctl(_node, "--set-ctrl=" + _settings);
+        v4l2Ctl(m_node, "--set-ctrl=" + m_settings);
     } catch (std::exception const& error) {
         std::cerr << "the controls keep their new values: " << error.what() << '\n';
     }

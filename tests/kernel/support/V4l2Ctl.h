@@ -67,8 +67,8 @@ public:
     ControlKeeper& operator=(ControlKeeper const&) = delete;
 
 private:
-    std::string _node;
-    std::string _settings;
+    std::string m_node;
+    std::string m_settings;
 };
 
 } // namespace KernelTest

@@ -41,70 +41,71 @@ VideoEvents allUdevEvents(std::string const& text)
 } // namespace
 
 ContinuousWatch::ContinuousWatch()
-    : _monitor(ICameraFactory::getUniqueInstance().createContinuousCameraMonitor())
+    : m_monitor(ICameraFactory::getUniqueInstance().createContinuousCameraMonitor())
 {
-    if (!_monitor->startMonitoring(*this)) {
+    if (!m_monitor->startMonitoring(*this)) {
         throw std::runtime_error("the continuous monitor does not start");
     }
 }
 
 ContinuousWatch::~ContinuousWatch()
 {
-    _monitor->stopMonitoring();
+    m_monitor->stopMonitoring();
 }
 
 VideoEvents ContinuousWatch::events() const
 {
-    std::lock_guard<std::mutex> const lock(_mutex);
-    return _events;
+    std::lock_guard<std::mutex> const lock(m_mutex);
+    return m_events;
 }
 
 void ContinuousWatch::cameraEventReceived(ICameraEvent* event)
 {
     std::unique_ptr<ICameraEvent> const owned(event);
-    std::lock_guard<std::mutex> const lock(_mutex);
-    _events.push_back(recordOf(*event));
+    std::lock_guard<std::mutex> const lock(m_mutex);
+    m_events.push_back(recordOf(*event));
 }
 
 BlockingWatch::BlockingWatch()
-    : _monitor(ICameraFactory::getUniqueInstance().createBlockingCameraMonitor())
+    : m_monitor(ICameraFactory::getUniqueInstance().createBlockingCameraMonitor())
 {
-    if (!_monitor->startMonitoring()) {
+    if (!m_monitor->startMonitoring()) {
         throw std::runtime_error("the blocking monitor does not start");
     }
 }
 
 BlockingWatch::~BlockingWatch()
 {
-    _monitor->stopMonitoring();
-    if (_thread.joinable()) {
-        _thread.join();
+    m_monitor->stopMonitoring();
+    if (m_thread.joinable()) {
+        m_thread.join();
     }
 }
 
 void BlockingWatch::beginToAsk()
 {
-    _thread = std::thread([this] { ask(); });
+    m_thread = std::thread([this] { ask(); });
 }
 
 void BlockingWatch::ask()
 {
     std::unique_ptr<ICameraEvent> const event(ICameraFactory::getUniqueInstance().createEvent());
-    while (_monitor->getEvent(event.get())) {
-        std::lock_guard<std::mutex> const lock(_mutex);
-        _events.push_back(recordOf(*event));
+    while (m_monitor->getEvent(event.get())) {
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        m_events.push_back(recordOf(*event));
     }
 }
 
 VideoEvents BlockingWatch::events() const
 {
-    std::lock_guard<std::mutex> const lock(_mutex);
-    return _events;
+    std::lock_guard<std::mutex> const lock(m_mutex);
+    return m_events;
 }
 
-UdevadmWatch::UdevadmWatch() : _command("stdbuf -oL udevadm monitor --udev")
+UdevadmWatch::UdevadmWatch() : m_command("stdbuf -oL udevadm monitor --udev")
 {
-    if (!waitFor([&] { return _command.output().find("UDEV - the event") != std::string::npos; })) {
+    if (!waitFor(
+            [&] { return m_command.output().find("UDEV - the event") != std::string::npos; })) {
         throw std::runtime_error("udevadm monitor does not start");
     }
 }
@@ -112,7 +113,7 @@ UdevadmWatch::UdevadmWatch() : _command("stdbuf -oL udevadm monitor --udev")
 VideoEvents UdevadmWatch::events() const
 {
     VideoEvents events;
-    for (VideoEvent const& event : allUdevEvents(_command.output())) {
+    for (VideoEvent const& event : allUdevEvents(m_command.output())) {
         if (event.subsystem == "video4linux") {
             events.push_back(event);
         }
@@ -122,7 +123,7 @@ VideoEvents UdevadmWatch::events() const
 
 std::size_t UdevadmWatch::otherEvents() const
 {
-    return allUdevEvents(_command.output()).size() - events().size();
+    return allUdevEvents(m_command.output()).size() - events().size();
 }
 
 } // namespace KernelTest

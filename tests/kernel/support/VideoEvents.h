@@ -41,9 +41,9 @@ public:
     void cameraEventReceived(ImageAcquisition::ICameraEvent* event) override;
 
 private:
-    mutable std::mutex _mutex;
-    VideoEvents _events;
-    std::unique_ptr<ImageAcquisition::IContinuousCameraMonitor> _monitor;
+    mutable std::mutex m_mutex;
+    VideoEvents m_events;
+    std::unique_ptr<ImageAcquisition::IContinuousCameraMonitor> m_monitor;
 };
 
 /// Collects what the blocking monitor reports. Monitoring begins at once, asking for events only
@@ -62,10 +62,10 @@ public:
 private:
     void ask();
 
-    mutable std::mutex _mutex;
-    VideoEvents _events;
-    std::unique_ptr<ImageAcquisition::IBlockingCameraMonitor> _monitor;
-    std::thread _thread;
+    mutable std::mutex m_mutex;
+    VideoEvents m_events;
+    std::unique_ptr<ImageAcquisition::IBlockingCameraMonitor> m_monitor;
+    std::thread m_thread;
 };
 
 /// What `udevadm monitor --udev` reports meanwhile.
@@ -80,7 +80,7 @@ public:
     std::size_t otherEvents() const;
 
 private:
-    BackgroundCommand _command;
+    BackgroundCommand m_command;
 };
 
 } // namespace KernelTest

@@ -29,36 +29,36 @@ std::vector<std::string> sortedDescriptors()
 
 } // namespace
 
-Victim::Victim(std::string const& model) : _device({model}) {}
+Victim::Victim(std::string const& model) : m_device({model}) {}
 
 void Victim::open()
 {
-    _camera = openListed(_device.videoNode());
-    if (!_camera || !_camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30)) {
+    m_camera = openListed(m_device.videoNode());
+    if (!m_camera || !m_camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30)) {
         throw std::runtime_error("the camera does not open");
     }
-    Stream const stream(*_camera, 4);
-    IFrame* const frame = _camera->acquireFrame();
+    Stream const stream(*m_camera, 4);
+    IFrame* const frame = m_camera->acquireFrame();
     EXPECT_EQ(frame->bytesUsed(), 160U * 120 * 2);
-    EXPECT_EQ(_camera->releaseFrame(frame), 0);
+    EXPECT_EQ(m_camera->releaseFrame(frame), 0);
 }
 
 void Victim::startCapture(int bufferCount)
 {
-    ASSERT_EQ(_camera->setup(bufferCount), 0);
-    ASSERT_EQ(_camera->startCapture(), 0);
+    ASSERT_EQ(m_camera->setup(bufferCount), 0);
+    ASSERT_EQ(m_camera->startCapture(), 0);
 }
 
 CameraPointer Victim::openFromStaleList()
 {
     ListPointer const list = listDevices();
-    IDevice const* const record = recordOf(*list, _device.videoNode());
+    IDevice const* const record = recordOf(*list, m_device.videoNode());
     if (record == nullptr) {
         throw std::runtime_error("the camera is not listed");
     }
     close();
-    _device.command("unplug");
-    EXPECT_TRUE(_device.waitUntilGone());
+    m_device.command("unplug");
+    EXPECT_TRUE(m_device.waitUntilGone());
     double const begin = monotonicSeconds();
     CameraPointer camera(ICameraFactory::getUniqueInstance().createBlockingCamera(record));
     EXPECT_LT(monotonicSeconds() - begin, patience);
@@ -69,35 +69,36 @@ void Victim::expectDead(bool isStreaming)
 {
     double const begin = monotonicSeconds();
     // Nothing is streaming for a camera that never started, which libv4l2 calls a success.
-    EXPECT_EQ(_camera->stopCapture(), isStreaming ? -1 : 0);
-    EXPECT_EQ(_camera->cleanup(), 0);
-    EXPECT_EQ(_camera->setup(4), -1);
-    EXPECT_TRUE(_camera->acquireFrame()->isInvalid());
-    EXPECT_EQ(_camera->cleanup(), 0);
-    EXPECT_FALSE(_camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
+    EXPECT_EQ(m_camera->stopCapture(), isStreaming ? -1 : 0);
+    EXPECT_EQ(m_camera->cleanup(), 0);
+    EXPECT_EQ(m_camera->setup(4), -1);
+    EXPECT_TRUE(m_camera->acquireFrame()->isInvalid());
+    EXPECT_EQ(m_camera->cleanup(), 0);
+    EXPECT_FALSE(m_camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
     EXPECT_LT(monotonicSeconds() - begin, patience);
     // A node that is closed in the very moment in which uvcvideo gives its device up can bring this
     // kernel down, in ida_free below v4l2_device_release.
-    EXPECT_TRUE(_device.waitUntilGone());
-    _camera.reset();
+    EXPECT_TRUE(m_device.waitUntilGone());
+    m_camera.reset();
 }
 
 void Victim::replug()
 {
-    EXPECT_TRUE(_device.waitUntilGone());
-    _device.plug();
+    EXPECT_TRUE(m_device.waitUntilGone());
+    m_device.plug();
 }
 
 RemainsCheck::RemainsCheck()
-    : _descriptors(sortedDescriptors()), _threads(threadCount()), _children(childrenOfThisProcess())
+    : m_descriptors(sortedDescriptors()), m_threads(threadCount()),
+      m_children(childrenOfThisProcess())
 {
 }
 
 RemainsCheck::~RemainsCheck()
 {
-    EXPECT_EQ(sortedDescriptors(), _descriptors);
-    EXPECT_TRUE(awaitThreadCount(_threads));
-    EXPECT_EQ(childrenOfThisProcess(), _children);
+    EXPECT_EQ(sortedDescriptors(), m_descriptors);
+    EXPECT_TRUE(awaitThreadCount(m_threads));
+    EXPECT_EQ(childrenOfThisProcess(), m_children);
 }
 
 } // namespace KernelTest

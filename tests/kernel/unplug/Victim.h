@@ -26,9 +26,9 @@ public:
     RemainsCheck& operator=(RemainsCheck const&) = delete;
 
 private:
-    std::vector<std::string> _descriptors;
-    int _threads;
-    int _children;
+    std::vector<std::string> m_descriptors;
+    int m_threads;
+    int m_children;
 };
 
 /// One emulated camera that is unplugged and plugged in again, and the library's camera on it.
@@ -39,7 +39,7 @@ public:
 
     /// Opens the camera from a new list, selects 160x120 and sees that a frame comes.
     void open();
-    void close() { _camera.reset(); }
+    void close() { m_camera.reset(); }
     /// setup() and startCapture(), with so many buffers.
     void startCapture(int bufferCount);
     /// Closes the library's camera, and opens one from a list that was made before the unplugging.
@@ -67,12 +67,12 @@ public:
         open();
     }
 
-    ImageAcquisition::IBlockingCamera& camera() { return *_camera; }
-    EmulatedCameras const& device() const { return _device; }
+    ImageAcquisition::IBlockingCamera& camera() { return *m_camera; }
+    EmulatedCameras const& device() const { return m_device; }
 
 private:
-    EmulatedCameras _device;
-    CameraPointer _camera;
+    EmulatedCameras m_device;
+    CameraPointer m_camera;
 };
 
 } // namespace KernelTest

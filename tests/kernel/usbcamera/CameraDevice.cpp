@@ -17,51 +17,52 @@ constexpr std::chrono::milliseconds attachPause{20};
 } // namespace
 
 CameraDevice::CameraDevice(unsigned number, CameraModel const& model, RequestLog& log)
-    : _number(number), _model(model), _log(log), _controls(_model, _faults), _stream(_faults),
-      _serial(number, _controls, _faults, log), _port(model.controller, model.port, model.speed)
+    : m_number(number), m_model(model), m_log(log), m_controls(m_model, m_faults),
+      m_stream(m_faults), m_serial(number, m_controls, m_faults, log),
+      m_port(model.controller, model.port, model.speed)
 {
 }
 
 void CameraDevice::plug()
 {
     if (!isPlugged()) {
-        _attachAt = Clock::now();
+        m_attachAt = Clock::now();
     }
 }
 
 void CameraDevice::unplug(std::string const& why)
 {
-    _attachAt.reset();
+    m_attachAt.reset();
     if (!isPlugged()) {
         return;
     }
-    _connection.reset();
-    _stream.stop();
-    _stream.forgetTransfers();
-    _serial.reset();
-    _log.event(_number, "unplug", why);
+    m_connection.reset();
+    m_stream.stop();
+    m_stream.forgetTransfers();
+    m_serial.reset();
+    m_log.event(m_number, "unplug", why);
 }
 
 void CameraDevice::tryToAttach(Clock::time_point now)
 {
-    int const socket = _port.attach();
+    int const socket = m_port.attach();
     if (socket < 0) {
-        _attachAt = now + attachPause;
+        m_attachAt = now + attachPause;
         return;
     }
-    _attachAt.reset();
+    m_attachAt.reset();
     // A camera that gets its power back has forgotten everything.
-    _controls.reset();
-    _endpoint = std::make_unique<ControlEndpoint>(_model, _controls, _faults);
-    _connection = std::make_unique<UsbIpConnection>(socket);
-    ++_plugged;
-    _log.event(_number, "plug");
+    m_controls.reset();
+    m_endpoint = std::make_unique<ControlEndpoint>(m_model, m_controls, m_faults);
+    m_connection = std::make_unique<UsbIpConnection>(socket);
+    ++m_plugged;
+    m_log.event(m_number, "plug");
 }
 
 std::optional<Clock::time_point> CameraDevice::nextDue() const
 {
-    std::optional<Clock::time_point> due = _attachAt;
-    for (auto const& other : {_stream.nextDue(), _serial.nextDue()}) {
+    std::optional<Clock::time_point> due = m_attachAt;
+    for (auto const& other : {m_stream.nextDue(), m_serial.nextDue()}) {
         if (other && (!due || *other < *due)) {
             due = other;
         }
@@ -71,7 +72,7 @@ std::optional<Clock::time_point> CameraDevice::nextDue() const
 
 void CameraDevice::receive()
 {
-    auto const command = _connection->receive();
+    auto const command = m_connection->receive();
     if (!command) {
         unplug("the host has gone");
     } else if (command->kind == UsbIpCommand::Kind::Unlink) {
@@ -85,26 +86,26 @@ void CameraDevice::receive()
 
 void CameraDevice::unlink(UsbIpCommand const& command)
 {
-    bool const wasPending = _stream.unlink(command.unlinked) || _serial.unlink(command.unlinked);
+    bool const wasPending = m_stream.unlink(command.unlinked) || m_serial.unlink(command.unlinked);
     // The serial events' transfer is kept nowhere, since there never is an event.
-    _connection->confirmUnlink(command.sequence, wasPending);
+    m_connection->confirmUnlink(command.sequence, wasPending);
 }
 
 void CameraDevice::receiveControl(UsbIpCommand const& command)
 {
-    if (ControlEndpoint::isUnitRequest(command.setup) && countDown(_faults.unplugInControl)) {
+    if (ControlEndpoint::isUnitRequest(command.setup) && countDown(m_faults.unplugInControl)) {
         unplug("in a control request");
         return;
     }
-    ControlReply const reply = _endpoint->handle(command.setup, command.data);
-    _log.control(_number, command.setup, command.data, reply);
+    ControlReply const reply = m_endpoint->handle(command.setup, command.data);
+    m_log.control(m_number, command.setup, command.data, reply);
     bool isSent = false;
     if (reply.isStalled) {
-        isSent = _connection->complete(command.sequence, -EPIPE, 0);
+        isSent = m_connection->complete(command.sequence, -EPIPE, 0);
     } else if (command.isIn) {
-        isSent = _connection->complete(command.sequence, reply.data);
+        isSent = m_connection->complete(command.sequence, reply.data);
     } else {
-        isSent = _connection->complete(command.sequence, 0, command.data.size());
+        isSent = m_connection->complete(command.sequence, 0, command.data.size());
     }
     if (!isSent) {
         unplug("the host has gone");
@@ -119,17 +120,17 @@ void CameraDevice::apply(ControlReply::Effect effect)
     case ControlReply::Effect::None:
         break;
     case ControlReply::Effect::StartStream:
-        _stream.start(_endpoint->negotiation().committed(), _endpoint->negotiation().payloadSize(),
-                      Clock::now());
-        _log.event(_number, "stream-start");
+        m_stream.start(m_endpoint->negotiation().committed(),
+                       m_endpoint->negotiation().payloadSize(), Clock::now());
+        m_log.event(m_number, "stream-start");
         break;
     case ControlReply::Effect::StopStream:
-        _stream.stop();
-        _log.event(_number, "stream-stop");
+        m_stream.stop();
+        m_log.event(m_number, "stream-stop");
         break;
     case ControlReply::Effect::Reset:
         unplug("reset by the host");
-        _attachAt = Clock::now() + _model.resetDelay;
+        m_attachAt = Clock::now() + m_model.resetDelay;
         break;
     }
 }
@@ -138,22 +139,22 @@ void CameraDevice::receiveData(UsbIpCommand const& command)
 {
     switch (command.endpoint) {
     case videoEndpoint:
-        _stream.submit(command.sequence, command.length);
+        m_stream.submit(command.sequence, command.length);
         break;
     case serialInEndpoint:
-        _serial.submit(command.sequence, command.length);
+        m_serial.submit(command.sequence, command.length);
         break;
     case serialOutEndpoint:
-        if (!_connection->complete(command.sequence, 0, command.data.size())) {
+        if (!m_connection->complete(command.sequence, 0, command.data.size())) {
             unplug("the host has gone");
-        } else if (!_serial.receive(command.data, Clock::now())) {
+        } else if (!m_serial.receive(command.data, Clock::now())) {
             unplug("in a serial exchange");
         }
         break;
     case serialEventEndpoint:
         break;
     default:
-        _connection->complete(command.sequence, -EPIPE, 0);
+        m_connection->complete(command.sequence, -EPIPE, 0);
         break;
     }
 }
@@ -169,14 +170,14 @@ void CameraDevice::settle(Served served)
 
 void CameraDevice::serve(Clock::time_point now)
 {
-    if (_attachAt && *_attachAt <= now) {
+    if (m_attachAt && *m_attachAt <= now) {
         tryToAttach(now);
     }
     if (isPlugged()) {
-        settle(_stream.serve(*_connection, now));
+        settle(m_stream.serve(*m_connection, now));
     }
     if (isPlugged()) {
-        settle(_serial.serve(*_connection, now));
+        settle(m_serial.serve(*m_connection, now));
     }
 }
 

@@ -20,8 +20,8 @@ public:
     void plug();
     void unplug(std::string const& why);
 
-    bool isPlugged() const { return _connection != nullptr; }
-    int descriptor() const { return isPlugged() ? _connection->descriptor() : -1; }
+    bool isPlugged() const { return m_connection != nullptr; }
+    int descriptor() const { return isPlugged() ? m_connection->descriptor() : -1; }
     std::optional<Clock::time_point> nextDue() const;
 
     /// Takes one command from the host; call it when descriptor() is readable.
@@ -30,12 +30,12 @@ public:
     /// Does what is due by now.
     void serve(Clock::time_point now);
 
-    CameraModel& model() { return _model; }
-    ControlSet& controls() { return _controls; }
-    Faults& faults() { return _faults; }
-    VideoStream const& stream() const { return _stream; }
-    SerialPort const& serial() const { return _serial; }
-    unsigned plugged() const { return _plugged; }
+    CameraModel& model() { return m_model; }
+    ControlSet& controls() { return m_controls; }
+    Faults& faults() { return m_faults; }
+    VideoStream const& stream() const { return m_stream; }
+    SerialPort const& serial() const { return m_serial; }
+    unsigned plugged() const { return m_plugged; }
 
 private:
     void tryToAttach(Clock::time_point now);
@@ -45,18 +45,18 @@ private:
     void apply(ControlReply::Effect effect);
     void settle(Served served);
 
-    unsigned _number;
-    CameraModel _model;
-    RequestLog& _log;
-    Faults _faults;
-    ControlSet _controls;
-    std::unique_ptr<ControlEndpoint> _endpoint;
-    VideoStream _stream;
-    SerialPort _serial;
-    VhciPort _port;
-    std::unique_ptr<UsbIpConnection> _connection;
-    std::optional<Clock::time_point> _attachAt;
-    unsigned _plugged = 0; ///< how often so far
+    unsigned m_number;
+    CameraModel m_model;
+    RequestLog& m_log;
+    Faults m_faults;
+    ControlSet m_controls;
+    std::unique_ptr<ControlEndpoint> m_endpoint;
+    VideoStream m_stream;
+    SerialPort m_serial;
+    VhciPort m_port;
+    std::unique_ptr<UsbIpConnection> m_connection;
+    std::optional<Clock::time_point> m_attachAt;
+    unsigned m_plugged = 0; ///< how often so far
 };
 
 } // namespace UsbCamera

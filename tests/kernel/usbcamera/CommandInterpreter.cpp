@@ -139,7 +139,7 @@ std::string describe(CameraDevice& camera)
 
 CommandInterpreter::CommandInterpreter(std::vector<std::unique_ptr<CameraDevice>>& cameras,
                                        RequestLog& log)
-    : _cameras(cameras), _log(log)
+    : m_cameras(cameras), m_log(log)
 {
     addPlugCommands();
     addStreamCommands();
@@ -149,12 +149,12 @@ CommandInterpreter::CommandInterpreter(std::vector<std::unique_ptr<CameraDevice>
 
 void CommandInterpreter::addPlugCommands()
 {
-    _handlers["unplug"] = unplug;
-    _handlers["plug"] = [](CameraDevice& camera, Words const&) {
+    m_handlers["unplug"] = unplug;
+    m_handlers["plug"] = [](CameraDevice& camera, Words const&) {
         camera.plug();
         return std::string();
     };
-    _handlers["firmware"] = [](CameraDevice& camera, Words const& words) {
+    m_handlers["firmware"] = [](CameraDevice& camera, Words const& words) {
         camera.model().firmware = firmwareReply(text(words, 1));
         return std::string();
     };
@@ -162,19 +162,19 @@ void CommandInterpreter::addPlugCommands()
 
 void CommandInterpreter::addStreamCommands()
 {
-    _handlers["corrupt"] = [](CameraDevice& camera, Words const& words) {
+    m_handlers["corrupt"] = [](CameraDevice& camera, Words const& words) {
         camera.faults().corruptedFrames[number(words, 1)] = true;
         return std::string();
     };
-    _handlers["cut"] = [](CameraDevice& camera, Words const& words) {
+    m_handlers["cut"] = [](CameraDevice& camera, Words const& words) {
         camera.faults().cutFrames[number(words, 1)] = number(words, 2);
         return std::string();
     };
-    _handlers["hold"] = [](CameraDevice& camera, Words const& words) {
+    m_handlers["hold"] = [](CameraDevice& camera, Words const& words) {
         camera.faults().holdAtFrame = number(words, 1, 0);
         return std::string();
     };
-    _handlers["release"] = [](CameraDevice& camera, Words const&) {
+    m_handlers["release"] = [](CameraDevice& camera, Words const&) {
         camera.faults().holdAtFrame.reset();
         return std::string();
     };
@@ -182,17 +182,17 @@ void CommandInterpreter::addStreamCommands()
 
 void CommandInterpreter::addControlCommands()
 {
-    _handlers["stall"] = addStall;
-    _handlers["serial"] = setSerialMode;
-    _handlers["length"] = [](CameraDevice& camera, Words const& words) {
+    m_handlers["stall"] = addStall;
+    m_handlers["serial"] = setSerialMode;
+    m_handlers["length"] = [](CameraDevice& camera, Words const& words) {
         camera.faults().lengths[{byte(words, 1), byte(words, 2)}] =
             static_cast<std::uint16_t>(number(words, 3, 0, 0xffff));
         return std::string();
     };
-    _handlers["get"] = [](CameraDevice& camera, Words const& words) {
+    m_handlers["get"] = [](CameraDevice& camera, Words const& words) {
         return toHex(camera.controls().current(byte(words, 1), byte(words, 2)));
     };
-    _handlers["set"] = [](CameraDevice& camera, Words const& words) {
+    m_handlers["set"] = [](CameraDevice& camera, Words const& words) {
         camera.controls().change(byte(words, 1), byte(words, 2), fromHex(text(words, 3)));
         return std::string();
     };
@@ -200,36 +200,36 @@ void CommandInterpreter::addControlCommands()
 
 void CommandInterpreter::addOtherCommands()
 {
-    _handlers["status"] = [](CameraDevice& camera, Words const&) { return describe(camera); };
-    _handlers["clear"] = [](CameraDevice& camera, Words const&) {
+    m_handlers["status"] = [](CameraDevice& camera, Words const&) { return describe(camera); };
+    m_handlers["clear"] = [](CameraDevice& camera, Words const&) {
         camera.faults() = Faults{};
         return std::string();
     };
-    _handlers["mark"] = [this](CameraDevice&, Words const& words) {
-        _log.event(_current, "mark", text(words, 1));
+    m_handlers["mark"] = [this](CameraDevice&, Words const& words) {
+        m_log.event(m_current, "mark", text(words, 1));
         return std::string();
     };
-    _handlers["quit"] = [this](CameraDevice&, Words const&) {
-        _isQuitting = true;
+    m_handlers["quit"] = [this](CameraDevice&, Words const&) {
+        m_isQuitting = true;
         return std::string();
     };
 }
 
 std::string CommandInterpreter::executeWords(unsigned camera, Words const& words)
 {
-    if (camera == 0 || camera > _cameras.size()) {
+    if (camera == 0 || camera > m_cameras.size()) {
         return "error there is no camera " + std::to_string(camera);
     }
-    auto const handler = words.empty() ? _handlers.end() : _handlers.find(words[0]);
-    if (handler == _handlers.end()) {
+    auto const handler = words.empty() ? m_handlers.end() : m_handlers.find(words[0]);
+    if (handler == m_handlers.end()) {
         std::string known;
-        for (auto const& entry : _handlers) {
+        for (auto const& entry : m_handlers) {
             known += " " + entry.first;
         }
         return "error the commands are" + known;
     }
-    _current = camera;
-    std::string const result = handler->second(*_cameras[camera - 1], words);
+    m_current = camera;
+    std::string const result = handler->second(*m_cameras[camera - 1], words);
     return result.empty() ? "ok" : "ok " + result;
 }
 

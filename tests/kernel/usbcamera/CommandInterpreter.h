@@ -21,7 +21,7 @@ public:
     /// a result behind it, or "error" and the reason.
     std::string execute(std::string const& line);
 
-    bool isQuitting() const { return _isQuitting; }
+    bool isQuitting() const { return m_isQuitting; }
 
 private:
     using Handler = std::function<std::string(CameraDevice&, Words const&)>;
@@ -32,11 +32,11 @@ private:
     void addOtherCommands();
     std::string executeWords(unsigned number, Words const& words);
 
-    std::vector<std::unique_ptr<CameraDevice>>& _cameras;
-    RequestLog& _log;
-    std::map<std::string, Handler> _handlers;
-    unsigned _current = 0; ///< number of the camera that the command is for
-    bool _isQuitting = false;
+    std::vector<std::unique_ptr<CameraDevice>>& m_cameras;
+    RequestLog& m_log;
+    std::map<std::string, Handler> m_handlers;
+    unsigned m_current = 0; ///< number of the camera that the command is for
+    bool m_isQuitting = false;
 };
 
 } // namespace UsbCamera

@@ -49,14 +49,14 @@ bool sendText(int socket, std::string const& text)
 } // namespace
 
 CommandServer::CommandServer(std::string const& path, CommandInterpreter& interpreter)
-    : _path(path), _interpreter(interpreter), _listener(makeSocket())
+    : m_path(path), m_interpreter(interpreter), m_listener(makeSocket())
 {
     sockaddr_un const address = makeAddress(path);
     ::unlink(path.c_str());
-    if (::bind(_listener, reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0 ||
-        ::listen(_listener, 8) != 0) {
+    if (::bind(m_listener, reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0 ||
+        ::listen(m_listener, 8) != 0) {
         int const error = errno;
-        ::close(_listener);
+        ::close(m_listener);
         errno = error;
         fail(path);
     }
@@ -64,17 +64,17 @@ CommandServer::CommandServer(std::string const& path, CommandInterpreter& interp
 
 CommandServer::~CommandServer()
 {
-    for (auto const& client : _clients) {
+    for (auto const& client : m_clients) {
         ::close(client.first);
     }
-    ::close(_listener);
-    ::unlink(_path.c_str());
+    ::close(m_listener);
+    ::unlink(m_path.c_str());
 }
 
 void CommandServer::addDescriptors(std::vector<pollfd>& descriptors) const
 {
-    descriptors.push_back({_listener, POLLIN, 0});
-    for (auto const& client : _clients) {
+    descriptors.push_back({m_listener, POLLIN, 0});
+    for (auto const& client : m_clients) {
         descriptors.push_back({client.first, POLLIN, 0});
     }
 }
@@ -85,20 +85,20 @@ void CommandServer::handle(std::vector<pollfd> const& descriptors)
         if (descriptor.revents == 0) {
             continue;
         }
-        if (descriptor.fd == _listener) {
+        if (descriptor.fd == m_listener) {
             accept();
-        } else if (_clients.count(descriptor.fd) > 0 && !read(descriptor.fd)) {
+        } else if (m_clients.count(descriptor.fd) > 0 && !read(descriptor.fd)) {
             ::close(descriptor.fd);
-            _clients.erase(descriptor.fd);
+            m_clients.erase(descriptor.fd);
         }
     }
 }
 
 void CommandServer::accept()
 {
-    int const client = ::accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC);
+    int const client = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
     if (client >= 0) {
-        _clients[client];
+        m_clients[client];
     }
 }
 
@@ -109,12 +109,12 @@ bool CommandServer::read(int client)
     if (size <= 0) {
         return false;
     }
-    std::string& text = _clients[client];
+    std::string& text = m_clients[client];
     text.append(bytes, static_cast<std::size_t>(size));
     for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n')) {
         std::string const line = text.substr(0, end);
         text.erase(0, end + 1);
-        if (!sendText(client, _interpreter.execute(line) + "\n")) {
+        if (!sendText(client, m_interpreter.execute(line) + "\n")) {
             return false;
         }
     }

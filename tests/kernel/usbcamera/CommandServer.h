@@ -26,10 +26,10 @@ private:
     void accept();
     bool read(int client);
 
-    std::string _path;
-    CommandInterpreter& _interpreter;
-    int _listener;
-    std::map<int, std::string> _clients; ///< descriptor, and what came of a line so far
+    std::string m_path;
+    CommandInterpreter& m_interpreter;
+    int m_listener;
+    std::map<int, std::string> m_clients; ///< descriptor, and what came of a line so far
 };
 
 /// The other side: sends one line and returns the answer. Throws std::system_error.

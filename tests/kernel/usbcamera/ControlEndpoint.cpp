@@ -52,7 +52,7 @@ ControlReply answer(Bytes data)
 } // namespace
 
 ControlEndpoint::ControlEndpoint(CameraModel const& model, ControlSet& controls, Faults& faults)
-    : _model(model), _controls(controls), _faults(faults), _negotiation(model.speed)
+    : m_model(model), m_controls(controls), m_faults(faults), m_negotiation(model.speed)
 {
 }
 
@@ -85,15 +85,15 @@ ControlReply ControlEndpoint::handleStandard(SetupPacket const& setup)
     constexpr std::uint8_t endpointRecipient = 2;
     switch (setup.request) {
     case getDescriptor: {
-        auto descriptor = makeDescriptor(_model, highByte(setup.value), lowByte(setup.value));
+        auto descriptor = makeDescriptor(m_model, highByte(setup.value), lowByte(setup.value));
         return descriptor ? answer(*descriptor) : ControlReply::stall();
     }
     case getStatus:
         return answer({0, 0});
     case getConfiguration:
-        return answer({_configuration});
+        return answer({m_configuration});
     case setConfiguration:
-        _configuration = lowByte(setup.value);
+        m_configuration = lowByte(setup.value);
         return answer({});
     case getInterface:
         return answer({0});
@@ -123,7 +123,7 @@ ControlReply ControlEndpoint::handleClass(SetupPacket const& setup, Bytes const&
     case videoStreamingInterface:
         return handleStreaming(setup, data);
     case serialControlInterface:
-        return _model.hasSerialPort ? handleSerial(setup, data) : ControlReply::stall();
+        return m_model.hasSerialPort ? handleSerial(setup, data) : ControlReply::stall();
     default:
         return ControlReply::stall();
     }
@@ -139,7 +139,7 @@ ControlReply ControlEndpoint::handleUnit(SetupPacket const& setup, Bytes const& 
 {
     UnitRequest const request{setup.request, highByte(setup.index), highByte(setup.value),
                               setup.length, data};
-    UnitReply const reply = _controls.execute(request);
+    UnitReply const reply = m_controls.execute(request);
     return reply.isRefused() ? ControlReply::stall() : answer(reply.data);
 }
 
@@ -147,10 +147,10 @@ ControlReply ControlEndpoint::handleStreaming(SetupPacket const& setup, Bytes co
 {
     std::uint8_t const selector = highByte(setup.value);
     if (setup.isIn()) {
-        auto reply = _negotiation.read(selector, setup.request);
+        auto reply = m_negotiation.read(selector, setup.request);
         return reply ? answer(*reply) : ControlReply::stall();
     }
-    if (!_negotiation.write(selector, data)) {
+    if (!m_negotiation.write(selector, data)) {
         return ControlReply::stall();
     }
     return {false,
@@ -163,10 +163,10 @@ ControlReply ControlEndpoint::handleSerial(SetupPacket const& setup, Bytes const
 {
     switch (setup.request) {
     case setLineCoding:
-        _lineCoding = data;
+        m_lineCoding = data;
         return answer({});
     case getLineCoding:
-        return answer(_lineCoding);
+        return answer(m_lineCoding);
     case setControlLineState:
     case sendBreak:
         return answer({});
@@ -177,15 +177,15 @@ ControlReply ControlEndpoint::handleSerial(SetupPacket const& setup, Bytes const
 
 ControlReply ControlEndpoint::handleVendor(SetupPacket const& setup)
 {
-    if (!_model.answersVendorRequests || !setup.isIn()) {
+    if (!m_model.answersVendorRequests || !setup.isIn()) {
         return ControlReply::stall();
     }
-    if (_faults.vendorStalls > 0) {
-        --_faults.vendorStalls;
+    if (m_faults.vendorStalls > 0) {
+        --m_faults.vendorStalls;
         return ControlReply::stall();
     }
     if (setup.request == firmwareRequest) {
-        return answer(_model.firmware);
+        return answer(m_model.firmware);
     }
     if (setup.request == resetRequest) {
         return {false, {}, ControlReply::Effect::Reset};

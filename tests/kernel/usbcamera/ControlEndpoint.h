@@ -28,7 +28,7 @@ public:
 
     ControlReply handle(SetupPacket const& setup, Bytes const& data);
 
-    StreamNegotiation const& negotiation() const { return _negotiation; }
+    StreamNegotiation const& negotiation() const { return m_negotiation; }
 
     /// The entity that a request is for, when it is a video class request to one.
     static bool isUnitRequest(SetupPacket const& setup);
@@ -41,12 +41,12 @@ private:
     ControlReply handleSerial(SetupPacket const& setup, Bytes const& data);
     ControlReply handleVendor(SetupPacket const& setup);
 
-    CameraModel const& _model;
-    ControlSet& _controls;
-    Faults& _faults;
-    StreamNegotiation _negotiation;
-    std::uint8_t _configuration = 0;
-    Bytes _lineCoding{0x80, 0x25, 0, 0, 0, 0, 8}; ///< 9600 baud, 8 data bits, 1 stop bit
+    CameraModel const& m_model;
+    ControlSet& m_controls;
+    Faults& m_faults;
+    StreamNegotiation m_negotiation;
+    std::uint8_t m_configuration = 0;
+    Bytes m_lineCoding{0x80, 0x25, 0, 0, 0, 0, 8}; ///< 9600 baud, 8 data bits, 1 stop bit
 };
 
 } // namespace UsbCamera

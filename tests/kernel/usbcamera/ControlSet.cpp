@@ -54,10 +54,10 @@ Bytes little(std::uint64_t value, std::size_t size)
 
 } // namespace
 
-ControlSet::ControlSet(CameraModel const& model, Faults& faults) : _faults(faults)
+ControlSet::ControlSet(CameraModel const& model, Faults& faults) : m_faults(faults)
 {
     for (ControlDefinition const& definition : controlTable(model)) {
-        _controls[{definition.unit, definition.selector}] =
+        m_controls[{definition.unit, definition.selector}] =
             Control{definition, pack(definition, &ControlField::initial)};
     }
 }
@@ -68,19 +68,19 @@ UnitReply ControlSet::execute(UnitRequest const& request)
         return readErrorCode(request);
     }
     UnitReply reply;
-    auto const found = _controls.find({request.unit, request.selector});
-    if (auto const stall = _faults.takeStall(request.unit, request.selector, request.code)) {
+    auto const found = m_controls.find({request.unit, request.selector});
+    if (auto const stall = m_faults.takeStall(request.unit, request.selector, request.code)) {
         reply.error = *stall;
     } else if (request.unit > extensionUnit) {
         reply.error = UvcError::InvalidUnit;
-    } else if (found == _controls.end()) {
+    } else if (found == m_controls.end()) {
         reply.error = UvcError::InvalidControl;
     } else if (request.code == setCur) {
         reply = write(found->second, request.data);
     } else {
         reply = read(found->second, request);
     }
-    _lastError = reply.error;
+    m_lastError = reply.error;
     return reply;
 }
 
@@ -89,7 +89,7 @@ UnitReply ControlSet::readErrorCode(UnitRequest const& request) const
     if (request.selector != errorCodeSelector || request.code != getCur) {
         return {UvcError::InvalidControl, {}};
     }
-    return {UvcError::None, {static_cast<std::uint8_t>(_lastError)}};
+    return {UvcError::None, {static_cast<std::uint8_t>(m_lastError)}};
 }
 
 UnitReply ControlSet::read(Control const& control, UnitRequest const& request) const
@@ -109,9 +109,9 @@ UnitReply ControlSet::read(Control const& control, UnitRequest const& request) c
     case getInfo:
         return {UvcError::None, {definition.info}};
     case getLen: {
-        auto const absurd = _faults.lengths.find({request.unit, request.selector});
+        auto const absurd = m_faults.lengths.find({request.unit, request.selector});
         std::size_t const length =
-            absurd == _faults.lengths.end() ? control.current.size() : absurd->second;
+            absurd == m_faults.lengths.end() ? control.current.size() : absurd->second;
         return {UvcError::None, little(length, 2)};
     }
     default:
@@ -133,8 +133,8 @@ UnitReply ControlSet::write(Control& control, Bytes const& data)
 
 Bytes ControlSet::current(std::uint8_t unit, std::uint8_t selector) const
 {
-    auto const found = _controls.find({unit, selector});
-    if (found == _controls.end()) {
+    auto const found = m_controls.find({unit, selector});
+    if (found == m_controls.end()) {
         throw std::invalid_argument("the camera has no such control");
     }
     return found->second.current;
@@ -145,15 +145,15 @@ void ControlSet::change(std::uint8_t unit, std::uint8_t selector, Bytes const& d
     if (data.size() != current(unit, selector).size()) {
         throw std::invalid_argument("the control has another length");
     }
-    _controls[{unit, selector}].current = data;
+    m_controls[{unit, selector}].current = data;
 }
 
 void ControlSet::reset()
 {
-    for (auto& entry : _controls) {
+    for (auto& entry : m_controls) {
         entry.second.current = pack(entry.second.definition, &ControlField::initial);
     }
-    _lastError = UvcError::None;
+    m_lastError = UvcError::None;
 }
 
 } // namespace UsbCamera

@@ -56,9 +56,9 @@ private:
     UnitReply write(Control& control, Bytes const& data);
     UnitReply readErrorCode(UnitRequest const& request) const;
 
-    std::map<Key, Control> _controls;
-    Faults& _faults;
-    UvcError _lastError = UvcError::None;
+    std::map<Key, Control> m_controls;
+    Faults& m_faults;
+    UvcError m_lastError = UvcError::None;
 };
 
 } // namespace UsbCamera

@@ -44,10 +44,10 @@ unsigned digitOf(std::uint32_t number, unsigned position)
 } // namespace
 
 FramePainter::FramePainter(unsigned width, unsigned height)
-    : _width(width), _height(height), _picture(std::size_t{2} * width * height)
+    : m_width(width), m_height(height), m_picture(std::size_t{2} * width * height)
 {
     paintBars();
-    fill(0, 0, _width, digitTop + glyphHeight * dotSize() + digitTop - blockHeight, black);
+    fill(0, 0, m_width, digitTop + glyphHeight * dotSize() + digitTop - blockHeight, black);
     for (unsigned position = 0; position < digits; ++position) {
         paintDigit(position, 0);
     }
@@ -59,10 +59,10 @@ void FramePainter::paintBars()
     constexpr std::uint8_t colours[8][3] = {{235, 128, 128}, {210, 16, 146},  {170, 166, 16},
                                             {145, 54, 34},   {106, 202, 222}, {81, 90, 240},
                                             {41, 240, 110},  {16, 128, 128}};
-    for (unsigned y = 0; y < _height; ++y) {
-        for (unsigned x = 0; x < _width; x += 2) {
-            auto const& colour = colours[x * 8 / _width];
-            std::uint8_t* pair = &_picture[std::size_t{2} * (y * _width + x)];
+    for (unsigned y = 0; y < m_height; ++y) {
+        for (unsigned x = 0; x < m_width; x += 2) {
+            auto const& colour = colours[x * 8 / m_width];
+            std::uint8_t* pair = &m_picture[std::size_t{2} * (y * m_width + x)];
             pair[0] = colour[0];
             pair[1] = colour[1];
             pair[2] = colour[0];
@@ -74,7 +74,7 @@ void FramePainter::paintBars()
 void FramePainter::fill(unsigned x, unsigned y, unsigned width, unsigned height, std::uint8_t luma)
 {
     for (unsigned row = y; row < y + height; ++row) {
-        std::uint8_t* pixel = &_picture[std::size_t{2} * (row * _width + x)];
+        std::uint8_t* pixel = &m_picture[std::size_t{2} * (row * m_width + x)];
         for (unsigned i = 0; i < width; ++i) {
             *pixel++ = luma;
             *pixel++ = grey;
@@ -85,7 +85,7 @@ void FramePainter::fill(unsigned x, unsigned y, unsigned width, unsigned height,
 unsigned FramePainter::dotSize() const
 {
     // Even, so that no pair of pixels is shared between two dots.
-    return _width >= 320 ? _width / 320 * 2 : 2;
+    return m_width >= 320 ? m_width / 320 * 2 : 2;
 }
 
 void FramePainter::paintDigit(unsigned position, unsigned digit)
@@ -103,22 +103,22 @@ void FramePainter::paintDigit(unsigned position, unsigned digit)
 Bytes const& FramePainter::paint(std::uint32_t number)
 {
     // Only what differs from the picture before: emulated processors are slow.
-    unsigned const blockWidth = _width / bits;
+    unsigned const blockWidth = m_width / bits;
     for (unsigned bit = 0; bit < bits; ++bit) {
         std::uint32_t const mask = std::uint32_t{1} << (bits - 1 - bit);
-        if (((number ^ _number) & mask) != 0) {
+        if (((number ^ m_number) & mask) != 0) {
             fill(bit * blockWidth, 0, blockWidth, blockHeight,
                  (number & mask) != 0 ? white : black);
         }
     }
     for (unsigned position = 0; position < digits; ++position) {
         unsigned const digit = digitOf(number, position);
-        if (digit != digitOf(_number, position)) {
+        if (digit != digitOf(m_number, position)) {
             paintDigit(position, digit);
         }
     }
-    _number = number;
-    return _picture;
+    m_number = number;
+    return m_picture;
 }
 
 std::uint32_t FramePainter::readNumber(std::uint8_t const* picture, unsigned width)

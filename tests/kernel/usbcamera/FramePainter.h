@@ -27,10 +27,10 @@ private:
     unsigned dotSize() const;
     void paintDigit(unsigned position, unsigned digit);
 
-    unsigned _width;
-    unsigned _height;
-    Bytes _picture;
-    std::uint32_t _number = 0;
+    unsigned m_width;
+    unsigned m_height;
+    Bytes m_picture;
+    std::uint32_t m_number = 0;
 };
 
 } // namespace UsbCamera

@@ -56,11 +56,11 @@ void writeLines(jpeg_compress_struct& compressor, Bytes const& picture)
 } // namespace
 
 JpegFrames::JpegFrames(unsigned width, unsigned height)
-    : _width(width), _height(height), _images(pictures)
+    : m_width(width), m_height(height), m_images(pictures)
 {
     FramePainter painter(width, height);
     for (std::uint32_t i = 0; i < pictures; ++i) {
-        _images[i] = encode(painter.paint(i));
+        m_images[i] = encode(painter.paint(i));
     }
 }
 
@@ -73,8 +73,8 @@ Bytes JpegFrames::encode(Bytes const& picture) const
     unsigned char* buffer = nullptr;
     unsigned long size = 0;
     jpeg_mem_dest(&compressor, &buffer, &size);
-    compressor.image_width = _width;
-    compressor.image_height = _height;
+    compressor.image_width = m_width;
+    compressor.image_height = m_height;
     compressor.input_components = 3;
     compressor.in_color_space = JCS_YCbCr;
     jpeg_set_defaults(&compressor);
@@ -95,7 +95,7 @@ Bytes JpegFrames::encode(Bytes const& picture) const
 
 Bytes const& JpegFrames::frame(std::uint32_t number)
 {
-    Bytes& image = _images[number % pictures];
+    Bytes& image = m_images[number % pictures];
     std::string const text = numberText(number);
     std::copy(text.begin(), text.end(),
               image.begin() + static_cast<std::ptrdiff_t>(findNumber(image.data(), image.size())));

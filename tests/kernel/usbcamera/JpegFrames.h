@@ -26,9 +26,9 @@ public:
 private:
     Bytes encode(Bytes const& picture) const;
 
-    unsigned _width;
-    unsigned _height;
-    std::vector<Bytes> _images;
+    unsigned m_width;
+    unsigned m_height;
+    std::vector<Bytes> m_images;
 };
 
 } // namespace UsbCamera

@@ -62,8 +62,8 @@ RequestLog::RequestLog(std::string const& fileName)
     if (fileName.empty()) {
         return;
     }
-    _file.reset(std::fopen(fileName.c_str(), "we"));
-    if (_file == nullptr) {
+    m_file.reset(std::fopen(fileName.c_str(), "we"));
+    if (m_file == nullptr) {
         throw std::system_error(errno, std::generic_category(), fileName);
     }
 }
@@ -71,7 +71,7 @@ RequestLog::RequestLog(std::string const& fileName)
 void RequestLog::control(unsigned camera, SetupPacket const& setup, Bytes const& sent,
                          ControlReply const& reply)
 {
-    if (_file == nullptr) {
+    if (m_file == nullptr) {
         return;
     }
     std::string const kind = kindOf(setup);
@@ -91,13 +91,13 @@ void RequestLog::control(unsigned camera, SetupPacket const& setup, Bytes const&
     line["length"] = setup.length;
     line["data"] = toHex(setup.isIn() ? reply.data : sent);
     line["stalled"] = reply.isStalled;
-    write(_file.get(), line);
+    write(m_file.get(), line);
 }
 
 void RequestLog::serial(unsigned camera, UnitRequest const& request, Bytes const& packet,
                         UnitReply const& reply, Bytes const& answer)
 {
-    if (_file == nullptr) {
+    if (m_file == nullptr) {
         return;
     }
     Json line = makeLine(camera, "serial");
@@ -109,12 +109,12 @@ void RequestLog::serial(unsigned camera, UnitRequest const& request, Bytes const
     line["refused"] = reply.isRefused();
     line["packet"] = toHex(packet);
     line["reply"] = toHex(answer);
-    write(_file.get(), line);
+    write(m_file.get(), line);
 }
 
 void RequestLog::event(unsigned camera, std::string const& name, std::string const& detail)
 {
-    if (_file == nullptr) {
+    if (m_file == nullptr) {
         return;
     }
     Json line = makeLine(camera, "event");
@@ -122,7 +122,7 @@ void RequestLog::event(unsigned camera, std::string const& name, std::string con
     if (!detail.empty()) {
         line["detail"] = detail;
     }
-    write(_file.get(), line);
+    write(m_file.get(), line);
 }
 
 } // namespace UsbCamera

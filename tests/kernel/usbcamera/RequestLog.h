@@ -29,7 +29,7 @@ private:
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
 
-    std::unique_ptr<std::FILE, Closer> _file;
+    std::unique_ptr<std::FILE, Closer> m_file;
 };
 
 } // namespace UsbCamera

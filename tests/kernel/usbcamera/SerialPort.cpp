@@ -28,16 +28,16 @@ UnitRequest parse(Bytes const& packet)
 } // namespace
 
 SerialPort::SerialPort(unsigned camera, ControlSet& controls, Faults& faults, RequestLog& log)
-    : _camera(camera), _controls(controls), _faults(faults), _log(log)
+    : m_camera(camera), m_controls(controls), m_faults(faults), m_log(log)
 {
 }
 
 bool SerialPort::receive(Bytes const& bytes, Clock::time_point now)
 {
-    append(_received, bytes);
+    append(m_received, bytes);
     while (auto const packet = takePacket()) {
-        ++_packets;
-        if (countDown(_faults.unplugInSerial)) {
+        ++m_packets;
+        if (countDown(m_faults.unplugInSerial)) {
             return false;
         }
         execute(*packet, now);
@@ -47,42 +47,42 @@ bool SerialPort::receive(Bytes const& bytes, Clock::time_point now)
 
 std::optional<Bytes> SerialPort::takePacket()
 {
-    if (_received.empty()) {
+    if (m_received.empty()) {
         return std::nullopt;
     }
     std::size_t size = headerSize;
-    bool isPacket = _received[0] == setType || _received[0] == getType;
-    if (isPacket && _received.size() >= headerSize && _received[0] == setType) {
-        auto const dataSize = static_cast<std::size_t>(readLittle(_received, 6, 2));
+    bool isPacket = m_received[0] == setType || m_received[0] == getType;
+    if (isPacket && m_received.size() >= headerSize && m_received[0] == setType) {
+        auto const dataSize = static_cast<std::size_t>(readLittle(m_received, 6, 2));
         size += dataSize;
         isPacket = dataSize <= largestData;
     }
     if (!isPacket) {
         // Nothing in the stream marks where a packet begins: start over with what comes next.
-        _log.event(_camera, "serial-garbage", toHex(_received));
-        _received.clear();
+        m_log.event(m_camera, "serial-garbage", toHex(m_received));
+        m_received.clear();
         return std::nullopt;
     }
-    if (_received.size() < size) {
+    if (m_received.size() < size) {
         return std::nullopt;
     }
-    auto const end = _received.begin() + static_cast<std::ptrdiff_t>(size);
-    Bytes packet(_received.begin(), end);
-    _received.erase(_received.begin(), end);
+    auto const end = m_received.begin() + static_cast<std::ptrdiff_t>(size);
+    Bytes packet(m_received.begin(), end);
+    m_received.erase(m_received.begin(), end);
     return packet;
 }
 
 void SerialPort::execute(Bytes const& packet, Clock::time_point now)
 {
     UnitRequest const request = parse(packet);
-    UnitReply reply = _controls.execute(request);
+    UnitReply reply = m_controls.execute(request);
     Bytes bytes;
     if (!reply.isRefused()) {
         reply.data.resize(std::min(reply.data.size(), request.length));
         bytes.assign(packet.begin(), packet.begin() + headerSize);
         append(bytes, reply.data);
     }
-    _log.serial(_camera, request, packet, reply, bytes);
+    m_log.serial(m_camera, request, packet, reply, bytes);
     if (!bytes.empty()) {
         answer(bytes, now);
     }
@@ -91,23 +91,23 @@ void SerialPort::execute(Bytes const& packet, Clock::time_point now)
 void SerialPort::answer(Bytes const& reply, Clock::time_point now)
 {
     auto const middle = reply.begin() + static_cast<std::ptrdiff_t>(reply.size() / 2);
-    switch (_faults.serialMode) {
+    switch (m_faults.serialMode) {
     case SerialMode::Normal:
-        _pieces.push_back({now, reply});
+        m_pieces.push_back({now, reply});
         break;
     case SerialMode::Silent:
         break;
     case SerialMode::Slow:
-        _pieces.push_back({now + _faults.serialDelay, reply});
+        m_pieces.push_back({now + m_faults.serialDelay, reply});
         break;
     case SerialMode::Split:
-        _pieces.push_back({now, Bytes(reply.begin(), middle)});
-        _pieces.push_back({now + _faults.serialDelay, Bytes(middle, reply.end())});
+        m_pieces.push_back({now, Bytes(reply.begin(), middle)});
+        m_pieces.push_back({now + m_faults.serialDelay, Bytes(middle, reply.end())});
         break;
     case SerialMode::Short: {
-        std::size_t const size = std::min(_faults.serialSize, reply.size());
+        std::size_t const size = std::min(m_faults.serialSize, reply.size());
         if (size > 0) {
-            _pieces.push_back(
+            m_pieces.push_back(
                 {now, Bytes(reply.begin(), reply.begin() + static_cast<std::ptrdiff_t>(size))});
         }
         break;
@@ -117,35 +117,35 @@ void SerialPort::answer(Bytes const& reply, Clock::time_point now)
 
 void SerialPort::submit(std::uint32_t sequence, std::size_t length)
 {
-    _transfers.emplace_back(sequence, length);
+    m_transfers.emplace_back(sequence, length);
 }
 
 bool SerialPort::unlink(std::uint32_t sequence)
 {
     auto const found =
-        std::find_if(_transfers.begin(), _transfers.end(),
+        std::find_if(m_transfers.begin(), m_transfers.end(),
                      [sequence](auto const& entry) { return entry.first == sequence; });
-    if (found == _transfers.end()) {
+    if (found == m_transfers.end()) {
         return false;
     }
-    _transfers.erase(found);
+    m_transfers.erase(found);
     return true;
 }
 
 void SerialPort::reset()
 {
-    _transfers.clear();
-    _pieces.clear();
-    _received.clear();
+    m_transfers.clear();
+    m_pieces.clear();
+    m_received.clear();
 }
 
 Served SerialPort::serve(UsbIpConnection& connection, Clock::time_point now)
 {
-    while (!_transfers.empty() && !_pieces.empty() && _pieces.front().due <= now) {
-        auto const transfer = _transfers.front();
-        Bytes const bytes = _pieces.front().bytes;
-        _transfers.pop_front();
-        _pieces.pop_front();
+    while (!m_transfers.empty() && !m_pieces.empty() && m_pieces.front().due <= now) {
+        auto const transfer = m_transfers.front();
+        Bytes const bytes = m_pieces.front().bytes;
+        m_transfers.pop_front();
+        m_pieces.pop_front();
         if (!connection.complete(transfer.first, bytes)) {
             return Served::HostIsGone;
         }
@@ -155,10 +155,10 @@ Served SerialPort::serve(UsbIpConnection& connection, Clock::time_point now)
 
 std::optional<Clock::time_point> SerialPort::nextDue() const
 {
-    if (_transfers.empty() || _pieces.empty()) {
+    if (m_transfers.empty() || m_pieces.empty()) {
         return std::nullopt;
     }
-    return _pieces.front().due;
+    return m_pieces.front().due;
 }
 
 } // namespace UsbCamera

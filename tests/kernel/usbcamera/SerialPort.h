@@ -28,9 +28,9 @@ public:
     Served serve(UsbIpConnection& connection, Clock::time_point now);
     std::optional<Clock::time_point> nextDue() const;
 
-    unsigned packets() const { return _packets; }
+    unsigned packets() const { return m_packets; }
     /// Replies, or parts of them, that the host has not been given yet.
-    std::size_t pending() const { return _pieces.size(); }
+    std::size_t pending() const { return m_pieces.size(); }
 
 private:
     struct Piece
@@ -43,14 +43,14 @@ private:
     void execute(Bytes const& packet, Clock::time_point now);
     void answer(Bytes const& reply, Clock::time_point now);
 
-    unsigned _camera;
-    ControlSet& _controls;
-    Faults& _faults;
-    RequestLog& _log;
-    Bytes _received;
-    std::deque<Piece> _pieces;
-    std::deque<std::pair<std::uint32_t, std::size_t>> _transfers; ///< sequence and length
-    unsigned _packets = 0;
+    unsigned m_camera;
+    ControlSet& m_controls;
+    Faults& m_faults;
+    RequestLog& m_log;
+    Bytes m_received;
+    std::deque<Piece> m_pieces;
+    std::deque<std::pair<std::uint32_t, std::size_t>> m_transfers; ///< sequence and length
+    unsigned m_packets = 0;
 };
 
 } // namespace UsbCamera

@@ -50,10 +50,10 @@ StreamChoice choiceFrom(Bytes const& record)
 } // namespace
 
 StreamNegotiation::StreamNegotiation(Speed speed)
-    : _payloadSize(packetsPerPayload * bulkPacketSize(speed))
+    : m_payloadSize(packetsPerPayload * bulkPacketSize(speed))
 {
-    _probed.interval = _probed.videoSize().intervals.front();
-    _committed = _probed;
+    m_probed.interval = m_probed.videoSize().intervals.front();
+    m_committed = m_probed;
 }
 
 Bytes StreamNegotiation::describe(StreamChoice const& choice) const
@@ -66,7 +66,7 @@ Bytes StreamNegotiation::describe(StreamChoice const& choice) const
     appendLittle(record, 0, 8);
     appendLittle(record, 0, 2);
     appendLittle(record, frameBytes(choice.videoSize()), 4);
-    appendLittle(record, _payloadSize, 4);
+    appendLittle(record, m_payloadSize, 4);
     appendLittle(record, 48000000, 4);
     // Frame boundaries are marked in the payload headers; no further versions of the payloads.
     append(record, {3, 0, 0, 0});
@@ -78,7 +78,7 @@ std::optional<Bytes> StreamNegotiation::read(std::uint8_t selector, std::uint8_t
     if (selector != probeSelector && selector != commitSelector) {
         return std::nullopt;
     }
-    StreamChoice choice = selector == probeSelector ? _probed : _committed;
+    StreamChoice choice = selector == probeSelector ? m_probed : m_committed;
     auto const& intervals = choice.videoSize().intervals;
     switch (code) {
     case getMin:
@@ -107,7 +107,7 @@ bool StreamNegotiation::write(std::uint8_t selector, Bytes const& data)
     if (data.size() < 26 || (selector != probeSelector && selector != commitSelector)) {
         return false;
     }
-    (selector == probeSelector ? _probed : _committed) = choiceFrom(data);
+    (selector == probeSelector ? m_probed : m_committed) = choiceFrom(data);
     return true;
 }
 

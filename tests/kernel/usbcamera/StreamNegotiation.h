@@ -33,15 +33,15 @@ public:
     /// Takes a SET_CUR; what can't be had becomes what is nearest to it. False: stall.
     bool write(std::uint8_t selector, Bytes const& data);
 
-    StreamChoice const& committed() const { return _committed; }
-    std::size_t payloadSize() const { return _payloadSize; }
+    StreamChoice const& committed() const { return m_committed; }
+    std::size_t payloadSize() const { return m_payloadSize; }
 
 private:
     Bytes describe(StreamChoice const& choice) const;
 
-    std::size_t _payloadSize;
-    StreamChoice _probed;
-    StreamChoice _committed;
+    std::size_t m_payloadSize;
+    StreamChoice m_probed;
+    StreamChoice m_committed;
 };
 
 constexpr std::uint8_t probeSelector = 1;

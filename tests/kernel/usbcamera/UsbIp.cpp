@@ -91,13 +91,13 @@ bool sendAll(int socket, iovec* pieces, std::size_t count)
 
 UsbIpConnection::~UsbIpConnection()
 {
-    ::close(_socket);
+    ::close(m_socket);
 }
 
 bool UsbIpConnection::readExactly(std::uint8_t* bytes, std::size_t size) const
 {
     while (size > 0) {
-        ssize_t const result = ::recv(_socket, bytes, size, 0);
+        ssize_t const result = ::recv(m_socket, bytes, size, 0);
         if (result < 0 && errno == EINTR) {
             continue;
         }
@@ -143,7 +143,7 @@ bool UsbIpConnection::complete(std::uint32_t sequence, int status, std::size_t t
 {
     Header header = makeReply(submitReply, sequence, status, transferred);
     iovec piece{header.data(), header.size()};
-    return sendAll(_socket, &piece, 1);
+    return sendAll(m_socket, &piece, 1);
 }
 
 bool UsbIpConnection::complete(std::uint32_t sequence, Bytes const& head, std::uint8_t const* tail,
@@ -154,14 +154,14 @@ bool UsbIpConnection::complete(std::uint32_t sequence, Bytes const& head, std::u
     iovec pieces[3] = {{header.data(), header.size()},
                        {const_cast<std::uint8_t*>(head.data()), head.size()},
                        {const_cast<std::uint8_t*>(tail), tailSize}};
-    return sendAll(_socket, pieces, tailSize > 0 ? 3 : 2);
+    return sendAll(m_socket, pieces, tailSize > 0 ? 3 : 2);
 }
 
 bool UsbIpConnection::confirmUnlink(std::uint32_t sequence, bool wasPending)
 {
     Header header = makeReply(unlinkReply, sequence, wasPending ? -ECONNRESET : 0, 0);
     iovec piece{header.data(), header.size()};
-    return sendAll(_socket, &piece, 1);
+    return sendAll(m_socket, &piece, 1);
 }
 
 } // namespace UsbCamera

@@ -39,12 +39,12 @@ struct UsbIpCommand
 class UsbIpConnection
 {
 public:
-    explicit UsbIpConnection(int socket) : _socket(socket) {}
+    explicit UsbIpConnection(int socket) : m_socket(socket) {}
     ~UsbIpConnection();
     UsbIpConnection(UsbIpConnection const&) = delete;
     UsbIpConnection& operator=(UsbIpConnection const&) = delete;
 
-    int descriptor() const { return _socket; }
+    int descriptor() const { return m_socket; }
 
     /// Reads one whole command; nothing when the host has gone or speaks something else.
     std::optional<UsbIpCommand> receive();
@@ -61,7 +61,7 @@ public:
 private:
     bool readExactly(std::uint8_t* bytes, std::size_t size) const;
 
-    int _socket;
+    int m_socket;
 };
 
 } // namespace UsbCamera

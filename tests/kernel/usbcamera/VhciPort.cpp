@@ -55,20 +55,20 @@ std::string speedName(Speed speed)
 }
 
 VhciPort::VhciPort(unsigned controller, unsigned port, Speed speed)
-    : _controller(controller), _number(0), _speed(speed)
+    : m_controller(controller), m_number(0), m_speed(speed)
 {
     unsigned const ports = portsPerHub(statusFile());
     if (port == 0 || port > ports) {
         errno = EINVAL;
         fail("a hub of the virtual host controller has the ports 1 to " + std::to_string(ports));
     }
-    _number = controller * 2 * ports + (speed == Speed::Super ? ports : 0) + port - 1;
+    m_number = controller * 2 * ports + (speed == Speed::Super ? ports : 0) + port - 1;
 }
 
 std::string VhciPort::statusFile() const
 {
     return std::string(folder) + "status" +
-           (_controller == 0 ? "" : "." + std::to_string(_controller));
+           (m_controller == 0 ? "" : "." + std::to_string(m_controller));
 }
 
 bool VhciPort::isFree() const
@@ -80,7 +80,7 @@ bool VhciPort::isFree() const
         std::string hub;
         unsigned number = 0;
         unsigned state = 0;
-        if (words >> hub >> number >> state && number == _number) {
+        if (words >> hub >> number >> state && number == m_number) {
             return state == freePort;
         }
     }
@@ -96,9 +96,9 @@ int VhciPort::attach()
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         fail("socketpair");
     }
-    std::string const request = std::to_string(_number) + " " + std::to_string(ends[1]) + " " +
-                                std::to_string(0x10000U + _number + 1) + " " +
-                                std::to_string(static_cast<unsigned>(_speed));
+    std::string const request = std::to_string(m_number) + " " + std::to_string(ends[1]) + " " +
+                                std::to_string(0x10000U + m_number + 1) + " " +
+                                std::to_string(static_cast<unsigned>(m_speed));
     int const file = ::open((std::string(folder) + "attach").c_str(), O_WRONLY | O_CLOEXEC);
     bool const written = file >= 0 && ::write(file, request.data(), request.size()) ==
                                           static_cast<ssize_t>(request.size());

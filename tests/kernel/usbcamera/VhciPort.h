@@ -28,9 +28,9 @@ public:
 private:
     std::string statusFile() const;
 
-    unsigned _controller;
-    unsigned _number; ///< over all controllers, as the attach file counts
-    Speed _speed;
+    unsigned m_controller;
+    unsigned m_number; ///< over all controllers, as the attach file counts
+    Speed m_speed;
 };
 
 } // namespace UsbCamera

@@ -25,23 +25,23 @@ enum class Served { Well, HostIsGone, MustUnplug };
 class VideoStream
 {
 public:
-    explicit VideoStream(Faults& faults) : _faults(faults) {}
+    explicit VideoStream(Faults& faults) : m_faults(faults) {}
 
     void start(StreamChoice const& choice, std::size_t payloadSize, Clock::time_point now);
     void stop();
 
     void submit(std::uint32_t sequence, std::size_t length);
     bool unlink(std::uint32_t sequence);
-    void forgetTransfers() { _transfers.clear(); }
+    void forgetTransfers() { m_transfers.clear(); }
 
     Served serve(UsbIpConnection& connection, Clock::time_point now);
 
     /// When serve() will have something to do; nothing while it waits for the host or is held.
     std::optional<Clock::time_point> nextDue() const;
 
-    bool isRunning() const { return _isRunning; }
+    bool isRunning() const { return m_isRunning; }
     bool isHeld() const;
-    std::uint32_t frameNumber() const { return _number; }
+    std::uint32_t frameNumber() const { return m_number; }
 
 private:
     struct Transfer
@@ -55,21 +55,21 @@ private:
     Served sendPayload(UsbIpConnection& connection, Clock::time_point now);
     Bytes const& currentFrame();
 
-    Faults& _faults;
-    std::deque<Transfer> _transfers;
-    StreamChoice _choice;
-    std::size_t _payloadSize = 0;
-    std::unique_ptr<FramePainter> _painter;
-    std::map<std::size_t, std::unique_ptr<JpegFrames>> _jpegs; ///< by size, made when first wanted
-    bool _isRunning = false;
-    bool _isOpen = false;
-    bool _toggle = false;
-    bool _isCorrupted = false;
-    std::uint32_t _number = 0;
-    std::uint8_t const* _frame = nullptr;
-    std::size_t _frameSize = 0;
-    std::size_t _offset = 0;
-    Clock::time_point _due;
+    Faults& m_faults;
+    std::deque<Transfer> m_transfers;
+    StreamChoice m_choice;
+    std::size_t m_payloadSize = 0;
+    std::unique_ptr<FramePainter> m_painter;
+    std::map<std::size_t, std::unique_ptr<JpegFrames>> m_jpegs; ///< by size, made when first wanted
+    bool m_isRunning = false;
+    bool m_isOpen = false;
+    bool m_toggle = false;
+    bool m_isCorrupted = false;
+    std::uint32_t m_number = 0;
+    std::uint8_t const* m_frame = nullptr;
+    std::size_t m_frameSize = 0;
+    std::size_t m_offset = 0;
+    Clock::time_point m_due;
 };
 
 } // namespace UsbCamera

@@ -51,27 +51,28 @@ void unloadModule()
 class Watched
 {
 public:
-    explicit Watched(int cameras) : _cameras(static_cast<std::size_t>(cameras))
+    explicit Watched(int cameras) : m_cameras(static_cast<std::size_t>(cameras))
     {
-        _asking.beginToAsk();
+        m_asking.beginToAsk();
     }
 
     void comeAndGo()
     {
-        loadModule(static_cast<int>(_cameras));
-        ASSERT_TRUE(waitFor([&] { return _udevadm.events().size() >= _cameras; }, loadLimit));
-        _late.beginToAsk();
-        waitFor([&] { return _late.events().size() >= _cameras; });
-        afterLoad = _late.events();
+        loadModule(static_cast<int>(m_cameras));
+        ASSERT_TRUE(waitFor([&] { return m_udevadm.events().size() >= m_cameras; }, loadLimit));
+        m_late.beginToAsk();
+        waitFor([&] { return m_late.events().size() >= m_cameras; });
+        afterLoad = m_late.events();
         unloadModule();
-        ASSERT_TRUE(waitFor([&] { return _udevadm.events().size() >= 2 * _cameras; }, loadLimit));
+        ASSERT_TRUE(waitFor([&] { return m_udevadm.events().size() >= 2 * m_cameras; }, loadLimit));
         waitFor([&] {
-            return std::min(_asking.events().size(), _continuous.events().size()) >= 2 * _cameras;
+            return std::min(m_asking.events().size(), m_continuous.events().size()) >=
+                   2 * m_cameras;
         });
-        fromUdevadm = _udevadm.events();
-        othersFromUdevadm = _udevadm.otherEvents();
-        fromBlocking = _asking.events();
-        fromContinuous = _continuous.events();
+        fromUdevadm = m_udevadm.events();
+        othersFromUdevadm = m_udevadm.otherEvents();
+        fromBlocking = m_asking.events();
+        fromContinuous = m_continuous.events();
     }
 
     VideoEvents fromUdevadm;
@@ -81,11 +82,11 @@ public:
     std::size_t othersFromUdevadm = 0;
 
 private:
-    std::size_t _cameras;
-    UdevadmWatch _udevadm;
-    ContinuousWatch _continuous;
-    BlockingWatch _asking;
-    BlockingWatch _late;
+    std::size_t m_cameras;
+    UdevadmWatch m_udevadm;
+    ContinuousWatch m_continuous;
+    BlockingWatch m_asking;
+    BlockingWatch m_late;
 };
 
 /// The same events at the same times. Their order is each listener's own: several processes of

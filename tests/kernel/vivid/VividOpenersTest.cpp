@@ -31,22 +31,22 @@ public:
     FullTable()
     {
         for (int fd; (fd = ::v4l2_open(firstNode, O_RDWR | O_NONBLOCK)) != -1;) {
-            _descriptors.push_back(fd);
+            m_descriptors.push_back(fd);
         }
     }
     ~FullTable()
     {
-        for (int const fd : _descriptors) {
+        for (int const fd : m_descriptors) {
             HelperV4l2::close(fd);
         }
     }
     FullTable(FullTable const&) = delete;
     FullTable& operator=(FullTable const&) = delete;
 
-    std::size_t size() const { return _descriptors.size(); }
+    std::size_t size() const { return m_descriptors.size(); }
 
 private:
-    std::vector<int> _descriptors;
+    std::vector<int> m_descriptors;
 };
 
 std::string thrownText(std::function<void()> const& action)
