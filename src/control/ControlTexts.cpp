@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "control/ControlTexts.h"
 
+#include "control/ZorvaneExtensionUnit.h"
+
 #include <linux/videodev2.h>
 
 #include <algorithm>
@@ -14,7 +16,7 @@ namespace ImageAcquisition
 namespace
 {
 
-constexpr unsigned int privateBase = V4L2_CID_PRIVATE_BASE;
+using Unit = ZorvaneExtensionUnit;
 
 constexpr char const* typeTexts[] = {"UnknownType", "BitMask", "Boolean",   "Button",
                                      "Int32",       "Int64",   "Int64Menu", "UInt8",
@@ -43,27 +45,22 @@ constexpr FamilyRange families[] = {
     {V4L2_CID_EXPOSURE_AUTO, V4L2_CID_EXPOSURE_ABSOLUTE, ICameraControl::ImageQuality},
     {V4L2_CID_FOCUS_ABSOLUTE, V4L2_CID_FOCUS_ABSOLUTE, ICameraControl::Focus},
     {V4L2_CID_FOCUS_AUTO, V4L2_CID_FOCUS_AUTO, ICameraControl::Focus},
-    // The vendor's extension unit: light mode and intensity, error status, temperature, trigger.
-    {privateBase + 0, privateBase + 1, ICameraControl::Lighting},
-    {privateBase + 2, privateBase + 2, ICameraControl::Status},
-    {privateBase + 3, privateBase + 3, ICameraControl::Lighting},
-    {privateBase + 4, privateBase + 4, ICameraControl::AutoControl},
-    // Contrast/brightness, saturation and sharpness, automatic; keep-alive.
-    {privateBase + 5, privateBase + 7, ICameraControl::ImageQuality},
-    {privateBase + 8, privateBase + 8, ICameraControl::Connection},
-    // Focus window corners; lock; window and focus range.
-    {privateBase + 9, privateBase + 12, ICameraControl::Focus},
-    {privateBase + 13, privateBase + 13, ICameraControl::AutoControl},
-    {privateBase + 14, privateBase + 17, ICameraControl::Focus},
-    // Custom white balance; focus sensitivity; test pictures; pixel ratio, pan, tilt.
-    {privateBase + 18, privateBase + 20, ICameraControl::ImageQuality},
-    {privateBase + 21, privateBase + 21, ICameraControl::Focus},
-    {privateBase + 22, privateBase + 22, ICameraControl::Debug},
-    {privateBase + 23, privateBase + 25, ICameraControl::ImageGeometry},
-    // Focus strategy; exposure sensitivity; gamma, automatic.
-    {privateBase + 26, privateBase + 26, ICameraControl::Focus},
-    {privateBase + 27, privateBase + 27, ICameraControl::ImageQuality},
-    {privateBase + 28, privateBase + 28, ICameraControl::Advanced},
+    {Unit::LightMode, Unit::LightIntensity, ICameraControl::Lighting},
+    {Unit::ErrorStatus, Unit::ErrorStatus, ICameraControl::Status},
+    {Unit::Temperature, Unit::Temperature, ICameraControl::Lighting},
+    {Unit::TriggerAutoControls, Unit::TriggerAutoControls, ICameraControl::AutoControl},
+    {Unit::AutoContrastAndBrightness, Unit::AutoSharpness, ICameraControl::ImageQuality},
+    {Unit::KeepAlive, Unit::KeepAlive, ICameraControl::Connection},
+    {Unit::FocusWindow1X1, Unit::FocusWindow1Y2, ICameraControl::Focus},
+    {Unit::LockAutoControls, Unit::LockAutoControls, ICameraControl::AutoControl},
+    {Unit::FocusWindowSelect, Unit::FocusRangeStep, ICameraControl::Focus},
+    {Unit::CustomWhiteBalanceRed, Unit::CustomWhiteBalanceGreen, ICameraControl::ImageQuality},
+    {Unit::AutoFocusSensitivity, Unit::AutoFocusSensitivity, ICameraControl::Focus},
+    {Unit::DebugImageMode, Unit::DebugImageMode, ICameraControl::Debug},
+    {Unit::ImagePixelRatio, Unit::ImageTilt, ICameraControl::ImageGeometry},
+    {Unit::FocusStrategy, Unit::FocusStrategy, ICameraControl::Focus},
+    {Unit::AutoExposureSensitivity, Unit::AutoExposureSensitivity, ICameraControl::ImageQuality},
+    {Unit::AutoGamma, Unit::AutoGamma, ICameraControl::Advanced},
 };
 
 } // namespace

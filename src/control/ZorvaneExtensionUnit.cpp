@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cstring>
 #include <iterator>
-#include <vector>
 
 namespace ImageAcquisition
 {
@@ -30,28 +29,26 @@ constexpr Kind raw{V4L2_CTRL_TYPE_INTEGER, UVC_CTRL_DATA_TYPE_RAW};
 constexpr Kind unsignedNumber{V4L2_CTRL_TYPE_INTEGER, UVC_CTRL_DATA_TYPE_UNSIGNED};
 constexpr Kind signedNumber{V4L2_CTRL_TYPE_INTEGER, UVC_CTRL_DATA_TYPE_SIGNED};
 
-/// The value that is sent to the camera, and its name.
-struct MenuItem
-{
-    unsigned int value;
-    char const* name;
-};
+using Items = std::vector<Unit::MenuItem>;
 
-constexpr MenuItem lightModeItems[] = {{0, "Off"}, {3, "Continuous"}};
-constexpr MenuItem debugImageModeItems[] = {
-    {0, "Normal"},          {1, "Vertical Lines"}, {2, "Random, noise"},
-    {3, "Colored Squares"}, {4, "Black"},
-};
-constexpr MenuItem imagePixelRatioItems[] = {
-    {0, "Full View"},
-    {1, "640p (640x480)"},
-    {2, "640p (1280x960)"},
-};
-constexpr MenuItem focusStrategyItems[] = {
-    {0, "Smart Scan All"},
-    {1, "Bisection"},
-    {2, "Smart Scan Refocus"},
-};
+Items noItems()
+{
+    return {};
+}
+
+Items debugImageModeItems()
+{
+    return {{0, "Normal"},
+            {1, "Vertical Lines"},
+            {2, "Random, noise"},
+            {3, "Colored Squares"},
+            {4, "Black"}};
+}
+
+Items imagePixelRatioItems()
+{
+    return {{0, "Full View"}, {1, "640p (640x480)"}, {2, "640p (1280x960)"}};
+}
 
 struct Row
 {
@@ -61,62 +58,60 @@ struct Row
     unsigned char sizeInBits;
     unsigned char offsetInBits;
     Kind kind;
-    MenuItem const* items;
-    unsigned int itemCount;
+    Items (*items)();
 };
 
 // The custom white-balance fields lie in the order red, green, blue, though their ids do not.
 constexpr Row rows[] = {
-    {Unit::LightMode, "Light Mode", Unit::LightModeSelector, 8, 0, menu, lightModeItems, 2},
-    {Unit::LightIntensity, "Light Intensity", Unit::LightIntensitySelector, 16, 0, raw, nullptr, 0},
-    {Unit::ErrorStatus, "Error Status", Unit::ErrorStatusSelector, 32, 0, raw, nullptr, 0},
-    {Unit::Temperature, "Temperature (C)", Unit::TemperatureSelector, 16, 0, raw, nullptr, 0},
+    {Unit::LightMode, "Light Mode", Unit::LightModeSelector, 8, 0, menu, Unit::lightModeItems},
+    {Unit::LightIntensity, "Light Intensity", Unit::LightIntensitySelector, 16, 0, raw, noItems},
+    {Unit::ErrorStatus, "Error Status", Unit::ErrorStatusSelector, 32, 0, raw, noItems},
+    {Unit::Temperature, "Temperature (C)", Unit::TemperatureSelector, 16, 0, raw, noItems},
     {Unit::TriggerAutoControls, "Trigger Auto Controls", Unit::TriggerAutoControlsSelector, 32, 0,
-     raw, nullptr, 0},
+     raw, noItems},
     {Unit::AutoContrastAndBrightness, "Contrast/Brightness (Auto)",
-     Unit::AutoContrastAndBrightnessSelector, 8, 0, boolean, nullptr, 0},
+     Unit::AutoContrastAndBrightnessSelector, 8, 0, boolean, noItems},
     {Unit::AutoSaturation, "Saturation (Auto)", Unit::AutoSaturationSelector, 8, 0, boolean,
-     nullptr, 0},
-    {Unit::AutoSharpness, "Sharpness (Auto)", Unit::AutoSharpnessSelector, 8, 0, boolean, nullptr,
-     0},
-    {Unit::KeepAlive, "Keep Alive", Unit::KeepAliveSelector, 8, 0, boolean, nullptr, 0},
+     noItems},
+    {Unit::AutoSharpness, "Sharpness (Auto)", Unit::AutoSharpnessSelector, 8, 0, boolean, noItems},
+    {Unit::KeepAlive, "Keep Alive", Unit::KeepAliveSelector, 8, 0, boolean, noItems},
     {Unit::FocusWindow1X1, "Window 1 x1 (Focus)", Unit::FocusWindow1Selector, 16, 0, unsignedNumber,
-     nullptr, 0},
+     noItems},
     {Unit::FocusWindow1X2, "Window 1 x2 (Focus)", Unit::FocusWindow1Selector, 16, 16,
-     unsignedNumber, nullptr, 0},
+     unsignedNumber, noItems},
     {Unit::FocusWindow1Y1, "Window 1 y1 (Focus)", Unit::FocusWindow1Selector, 16, 32,
-     unsignedNumber, nullptr, 0},
+     unsignedNumber, noItems},
     {Unit::FocusWindow1Y2, "Window 1 y2 (Focus)", Unit::FocusWindow1Selector, 16, 48,
-     unsignedNumber, nullptr, 0},
+     unsignedNumber, noItems},
     {Unit::LockAutoControls, "Lock Auto Controls", Unit::LockAutoControlsSelector, 32, 0, raw,
-     nullptr, 0},
+     noItems},
     {Unit::FocusWindowSelect, "Window Selected", Unit::FocusWindowSelectSelector, 8, 0,
-     unsignedNumber, nullptr, 0},
+     unsignedNumber, noItems},
     {Unit::FocusRangeMin, "Focus, Min (Range)", Unit::FocusRangeSelector, 16, 0, unsignedNumber,
-     nullptr, 0},
+     noItems},
     {Unit::FocusRangeMax, "Focus, Max (Range)", Unit::FocusRangeSelector, 16, 16, unsignedNumber,
-     nullptr, 0},
+     noItems},
     {Unit::FocusRangeStep, "Focus, Step (Range)", Unit::FocusRangeSelector, 16, 32, unsignedNumber,
-     nullptr, 0},
+     noItems},
     {Unit::CustomWhiteBalanceRed, "White Balance, Red (custom)", Unit::CustomWhiteBalanceSelector,
-     16, 0, unsignedNumber, nullptr, 0},
+     16, 0, unsignedNumber, noItems},
     {Unit::CustomWhiteBalanceBlue, "White Balance, Blue (custom)", Unit::CustomWhiteBalanceSelector,
-     16, 32, unsignedNumber, nullptr, 0},
+     16, 32, unsignedNumber, noItems},
     {Unit::CustomWhiteBalanceGreen, "White Balance, Green (custom)",
-     Unit::CustomWhiteBalanceSelector, 16, 16, unsignedNumber, nullptr, 0},
+     Unit::CustomWhiteBalanceSelector, 16, 16, unsignedNumber, noItems},
     {Unit::AutoFocusSensitivity, "Focus Sensitivity, Auto", Unit::AutoFocusSensitivitySelector, 8,
-     0, unsignedNumber, nullptr, 0},
+     0, unsignedNumber, noItems},
     {Unit::DebugImageMode, "Image Mode, Debug", Unit::DebugImageModeSelector, 8, 0, menu,
-     debugImageModeItems, 5},
+     debugImageModeItems},
     {Unit::ImagePixelRatio, "Image Ratio, Pixel", Unit::ImagePixelRatioSelector, 8, 0, menu,
-     imagePixelRatioItems, 3},
-    {Unit::ImagePan, "Image Pan", Unit::ImagePanTiltSelector, 16, 0, signedNumber, nullptr, 0},
-    {Unit::ImageTilt, "Image Tilt", Unit::ImagePanTiltSelector, 16, 16, signedNumber, nullptr, 0},
+     imagePixelRatioItems},
+    {Unit::ImagePan, "Image Pan", Unit::ImagePanTiltSelector, 16, 0, signedNumber, noItems},
+    {Unit::ImageTilt, "Image Tilt", Unit::ImagePanTiltSelector, 16, 16, signedNumber, noItems},
     {Unit::FocusStrategy, "Focus Strategy", Unit::FocusStrategySelector, 8, 0, menu,
-     focusStrategyItems, 3},
+     Unit::focusStrategyItems},
     {Unit::AutoExposureSensitivity, "Exposure Sensitivity, Auto",
-     Unit::AutoExposureSensitivitySelector, 8, 0, signedNumber, nullptr, 0},
-    {Unit::AutoGamma, "Gamma, Auto", Unit::AutoGammaSelector, 8, 0, boolean, nullptr, 0},
+     Unit::AutoExposureSensitivitySelector, 8, 0, signedNumber, noItems},
+    {Unit::AutoGamma, "Gamma, Auto", Unit::AutoGammaSelector, 8, 0, boolean, noItems},
 };
 
 // The GUID that the camera gives its extension unit.
@@ -124,13 +119,13 @@ constexpr unsigned char entity[16] = {0x01};
 
 std::vector<uvc_menu_info> menuOf(Row const& row)
 {
-    std::vector<uvc_menu_info> items(row.itemCount);
-    for (unsigned int i = 0; i < row.itemCount; ++i) {
-        items[i].value = row.items[i].value;
-        std::snprintf(reinterpret_cast<char*>(items[i].name), sizeof items[i].name, "%s",
-                      row.items[i].name);
+    std::vector<uvc_menu_info> infos;
+    for (Unit::MenuItem const& item : row.items()) {
+        infos.emplace_back().value = item.value;
+        std::snprintf(reinterpret_cast<char*>(infos.back().name), sizeof infos.back().name, "%s",
+                      item.name);
     }
-    return items;
+    return infos;
 }
 
 uvc_xu_control_mapping mappingOf(Row const& row)
@@ -168,7 +163,7 @@ void ZorvaneExtensionUnit::setup()
         std::vector<uvc_menu_info> items = menuOf(row);
         if (!items.empty()) {
             mapping.menu_info = items.data();
-            mapping.menu_count = row.itemCount;
+            mapping.menu_count = static_cast<unsigned int>(items.size());
         }
         // The camera may have been opened before, or its firmware may lack the selector.
         addControl(mapping);
@@ -176,6 +171,16 @@ void ZorvaneExtensionUnit::setup()
 }
 
 void ZorvaneExtensionUnit::cleanup() {}
+
+std::vector<ZorvaneExtensionUnit::MenuItem> ZorvaneExtensionUnit::lightModeItems()
+{
+    return {{0, "Off"}, {3, "Continuous"}};
+}
+
+std::vector<ZorvaneExtensionUnit::MenuItem> ZorvaneExtensionUnit::focusStrategyItems()
+{
+    return {{0, "Smart Scan All"}, {1, "Bisection"}, {2, "Smart Scan Refocus"}};
+}
 
 int ZorvaneExtensionUnit::addControl(uvc_xu_control_mapping& mapping)
 {

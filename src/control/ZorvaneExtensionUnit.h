@@ -7,6 +7,8 @@
 #include <linux/uvcvideo.h>
 #include <linux/videodev2.h>
 
+#include <vector>
+
 namespace ImageAcquisition
 {
 
@@ -72,6 +74,16 @@ public:
         AutoExposureSensitivitySelector = 24,
         AutoGammaSelector = 25
     };
+
+    /// An item of a menu: the value that is sent to the camera, and its name.
+    struct MenuItem
+    {
+        unsigned int value;
+        char const* name;
+    };
+
+    static std::vector<MenuItem> lightModeItems();
+    static std::vector<MenuItem> focusStrategyItems();
 
     /// Installs all mappings. The descriptor stays the camera's.
     explicit ZorvaneExtensionUnit(int fd);

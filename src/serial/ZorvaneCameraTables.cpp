@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The names, the table and the menus stand in one file: the table and the menus are made of the
 // names' pointers when the library is loaded, and only within a file is the order certain.
+#include "control/ZorvaneExtensionUnit.h"
 #include "serial/ZorvaneCamera.h"
 
 namespace ImageAcquisition
@@ -11,9 +12,22 @@ namespace
 
 using Control = ICameraControl;
 
+using Unit = ZorvaneExtensionUnit;
+
+// The entities of the camera's video function.
 constexpr int cameraTerminal = 1;
 constexpr int processingUnit = 2;
 constexpr int extensionUnit = 3;
+
+std::vector<ZorvaneCameraControlStringMenu::IndexSetting>
+settingsOf(std::vector<Unit::MenuItem> const& items)
+{
+    std::vector<ZorvaneCameraControlStringMenu::IndexSetting> settings;
+    for (Unit::MenuItem const& item : items) {
+        settings.push_back({static_cast<int>(item.value), item.name});
+    }
+    return settings;
+}
 
 } // namespace
 
@@ -59,61 +73,90 @@ char const* const ZorvaneCamera::_whiteBalanceBlueControl = "White Balance, Blue
 
 // Selector, unit, type, family; for a field of a larger control its first byte and its length.
 std::vector<ZorvaneCamera::ControlStruct> const ZorvaneCamera::_controlMap = {
-    {_focusControl, 6, cameraTerminal, Control::Int32, Control::Focus, false, 0, 0},
-    {_autoFocusControl, 8, cameraTerminal, Control::Boolean, Control::Focus, false, 0, 0},
-    {_focusMinControl, 9, extensionUnit, Control::Int32, Control::Focus, true, 0, 2},
-    {_focusMaxControl, 9, extensionUnit, Control::Int32, Control::Focus, true, 2, 2},
-    {_focusStepControl, 9, extensionUnit, Control::Int32, Control::Focus, true, 4, 2},
-    {_focusSensitivityControl, 11, extensionUnit, Control::Int32, Control::Focus, false, 0, 0},
-    {_focusStrategyControl, 15, extensionUnit, Control::StringMenu, Control::Focus, false, 0, 0},
-    {_lightModeControl, 1, extensionUnit, Control::StringMenu, Control::Lighting, false, 0, 0},
-    {_lightIntensityControl, 2, extensionUnit, Control::Int32, Control::Lighting, false, 0, 0},
-    {_temperatureControl, 4, extensionUnit, Control::Int32, Control::Lighting, false, 0, 0},
-    {_autoExposureControl, 2, cameraTerminal, Control::StringMenu, Control::ImageQuality, false, 0,
+    {_focusControl, UVC_CT_FOCUS_ABSOLUTE_CONTROL, cameraTerminal, Control::Int32, Control::Focus,
+     false, 0, 0},
+    {_autoFocusControl, UVC_CT_FOCUS_AUTO_CONTROL, cameraTerminal, Control::Boolean, Control::Focus,
+     false, 0, 0},
+    {_focusMinControl, Unit::FocusRangeSelector, extensionUnit, Control::Int32, Control::Focus,
+     true, 0, 2},
+    {_focusMaxControl, Unit::FocusRangeSelector, extensionUnit, Control::Int32, Control::Focus,
+     true, 2, 2},
+    {_focusStepControl, Unit::FocusRangeSelector, extensionUnit, Control::Int32, Control::Focus,
+     true, 4, 2},
+    {_focusSensitivityControl, Unit::AutoFocusSensitivitySelector, extensionUnit, Control::Int32,
+     Control::Focus, false, 0, 0},
+    {_focusStrategyControl, Unit::FocusStrategySelector, extensionUnit, Control::StringMenu,
+     Control::Focus, false, 0, 0},
+    {_lightModeControl, Unit::LightModeSelector, extensionUnit, Control::StringMenu,
+     Control::Lighting, false, 0, 0},
+    {_lightIntensityControl, Unit::LightIntensitySelector, extensionUnit, Control::Int32,
+     Control::Lighting, false, 0, 0},
+    {_temperatureControl, Unit::TemperatureSelector, extensionUnit, Control::Int32,
+     Control::Lighting, false, 0, 0},
+    {_autoExposureControl, UVC_CT_AE_MODE_CONTROL, cameraTerminal, Control::StringMenu,
+     Control::ImageQuality, false, 0, 0},
+    {_exposureSensitivityControl, Unit::AutoExposureSensitivitySelector, extensionUnit,
+     Control::Int32, Control::ImageQuality, false, 0, 0},
+    {_exposureAbsoluteControl, UVC_CT_EXPOSURE_TIME_ABSOLUTE_CONTROL, cameraTerminal,
+     Control::Int32, Control::ImageQuality, false, 0, 0},
+    {_gainControl, UVC_PU_GAIN_CONTROL, processingUnit, Control::Int32, Control::ImageQuality,
+     false, 0, 0},
+    {_autoContrastBrightnessControl, Unit::AutoContrastAndBrightnessSelector, extensionUnit,
+     Control::Boolean, Control::Advanced, false, 0, 0},
+    {_brightnessControl, UVC_PU_BRIGHTNESS_CONTROL, processingUnit, Control::Int32,
+     Control::Advanced, false, 0, 0},
+    {_contrastControl, UVC_PU_CONTRAST_CONTROL, processingUnit, Control::Int32, Control::Advanced,
+     false, 0, 0},
+    {_autoHueControl, UVC_PU_HUE_AUTO_CONTROL, processingUnit, Control::Boolean, Control::Advanced,
+     false, 0, 0},
+    {_hueControl, UVC_PU_HUE_CONTROL, processingUnit, Control::Int32, Control::Advanced, false, 0,
      0},
-    {_exposureSensitivityControl, 24, extensionUnit, Control::Int32, Control::ImageQuality, false,
+    {_autoSaturationControl, Unit::AutoSaturationSelector, extensionUnit, Control::Boolean,
+     Control::ImageQuality, false, 0, 0},
+    {_saturationControl, UVC_PU_SATURATION_CONTROL, processingUnit, Control::Int32,
+     Control::ImageQuality, false, 0, 0},
+    {_autoSharpnessControl, Unit::AutoSharpnessSelector, extensionUnit, Control::Boolean,
+     Control::ImageQuality, false, 0, 0},
+    {_sharpnessControl, UVC_PU_SHARPNESS_CONTROL, processingUnit, Control::Int32,
+     Control::ImageQuality, false, 0, 0},
+    {_gammaControl, UVC_PU_GAMMA_CONTROL, processingUnit, Control::Int32, Control::Advanced, false,
      0, 0},
-    {_exposureAbsoluteControl, 4, cameraTerminal, Control::Int32, Control::ImageQuality, false, 0,
-     0},
-    {_gainControl, 4, processingUnit, Control::Int32, Control::ImageQuality, false, 0, 0},
-    {_autoContrastBrightnessControl, 16, extensionUnit, Control::Boolean, Control::Advanced, false,
-     0, 0},
-    {_brightnessControl, 2, processingUnit, Control::Int32, Control::Advanced, false, 0, 0},
-    {_contrastControl, 3, processingUnit, Control::Int32, Control::Advanced, false, 0, 0},
-    {_autoHueControl, 16, processingUnit, Control::Boolean, Control::Advanced, false, 0, 0},
-    {_hueControl, 6, processingUnit, Control::Int32, Control::Advanced, false, 0, 0},
-    {_autoSaturationControl, 17, extensionUnit, Control::Boolean, Control::ImageQuality, false, 0,
-     0},
-    {_saturationControl, 7, processingUnit, Control::Int32, Control::ImageQuality, false, 0, 0},
-    {_autoSharpnessControl, 18, extensionUnit, Control::Boolean, Control::ImageQuality, false, 0,
-     0},
-    {_sharpnessControl, 8, processingUnit, Control::Int32, Control::ImageQuality, false, 0, 0},
-    {_gammaControl, 9, processingUnit, Control::Int32, Control::Advanced, false, 0, 0},
-    {_autoGammaControl, 25, extensionUnit, Control::Boolean, Control::Advanced, false, 0, 0},
-    {_triggerAutoControl, 5, extensionUnit, Control::Int32, Control::AutoControl, false, 0, 0},
-    {_cameraErrorControl, 3, extensionUnit, Control::Int32, Control::Status, false, 0, 0},
-    {_keepAliveControl, 6, extensionUnit, Control::Boolean, Control::Connection, false, 0, 0},
-    {_windowSelectedControl, 8, extensionUnit, Control::Int32, Control::Focus, false, 0, 0},
-    {_focusWindowX1Control, 20, extensionUnit, Control::Int32, Control::Focus, true, 0, 2},
-    {_focusWindowX2Control, 20, extensionUnit, Control::Int32, Control::Focus, true, 2, 2},
-    {_focusWindowY1Control, 20, extensionUnit, Control::Int32, Control::Focus, true, 4, 2},
-    {_focusWindowY2Control, 20, extensionUnit, Control::Int32, Control::Focus, true, 6, 2},
-    {_lockAutoControlsControl, 7, extensionUnit, Control::Int32, Control::AutoControl, false, 0, 0},
-    {_autoWhiteBalanceControl, 11, processingUnit, Control::Boolean, Control::ImageQuality, false,
-     0, 0},
-    {_whiteBalanceTempControl, 10, processingUnit, Control::Int32, Control::ImageQuality, false, 0,
-     0},
-    {_whiteBalanceRedControl, 10, extensionUnit, Control::Int32, Control::ImageQuality, true, 0, 2},
-    {_whiteBalanceGreenControl, 10, extensionUnit, Control::Int32, Control::ImageQuality, true, 2,
-     2},
-    {_whiteBalanceBlueControl, 10, extensionUnit, Control::Int32, Control::ImageQuality, true, 4,
-     2},
+    {_autoGammaControl, Unit::AutoGammaSelector, extensionUnit, Control::Boolean, Control::Advanced,
+     false, 0, 0},
+    {_triggerAutoControl, Unit::TriggerAutoControlsSelector, extensionUnit, Control::Int32,
+     Control::AutoControl, false, 0, 0},
+    {_cameraErrorControl, Unit::ErrorStatusSelector, extensionUnit, Control::Int32, Control::Status,
+     false, 0, 0},
+    {_keepAliveControl, Unit::KeepAliveSelector, extensionUnit, Control::Boolean,
+     Control::Connection, false, 0, 0},
+    {_windowSelectedControl, Unit::FocusWindowSelectSelector, extensionUnit, Control::Int32,
+     Control::Focus, false, 0, 0},
+    {_focusWindowX1Control, Unit::FocusWindow1Selector, extensionUnit, Control::Int32,
+     Control::Focus, true, 0, 2},
+    {_focusWindowX2Control, Unit::FocusWindow1Selector, extensionUnit, Control::Int32,
+     Control::Focus, true, 2, 2},
+    {_focusWindowY1Control, Unit::FocusWindow1Selector, extensionUnit, Control::Int32,
+     Control::Focus, true, 4, 2},
+    {_focusWindowY2Control, Unit::FocusWindow1Selector, extensionUnit, Control::Int32,
+     Control::Focus, true, 6, 2},
+    {_lockAutoControlsControl, Unit::LockAutoControlsSelector, extensionUnit, Control::Int32,
+     Control::AutoControl, false, 0, 0},
+    {_autoWhiteBalanceControl, UVC_PU_WHITE_BALANCE_TEMPERATURE_AUTO_CONTROL, processingUnit,
+     Control::Boolean, Control::ImageQuality, false, 0, 0},
+    {_whiteBalanceTempControl, UVC_PU_WHITE_BALANCE_TEMPERATURE_CONTROL, processingUnit,
+     Control::Int32, Control::ImageQuality, false, 0, 0},
+    {_whiteBalanceRedControl, Unit::CustomWhiteBalanceSelector, extensionUnit, Control::Int32,
+     Control::ImageQuality, true, 0, 2},
+    {_whiteBalanceGreenControl, Unit::CustomWhiteBalanceSelector, extensionUnit, Control::Int32,
+     Control::ImageQuality, true, 2, 2},
+    {_whiteBalanceBlueControl, Unit::CustomWhiteBalanceSelector, extensionUnit, Control::Int32,
+     Control::ImageQuality, true, 4, 2},
 };
 
 ZorvaneCamera::MenuSettings const ZorvaneCamera::_stringMenuSettings = {
     {_autoExposureControl, {{2, "Auto"}, {1, "Manual"}}},
-    {_focusStrategyControl, {{0, "Smart Scan All"}, {1, "Bisection"}, {2, "Smart Scan Refocus"}}},
-    {_lightModeControl, {{0, "Off"}, {3, "Continuous"}}},
+    {_focusStrategyControl, settingsOf(Unit::focusStrategyItems())},
+    {_lightModeControl, settingsOf(Unit::lightModeItems())},
 };
 
 } // namespace ImageAcquisition
