@@ -3,6 +3,7 @@
 
 #include "IBlockingCamera.h"
 #include "ICameraControl.h"
+#include "camera/NamedControl.h"
 #include "control/ExtensionUnit.h"
 #include "device/Device.h"
 #include "format/ImageFormatManager.h"
@@ -119,9 +120,10 @@ protected:
     /// Adds a control at the end of the set.
     void appendControl(std::unique_ptr<ICameraControl> control);
 
-private:
-    ICameraControl* vendorControl(unsigned int offset) const;
+    /// What the function of that name hands out; the invalid control when the camera has none.
+    virtual ICameraControl* namedControl(NamedControl which) const;
 
+private:
     int m_fd = -1;
     std::vector<std::unique_ptr<ICameraControl>> m_controls;
     std::unique_ptr<ICameraControl> m_invalidControl;

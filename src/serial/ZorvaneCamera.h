@@ -54,43 +54,6 @@ public:
     /// What its controls exchange requests over.
     SerialLink& link() { return m_link; }
 
-    ICameraControl* focusControl() const override;
-    ICameraControl* autoFocusControl() const override;
-    ICameraControl* lightModeControl() const override;
-    ICameraControl* lightIntensityControl() const override;
-    ICameraControl* exposureAbsoluteControl() const override;
-    ICameraControl* gainControl() const override;
-    ICameraControl* autoWhiteBalanceControl() const override;
-    ICameraControl* autoExposureControl() const override;
-    ICameraControl* brightnessControl() const override;
-    ICameraControl* autoContrastBrightnessControl() const override;
-    ICameraControl* autoHueControl() const override;
-    ICameraControl* autoSaturationControl() const override;
-    ICameraControl* autoSharpnessControl() const override;
-    ICameraControl* triggerAutoControl() const override;
-    ICameraControl* cameraErrorControl() const override;
-    ICameraControl* keepAliveControl() const override;
-    ICameraControl* focusWindowX1Control() const override;
-    ICameraControl* focusWindowX2Control() const override;
-    ICameraControl* focusWindowY1Control() const override;
-    ICameraControl* focusWindowY2Control() const override;
-    ICameraControl* lockAutoControlsControl() const override;
-    ICameraControl* windowSelectedControl() const override;
-    ICameraControl* focusMinControl() const override;
-    ICameraControl* focusMaxControl() const override;
-    ICameraControl* focusStepControl() const override;
-    ICameraControl* focusSensitivityControl() const override;
-    ICameraControl* focusStrategyControl() const override;
-    ICameraControl* exposureSensitivityControl() const override;
-    ICameraControl* whiteBalanceTempControl() const override;
-    ICameraControl* sharpnessControl() const override;
-    ICameraControl* saturationControl() const override;
-    ICameraControl* contrastControl() const override;
-    ICameraControl* hueControl() const override;
-    ICameraControl* gammaControl() const override;
-    ICameraControl* autoGammaControl() const override;
-    ICameraControl* invalidControl() const override;
-
     /// Opens the serial link and then initialises the camera, whatever became of the link, so that
     /// video works without it. True when both succeeded.
     bool init() override;
@@ -156,9 +119,9 @@ protected:
     /// Null: the unit's controls travel over the serial link.
     ExtensionUnit* createExtensionUnit() const override;
 
-private:
-    ICameraControl* ownControl(char const* name) const;
+    ICameraControl* namedControl(NamedControl which) const override;
 
+private:
     SerialLink m_link;
 };
 
