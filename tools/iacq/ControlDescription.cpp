@@ -2,6 +2,7 @@
 #include "ControlDescription.h"
 
 #include "Names.h"
+#include "TerminalText.h"
 
 #include <ICameraControlBitMask.h>
 #include <ICameraControlBoolean.h>
@@ -207,13 +208,14 @@ std::string valueText(Json const& value)
         return value.get<bool>() ? "on" : "off";
     }
     if (value.is_string()) {
-        return value.get<std::string>();
+        return printable(value.get_ref<std::string const&>());
     }
     if (value.is_object()) {
         std::string const position = std::to_string(value.at("position").get<int>());
         return value.at("label").is_null()
                    ? position
-                   : position + " (" + value.at("label").get<std::string>() + ")";
+                   : position + " (" + printable(value.at("label").get_ref<std::string const&>()) +
+                         ")";
     }
     return value.dump();
 }

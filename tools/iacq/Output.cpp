@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -124,11 +123,6 @@ std::string withNumber(std::string const& path, int number)
     return path.substr(0, percent) + text + path.substr(end + 1);
 }
 
-bool isControl(char character)
-{
-    return static_cast<unsigned char>(character) < 0x20;
-}
-
 } // namespace
 
 void writeFile(std::string const& path, std::vector<unsigned char> const& bytes)
@@ -159,10 +153,8 @@ std::string numberedPath(std::string const& path, int number, int count)
     return path.substr(0, at) + text + path.substr(at);
 }
 
-void print(std::string text)
+void print(std::string const& text)
 {
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return c != '\n' && isControl(c); }, '?');
     if (!writeAll(STDOUT_FILENO, reinterpret_cast<unsigned char const*>(text.data()),
                   text.size())) {
         failWriting("standard output");
@@ -175,13 +167,6 @@ void closeStandardOutput()
     if (::close(STDOUT_FILENO) != 0 && errno != EBADF) {
         failWriting("standard output");
     }
-}
-
-std::string singleLine(std::string text)
-{
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    std::replace_if(text.begin(), text.end(), isControl, '?');
-    return text;
 }
 
 } // namespace Iacq

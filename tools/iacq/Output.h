@@ -18,16 +18,13 @@ void writeFile(std::string const& path, std::vector<unsigned char> const& bytes)
 /// @throws Failure when @p path holds anything else with a "%".
 std::string numberedPath(std::string const& path, int number, int count);
 
-/// Prints to standard output and makes sure that it arrived. Control characters other than the line
-/// feed become question marks: texts come from cameras, and must not steer a terminal.
+/// Prints to standard output and makes sure that it arrived. Texts from cameras go through
+/// printable() or jsonText() first.
 /// @throws Failure when it did not, as on a full disk or a closed pipe.
-void print(std::string text);
+void print(std::string const& text);
 
 /// Closes standard output, which is when some file systems tell that the disk is full.
 /// @throws Failure when they do.
 void closeStandardOutput();
-
-/// A text without control characters, on one line.
-std::string singleLine(std::string text);
 
 } // namespace Iacq

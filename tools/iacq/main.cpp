@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Failure.h"
 #include "Output.h"
+#include "TerminalText.h"
 #include "commands/Commands.h"
 
 #include <CLI/CLI.hpp>
@@ -9,7 +10,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 
@@ -109,7 +109,7 @@ void addReset(CLI::App& app, std::string& camera)
 
 int fail(ExitStatus status, std::string const& message)
 {
-    std::fprintf(stderr, "iacq: %s\n", singleLine(message).c_str());
+    tell(message);
     return status;
 }
 

@@ -4,6 +4,7 @@
 #include "../ControlSetting.h"
 #include "../Failure.h"
 #include "../Output.h"
+#include "../TerminalText.h"
 #include "Commands.h"
 
 #include <nlohmann/json.hpp>
@@ -20,10 +21,9 @@ void get(std::string const& camera, std::vector<std::string> const& names, bool 
         ImageAcquisition::ICameraControl& control = findControl(*opened, name);
         control.updateState();
         described.push_back(describeControl(control));
-        text += std::string(control.name()) + ": " + valueText(described.back().at("value")) + "\n";
+        text += printable(control.name()) + ": " + valueText(described.back().at("value")) + "\n";
     }
-    print(json ? described.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n"
-               : text);
+    print(json ? jsonText(described, 2) + "\n" : text);
 }
 
 void set(std::string const& camera, std::vector<std::string> const& assignments)

@@ -2,6 +2,7 @@
 #include "../CameraDescription.h"
 #include "../CameraSelection.h"
 #include "../Output.h"
+#include "../TerminalText.h"
 #include "Commands.h"
 
 #include <nlohmann/json.hpp>
@@ -14,7 +15,9 @@ namespace
 
 std::string lineOf(nlohmann::ordered_json const& device)
 {
-    auto const text = [&device](char const* key) { return device.at(key).get<std::string>(); };
+    auto const text = [&device](char const* key) {
+        return printable(device.at(key).get_ref<std::string const&>());
+    };
     std::string line = std::to_string(device.at("index").get<int>()) + ": " + text("name") + "\n";
     line += "    node " + text("node") + ", driver " + text("driver") + " " +
             text("driverVersion") + ", bus " + text("bus") + "\n";
@@ -38,7 +41,7 @@ void list(bool json)
         described.push_back(describeDevice(*devices->at(position)));
     }
     if (json) {
-        print(described.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
+        print(jsonText(described, 2) + "\n");
         return;
     }
     std::string text;

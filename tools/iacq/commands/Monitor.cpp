@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "../Failure.h"
 #include "../Output.h"
+#include "../TerminalText.h"
 #include "Commands.h"
 
 #include <ICameraEvent.h>
@@ -54,15 +55,15 @@ char const* actionName(int type)
 std::string eventLine(ICameraEvent const& event, bool json)
 {
     if (!json) {
-        return timeText() + " " + actionName(event.type()) + " " + event.deviceSystemName() + " " +
-               event.subSystemName() + "\n";
+        return timeText() + " " + actionName(event.type()) + " " +
+               printable(event.deviceSystemName()) + " " + printable(event.subSystemName()) + "\n";
     }
     nlohmann::ordered_json const object = {{"time", timeText()},
                                            {"action", actionName(event.type())},
                                            {"type", event.type()},
                                            {"node", event.deviceSystemName()},
                                            {"subsystem", event.subSystemName()}};
-    return object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return jsonText(object) + "\n";
 }
 
 /// Prints events, and tells the main thread by a signal when it has seen enough.

@@ -3,6 +3,7 @@
 #include "../CameraSelection.h"
 #include "../ControlDescription.h"
 #include "../Output.h"
+#include "../TerminalText.h"
 #include "Commands.h"
 
 #include <nlohmann/json.hpp>
@@ -15,12 +16,17 @@ namespace
 
 using Json = nlohmann::ordered_json;
 
+std::string plain(Json const& text)
+{
+    return printable(text.get_ref<std::string const&>());
+}
+
 std::string deviceText(Json const& device)
 {
-    std::string text = device.at("name").get<std::string>() + "\n";
+    std::string text = plain(device.at("name")) + "\n";
     for (auto const& [key, value] : device.items()) {
         if (value.is_string() && key != "name" && !value.get_ref<std::string const&>().empty()) {
-            text += "    " + key + ": " + value.get<std::string>() + "\n";
+            text += "    " + key + ": " + plain(value) + "\n";
         }
     }
     std::string supported;
@@ -44,8 +50,7 @@ std::string dimensions(Json const& size)
 
 std::string formatText(Json const& format)
 {
-    std::string text = "    " + format.at("name").get<std::string>() + "  " +
-                       format.at("description").get<std::string>();
+    std::string text = "    " + plain(format.at("name")) + "  " + plain(format.at("description"));
     text += format.at("compressed").get<bool>() ? ", compressed" : "";
     text += format.at("emulated").get<bool>() ? ", emulated" : "";
     text += "\n";
@@ -63,8 +68,7 @@ std::string formatsText(Json const& formats)
 {
     Json const& current = formats.at("current");
     std::string text = "Formats (sizes and frame intervals in seconds; current:";
-    text += current.at("format").is_null() ? " none of these"
-                                           : " " + current.at("format").get<std::string>();
+    text += current.at("format").is_null() ? " none of these" : " " + plain(current.at("format"));
     text += current.at("size").is_null() ? "" : " " + dimensions(current.at("size"));
     text += current.at("interval").is_null() ? "" : " " + fraction(current.at("interval"));
     text += ")\n";
@@ -89,19 +93,18 @@ std::string rangeText(Json const& control)
 
 std::string controlText(Json const& control)
 {
-    std::string text = "    " + control.at("shortName").get<std::string>() + " ('" +
-                       control.at("name").get<std::string>() + "')  " +
-                       control.at("type").get<std::string>() + "  " +
-                       control.at("family").get<std::string>() + rangeText(control);
+    std::string text = "    " + plain(control.at("shortName")) + " ('" + plain(control.at("name")) +
+                       "')  " + plain(control.at("type")) + "  " + plain(control.at("family")) +
+                       rangeText(control);
     text += control.contains("default") ? "  default " + valueText(control.at("default")) : "";
     text += "  value " + valueText(control.at("value"));
     for (Json const& flag : control.at("flags")) {
-        text += "  [" + flag.get<std::string>() + "]";
+        text += "  [" + plain(flag) + "]";
     }
     text += "\n";
     int position = 0;
     for (Json const& item : control.value("items", Json::array())) {
-        text += "        " + std::to_string(position++) + ": " + item.get<std::string>() + "\n";
+        text += "        " + std::to_string(position++) + ": " + plain(item) + "\n";
     }
     return text;
 }
@@ -121,7 +124,7 @@ void show(std::string const& camera, bool json)
         description["current"] = formats.at("current");
         description["formats"] = formats.at("formats");
         description["controls"] = controls;
-        print(description.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+        print(jsonText(description, 2) + "\n");
         return;
     }
     std::string text = deviceText(description) + formatsText(formats) + "Controls\n";

@@ -95,18 +95,6 @@ TEST_F(WriteFile, KeepsWhatWasThereWhenItFails)
     EXPECT_EQ(names().size(), 1u);
 }
 
-TEST(SingleLine, HoldsNothingThatSteersATerminal)
-{
-    EXPECT_EQ(Iacq::singleLine("a\nb\x1b[2J\tc \xc3\xbc"), "a b?[2J?c \xc3\xbc");
-}
-
-TEST(Print, TakesTheSteeringOutOfTextsFromCameras)
-{
-    testing::internal::CaptureStdout();
-    Iacq::print("Evil \x1b]0;name\x07\nnext\n");
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Evil ?]0;name?\nnext\n");
-}
-
 TEST(NumberedPath, PutsTheNumberWhereItBelongs)
 {
     EXPECT_EQ(Iacq::numberedPath("a.png", 1, 1), "a.png");
