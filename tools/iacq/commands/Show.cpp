@@ -21,21 +21,45 @@ std::string plain(Json const& text)
     return printable(text.get_ref<std::string const&>());
 }
 
+struct Wording
+{
+    char const* key;
+    char const* words;
+};
+
+/// The fields of a record that are texts, in the words of people.
+constexpr Wording fields[] = {{"node", "Node"},
+                              {"driver", "Driver"},
+                              {"driverVersion", "Driver version"},
+                              {"bus", "Bus"},
+                              {"vendorId", "Vendor id"},
+                              {"productId", "Product id"},
+                              {"manufacturer", "Manufacturer"},
+                              {"serial", "Serial number"},
+                              {"firmware", "Firmware revision"},
+                              {"usbRevision", "USB revision"},
+                              {"usbSpeed", "USB speed"}};
+
+constexpr Wording abilities[] = {{"videoCapture", "video capture"},
+                                 {"multiplane", "multi-planar formats"},
+                                 {"streaming", "streaming"},
+                                 {"readWrite", "read and write"},
+                                 {"asynchIO", "asynchronous I/O"}};
+
 std::string deviceText(Json const& device)
 {
     std::string text = plain(device.at("name")) + "\n";
-    for (auto const& [key, value] : device.items()) {
-        if (value.is_string() && key != "name" && !value.get_ref<std::string const&>().empty()) {
-            text += "    " + key + ": " + plain(value) + "\n";
-        }
+    for (auto const& [key, words] : fields) {
+        std::string const value = plain(device.at(key));
+        text += value.empty() ? "" : std::string("    ") + words + ": " + value + "\n";
     }
     std::string supported;
-    for (auto const& [key, value] : device.at("supports").items()) {
-        if (value.get<bool>()) {
-            supported += " " + key;
+    for (auto const& [key, words] : abilities) {
+        if (device.at("supports").at(key).get<bool>()) {
+            supported += (supported.empty() ? " " : ", ") + std::string(words);
         }
     }
-    return text + "    supports:" + supported + "\n";
+    return text + "    Supports:" + supported + "\n";
 }
 
 std::string fraction(Json const& interval)

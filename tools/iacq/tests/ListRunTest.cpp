@@ -41,7 +41,7 @@ TEST(ShowCommand, StillFindsACameraByNodeBesideOneWithoutUsbDevice)
     ProgramRun const run =
         runIacq({"show", "video0"}, {"--model", "webcam", "--model", "platform"});
     EXPECT_EQ(run.status, 0) << run.errors;
-    EXPECT_THAT(run.output, HasSubstr("node: /dev/video0"));
+    EXPECT_THAT(run.output, HasSubstr("    Node: /dev/video0\n"));
 }
 
 TEST(ShowCommand, TakesAnIndexANodeAndASerialNumber)
@@ -206,6 +206,27 @@ TEST(ShowCommand, PrintsFormatsAndControlsForPeople)
           "Boolean  unknown  default on  value on\n", "  value 7  [read-only]\n",
           "  value -  [write-only]\n"}) {
         EXPECT_THAT(run.output, HasSubstr(line));
+    }
+}
+
+TEST(ShowCommand, CallsFieldsInThePeoplesWords)
+{
+    ProgramRun const run = runIacq({"show", "0"}, {"--model", "vendor"});
+    ASSERT_EQ(run.status, 0) << run.errors;
+    for (char const* const text :
+         {"    Node: /dev/video0\n", "    Driver: uvcvideo\n", "    Driver version: 6.1.0\n",
+          "    Vendor id: ", "    Product id: ", "    Serial number: ",
+          "    Firmware revision: TJ8-1.2.4\n", "    USB revision: 2.00\n", "    USB speed: high\n",
+          "    Supports: video capture, streaming, read and write\n"}) {
+        EXPECT_THAT(run.output, HasSubstr(text));
+    }
+    std::string const record = run.output.substr(0, run.output.find("Formats"));
+    Json const keys = Json::parse(runIacq({"list", "--json"}, {"--model", "vendor"}).output)[0];
+    for (auto const& [key, value] : keys.items()) {
+        EXPECT_EQ(record.find(" " + key + ":"), std::string::npos) << key;
+    }
+    for (auto const& [key, value] : keys.at("supports").items()) {
+        EXPECT_TRUE(key == "streaming" || record.find(key) == std::string::npos) << key;
     }
 }
 
