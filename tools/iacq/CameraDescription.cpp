@@ -58,9 +58,9 @@ Json describeFormat(IImageFormat const& format)
 
 } // namespace
 
-Json describeDevice(IDevice const& device)
+Json describeDevice(IDevice const& device, int index)
 {
-    return {{"index", device.index()},
+    return {{"index", index},
             {"node", device.systemName()},
             {"name", device.name()},
             {"driver", device.driverName()},

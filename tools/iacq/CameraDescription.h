@@ -9,7 +9,8 @@
 namespace Iacq
 {
 
-nlohmann::ordered_json describeDevice(ImageAcquisition::IDevice const& device);
+/// A camera's record; @p index is its position in the list.
+nlohmann::ordered_json describeDevice(ImageAcquisition::IDevice const& device, int index);
 
 /// The formats with their sizes and intervals, and which of them is set.
 nlohmann::ordered_json describeFormats(ImageAcquisition::ICamera const& camera);

@@ -9,8 +9,8 @@
 
 #include <stdlib.h>
 
-#include <cstring>
 #include <stdexcept>
+#include <utility>
 
 namespace Iacq
 {
@@ -20,28 +20,14 @@ namespace
 
 using ImageAcquisition::ICameraFactory;
 using ImageAcquisition::IDevice;
-using ImageAcquisition::IDeviceList;
 
 constexpr int lastNodeNumber = 64;
 constexpr char devDirectory[] = "/dev/";
 
-std::unique_ptr<IDevice> describe(std::string const& node)
+/// @throws std::logic_error when no USB device stands behind the node.
+DevicePtr describe(std::string const& node)
 {
-    return std::unique_ptr<IDevice>(ICameraFactory::getUniqueInstance().createDevice(node.c_str()));
-}
-
-std::string nodesWithoutUsbDevice()
-{
-    std::string nodes;
-    for (int number = 0; number <= lastNodeNumber; ++number) {
-        std::string const node = "video" + std::to_string(number);
-        try {
-            describe(node);
-        } catch (std::logic_error const&) {
-            nodes += (nodes.empty() ? "" : ", ") + (devDirectory + node);
-        }
-    }
-    return nodes.empty() ? "a node that is gone by now," : nodes;
+    return DevicePtr(ICameraFactory::getUniqueInstance().createDevice(node.c_str()));
 }
 
 /// Resolves the links that udev makes in /dev/v4l.
@@ -54,26 +40,45 @@ std::string resolved(std::string const& path)
 SelectedDevice selectNode(std::string const& node)
 {
     try {
-        std::unique_ptr<IDevice> device = describe(node);
+        DevicePtr device = describe(node);
         if (!device) {
             throw Failure(NoSuchCamera, devDirectory + node + " is absent or no camera");
         }
-        return SelectedDevice(std::move(device));
+        return {std::move(device), 0};
     } catch (std::logic_error const&) {
         throw Failure(CameraFailed, devDirectory + node + " has no USB device behind it");
     }
 }
 
+std::string absence(CameraList const& list, std::string const& camera)
+{
+    std::string leftOut;
+    for (std::string const& node : list.leftOut) {
+        leftOut += (leftOut.empty() ? " (left out: " : ", ") + node;
+    }
+    return "no camera '" + camera + "' among the " + std::to_string(list.cameras.size()) +
+           " there are" + leftOut + (leftOut.empty() ? "" : ")") +
+           "; give an index, a node or a serial number";
+}
+
 } // namespace
 
-DeviceListPtr listDevices()
+CameraList listCameras()
 {
-    try {
-        return DeviceListPtr(ICameraFactory::getUniqueInstance().createDeviceList());
-    } catch (std::logic_error const&) {
-        throw Failure(CameraFailed, "no list can be made: " + nodesWithoutUsbDevice() +
-                                        " without a USB device behind; name a camera by its node");
+    // The library makes no list where one node has no USB device behind it, so that each node is
+    // asked by itself.
+    CameraList list;
+    for (int number = 0; number <= lastNodeNumber; ++number) {
+        std::string const node = "video" + std::to_string(number);
+        try {
+            if (DevicePtr device = describe(node)) {
+                list.cameras.push_back(std::move(device));
+            }
+        } catch (std::logic_error const&) {
+            list.leftOut.push_back(devDirectory + node + " has no USB device behind it");
+        }
     }
+    return list;
 }
 
 std::string nodeName(std::string const& camera)
@@ -88,24 +93,22 @@ std::string nodeName(std::string const& camera)
     return isNode ? name : "";
 }
 
-IDevice const* chooseDevice(IDeviceList const& list, std::string const& camera)
+std::optional<std::size_t> chooseCamera(std::vector<DevicePtr> const& cameras,
+                                        std::string const& camera)
 {
-    if (auto const position = parseCount(camera)) {
-        if (*position < static_cast<unsigned int>(list.size())) {
-            return list.at(static_cast<int>(*position));
-        }
+    if (auto const position = parseCount(camera); position && *position < cameras.size()) {
+        return *position;
     }
-    IDevice const* found = nullptr;
-    for (int position = 0; position < list.size(); ++position) {
-        IDevice const* const device = list.at(position);
-        if (camera != device->serial()) {
+    std::optional<std::size_t> found;
+    for (std::size_t position = 0; position < cameras.size(); ++position) {
+        if (camera.empty() || camera != cameras[position]->serial()) {
             continue;
         }
-        if (found != nullptr) {
+        if (found) {
             throw Failure(NoSuchCamera, "several cameras have the serial number '" + camera +
                                             "'; name one by its node");
         }
-        found = device;
+        found = position;
     }
     return found;
 }
@@ -120,26 +123,28 @@ SelectedDevice selectDevice(std::string const& camera)
         // Other nodes are not even opened: that may act on them.
         throw Failure(NoSuchCamera, camera + " is no video node");
     }
-    DeviceListPtr list = listDevices();
-    IDevice const* const device = camera.empty() ? nullptr : chooseDevice(*list, camera);
-    if (device == nullptr) {
-        throw Failure(NoSuchCamera, "no camera '" + camera + "' among the " +
-                                        std::to_string(list->size()) +
-                                        " there are; give an index, a node or a serial number");
+    CameraList list = listCameras();
+    auto const position = chooseCamera(list.cameras, camera);
+    if (!position) {
+        throw Failure(NoSuchCamera, absence(list, camera));
     }
-    return SelectedDevice(std::move(list), device);
+    return {std::move(list.cameras[*position]), static_cast<int>(*position)};
+}
+
+CameraPtr openCamera(IDevice const& device)
+{
+    Progress const progress("opening " + std::string(device.systemName()));
+    CameraPtr opened(ICameraFactory::getUniqueInstance().createBlockingCamera(&device));
+    if (!opened) {
+        throw Failure(CameraFailed, std::string(device.systemName()) +
+                                        " could not be initialised; the camera was reset");
+    }
+    return opened;
 }
 
 CameraPtr openCamera(std::string const& camera)
 {
-    SelectedDevice const device = selectDevice(camera);
-    Progress const progress("opening " + std::string(device->systemName()));
-    CameraPtr opened(ICameraFactory::getUniqueInstance().createBlockingCamera(&*device));
-    if (!opened) {
-        throw Failure(CameraFailed, std::string(device->systemName()) +
-                                        " could not be initialised; the camera was reset");
-    }
-    return opened;
+    return openCamera(*selectDevice(camera).device);
 }
 
 } // namespace Iacq

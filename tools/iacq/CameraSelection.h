@@ -3,57 +3,53 @@
 
 #include <IBlockingCamera.h>
 #include <IDevice.h>
-#include <IDeviceList.h>
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace Iacq
 {
 
-using DeviceListPtr = std::unique_ptr<ImageAcquisition::IDeviceList>;
+using DevicePtr = std::unique_ptr<ImageAcquisition::IDevice>;
 using CameraPtr = std::unique_ptr<ImageAcquisition::IBlockingCamera>;
 
-/// All cameras.
-/// @throws Failure that names the node when one of them has no USB device behind it.
-DeviceListPtr listDevices();
-
-/// A record, and the list that owns it if it came out of one.
-class SelectedDevice
+/// The cameras, in the order of their nodes. A camera's index is its position.
+struct CameraList
 {
-public:
-    explicit SelectedDevice(std::unique_ptr<ImageAcquisition::IDevice> device)
-        : m_own(std::move(device)), m_device(m_own.get())
-    {
-    }
-    SelectedDevice(DeviceListPtr list, ImageAcquisition::IDevice const* device)
-        : m_list(std::move(list)), m_device(device)
-    {
-    }
+    std::vector<DevicePtr> cameras;
+    std::vector<std::string> leftOut; ///< Capture nodes that are none, with the reason.
+};
 
-    ImageAcquisition::IDevice const& operator*() const { return *m_device; }
-    ImageAcquisition::IDevice const* operator->() const { return m_device; }
+CameraList listCameras();
 
-private:
-    DeviceListPtr m_list;
-    std::unique_ptr<ImageAcquisition::IDevice> m_own;
-    ImageAcquisition::IDevice const* m_device;
+/// A camera's record, and its position in the list; 0 when it was chosen by its node.
+struct SelectedDevice
+{
+    DevicePtr device;
+    int index;
 };
 
 /// The short name of a node given as video0 or /dev/video0; empty for other texts.
 std::string nodeName(std::string const& camera);
 
-/// Chooses among the cameras of a list: by position, or by serial number. Null when none fits.
+/// The position of a camera in a list, chosen by that position or by its serial number; empty when
+/// none fits.
 /// @throws Failure when a serial number fits several.
-ImageAcquisition::IDevice const* chooseDevice(ImageAcquisition::IDeviceList const& list,
-                                              std::string const& camera);
+std::optional<std::size_t> chooseCamera(std::vector<DevicePtr> const& cameras,
+                                        std::string const& camera);
 
 /// The camera that the user means.
 /// @throws Failure when there is none, or several.
 SelectedDevice selectDevice(std::string const& camera);
 
-/// Opens the camera that the user means; shows progress on a terminal while it takes long.
+/// Opens a camera; shows progress on a terminal while it takes long.
 /// @throws Failure when it cannot be opened.
+CameraPtr openCamera(ImageAcquisition::IDevice const& device);
+
+/// Opens the camera that the user means.
+/// @throws Failure when there is none, or it cannot be opened.
 CameraPtr openCamera(std::string const& camera);
 
 } // namespace Iacq

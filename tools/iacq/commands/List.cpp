@@ -35,20 +35,20 @@ std::string lineOf(nlohmann::ordered_json const& device)
 
 void list(bool json)
 {
-    DeviceListPtr const devices = listDevices();
+    CameraList const list = listCameras();
     nlohmann::ordered_json described = nlohmann::ordered_json::array();
-    for (int position = 0; position < devices->size(); ++position) {
-        described.push_back(describeDevice(*devices->at(position)));
+    std::string text;
+    for (DevicePtr const& camera : list.cameras) {
+        described.push_back(describeDevice(*camera, static_cast<int>(described.size())));
+        text += lineOf(described.back());
     }
     if (json) {
-        print(jsonText(described, 2) + "\n");
-        return;
-    }
-    std::string text;
-    for (auto const& device : described) {
-        text += lineOf(device);
+        text = jsonText(described, 2) + "\n";
     }
     print(text.empty() ? "No camera.\n" : text);
+    for (std::string const& node : list.leftOut) {
+        tell("left out: " + node);
+    }
 }
 
 } // namespace Iacq

@@ -137,8 +137,9 @@ std::string controlText(Json const& control)
 
 void show(std::string const& camera, bool json)
 {
-    CameraPtr const opened = openCamera(camera);
-    Json description = describeDevice(*opened->device());
+    SelectedDevice const selected = selectDevice(camera);
+    CameraPtr const opened = openCamera(*selected.device);
+    Json description = describeDevice(*opened->device(), selected.index);
     Json const formats = describeFormats(*opened);
     Json controls = Json::array();
     for (int position = 0; position < opened->controlNumber(); ++position) {

@@ -38,55 +38,47 @@ private:
     std::string m_serial;
 };
 
-class FakeList : public IDeviceList
+std::vector<Iacq::DevicePtr> camerasWith(std::vector<std::string> const& serials)
 {
-public:
-    explicit FakeList(std::vector<std::string> const& serials)
-        : m_devices(serials.begin(), serials.end())
-    {
+    std::vector<Iacq::DevicePtr> cameras;
+    for (std::string const& serial : serials) {
+        cameras.push_back(std::make_unique<FakeDevice>(serial));
     }
-    int size() const override { return static_cast<int>(m_devices.size()); }
-    IDevice const* at(int position) const override
-    {
-        return position >= 0 && position < size() ? &m_devices[std::size_t(position)] : nullptr;
-    }
-    IDevice const* deviceByName(char const*) const override { return nullptr; }
-
-private:
-    std::vector<FakeDevice> m_devices;
-};
+    return cameras;
+}
 
 TEST(CameraChoice, IsByPosition)
 {
-    FakeList const list({"A", "B"});
-    EXPECT_EQ(Iacq::chooseDevice(list, "0"), list.at(0));
-    EXPECT_EQ(Iacq::chooseDevice(list, "1"), list.at(1));
-    EXPECT_EQ(Iacq::chooseDevice(list, "2"), nullptr);
-    EXPECT_EQ(Iacq::chooseDevice(list, "-1"), nullptr);
-    EXPECT_EQ(Iacq::chooseDevice(list, "99999999999"), nullptr);
-    EXPECT_EQ(Iacq::chooseDevice(FakeList({}), "0"), nullptr);
+    auto const cameras = camerasWith({"A", "B"});
+    EXPECT_EQ(Iacq::chooseCamera(cameras, "0"), 0u);
+    EXPECT_EQ(Iacq::chooseCamera(cameras, "1"), 1u);
+    EXPECT_EQ(Iacq::chooseCamera(cameras, "2"), std::nullopt);
+    EXPECT_EQ(Iacq::chooseCamera(cameras, "-1"), std::nullopt);
+    EXPECT_EQ(Iacq::chooseCamera(cameras, "99999999999"), std::nullopt);
+    EXPECT_EQ(Iacq::chooseCamera(camerasWith({}), "0"), std::nullopt);
 }
 
 TEST(CameraChoice, IsBySerialNumberToTheLetter)
 {
-    FakeList const list({"SN 1", "sn 1", "SN 12"});
-    EXPECT_EQ(Iacq::chooseDevice(list, "sn 1"), list.at(1));
-    EXPECT_EQ(Iacq::chooseDevice(list, "SN 12"), list.at(2));
-    EXPECT_EQ(Iacq::chooseDevice(list, "SN"), nullptr);
+    auto const cameras = camerasWith({"SN 1", "sn 1", "SN 12", ""});
+    EXPECT_EQ(Iacq::chooseCamera(cameras, "sn 1"), 1u);
+    EXPECT_EQ(Iacq::chooseCamera(cameras, "SN 12"), 2u);
+    EXPECT_EQ(Iacq::chooseCamera(cameras, "SN"), std::nullopt);
+    EXPECT_EQ(Iacq::chooseCamera(cameras, ""), std::nullopt);
 }
 
 TEST(CameraChoice, TakesANumberBeyondTheListForASerialNumber)
 {
-    FakeList const list({"1", "20417"});
-    EXPECT_EQ(Iacq::chooseDevice(list, "20417"), list.at(1));
-    EXPECT_EQ(Iacq::chooseDevice(list, "1"), list.at(1));
+    auto const cameras = camerasWith({"1", "20417"});
+    EXPECT_EQ(Iacq::chooseCamera(cameras, "20417"), 1u);
+    EXPECT_EQ(Iacq::chooseCamera(cameras, "1"), 1u);
 }
 
 TEST(CameraChoice, RefusesASerialNumberOfSeveralCameras)
 {
-    FakeList const list({"SAME", "OTHER", "SAME"});
+    auto const cameras = camerasWith({"SAME", "OTHER", "SAME"});
     try {
-        Iacq::chooseDevice(list, "SAME");
+        Iacq::chooseCamera(cameras, "SAME");
         FAIL();
     } catch (Iacq::Failure const& failure) {
         EXPECT_EQ(failure.status(), Iacq::NoSuchCamera);

@@ -28,12 +28,54 @@ TEST(ListCommand, NamesAnOrdinaryCameraAndOneOfTheVendors)
     EXPECT_EQ(cameras[1].at("usbSpeed"), "high");
 }
 
-TEST(ListCommand, SaysWhichNodeHasNoUsbDevice)
+/// A loopback device on video0, and cameras behind it.
+Words const behindALoopback = {"--model", "platform", "--model", "webcam", "--model", "vendor"};
+
+TEST(ListCommand, LeavesOutANodeWithoutUsbDeviceAndSaysSo)
 {
-    ProgramRun const run = runIacq({"list"}, {"--model", "webcam", "--model", "platform"});
+    ProgramRun const run = runIacq({"list", "--json"}, behindALoopback);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.errors, "iacq: left out: /dev/video0 has no USB device behind it\n");
+    Json const cameras = Json::parse(run.output);
+    ASSERT_EQ(cameras.size(), 2u);
+    EXPECT_EQ(cameras[0].at("index"), 0);
+    EXPECT_EQ(cameras[0].at("node"), "/dev/video2");
+    EXPECT_EQ(cameras[1].at("index"), 1);
+    EXPECT_EQ(cameras[1].at("node"), "/dev/video4");
+    EXPECT_THAT(runIacq({"list"}, behindALoopback).output,
+                HasSubstr("\n1: Virtual Vendor Camera\n"));
+}
+
+TEST(ListCommand, IsEmptyWithNothingButALoopback)
+{
+    ProgramRun const run = runIacq({"list", "--json"}, {"--model", "platform"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output, "[]\n");
+    EXPECT_EQ(run.errors, "iacq: left out: /dev/video0 has no USB device behind it\n");
+}
+
+TEST(ShowCommand, FindsCamerasBehindALoopbackByIndexAndSerialNumber)
+{
+    ProgramRun run = runIacq({"show", "1", "--json"}, behindALoopback);
+    ASSERT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.errors, "");
+    Json const camera = Json::parse(run.output);
+    EXPECT_EQ(camera.at("index"), 1);
+    EXPECT_EQ(camera.at("node"), "/dev/video4");
+    run = runIacq({"show", camera.at("serial"), "--json"}, behindALoopback);
+    ASSERT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(Json::parse(run.output).at("node"), "/dev/video4");
+}
+
+TEST(ShowCommand, SaysThatALoopbackIsNoneOfTheCameras)
+{
+    ProgramRun run = runIacq({"show", "2"}, behindALoopback);
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.errors, "iacq: no camera '2' among the 2 there are (left out: /dev/video0 has no "
+                          "USB device behind it); give an index, a node or a serial number\n");
+    run = runIacq({"show", "video0"}, behindALoopback);
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.output, "");
-    EXPECT_THAT(run.errors, StartsWith("iacq: no list can be made: /dev/video"));
+    EXPECT_EQ(run.errors, "iacq: /dev/video0 has no USB device behind it\n");
 }
 
 TEST(ShowCommand, StillFindsACameraByNodeBesideOneWithoutUsbDevice)
