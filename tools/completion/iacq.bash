@@ -28,7 +28,7 @@ _iacq()
     local command=${COMP_WORDS[1]} words=
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
-        words="list show capture get set monitor reset --help"
+        words="list show capture get set monitor reset help --help --version"
     else
         case $previous in
             -o | --output)
@@ -41,6 +41,8 @@ _iacq()
             *)
                 if [[ $current == -* ]]; then
                     words=$(_iacq_options "$command")
+                elif [[ $command == help ]]; then
+                    words="list show capture get set monitor reset help"
                 elif [[ $command != list && $command != monitor ]]; then
                     words=$(_iacq_cameras)
                 fi
