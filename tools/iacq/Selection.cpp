@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <optional>
 #include <vector>
 
@@ -28,6 +29,22 @@ std::string intervalText(IFramePeriod const& period)
     return std::to_string(period.numerator()) + "/" + std::to_string(period.denominator());
 }
 
+/// Frames a second; 0 where the interval says nothing.
+double frameRate(IFramePeriod const& period)
+{
+    return period.numerator() == 0 ? 0 : 1.0 * period.denominator() / period.numerator();
+}
+
+/// Frames a second with three digits after the point at most, enough to be found again by.
+std::string frameRateText(IFramePeriod const& period)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3f", frameRate(period));
+    std::string const digits = text;
+    auto const last = digits.find_last_not_of('0');
+    return digits.substr(0, digits[last] == '.' ? last : last + 1);
+}
+
 /// What there would have been, for the message that what was wanted is not among it.
 class Offer
 {
@@ -39,13 +56,14 @@ public:
         }
     }
 
-    std::string text() const
+    /// With the unit behind them, if there is any.
+    std::string text(std::string const& unit = "") const
     {
         std::string result;
         for (std::string const& text : m_texts) {
             result += " " + text;
         }
-        return result.empty() ? " no list of them" : result;
+        return result.empty() ? " no list of them" : result + unit;
     }
 
 private:
@@ -74,12 +92,22 @@ bool isInterval(IFramePeriod const& period, Interval const& wanted)
            1ULL * period.denominator() * wanted.numerator;
 }
 
-bool isFrameRate(IFramePeriod const& period, double wanted)
+/// The position of the interval whose frame rate is the nearest to the wanted one, or -1 when none
+/// is near enough.
+int nearestFrameRate(IFrameSize const& size, double wanted)
 {
-    // Narrow enough to tell 29.97 from 30, and wide enough to find 30000/1001 by "29.97".
-    constexpr double tolerance = 0.005;
-    return period.numerator() > 0 &&
-           std::abs(1.0 * period.denominator() / period.numerator() - wanted) < tolerance;
+    // The rates of television are a thousandth below whole numbers (30000/1001, written 29.97), and
+    // half of that tells them apart from those; others are written with two digits (8.33).
+    double nearest = std::max(0.005, wanted / 2002);
+    int found = -1;
+    for (int i = 0; i < size.periodNumber(); ++i) {
+        double const distance = std::abs(frameRate(*size.period(i)) - wanted);
+        if (distance < nearest) {
+            nearest = distance;
+            found = i;
+        }
+    }
+    return found;
 }
 
 /// Looks for a selection that has everything that the user named.
@@ -175,25 +203,27 @@ private:
     {
         m_sizeFound = true;
         IFrameSize const& frameSize = *m_camera.format(format)->frameSize(size);
-        bool const anyWillDo = !m_interval && !m_frameRate;
         for (int i = 0; i < frameSize.periodNumber(); ++i) {
             IFramePeriod const& period = *frameSize.period(i);
-            m_intervals.add(intervalText(period));
-            if (isWanted(period)) {
-                return set(format, size, i);
-            }
+            m_offered.add(m_frameRate ? frameRateText(period) : intervalText(period));
         }
-        return anyWillDo && set(format, size, 0);
+        int const wanted =
+            m_frameRate ? nearestFrameRate(frameSize, *m_frameRate) : wantedInterval(frameSize);
+        bool const anyWillDo = !m_interval && !m_frameRate;
+        return (wanted != -1 || anyWillDo) && set(format, size, std::max(wanted, 0));
     }
 
-    /// Where no interval is named, the present one is wanted most.
-    bool isWanted(IFramePeriod const& period) const
+    /// The position of the interval that is named, or else of the present one; -1 when it is none
+    /// of them.
+    int wantedInterval(IFrameSize const& size) const
     {
-        if (m_frameRate) {
-            return isFrameRate(period, *m_frameRate);
-        }
         Interval const current{m_current.period->numerator(), m_current.period->denominator()};
-        return isInterval(period, m_interval.value_or(current));
+        for (int i = 0; i < size.periodNumber(); ++i) {
+            if (isInterval(*size.period(i), m_interval.value_or(current))) {
+                return i;
+            }
+        }
+        return -1;
     }
 
     bool set(int format, int size, int interval)
@@ -219,8 +249,8 @@ private:
         throw Failure(BadUsage, (m_size ? "the size " + m_wanted.size : whose) + " has no " +
                                     (m_interval ? "interval " + m_wanted.interval
                                                 : "frame rate " + m_wanted.frameRate) +
-                                    "; it has" + m_intervals.text() +
-                                    (m_interval ? "" : " seconds"));
+                                    "; it has" +
+                                    m_offered.text(m_interval ? "" : " frames a second"));
     }
 
     ICamera& m_camera;
@@ -231,7 +261,7 @@ private:
     std::optional<double> m_frameRate;
     bool m_sizeFound = false;
     Offer m_sizes;
-    Offer m_intervals;
+    Offer m_offered; ///< Intervals, or frame rates if one is wanted.
 };
 
 } // namespace

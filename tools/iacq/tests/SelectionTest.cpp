@@ -90,6 +90,39 @@ TEST_F(Selection, FindsAnIntervalByFramesASecond)
     EXPECT_EQ(set(), (Positions{1, 1, 2}));
 }
 
+TEST_F(Selection, TakesTheNearestFrameRateWithinItsTolerance)
+{
+    // 30; 29.97 rounded down to units of 100 ns, and exactly; 23.976; 59.94; 119.88; 8.333
+    camera.formats = {{"YUYV",
+                       {{640,
+                         480,
+                         {{1, 30},
+                          {333666, 10000000},
+                          {1001, 30000},
+                          {1001, 24000},
+                          {1001, 60000},
+                          {1001, 120000},
+                          {3, 25}}}}}};
+    struct Case
+    {
+        char const* wanted;
+        int found;
+    };
+    for (auto const& [wanted, found] :
+         {Case{"30", 0}, Case{"29.97", 2}, Case{"29.97003", 2}, Case{"29.9701", 1},
+          Case{"29.98", 1}, Case{"23.976", 3}, Case{"23.98", 3}, Case{"59.94", 4}, Case{"119.9", 5},
+          Case{"8.33", 6}}) {
+        camera.setInterval = -1;
+        EXPECT_EQ(refusal({"", "", "", wanted}), "none") << wanted;
+        EXPECT_EQ(camera.setInterval, found) << wanted;
+    }
+    for (char const* const absent : {"24", "60", "120", "29.95", "8.3"}) {
+        EXPECT_EQ(refusal({"", "", "", absent}),
+                  std::string("2: the camera has no frame rate ") + absent +
+                      "; it has 30 29.97 23.976 59.94 119.88 8.333 frames a second");
+    }
+}
+
 TEST_F(Selection, StartsWithTheFirstWhenTheDeviceIsSetToNoneOfTheList)
 {
     camera.setFormat = -1;
@@ -109,7 +142,9 @@ TEST_F(Selection, SaysWhatThereIsInstead)
     EXPECT_EQ(refusal({"", "640x480", "1/60", ""}),
               "2: the size 640x480 has no interval 1/60; it has 1/30 1/15");
     EXPECT_EQ(refusal({"YUYV", "", "", "60"}),
-              "2: the format YUYV has no frame rate 60; it has 1/30 1/15 seconds");
+              "2: the format YUYV has no frame rate 60; it has 30 15 frames a second");
+    EXPECT_EQ(refusal({"GREY", "", "", "30"}),
+              "2: the format GREY has no frame rate 30; it has no list of them");
     EXPECT_EQ(refusal({"GREY", "", "1/30", ""}),
               "2: the format GREY has no interval 1/30; it has no list of them");
     EXPECT_EQ(camera.timesSet, 0);
