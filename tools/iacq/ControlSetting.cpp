@@ -13,8 +13,11 @@
 #include <ICameraControlString.h>
 #include <ICameraControlStringMenu.h>
 
+#include <algorithm>
 #include <cstring>
+#include <functional>
 #include <limits>
+#include <type_traits>
 
 namespace Iacq
 {
@@ -24,14 +27,26 @@ namespace
 
 using namespace ImageAcquisition;
 
-/// Why a write did not happen. Empty means that it did.
+/// Why a write cannot be, or was not. Empty means that nothing is known against it.
 using Refusal = std::string;
 
-Refusal const done;
+Refusal const none;
 Refusal const refusedByDriver = "refused by the driver";
 
-/// What in the control's state forbids writing; empty when nothing does.
-Refusal refusalByState(ICameraControl const& control)
+/// A write that is known to be refused, or one that only the driver can still refuse.
+struct Write
+{
+    Refusal refusal;
+    std::function<Refusal()> carryOut;
+};
+
+Write refused(Refusal const& reason)
+{
+    return {reason, {}};
+}
+
+/// What in the control's state forbids writing, however other controls are set.
+Refusal refusalByNature(ICameraControl const& control)
 {
     if (control.isReadOnly()) {
         return "read-only";
@@ -39,48 +54,56 @@ Refusal refusalByState(ICameraControl const& control)
     if (control.isDisabled()) {
         return "disabled";
     }
-    if (control.isInactive()) {
-        return "inactive";
-    }
-    return control.isGrabbed() ? "grabbed by another program" : "";
+    return control.isGrabbed() ? "grabbed by another program" : none;
+}
+
+Refusal refusalByState(ICameraControl const& control)
+{
+    Refusal const refusal = refusalByNature(control);
+    return refusal.empty() && control.isInactive() ? "inactive" : refusal;
 }
 
 template <typename T>
-Refusal setNumber(ICameraControlNumeric<T>& control, std::string const& text)
+Write writeNumber(ICameraControlNumeric<T>& control, std::string const& text)
 {
     auto const number = parseInteger(text);
     if (!number) {
-        return "'" + text + "' is no number";
+        return refused("'" + text + "' is no number");
     }
     bool const fits = *number >= static_cast<long long>(std::numeric_limits<T>::min()) &&
                       *number <= static_cast<long long>(std::numeric_limits<T>::max());
-    if (fits && control.setValue(static_cast<T>(*number))) {
-        return done;
+    T const value = fits ? static_cast<T>(*number) : T{};
+    bool const inside = fits && value >= control.minimum() && value <= control.maximum();
+    Refusal const otherwise = inside ? refusedByDriver
+                                     : text + " is outside " + std::to_string(control.minimum()) +
+                                           ".." + std::to_string(control.maximum());
+    // Behind the serial link a camera that tells no minimum shows a range of one value, and takes
+    // others.
+    bool const rangeIsTold = !std::is_same<T, int>::value || control.minimum() != control.maximum();
+    if (!fits || (!inside && rangeIsTold)) {
+        return refused(otherwise);
     }
-    if (!fits || static_cast<T>(*number) < control.minimum() ||
-        static_cast<T>(*number) > control.maximum()) {
-        return text + " is outside " + std::to_string(control.minimum()) + ".." +
-               std::to_string(control.maximum());
-    }
-    return refusedByDriver;
+    return {none,
+            [&control, value, otherwise] { return control.setValue(value) ? none : otherwise; }};
 }
 
-Refusal setBoolean(ICameraControlBoolean& control, std::string const& text)
+Write writeBoolean(ICameraControlBoolean& control, std::string const& text)
 {
     auto const value = parseSwitch(text);
     if (!value) {
-        return "'" + text + "' is neither on nor off";
+        return refused("'" + text + "' is neither on nor off");
     }
-    return control.setValue(*value) ? done : refusedByDriver;
+    return {none, [&control, value] { return control.setValue(*value) ? none : refusedByDriver; }};
 }
 
-Refusal setBits(ICameraControlBitMask& control, std::string const& text)
+Write writeBits(ICameraControlBitMask& control, std::string const& text)
 {
     auto const number = parseInteger(text);
     if (!number || *number < 0 || *number > std::numeric_limits<unsigned int>::max()) {
-        return "'" + text + "' is no mask of 32 bits";
+        return refused("'" + text + "' is no mask of 32 bits");
     }
-    return control.setValue(static_cast<unsigned int>(*number)) ? done : refusedByDriver;
+    auto const bits = static_cast<unsigned int>(*number);
+    return {none, [&control, bits] { return control.setValue(bits) ? none : refusedByDriver; }};
 }
 
 /// The position that a label or a number means, or -1.
@@ -101,74 +124,97 @@ int menuPosition(ICameraControlStringMenu const& menu, std::string const& text)
                                                                        : -1;
 }
 
-Refusal setItem(ICameraControlStringMenu& menu, std::string const& text)
+Write writeItem(ICameraControlStringMenu& menu, std::string const& text)
 {
     int const position = menuPosition(menu, text);
     if (position == -1) {
-        return "no such item: '" + text + "'";
+        return refused("no such item: '" + text + "'");
     }
-    return menu.setCurrentIndex(position) ? done : refusedByDriver;
+    return {none,
+            [&menu, position] { return menu.setCurrentIndex(position) ? none : refusedByDriver; }};
 }
 
-Refusal setPosition(ICameraControlInt64Menu& menu, std::string const& text)
+Write writePosition(ICameraControlInt64Menu& menu, std::string const& text)
 {
-    auto const position = parseCount(text);
-    if (!position || *position > static_cast<unsigned int>(std::numeric_limits<int>::max())) {
-        return "'" + text + "' is no position";
+    auto const number = parseCount(text);
+    if (!number || *number > static_cast<unsigned int>(std::numeric_limits<int>::max())) {
+        return refused("'" + text + "' is no position");
     }
+    auto const position = static_cast<int>(*number);
     // How many items there are is not told: the driver refuses what is none.
-    return menu.setCurrentIndex(static_cast<int>(*position))
-               ? done
-               : "no such item, or refused by the driver";
+    return {none, [&menu, position] {
+                return menu.setCurrentIndex(position) ? none
+                                                      : "no such item, or refused by the driver";
+            }};
 }
 
-Refusal setText(ICameraControlString& control, std::string const& text)
+Write writeText(ICameraControlString& control, std::string const& text)
 {
-    if (control.setValue(text.c_str())) {
-        return done;
-    }
     auto const length = static_cast<long long>(text.size());
-    if (length < control.minLength() || length > control.maxLength()) {
-        return "its length " + std::to_string(length) + " is outside " +
-               std::to_string(control.minLength()) + ".." + std::to_string(control.maxLength());
+    bool const rangeIsTold = control.maxLength() > 0;
+    if (rangeIsTold && (length < control.minLength() || length > control.maxLength())) {
+        return refused("its length " + std::to_string(length) + " is outside " +
+                       std::to_string(control.minLength()) + ".." +
+                       std::to_string(control.maxLength()));
     }
-    return refusedByDriver;
+    return {none,
+            [&control, text] { return control.setValue(text.c_str()) ? none : refusedByDriver; }};
 }
 
 template <typename Typed>
-Refusal tryType(ICameraControl& control, std::string const& text,
-                Refusal (*set)(Typed&, std::string const&), bool& found)
+bool prepareAs(ICameraControl& control, std::string const& text,
+               Write (*prepare)(Typed&, std::string const&), Write& write)
 {
     auto* const typed = dynamic_cast<Typed*>(&control);
-    if (found || typed == nullptr) {
-        return done;
+    if (typed != nullptr) {
+        write = prepare(*typed, text);
     }
-    found = true;
-    return set(*typed, text);
+    return typed != nullptr;
 }
 
-Refusal setByType(ICameraControl& control, std::string const& text)
+Write writeValue(ICameraControl& control, std::string const& text)
 {
-    bool found = false;
-    Refusal const refusal =
-        tryType(control, text, setNumber<int>, found) +
-        tryType(control, text, setNumber<long long>, found) +
-        tryType(control, text, setNumber<unsigned char>, found) +
-        tryType(control, text, setNumber<unsigned short>, found) +
-        tryType(control, text, setNumber<unsigned int>, found) +
-        tryType(control, text, setBoolean, found) + tryType(control, text, setBits, found) +
-        tryType(control, text, setItem, found) + tryType(control, text, setPosition, found) +
-        tryType(control, text, setText, found);
-    return found ? refusal : "it is a button: give its name alone";
+    Write write = refused("it is a button: give its name alone");
+    prepareAs(control, text, writeNumber<int>, write) ||
+        prepareAs(control, text, writeNumber<long long>, write) ||
+        prepareAs(control, text, writeNumber<unsigned char>, write) ||
+        prepareAs(control, text, writeNumber<unsigned short>, write) ||
+        prepareAs(control, text, writeNumber<unsigned int>, write) ||
+        prepareAs(control, text, writeBoolean, write) ||
+        prepareAs(control, text, writeBits, write) || prepareAs(control, text, writeItem, write) ||
+        prepareAs(control, text, writePosition, write) ||
+        prepareAs(control, text, writeText, write);
+    return write;
 }
 
-Refusal press(ICameraControl& control)
+Write press(ICameraControl& control)
 {
     auto* const button = dynamic_cast<ICameraControlButton*>(&control);
     if (button == nullptr) {
-        return "it needs a value: NAME=VALUE";
+        return refused("it needs a value: NAME=VALUE");
     }
-    return button->clicked() ? done : refusedByDriver;
+    return {none, [button] { return button->clicked() ? none : refusedByDriver; }};
+}
+
+Write prepare(Assignment const& assignment)
+{
+    return assignment.value ? writeValue(*assignment.control, *assignment.value)
+                            : press(*assignment.control);
+}
+
+std::string notSet(ICameraControl const& control, Refusal const& refusal)
+{
+    return std::string(control.name()) + " was not set: " + refusal;
+}
+
+/// Whether other controls can be active once this one is written, and inactive before: what lets
+/// a camera choose by itself is a switch or a menu, or the driver says so.
+bool mayActivateOthers(ICameraControl const& control)
+{
+    return dynamic_cast<ICameraControlBoolean const*>(&control) != nullptr ||
+           dynamic_cast<ICameraControlStringMenu const*>(&control) != nullptr ||
+           dynamic_cast<ICameraControlInt64Menu const*>(&control) != nullptr ||
+           control.needsClassUpdate();
 }
 
 ICameraControl* lookUp(ICamera const& camera, std::string const& name)
@@ -223,11 +269,46 @@ void apply(Assignment const& assignment)
     control.updateState();
     Refusal refusal = refusalByState(control);
     if (refusal.empty()) {
-        refusal = assignment.value ? setByType(control, *assignment.value) : press(control);
+        Write const write = prepare(assignment);
+        refusal = write.refusal.empty() ? write.carryOut() : write.refusal;
     }
     if (!refusal.empty()) {
-        throw Failure(CameraFailed, std::string(control.name()) + " was not set: " + refusal);
+        throw Failure(CameraFailed, notSet(control, refusal));
     }
+}
+
+void applyAll(ICamera const& camera, std::vector<std::string> const& texts)
+{
+    std::vector<Assignment> assignments;
+    std::string refusals;
+    ExitStatus status = CameraFailed;
+    auto const refuse = [&refusals](std::string const& refusal) {
+        refusals += (refusals.empty() ? "" : "; ") + refusal;
+    };
+    for (std::string const& text : texts) {
+        try {
+            assignments.push_back(parseAssignment(camera, text));
+        } catch (Failure const& failure) {
+            refuse(failure.what());
+            status = failure.status();
+        }
+    }
+    bool othersActivated = false;
+    for (Assignment const& assignment : assignments) {
+        ICameraControl& control = *assignment.control;
+        control.updateState();
+        Refusal const byState =
+            othersActivated ? refusalByNature(control) : refusalByState(control);
+        Refusal const refusal = byState.empty() ? prepare(assignment).refusal : byState;
+        if (!refusal.empty()) {
+            refuse(notSet(control, refusal));
+        }
+        othersActivated = othersActivated || mayActivateOthers(control);
+    }
+    if (!refusals.empty()) {
+        throw Failure(status, refusals);
+    }
+    std::for_each(assignments.begin(), assignments.end(), apply);
 }
 
 } // namespace Iacq

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Iacq
 {
@@ -29,5 +30,12 @@ Assignment parseAssignment(ImageAcquisition::ICamera const& camera, std::string 
 /// Sets the value.
 /// @throws Failure that says why not, as far as that can be known.
 void apply(Assignment const& assignment);
+
+/// Sets all that the texts say, in their order, once nothing is found against any of them: neither
+/// a name, nor a value, nor the control's state. That a control is inactive counts only where no
+/// earlier one can have activated it.
+/// @throws Failure that tells all that was found; then nothing was written. What only the driver
+/// refuses is told as apply() does, and what comes before it stays written.
+void applyAll(ImageAcquisition::ICamera const& camera, std::vector<std::string> const& texts);
 
 } // namespace Iacq

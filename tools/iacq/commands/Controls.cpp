@@ -28,15 +28,7 @@ void get(std::string const& camera, std::vector<std::string> const& names, bool 
 
 void set(std::string const& camera, std::vector<std::string> const& assignments)
 {
-    CameraPtr const opened = openCamera(camera);
-    // All names first: a misspelt one must not leave half of the work done.
-    std::vector<Assignment> parsed;
-    for (std::string const& text : assignments) {
-        parsed.push_back(parseAssignment(*opened, text));
-    }
-    for (Assignment const& assignment : parsed) {
-        apply(assignment);
-    }
+    applyAll(*openCamera(camera), assignments);
 }
 
 void reset(std::string const& camera)

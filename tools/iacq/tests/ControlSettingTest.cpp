@@ -322,4 +322,130 @@ TEST_F(ControlNames, EndAtTheEqualsSignThatMakesOne)
     EXPECT_THROW(Iacq::parseAssignment(camera, "absent=1"), Iacq::Failure);
 }
 
+class SeveralAssignments : public testing::Test
+{
+protected:
+    SeveralAssignments()
+    {
+        number.controlName = "Number";
+        switch_.controlName = "Switch";
+        menu.controlName = "Menu";
+        text.controlName = "Text";
+        button.controlName = "Button";
+        camera.controls = {&number, &switch_, &menu, &text, &button};
+    }
+
+    std::string outcome(std::vector<std::string> const& texts)
+    {
+        try {
+            Iacq::applyAll(camera, texts);
+        } catch (Iacq::Failure const& failure) {
+            return std::to_string(failure.status()) + ": " + failure.what();
+        }
+        return "set";
+    }
+
+    std::size_t writes() const
+    {
+        return number.written.size() + switch_.written.size() + menu.written.size() +
+               text.written.size() + button.written.size();
+    }
+
+    FakeNumber<int> number;
+    FakeBoolean switch_;
+    FakeMenu menu;
+    FakeString text;
+    FakeButton button;
+    FakeCamera camera;
+};
+
+TEST_F(SeveralAssignments, AreWrittenInTheirOrder)
+{
+    EXPECT_EQ(outcome({"number=1", "button", "menu=On", "number=2", "text=abc"}), "set");
+    EXPECT_THAT(number.written, ElementsAre(1, 2));
+    EXPECT_THAT(menu.written, ElementsAre(3));
+    EXPECT_EQ(writes(), 5u);
+}
+
+TEST_F(SeveralAssignments, AreAllLeftAloneWhenOneIsRefused)
+{
+    for (auto const& [refused, reason] :
+         {std::pair{"number=999", "1: Number was not set: 999 is outside 0..100"},
+          std::pair{"number=many", "1: Number was not set: 'many' is no number"},
+          std::pair{"switch=maybe", "1: Switch was not set: 'maybe' is neither on nor off"},
+          std::pair{"menu=Other", "1: Menu was not set: no such item: 'Other'"},
+          std::pair{"text=x", "1: Text was not set: its length 1 is outside 2..8"},
+          std::pair{"button=1", "1: Button was not set: it is a button: give its name alone"},
+          std::pair{"menu", "1: Menu was not set: it needs a value: NAME=VALUE"},
+          std::pair{"absent=1", "2: the camera has no control 'absent'"}}) {
+        EXPECT_EQ(outcome({"number=1", "button", refused}), reason);
+        EXPECT_EQ(writes(), 0u) << refused;
+    }
+}
+
+TEST_F(SeveralAssignments, HaveAllTheirRefusalsTold)
+{
+    text.readOnly = true;
+    EXPECT_EQ(outcome({"number=1", "number=999", "absent=1", "text=abc", "menu=Other"}),
+              "2: the camera has no control 'absent'; Number was not set: 999 is outside 0..100; "
+              "Text was not set: read-only; Menu was not set: no such item: 'Other'");
+    EXPECT_EQ(writes(), 0u);
+}
+
+TEST_F(SeveralAssignments, AreJudgedByTheStateOfTheirControls)
+{
+    text.readOnly = true;
+    EXPECT_EQ(outcome({"number=1", "text=abc"}), "1: Text was not set: read-only");
+    text.readOnly = false;
+    text.grabbed = true;
+    EXPECT_EQ(outcome({"switch=on", "text=abc"}),
+              "1: Text was not set: grabbed by another program");
+    text.grabbed = false;
+    text.disabled = true;
+    EXPECT_EQ(outcome({"menu=On", "text=abc"}), "1: Text was not set: disabled");
+    text.disabled = false;
+    text.inactiveByNow = true;
+    EXPECT_EQ(outcome({"number=1", "text=abc"}), "1: Text was not set: inactive");
+    EXPECT_EQ(writes(), 0u);
+}
+
+TEST_F(SeveralAssignments, MayActivateTheirSuccessors)
+{
+    // Here nothing becomes active, so that the second is refused once it is its turn.
+    number.inactive = true;
+    EXPECT_EQ(outcome({"switch=off", "number=1"}), "1: Number was not set: inactive");
+    EXPECT_THAT(switch_.written, ElementsAre(false));
+    EXPECT_EQ(outcome({"number=1", "menu=On"}), "1: Number was not set: inactive");
+    EXPECT_THAT(menu.written, IsEmpty());
+    EXPECT_EQ(outcome({"menu=On", "number=999"}), "1: Number was not set: 999 is outside 0..100");
+    EXPECT_THAT(menu.written, IsEmpty());
+}
+
+TEST_F(SeveralAssignments, StopAtWhatOnlyTheDriverRefuses)
+{
+    switch_.refusing = true;
+    EXPECT_EQ(outcome({"number=1", "switch=on", "menu=On"}),
+              "1: Switch was not set: refused by the driver");
+    EXPECT_THAT(number.written, ElementsAre(1));
+    EXPECT_THAT(menu.written, IsEmpty());
+}
+
+/// As one behind the serial link, which does not look at the range.
+class FakeSerialNumber final : public WritableControl<ICameraControlNumeric<int>, int>
+{
+public:
+    int maximum() const override { return 100; }
+    int minimum() const override { return 100; }
+    int step() const override { return 1; }
+    int value() const override { return 0; }
+    bool setValue(int value) override { return write(value); }
+};
+
+TEST(ControlSetting, SendsWhatIsOutsideARangeOfOneValue)
+{
+    FakeSerialNumber control;
+    EXPECT_EQ(outcome(control, "7"), "set");
+    EXPECT_THAT(control.written, ElementsAre(7));
+}
+
 } // namespace

@@ -105,6 +105,24 @@ TEST(SetCommand, ChangesNothingWhenANameIsWrong)
     EXPECT_THAT(run.errors, HasSubstr("no control 'nonsense'"));
 }
 
+TEST(SetCommand, WritesNothingWhenOneOfSeveralIsRefused)
+{
+    // The order of a driver's messages would be that of the writes: the first fails on this driver.
+    ScratchFolder const folder;
+    Words const camera = {"--config", folder.write("camera.json", R"({"cameras": [{
+        "node": "/dev/video0", "usb": {"port": "1-1"},
+        "formats": [{"pixelFormat": "YUYV", "sizes": [{"width": 64, "height": 48}]}],
+        "controls": [
+            {"type": "integer", "id": "0x00980900", "name": "A", "maximum": 9, "writeError": "EIO"},
+            {"type": "integer", "id": "0x00980901", "name": "B", "maximum": 9}]}]})")};
+    EXPECT_EQ(runIacq({"set", "0", "a=1", "b=2"}, camera).errors,
+              "iacq: A was not set: refused by the driver\n");
+    ProgramRun const run = runIacq({"set", "0", "a=1", "b=999", "c=3"}, camera);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.errors,
+              "iacq: the camera has no control 'c'; B was not set: 999 is outside 0..9\n");
+}
+
 TEST(GetCommand, PrintsValuesByNameAndByShortForm)
 {
     ProgramRun const run = runIacq(
