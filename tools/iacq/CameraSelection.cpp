@@ -4,6 +4,7 @@
 #include "Failure.h"
 #include "Parsing.h"
 #include "Progress.h"
+#include "SerialLinkFault.h"
 
 #include <ICameraFactory.h>
 
@@ -136,8 +137,10 @@ CameraPtr openCamera(IDevice const& device)
     Progress const progress("opening " + std::string(device.systemName()));
     CameraPtr opened(ICameraFactory::getUniqueInstance().createBlockingCamera(&device));
     if (!opened) {
-        throw Failure(CameraFailed, std::string(device.systemName()) +
-                                        " could not be initialised; the camera was reset");
+        throw Failure(
+            CameraFailed,
+            std::string(device.systemName()) + " could not be initialised; the camera was reset" +
+                (device.isaZorvaneDevice() ? "; " + serialLinkFault(device.busInfo()) : ""));
     }
     return opened;
 }

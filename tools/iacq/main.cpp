@@ -44,8 +44,10 @@ int main(int argc, char** argv)
     Iacq::occupyStandardDescriptors();
     // A closed pipe is an error to be told like any other.
     std::signal(SIGPIPE, SIG_IGN);
-    // The library tells how it finds a serial port; a user of the tool need not know.
-    ::setenv("QT_LOGGING_RULES", "default.info=false", 0);
+    // The serial link's own account, and what Qt finds fault with, go to standard error: a user of
+    // the tool need not know, and is told here why a camera cannot be opened. By the environment,
+    // since the tool itself needs no Qt, and only what is fatal fits the pattern.
+    ::setenv("QT_MESSAGE_PATTERN", "%{if-fatal}%{message}%{endif}", 0);
     try {
         Iacq::CommandLine().run(argc, argv);
         Iacq::closeStandardOutput();

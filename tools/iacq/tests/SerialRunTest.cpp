@@ -70,6 +70,58 @@ TEST(SerialLink, LetsTheCameraBeResetAndCapturedFrom)
     EXPECT_EQ(run.status, 0) << run.errors;
 }
 
+TEST(SerialLink, LeavesStandardErrorToTheTool)
+{
+    ProgramRun const run = runOnOneCamera("iacq list && iacq get 0 focus && iacq set 0 focus=5");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.errors, "");
+}
+
+TEST(SerialLink, TellsItsOwnAccountToWhomAsks)
+{
+    ProgramRun const run =
+        runOnOneCamera("export QT_MESSAGE_PATTERN='%{message}'; iacq get 0 focus");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.errors, HasSubstr("TriggerThread::connectPort()"));
+}
+
+struct Trouble
+{
+    char const* arrangement; ///< Done by the shell in a folder that is empty at first.
+    char const* reason;
+};
+
+void PrintTo(Trouble const& trouble, std::ostream* stream)
+{
+    *stream << trouble.reason;
+}
+
+class SerialLinkTrouble : public testing::TestWithParam<Trouble>
+{
+};
+
+TEST_P(SerialLinkTrouble, IsToldInOneLine)
+{
+    ScratchFolder const folder;
+    ProgramRun const run = runOnOneCamera("cd " + folder.path("") + " && " +
+                                          GetParam().arrangement + "; iacq get 0 focus");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors, "iacq: /dev/video0 could not be initialised; the camera was reset; " +
+                              std::string(GetParam().reason) + "\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Reasons, SerialLinkTrouble,
+    testing::Values(
+        Trouble{"printf '#!/bin/sh\n' >dmesg; chmod +x dmesg; export PATH=$PWD:$PATH",
+                "dmesg prints nothing, and so names no serial port of it; it may need more rights"},
+        Trouble{"printf '#!/bin/sh\necho other\n' >dmesg; chmod +x dmesg; export PATH=$PWD:$PATH",
+                "dmesg names no serial port of it"},
+        Trouble{"dmesg | sed 's/ttyACM[0-9]/ttyACM7/' >log; printf '#!/bin/sh\ncat %s/log\n' "
+                "\"$PWD\" >dmesg; chmod +x dmesg; export PATH=$PWD:$PATH",
+                "its serial port /dev/ttyACM7 is gone or in use, or the camera does not answer "
+                "there"}));
+
 TEST(SerialLink, ShowsOnATerminalThatOpeningTakesItsTime)
 {
     int master = -1;
