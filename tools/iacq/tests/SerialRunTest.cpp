@@ -87,13 +87,14 @@ TEST(SerialLink, TellsItsOwnAccountToWhomAsks)
 
 struct Trouble
 {
+    char const* name;
     char const* arrangement; ///< Done by the shell in a folder that is empty at first.
     char const* reason;
 };
 
 void PrintTo(Trouble const& trouble, std::ostream* stream)
 {
-    *stream << trouble.reason;
+    *stream << trouble.name;
 }
 
 class SerialLinkTrouble : public testing::TestWithParam<Trouble>
@@ -113,11 +114,14 @@ TEST_P(SerialLinkTrouble, IsToldInOneLine)
 INSTANTIATE_TEST_SUITE_P(
     Reasons, SerialLinkTrouble,
     testing::Values(
-        Trouble{"printf '#!/bin/sh\n' >dmesg; chmod +x dmesg; export PATH=$PWD:$PATH",
+        Trouble{"a silent dmesg",
+                "printf '#!/bin/sh\n' >dmesg; chmod +x dmesg; export PATH=$PWD:$PATH",
                 "dmesg prints nothing, and so names no serial port of it; it may need more rights"},
-        Trouble{"printf '#!/bin/sh\necho other\n' >dmesg; chmod +x dmesg; export PATH=$PWD:$PATH",
+        Trouble{"no port",
+                "printf '#!/bin/sh\necho other\n' >dmesg; chmod +x dmesg; export PATH=$PWD:$PATH",
                 "dmesg names no serial port of it"},
-        Trouble{"dmesg | sed 's/ttyACM[0-9]/ttyACM7/' >log; printf '#!/bin/sh\ncat %s/log\n' "
+        Trouble{"a port that is gone",
+                "dmesg | sed 's/ttyACM[0-9]/ttyACM7/' >log; printf '#!/bin/sh\ncat %s/log\n' "
                 "\"$PWD\" >dmesg; chmod +x dmesg; export PATH=$PWD:$PATH",
                 "its serial port /dev/ttyACM7 is gone or in use, or the camera does not answer "
                 "there"}));
