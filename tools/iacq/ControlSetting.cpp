@@ -202,9 +202,9 @@ Write prepare(Assignment const& assignment)
                             : press(*assignment.control);
 }
 
-std::string notSet(ICameraControl const& control, Refusal const& refusal)
+Failure notSet(ICameraControl const& control, Refusal const& refusal)
 {
-    return std::string(control.name()) + " was not set: " + refusal;
+    return {CameraFailed, std::string(control.name()) + " was not set: " + refusal};
 }
 
 /// Whether other controls can be active once this one is written, and inactive before: what lets
@@ -215,6 +215,44 @@ bool mayActivateOthers(ICameraControl const& control)
            dynamic_cast<ICameraControlStringMenu const*>(&control) != nullptr ||
            dynamic_cast<ICameraControlInt64Menu const*>(&control) != nullptr ||
            control.needsClassUpdate();
+}
+
+/// What was found against several assignments.
+class Refusals
+{
+public:
+    void add(Failure const& failure)
+    {
+        m_text += (m_text.empty() ? "" : "; ") + std::string(failure.what());
+        m_status = std::max(m_status, failure.status());
+    }
+
+    void raise() const
+    {
+        if (!m_text.empty()) {
+            throw Failure(m_status, m_text);
+        }
+    }
+
+private:
+    std::string m_text;
+    ExitStatus m_status = CameraFailed; ///< Of those that differ, that the names are wrong.
+};
+
+void check(std::vector<Assignment> const& assignments, Refusals& refusals)
+{
+    bool othersActivated = false;
+    for (Assignment const& assignment : assignments) {
+        ICameraControl& control = *assignment.control;
+        control.updateState();
+        Refusal const byState =
+            othersActivated ? refusalByNature(control) : refusalByState(control);
+        Refusal const refusal = byState.empty() ? prepare(assignment).refusal : byState;
+        if (!refusal.empty()) {
+            refusals.add(notSet(control, refusal));
+        }
+        othersActivated = othersActivated || mayActivateOthers(control);
+    }
 }
 
 ICameraControl* lookUp(ICamera const& camera, std::string const& name)
@@ -273,41 +311,23 @@ void apply(Assignment const& assignment)
         refusal = write.refusal.empty() ? write.carryOut() : write.refusal;
     }
     if (!refusal.empty()) {
-        throw Failure(CameraFailed, notSet(control, refusal));
+        throw notSet(control, refusal);
     }
 }
 
 void applyAll(ICamera const& camera, std::vector<std::string> const& texts)
 {
+    Refusals refusals;
     std::vector<Assignment> assignments;
-    std::string refusals;
-    ExitStatus status = CameraFailed;
-    auto const refuse = [&refusals](std::string const& refusal) {
-        refusals += (refusals.empty() ? "" : "; ") + refusal;
-    };
     for (std::string const& text : texts) {
         try {
             assignments.push_back(parseAssignment(camera, text));
         } catch (Failure const& failure) {
-            refuse(failure.what());
-            status = failure.status();
+            refusals.add(failure);
         }
     }
-    bool othersActivated = false;
-    for (Assignment const& assignment : assignments) {
-        ICameraControl& control = *assignment.control;
-        control.updateState();
-        Refusal const byState =
-            othersActivated ? refusalByNature(control) : refusalByState(control);
-        Refusal const refusal = byState.empty() ? prepare(assignment).refusal : byState;
-        if (!refusal.empty()) {
-            refuse(notSet(control, refusal));
-        }
-        othersActivated = othersActivated || mayActivateOthers(control);
-    }
-    if (!refusals.empty()) {
-        throw Failure(status, refusals);
-    }
+    check(assignments, refusals);
+    refusals.raise();
     std::for_each(assignments.begin(), assignments.end(), apply);
 }
 
