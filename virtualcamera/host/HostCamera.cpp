@@ -17,8 +17,13 @@ std::uint16_t revisionByText(std::string const& text)
 {
     unsigned major = 0;
     unsigned minor = 0;
-    if (std::sscanf(text.c_str(), "%x.%2x", &major, &minor) != 2 || major > 0xff)
-        throw std::invalid_argument("a USB revision is written as \"2.00\"");
+    int used = 0;
+    int const read = std::sscanf(text.c_str(), "%2x.%2x%n", &major, &minor, &used);
+    bool const whole = read == 2 && static_cast<std::size_t>(used) == text.size();
+    if (!whole || text.find_first_not_of("0123456789abcdefABCDEF.") != std::string::npos) {
+        throw std::invalid_argument("a USB revision is written as \"2.00\", unlike \"" + text +
+                                    "\"");
+    }
     return static_cast<std::uint16_t>(major << 8 | minor);
 }
 

@@ -18,7 +18,9 @@ namespace
 ControlScript newControl(JsonReader& reader)
 {
     std::uint32_t const type = numberOf(controlTypeNames(), reader.need("type").get<std::string>());
-    std::uint32_t const id = ScriptFields::idOf(reader.need("id"));
+    reader.need("id");
+    std::uint32_t id = 0;
+    ScriptFields::id(reader, "id", id);
     std::string const name = reader.need("name").get<std::string>();
     switch (type) {
     case V4L2_CTRL_TYPE_BOOLEAN:

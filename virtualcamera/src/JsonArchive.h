@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "JsonNumber.h"
 #include "ScriptNames.h"
-
-#include <nlohmann/json.hpp>
 
 #include <optional>
 #include <set>
@@ -13,8 +12,6 @@
 
 namespace VirtualCamera
 {
-
-using Json = nlohmann::ordered_json;
 
 /// Reads the members of a JSON object into a script; the writer below does the reverse. Both are
 /// driven by the one description of each script in `ScriptFields.h`.
@@ -38,12 +35,14 @@ public:
     template <typename Value>
     void field(char const* key, Value& value)
     {
-        visit(key, [&value](Json const& json, std::string const&) { value = json.get<Value>(); });
+        visit(key,
+              [&value](Json const& json, std::string const&) { value = valueOf<Value>(json); });
     }
     template <typename Value>
     void field(char const* key, std::optional<Value>& value)
     {
-        visit(key, [&value](Json const& json, std::string const&) { value = json.get<Value>(); });
+        visit(key,
+              [&value](Json const& json, std::string const&) { value = valueOf<Value>(json); });
     }
     /// A value written in a form of its own; `parse` and `print` convert from and to JSON.
     template <typename Value, typename Parse, typename Print>
@@ -92,6 +91,16 @@ public:
     static constexpr bool reading = true;
 
 private:
+    template <typename Value>
+    static Value valueOf(Json const& json)
+    {
+        if constexpr (std::is_integral_v<Value> && !std::is_same_v<Value, bool>) {
+            return JsonNumber<Value>::from(json);
+        } else {
+            return json.get<Value>();
+        }
+    }
+
     template <typename Action>
     auto guarded(Action const& action) -> decltype(action())
     {

@@ -2,19 +2,27 @@
 #include "ScriptFields.h"
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace VirtualCamera
 {
 
 std::uint32_t ScriptFields::idOf(Json const& json)
 {
-    if (json.is_number_unsigned())
-        return json.get<std::uint32_t>();
+    if (!json.is_string()) {
+        return JsonNumber<std::uint32_t>::from(json);
+    }
     std::string const text = json.get<std::string>();
-    std::size_t used = 0;
-    unsigned long const number = std::stoul(text, &used, 0);
-    if (used != text.size())
+    char* end = nullptr;
+    // Takes what does not fit as the largest number.
+    unsigned long long const number = std::strtoull(text.c_str(), &end, 0);
+    bool const whole = end == text.c_str() + text.size();
+    if (!whole || text.find_first_of("0123456789") != 0) {
         throw std::invalid_argument("\"" + text + "\" is no number");
+    }
+    if (number > UINT32_MAX) {
+        throw std::invalid_argument("\"" + text + "\" is above 0xffffffff");
+    }
     return static_cast<std::uint32_t>(number);
 }
 

@@ -3,12 +3,43 @@
 
 #include <linux/videodev2.h>
 
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <stdexcept>
 
 namespace VirtualCamera
 {
+
+namespace
+{
+
+/// The decimal numbers of a text, which `separator` stands between; none when there is anything
+/// else in it, or a number above `highest`.
+std::vector<std::uint32_t> numbersByText(std::string const& text, char separator,
+                                         std::uint32_t highest)
+{
+    std::vector<std::uint32_t> numbers;
+    char const* at = text.data();
+    char const* const end = at + text.size();
+    for (;;) {
+        std::uint32_t number = 0;
+        auto const [rest, error] = std::from_chars(at, end, number);
+        if (error != std::errc() || number > highest) {
+            return {};
+        }
+        numbers.push_back(number);
+        if (rest == end) {
+            return numbers;
+        }
+        if (*rest != separator) {
+            return {};
+        }
+        at = rest + 1;
+    }
+}
+
+} // namespace
 
 NameTable const& capabilityNames()
 {
@@ -143,23 +174,22 @@ std::string hexOf(std::vector<std::uint8_t> const& bytes)
 
 Interval intervalByText(std::string const& text)
 {
-    Interval interval;
-    int used = 0;
-    int const read =
-        std::sscanf(text.c_str(), "%u/%u%n", &interval.numerator, &interval.denominator, &used);
-    if (read != 2 || static_cast<std::size_t>(used) != text.size())
-        throw std::invalid_argument("an interval is written as \"1/30\"");
-    return interval;
+    auto const numbers = numbersByText(text, '/', UINT32_MAX);
+    if (numbers.size() != 2) {
+        throw std::invalid_argument("an interval is written as \"1/30\", unlike \"" + text + "\"");
+    }
+    return {numbers[0], numbers[1]};
 }
 
 std::uint32_t versionByText(std::string const& text)
 {
-    unsigned major = 0;
-    unsigned minor = 0;
-    unsigned patch = 0;
-    if (std::sscanf(text.c_str(), "%u.%u.%u", &major, &minor, &patch) != 3)
-        throw std::invalid_argument("a version is written as \"6.1.0\"");
-    return (major & 0xffff) << 16 | (minor & 0xff) << 8 | (patch & 0xff);
+    auto const numbers = numbersByText(text, '.', 0xffff);
+    if (numbers.size() != 3 || numbers[1] > 0xff || numbers[2] > 0xff) {
+        throw std::invalid_argument("a version is written as \"6.1.0\", up to \"65535.255.255\", "
+                                    "unlike \"" +
+                                    text + "\"");
+    }
+    return numbers[0] << 16 | numbers[1] << 8 | numbers[2];
 }
 
 } // namespace VirtualCamera
