@@ -7,6 +7,7 @@
 #include <linux/videodev2.h>
 
 #include <algorithm>
+#include <map>
 #include <stdexcept>
 
 namespace VirtualCamera
@@ -180,6 +181,7 @@ void describeCamera(Archive& archive, CameraScript& camera)
 struct Configuration
 {
     std::vector<CameraScript> cameras;
+    std::vector<std::size_t> unnamed; ///< The places of those whose node is not told.
 };
 
 template <typename Archive>
@@ -187,12 +189,44 @@ void describeConfiguration(Archive& archive, Configuration& configuration)
 {
     archive.list(
         "cameras", configuration.cameras, [](auto&) { return CameraScript{}; },
-        [](auto& nested, CameraScript& camera) {
-            describeCamera(nested, camera);
-            // For the testbed around the camera, which reads it from the same file.
-            if constexpr (std::decay_t<decltype(nested)>::reading)
+        [&configuration](auto& nested, CameraScript& camera) {
+            if constexpr (std::decay_t<decltype(nested)>::reading) {
+                if (!nested.has("node")) {
+                    configuration.unnamed.push_back(configuration.cameras.size() - 1);
+                }
+                // For the testbed around the camera, which reads it from the same file.
                 nested.ignore("usb");
+            }
+            describeCamera(nested, camera);
         });
+}
+
+/// Gives the cameras without a node the lowest that no other has.
+void nameNodes(Configuration& configuration)
+{
+    std::map<std::string, std::size_t> owners;
+    for (std::size_t place : configuration.unnamed) {
+        configuration.cameras[place].node.clear();
+    }
+    for (std::size_t place = 0; place < configuration.cameras.size(); ++place) {
+        std::string const& node = configuration.cameras[place].node;
+        if (node.empty()) {
+            continue;
+        }
+        auto const [owner, isNew] = owners.emplace(node, place);
+        if (!isNew) {
+            throw std::runtime_error("configuration.cameras[" + std::to_string(place) +
+                                     "].node: " + node + " is taken by cameras[" +
+                                     std::to_string(owner->second) + "]");
+        }
+    }
+    unsigned number = 0;
+    for (std::size_t place : configuration.unnamed) {
+        std::string& node = configuration.cameras[place].node;
+        do {
+            node = "/dev/video" + std::to_string(number++);
+        } while (owners.count(node) != 0);
+    }
 }
 
 } // namespace
@@ -205,6 +239,7 @@ std::vector<CameraScript> camerasFromJson(std::string const& text)
         JsonReader reader(json, "configuration");
         describeConfiguration(reader, configuration);
         reader.finish();
+        nameNodes(configuration);
     } catch (Json::exception const& failure) {
         throw std::runtime_error(failure.what());
     }
@@ -213,7 +248,7 @@ std::vector<CameraScript> camerasFromJson(std::string const& text)
 
 std::string camerasToJson(std::vector<CameraScript> const& cameras)
 {
-    Configuration configuration{cameras};
+    Configuration configuration{cameras, {}};
     JsonWriter writer;
     describeConfiguration(writer, configuration);
     return writer.take().dump(2);

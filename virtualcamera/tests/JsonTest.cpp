@@ -76,6 +76,31 @@ TEST(JsonTest, ReadsACamera)
     EXPECT_EQ(camera.frameFaults.at(0).bytesUsed, 5u);
 }
 
+TEST(JsonTest, GivesCamerasWithoutANodeTheNextFreeOne)
+{
+    auto const cameras = camerasFromJson(
+        R"({"cameras": [{}, {"node": "/dev/video1"}, {}, {"node": "/dev/video3"}, {}]})");
+    ASSERT_EQ(cameras.size(), 5u);
+    EXPECT_EQ(cameras[0].node, "/dev/video0");
+    EXPECT_EQ(cameras[1].node, "/dev/video1");
+    EXPECT_EQ(cameras[2].node, "/dev/video2");
+    EXPECT_EQ(cameras[3].node, "/dev/video3");
+    EXPECT_EQ(cameras[4].node, "/dev/video4");
+}
+
+TEST(JsonTest, LeavesANodeToTheCameraThatNamesIt)
+{
+    auto const cameras = camerasFromJson(R"({"cameras": [{}, {"node": "/dev/video0"}]})");
+    EXPECT_EQ(cameras.at(0).node, "/dev/video1");
+    EXPECT_EQ(cameras.at(1).node, "/dev/video0");
+}
+
+TEST(JsonTest, RefusesTwoCamerasOnOneNode)
+{
+    EXPECT_EQ(complaintOf(R"({"cameras": [{}, {"node": "/dev/a"}, {"node": "/dev/a"}]})"),
+              "configuration.cameras[2].node: /dev/a is taken by cameras[1]");
+}
+
 TEST(JsonTest, WritesWhatItReads)
 {
     CameraBuilder builder = promptCamera();
