@@ -6,6 +6,8 @@
 
 #include <linux/videodev2.h>
 
+#include <algorithm>
+
 namespace VirtualCamera
 {
 
@@ -149,6 +151,18 @@ HostCamera platform(unsigned place)
     return {{camera.script()}, std::nullopt, false};
 }
 
+bool shareANodeOrPort(HostCamera const& one, HostCamera const& other)
+{
+    if (one.usb && other.usb && one.usb->port == other.usb->port) {
+        return true;
+    }
+    auto const isOfOther = [&other](CameraScript const& script) {
+        return std::any_of(other.nodes.begin(), other.nodes.end(),
+                           [&](CameraScript const& node) { return node.node == script.node; });
+    };
+    return std::any_of(one.nodes.begin(), one.nodes.end(), isOfOther);
+}
+
 } // namespace
 
 std::vector<CameraModel> const& cameraModels()
@@ -171,6 +185,19 @@ CameraModel const* cameraModel(std::string const& name)
         if (model.name == name)
             return &model;
     return nullptr;
+}
+
+HostCamera cameraBehind(std::vector<HostCamera> const& others, CameraModel const& model)
+{
+    for (auto place = static_cast<unsigned>(others.size());; ++place) {
+        HostCamera camera = model.make(place);
+        auto const inTheWay = [&camera](HostCamera const& other) {
+            return shareANodeOrPort(other, camera);
+        };
+        if (std::none_of(others.begin(), others.end(), inTheWay)) {
+            return camera;
+        }
+    }
 }
 
 } // namespace VirtualCamera

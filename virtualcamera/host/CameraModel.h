@@ -19,6 +19,8 @@ struct CameraModel
 std::vector<CameraModel> const& cameraModels();
 /// Null for a name that is none.
 CameraModel const* cameraModel(std::string const& name);
+/// A camera of the model behind the others, at the first place whose nodes and port are free.
+HostCamera cameraBehind(std::vector<HostCamera> const& others, CameraModel const& model);
 
 /// The vendor's extension unit, with a selector of the right size for each of its controls.
 ExtensionUnitScript vendorExtensionUnit();

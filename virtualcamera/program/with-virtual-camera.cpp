@@ -54,7 +54,7 @@ std::vector<HostCamera> camerasOf(Options const& options)
         CameraModel const* const model = cameraModel(name);
         if (model == nullptr)
             throw std::runtime_error("there is no model \"" + name + "\" (see --list-models)");
-        cameras.push_back(model->make(static_cast<unsigned>(cameras.size())));
+        cameras.push_back(cameraBehind(cameras, *model));
     }
     return cameras;
 }

@@ -98,14 +98,80 @@ TEST(ProgramTest, ComplainsInOneLine)
               "with-virtual-camera: /no/such/file: cannot be read\n");
 }
 
+/// A file of cameras, for as long as it lives.
+class Configuration
+{
+public:
+    explicit Configuration(std::string const& text)
+        : m_path(testing::TempDir() + "virtual-cameras-" + std::to_string(getpid()))
+    {
+        std::ofstream(m_path) << text;
+    }
+    Configuration(Configuration const&) = delete;
+    Configuration& operator=(Configuration const&) = delete;
+    ~Configuration() { std::filesystem::remove(m_path); }
+
+    std::string option() const { return "--config " + m_path + " "; }
+
+private:
+    std::string m_path;
+};
+
 TEST(ProgramTest, TakesCamerasFromAFile)
 {
-    std::string const path = testing::TempDir() + "virtual-cameras-" + std::to_string(getpid());
-    std::ofstream(path) << R"({"cameras": [{"node": "/dev/video9", "name": "Mine",
-        "usb": {"port": "2-3", "vendorId": "0abc", "speed": "12"}}]})";
-    EXPECT_EQ(run("--config " + path + " " + client + " card /dev/video9").output, "Mine\n");
-    EXPECT_EQ(run("--config " + path + " cat /sys/bus/usb/devices/2-3/idVendor").output, "0abc");
-    std::filesystem::remove(path);
+    Configuration const file(R"({"cameras": [{"node": "/dev/video9", "name": "Mine",
+        "usb": {"port": "2-3", "vendorId": "0abc", "speed": "12"}}]})");
+    EXPECT_EQ(run(file.option() + client + " card /dev/video9").output, "Mine\n");
+    EXPECT_EQ(run(file.option() + "cat /sys/bus/usb/devices/2-3/idVendor").output, "0abc");
+}
+
+TEST(ProgramTest, GivesCamerasWithoutANodeTheNextFreeOne)
+{
+    Configuration const file(R"({"cameras": [{"name": "A"}, {"name": "B"}]})");
+    EXPECT_EQ(run(file.option() + client + " card /dev/video0").output, "A\n");
+    EXPECT_EQ(run(file.option() + client + " card /dev/video1").output, "B\n");
+}
+
+TEST(ProgramTest, PutsModelsWhereTheFilesCamerasAreNot)
+{
+    Configuration const file(R"({"cameras": [{"node": "/dev/video3", "name": "A",
+                                              "usb": {"port": "1-3"}}]})");
+    std::string const cameras = file.option() + "--model read ";
+    EXPECT_EQ(run(cameras + client + " card /dev/video3").output, "A\n");
+    EXPECT_EQ(run(cameras + client + " card /dev/video6").output, "Virtual Read Camera\n");
+}
+
+TEST(ProgramTest, RefusesNodesAndPortsThatNoMachineHas)
+{
+    for (std::string const node : {"", "video0", "/dev/", "/dev/v4l/video0", "/dev/.."}) {
+        Configuration const file("{\"cameras\": [{\"node\": \"" + node + "\"}]}");
+        Outcome const outcome = run(file.option() + "true");
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.output, "with-virtual-camera: configuration.cameras[0].node: a node is "
+                                  "written as \"/dev/video0\", unlike \"" +
+                                      node + "\"\n");
+    }
+    for (std::string const port :
+         {"", "1", "1-", "0-1", "-1-1", "1-0", "1-1.", "1-1..2", "1-1/2", "1000-1"}) {
+        Configuration const file("{\"cameras\": [{\"usb\": {\"port\": \"" + port + "\"}}]}");
+        Outcome const outcome = run(file.option() + "true");
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.output, "with-virtual-camera: configuration.cameras[0].usb.port: a port "
+                                  "is written as \"1-2.3\", unlike \"" +
+                                      port + "\"\n");
+    }
+}
+
+TEST(ProgramTest, RefusesAUsbRevisionThatIsNone)
+{
+    for (std::string const text : {"", "2", "2.", "-2.00", "2.-1", "2.00x", "200.00", " 2.00"}) {
+        Configuration const file(R"({"cameras": [{"usb": {"port": "1-1", "usbRevision": ")" + text +
+                                 "\"}}]}");
+        EXPECT_EQ(run(file.option() + "true").output,
+                  "with-virtual-camera: configuration.cameras[0].usb.usbRevision: a USB revision "
+                  "is written as \"2.00\", unlike \"" +
+                      text + "\"\n");
+    }
 }
 
 TEST(ProgramTest, UnplugsACameraWhileItStreams)
