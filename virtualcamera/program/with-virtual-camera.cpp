@@ -2,11 +2,10 @@
 // Runs a program on a machine that has virtual cameras.
 #include "CameraModel.h"
 #include "ChildProcess.h"
+#include "CommandLine.h"
 #include "HotPlug.h"
 #include "PreloadPath.h"
 #include "VirtualMachine.h"
-
-#include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <cstdlib>
@@ -20,35 +19,25 @@ namespace
 
 using namespace VirtualCamera;
 
-struct Options
-{
-    std::vector<std::string> models;
-    std::string configuration;
-    bool modelsListed = false;
-    int plugAfter = -1;
-    int unplugAfter = -1;
-    std::vector<std::string> command;
-};
-
 void listModels()
 {
     for (CameraModel const& model : cameraModels())
         std::printf("%-14s %s\n", model.name.c_str(), model.description.c_str());
 }
 
-std::vector<HostCamera> camerasOf(Options const& options)
+std::vector<HostCamera> camerasOf(CommandLine const& line)
 {
     std::vector<HostCamera> cameras;
-    if (!options.configuration.empty()) {
-        std::ifstream file(options.configuration);
+    if (!line.configuration.empty()) {
+        std::ifstream file(line.configuration);
         if (!file)
-            throw std::runtime_error(options.configuration + ": cannot be read");
+            throw std::runtime_error(line.configuration + ": cannot be read");
         std::stringstream text;
         text << file.rdbuf();
         cameras = hostCamerasFromJson(text.str());
     }
-    std::vector<std::string> models = options.models;
-    if (models.empty() && options.configuration.empty())
+    std::vector<std::string> models = line.models;
+    if (models.empty() && line.configuration.empty())
         models = {"webcam", "vendor"};
     for (std::string const& name : models) {
         CameraModel const* const model = cameraModel(name);
@@ -59,22 +48,22 @@ std::vector<HostCamera> camerasOf(Options const& options)
     return cameras;
 }
 
-int run(Options const& options, std::string const& preload)
+int run(CommandLine const& line, std::string const& preload)
 {
     HeldSignals const held;
-    VirtualMachine machine(camerasOf(options));
+    VirtualMachine machine(camerasOf(line));
     std::vector<HotPlug> changes;
-    if (options.plugAfter >= 0) {
+    if (line.plugAfter >= 0) {
         machine.unplugLast();
-        changes.push_back({options.plugAfter, [&machine] { machine.plugLast(); }});
+        changes.push_back({line.plugAfter, [&machine] { machine.plugLast(); }});
     }
-    if (options.unplugAfter >= 0)
-        changes.push_back({options.unplugAfter, [&machine] { machine.unplugLast(); }});
+    if (line.unplugAfter >= 0)
+        changes.push_back({line.unplugAfter, [&machine] { machine.unplugLast(); }});
     setenv("VIRTUALCAMERA_CONFIG", machine.configurationFile().c_str(), 1);
     char const* const path = std::getenv("PATH");
     setenv("PATH", (machine.toolFolder() + ":" + (path == nullptr ? "" : path)).c_str(), 1);
     setenv("LD_PRELOAD", preload.c_str(), 1);
-    ChildProcess child(options.command, held);
+    ChildProcess child(line.command, held);
     unsetenv("LD_PRELOAD");
     performWhileRunning(child, std::move(changes));
     return child.exitStatus();
@@ -82,32 +71,15 @@ int run(Options const& options, std::string const& preload)
 
 int parseAndRun(int argc, char** argv)
 {
-    CLI::App app{"Runs PROGRAM on a machine with virtual cameras: by default an ordinary webcam "
-                 "(video0) and one of the vendor's cameras (video2)."};
-    Options options;
-    app.add_option("--model", options.models, "Adds a camera of this model; may be repeated")
-        ->take_all()
-        ->allow_extra_args(false);
-    app.add_option("--config", options.configuration, "Adds the cameras of a JSON file");
-    app.add_flag("--list-models", options.modelsListed, "Lists the models and ends");
-    app.add_option("--plug-after", options.plugAfter,
-                   "Plugs the last camera in only after so many milliseconds");
-    app.add_option("--unplug-after", options.unplugAfter,
-                   "Unplugs the last camera after so many milliseconds");
-    app.prefix_command();
-    CLI11_PARSE(app, argc, argv);
-    if (options.modelsListed) {
+    std::optional<CommandLine> const line = parseCommandLine(argc, argv);
+    if (!line) {
+        return EXIT_SUCCESS;
+    }
+    if (line->modelsListed) {
         listModels();
         return EXIT_SUCCESS;
     }
-    options.command = app.remaining();
-    if (!options.command.empty() && options.command.front() == "--")
-        options.command.erase(options.command.begin());
-    if (options.command.empty()) {
-        std::fprintf(stderr, "with-virtual-camera: no program given\n");
-        return EXIT_FAILURE;
-    }
-    return run(options, restartInTestbed(argv));
+    return run(*line, restartInTestbed(argv));
 }
 
 } // namespace

@@ -98,6 +98,54 @@ TEST(ProgramTest, ComplainsInOneLine)
               "with-virtual-camera: /no/such/file: cannot be read\n");
 }
 
+TEST(ProgramTest, TakesAMistypedOptionForNoProgram)
+{
+    std::string const usage =
+        "\nusage: with-virtual-camera [OPTION]... [--] PROGRAM [ARGUMENT]...\n"
+        "(see with-virtual-camera --help)\n";
+    for (std::string const option : {"--modle", "-m", "--models", "--mode"}) {
+        Outcome const outcome = run(option + " webcam true");
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.output, "with-virtual-camera: there is no option " + option + usage);
+    }
+    Outcome const withValue = run("--modle=webcam true");
+    EXPECT_EQ(withValue.status, 1);
+    EXPECT_NE(withValue.output.find("--modle"), std::string::npos);
+    EXPECT_EQ(run("--model webcam").output, "with-virtual-camera: no program given" + usage);
+}
+
+TEST(ProgramTest, TellsOfAnOptionWithoutItsValue)
+{
+    for (std::string const words : {"--plug-after soon true", "--plug-after 1.5 true", "--model"}) {
+        Outcome const outcome = run(words);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.output.find(words.substr(0, words.find(' '))), std::string::npos);
+        EXPECT_NE(outcome.output.find("\nusage: "), std::string::npos);
+    }
+}
+
+TEST(ProgramTest, EndsItsOptionsAtTwoDashes)
+{
+    EXPECT_EQ(run("-- --modle").output,
+              "with-virtual-camera: --modle: No such file or directory\n");
+    EXPECT_EQ(run("--model read -- printf '%s|' -- --model x").output, "--|--model|x|");
+    EXPECT_EQ(run("printf '%s|' a -- b").output, "a|--|b|");
+    EXPECT_EQ(run("--model=read " + client + " card /dev/video0").output, "Virtual Read Camera\n");
+}
+
+TEST(ProgramTest, TellsItsVersionAndItsUsage)
+{
+    Outcome const version = run("--version");
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.output, "with-virtual-camera " VIRTUALCAMERA_VERSION "\n");
+    for (char const* option : {"--help", "-h"}) {
+        Outcome const help = run(option);
+        EXPECT_EQ(help.status, 0);
+        EXPECT_NE(help.output.find("[--] PROGRAM [ARGUMENT]..."), std::string::npos);
+        EXPECT_NE(help.output.find("--version"), std::string::npos);
+    }
+}
+
 /// A file of cameras, for as long as it lives.
 class Configuration
 {
