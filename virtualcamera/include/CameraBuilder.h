@@ -62,6 +62,7 @@ public:
     CameraBuilder& withLateFrame(std::uint32_t frame, std::uint32_t milliseconds);
     CameraBuilder& withCorruptedFrame(std::uint32_t frame);
     CameraBuilder& withShortFrame(std::uint32_t frame, std::uint32_t bytesUsed);
+    CameraBuilder& withOverstatedFrame(std::uint32_t frame, std::uint32_t claimedBytes);
     CameraBuilder& withMissingFrame(std::uint32_t frame);
     CameraBuilder& withoutFrames(std::uint32_t fromFrame = 0);
     CameraBuilder& withWrongIndex(std::uint32_t frame, std::uint32_t index);

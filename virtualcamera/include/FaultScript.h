@@ -26,9 +26,12 @@ struct FrameFault
     std::uint32_t frame = 0;
     bool fromThenOn = false; ///< True: this frame and all later ones.
     std::uint32_t lateMilliseconds = 0;
-    bool corrupted = false;                    ///< Delivered with V4L2_BUF_FLAG_ERROR.
-    bool missing = false;                      ///< Never delivered; the sequence number is skipped.
-    std::optional<std::uint32_t> bytesUsed;    ///< Cut short to so many bytes.
+    bool corrupted = false;                 ///< Delivered with V4L2_BUF_FLAG_ERROR.
+    bool missing = false;                   ///< Never delivered; the sequence number is skipped.
+    std::optional<std::uint32_t> bytesUsed; ///< Cut short to so many bytes.
+    /// Delivered whole, but said to have so many bytes: mostly more than its buffer, as a broken
+    /// driver says. With read, what the call returns that begins the frame.
+    std::optional<std::uint32_t> claimedBytes;
     std::optional<std::uint32_t> index;        ///< Dequeued under this buffer index.
     std::optional<std::uintptr_t> userPointer; ///< Dequeued with this user pointer.
     std::optional<std::uint32_t> length;       ///< Dequeued with this buffer length.

@@ -88,6 +88,14 @@ CameraBuilder& CameraBuilder::withShortFrame(std::uint32_t frame, std::uint32_t 
     return withFrameFault(fault);
 }
 
+CameraBuilder& CameraBuilder::withOverstatedFrame(std::uint32_t frame, std::uint32_t claimedBytes)
+{
+    FrameFault fault;
+    fault.frame = frame;
+    fault.claimedBytes = claimedBytes;
+    return withFrameFault(fault);
+}
+
 CameraBuilder& CameraBuilder::withMissingFrame(std::uint32_t frame)
 {
     FrameFault fault;

@@ -120,6 +120,7 @@ private:
     std::vector<OpenFile> _files;
     std::vector<unsigned char> _readImage;
     std::size_t _readPosition = 0;
+    std::optional<std::uint32_t> _readClaim; ///< What the next read is to return instead.
     int _liveMappings = 0;
     unsigned _totalOpens = 0;
     unsigned _totalMappings = 0;

@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <climits>
 #include <cstring>
+#include <utility>
 
 namespace VirtualCamera
 {
@@ -66,7 +68,8 @@ int CameraDriver::dequeue(Lock& lock, int file, v4l2_buffer& buffer)
     auto* const target = filled.pages
                              ? filled.pages->bytes()
                              : reinterpret_cast<unsigned char*>(filled.userPointer); // NOLINT
-    buffer.bytesused = fill(filled, target, fault);
+    std::uint32_t const used = fill(filled, target, fault);
+    buffer.bytesused = fault.claimedBytes.value_or(used);
     if (fault.corrupted)
         buffer.flags |= V4L2_BUF_FLAG_ERROR;
     if (fault.index)
@@ -90,6 +93,7 @@ int CameraDriver::checkRead(int file)
     int const started = _queue.startReading(file, _formats.pixels().sizeimage);
     if (started == 0) {
         _readImage.clear();
+        _readClaim.reset();
         _readPosition = 0;
         _source.start(monotonicNow(), _formats.interval());
     }
@@ -103,7 +107,9 @@ int CameraDriver::nextReadImage(Lock& lock, int file)
     v4l2_buffer buffer{};
     Buffer& filled = _queue.dequeue(buffer);
     _readImage.resize(_formats.pixels().sizeimage);
-    _readImage.resize(fill(filled, _readImage.data(), _source.faultOf(filled.frame)));
+    FrameFault const fault = _source.faultOf(filled.frame);
+    _readImage.resize(fill(filled, _readImage.data(), fault));
+    _readClaim = fault.claimedBytes;
     _readPosition = 0;
     _queue.requeue(filled);
     ++_totalFrames;
@@ -129,7 +135,9 @@ std::int64_t CameraDriver::read(int file, void* target, std::size_t size)
     if (bytes != 0)
         std::memcpy(target, _readImage.data() + _readPosition, bytes);
     _readPosition += bytes;
-    return call.end(static_cast<int>(bytes));
+    std::size_t const told = std::exchange(_readClaim, std::nullopt).value_or(bytes);
+    call.end(static_cast<int>(std::min<std::size_t>(told, INT_MAX)));
+    return static_cast<std::int64_t>(told);
 }
 
 } // namespace VirtualCamera

@@ -62,6 +62,8 @@ FrameFault FrameSource::faultOf(std::uint32_t frame) const
         all.missing = all.missing || fault.missing;
         if (fault.bytesUsed)
             all.bytesUsed = fault.bytesUsed;
+        if (fault.claimedBytes)
+            all.claimedBytes = fault.claimedBytes;
         if (fault.index)
             all.index = fault.index;
         if (fault.userPointer)

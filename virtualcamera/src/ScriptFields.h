@@ -139,6 +139,7 @@ struct ScriptFields
         archive.field("corrupted", script.corrupted);
         archive.field("missing", script.missing);
         archive.field("bytesUsed", script.bytesUsed);
+        archive.field("claimedBytes", script.claimedBytes);
         archive.field("index", script.index);
         archive.field("userPointer", script.userPointer);
         archive.field("length", script.length);

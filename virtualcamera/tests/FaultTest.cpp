@@ -115,6 +115,40 @@ TEST(FaultTest, CutsAShortFrame)
     EXPECT_EQ(frameOf(promptCamera().withShortFrame(0, 10), 0).bytesused, 10u);
 }
 
+TEST(FaultTest, ClaimsMoreBytesThanAMappedBufferHas)
+{
+    CameraBuilder const builder = promptCamera().withOverstatedFrame(1, 1000000);
+    auto const camera = builder.install();
+    Client client;
+    ASSERT_EQ(client.start(3), 0);
+    v4l2_buffer buffer{};
+    ASSERT_EQ(client.dequeue(buffer), 0);
+    EXPECT_EQ(buffer.bytesused, buffer.length);
+    ASSERT_EQ(client.dequeue(buffer), 0);
+    EXPECT_EQ(buffer.bytesused, 1000000u);
+    EXPECT_EQ(buffer.length, 64u * 48 * 2);
+    std::vector<std::uint8_t> const picture = testPattern(V4L2_PIX_FMT_YUYV, 64, 48, 1);
+    EXPECT_EQ(std::memcmp(client.mapped(buffer.index), picture.data(), picture.size()), 0);
+    ASSERT_EQ(client.dequeue(buffer), 0);
+    EXPECT_EQ(buffer.bytesused, buffer.length) << "only the scripted frame lies";
+}
+
+TEST(FaultTest, ClaimsMoreBytesThanAUserPointerHas)
+{
+    auto const camera =
+        promptCamera().offeringUserPointers().withOverstatedFrame(0, UINT32_MAX).install();
+    Client client;
+    std::vector<unsigned char> bytes(64 * 48 * 2 + 1, 0xcc);
+    ASSERT_EQ(client.request(1, V4L2_MEMORY_USERPTR), 0);
+    ASSERT_EQ(client.queue(0, bytes), 0);
+    ASSERT_EQ(client.stream(true), 0);
+    v4l2_buffer buffer = Client::buffer(0, V4L2_MEMORY_USERPTR);
+    ASSERT_EQ(client.dequeue(buffer), 0);
+    EXPECT_EQ(buffer.bytesused, UINT32_MAX);
+    EXPECT_EQ(buffer.length, bytes.size());
+    EXPECT_EQ(bytes.back(), 0xcc) << "it claims them, but does not write them";
+}
+
 TEST(FaultTest, SkipsAMissingFrame)
 {
     EXPECT_EQ(frameOf(promptCamera().withMissingFrame(1), 1).sequence, 2u);

@@ -172,6 +172,7 @@ INSTANTIATE_TEST_SUITE_P(
                     word("frameFaults[0].lateMilliseconds",
                          FRAME_FAULT(R"("lateMilliseconds": #)")),
                     word("frameFaults[0].bytesUsed", FRAME_FAULT(R"("bytesUsed": #)")),
+                    word("frameFaults[0].claimedBytes", FRAME_FAULT(R"("claimedBytes": #)")),
                     word("frameFaults[0].index", FRAME_FAULT(R"("index": #)")),
                     NumericKey{"frameFaults[0].userPointer", FRAME_FAULT(R"("userPointer": #)"),
                                "18446744073709551615", "-1", "18446744073709551616"},

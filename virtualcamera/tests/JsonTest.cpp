@@ -55,7 +55,8 @@ TEST(JsonTest, ReadsACamera)
                           "selectors": [{"selector": 3, "size": 2, "current": "0a0b"}]},
         "mmap": false, "userPointers": true, "mostBuffers": 0, "pace": "immediate",
         "faults": [{"call": "VIDIOC_DQBUF", "errno": "EIO", "use": 3}],
-        "frameFaults": [{"frame": 2, "corrupted": true, "bytesUsed": 5}],
+        "frameFaults": [{"frame": 2, "corrupted": true, "bytesUsed": 5,
+                         "claimedBytes": 4294967295}],
         "usb": {"port": "1-1"}})");
     EXPECT_EQ(camera.node, "/dev/video4");
     EXPECT_EQ(camera.driverVersion, 0x050a07u);
@@ -74,6 +75,7 @@ TEST(JsonTest, ReadsACamera)
     EXPECT_EQ(camera.mostBuffers, 0u);
     EXPECT_EQ(camera.faults.at(0).error, EIO);
     EXPECT_EQ(camera.frameFaults.at(0).bytesUsed, 5u);
+    EXPECT_EQ(camera.frameFaults.at(0).claimedBytes, UINT32_MAX);
 }
 
 TEST(JsonTest, GivesCamerasWithoutANodeTheNextFreeOne)
@@ -113,12 +115,14 @@ TEST(JsonTest, WritesWhatItReads)
         .withFormat("GREY")
         .withContinuousSizes(1, 2, 3, 4)
         .failing(Call::Mmap, ENOMEM, 2)
-        .withoutFrames(7);
+        .withoutFrames(7)
+        .withOverstatedFrame(8, 9);
     std::string const text = camerasToJson({builder.script()});
     EXPECT_EQ(camerasToJson(camerasFromJson(text)), text);
     CameraScript const again = camerasFromJson(text).at(0);
     EXPECT_EQ(again.controls.at(0).text, "x");
     EXPECT_EQ(again.frameFaults.at(0).frame, 7u);
+    EXPECT_EQ(again.frameFaults.at(1).claimedBytes, 9u);
     EXPECT_TRUE(again.pace == Pace::Immediate);
 }
 

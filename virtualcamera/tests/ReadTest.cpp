@@ -93,6 +93,23 @@ TEST(ReadTest, IsRefusedWhenNotOffered)
     EXPECT_EQ(capability.capabilities & V4L2_CAP_READWRITE, 0u);
 }
 
+TEST(ReadTest, ReturnsMoreThanWasAskedForWhenScriptedSo)
+{
+    auto const camera = promptCamera()
+                            .withOverstatedFrame(0, static_cast<std::uint32_t>(imageSize) + 1)
+                            .withOverstatedFrame(1, UINT32_MAX)
+                            .install();
+    Client client;
+    std::vector<std::uint8_t> bytes(imageSize, 0xcc);
+    auto const whole = static_cast<ssize_t>(imageSize);
+    EXPECT_EQ(v4l2_read(client.descriptor(), bytes.data(), imageSize - 1), whole + 1);
+    EXPECT_EQ(bytes.back(), 0xcc) << "it claims them, but does not write them";
+    EXPECT_EQ(v4l2_read(client.descriptor(), bytes.data(), imageSize), 1) << "the frame's rest";
+    EXPECT_EQ(v4l2_read(client.descriptor(), bytes.data(), imageSize), ssize_t{UINT32_MAX});
+    EXPECT_EQ(bytes, testPattern(V4L2_PIX_FMT_YUYV, 64, 48, 1));
+    EXPECT_EQ(v4l2_read(client.descriptor(), bytes.data(), imageSize), whole);
+}
+
 TEST(ReadTest, FailsAsScripted)
 {
     auto const camera = promptCamera().failing(Call::Read, EIO, 2).withShortFrame(1, 7).install();
