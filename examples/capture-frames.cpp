@@ -8,6 +8,7 @@
 #include <IFrameSize.h>
 #include <IImageFormat.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -32,8 +33,10 @@ bool takeFrame(IBlockingCamera& camera, std::ostream* file)
     if (good)
         std::cout << "frame " << frame->counter() << ": " << frame->bytesUsed() << " bytes at "
                   << frame->timeStamp().seconds << " s\n";
+    // What is used is the driver's word, and a broken driver may claim more than there is to read.
     if (good && file != nullptr)
-        file->write(reinterpret_cast<char const*>(frame->bytePtr()), frame->bytesUsed());
+        file->write(reinterpret_cast<char const*>(frame->bytePtr()),
+                    std::min(frame->bytesUsed(), frame->allocSize()));
     camera.releaseFrame(frame);
     return good;
 }

@@ -76,6 +76,20 @@ example_captures() {
     [ "$(stat -c %s "$work/frame.raw")" -eq "$bytes" ] || fail "the file is not the last frame"
 }
 
+# Of a frame that claims more bytes than its buffer has, the file gets those of the buffer.
+example_believes_no_overstated_frame() {
+    cat >"$work/overstated.json" <<'END'
+{ "cameras": [ { "usb": { "port": "1-1" },
+    "formats": [ { "pixelFormat": "YUYV",
+                   "sizes": [ { "width": 64, "height": 48, "intervals": [ "1/30" ] } ] } ],
+    "frameFaults": [ { "fromThenOn": true, "claimedBytes": 100000000 } ] } ] }
+END
+    on_virtual_camera --config "$work/overstated.json" "$work/cmake/capture-frames" \
+        "$work/overstated.raw" | tee "$work/overstated.log"
+    [ "$(grep -c '100000000 bytes' "$work/overstated.log")" -eq 10 ] || fail "no frame claims too much"
+    [ "$(stat -c %s "$work/overstated.raw")" -eq $((64 * 48 * 2)) ] || fail "not the buffer's bytes"
+}
+
 example_walks_controls() {
     on_virtual_camera "$work/cmake/walk-controls" | tee "$work/controls.log"
     grep -qE '^Brightness, Int32: -?[0-9]+ \(' "$work/controls.log" || fail "no brightness"
