@@ -6,8 +6,9 @@
 namespace VirtualCamera
 {
 
-/// A name of the form "ttyACM3" that no other virtual machine on this computer bears meanwhile:
-/// serial libraries keep one lock file for each name, whatever device is behind it.
+/// A name of the form "ttyACM3" that no other virtual camera on this computer bears meanwhile,
+/// whoever runs it: serial libraries keep one lock file for each name, whatever device is behind
+/// it.
 class TtyName
 {
 public:
@@ -16,9 +17,12 @@ public:
     TtyName();
     TtyName(TtyName&& other) noexcept;
     TtyName& operator=(TtyName&&) = delete;
+    /// Takes the lock of a client that was killed away as well.
     ~TtyName();
 
-    std::string text() const { return "ttyACM" + std::to_string(_digit); }
+    std::string text() const;
+    /// Where serial libraries keep the lock.
+    std::string lockFile() const;
 
 private:
     bool reserve(int digit);
