@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <system_error>
 
 extern char** environ;
@@ -29,6 +30,18 @@ void passOn(int signal)
 }
 
 constexpr int passedSignals[] = {SIGTERM, SIGHUP, SIGUSR1, SIGUSR2};
+// The terminal sends these to both processes; the child decides what becomes of it.
+constexpr int terminalSignals[] = {SIGINT, SIGQUIT};
+
+/// Ignores a signal; one that came when there was no child yet is the child's.
+void leaveToChild(int signal, pid_t child)
+{
+    sigset_t pending;
+    sigpending(&pending);
+    if (sigismember(&pending, signal) == 1)
+        kill(child, signal);
+    std::signal(signal, SIG_IGN);
+}
 
 } // namespace
 
@@ -37,6 +50,8 @@ HeldSignals::HeldSignals()
     sigset_t passed;
     sigemptyset(&passed);
     for (int const signal : passedSignals)
+        sigaddset(&passed, signal);
+    for (int const signal : terminalSignals)
         sigaddset(&passed, signal);
     pthread_sigmask(SIG_BLOCK, &passed, &_earlier);
 }
@@ -64,10 +79,9 @@ ChildProcess::ChildProcess(std::vector<std::string> const& command, HeldSignals 
     action.sa_handler = passOn;
     for (int const passed : passedSignals)
         sigaction(passed, &action, nullptr);
+    for (int const signal : terminalSignals)
+        leaveToChild(signal, _process);
     pthread_sigmask(SIG_SETMASK, &held.earlier(), nullptr);
-    // The terminal sends these to both; the child decides what becomes of it.
-    signal(SIGINT, SIG_IGN);
-    signal(SIGQUIT, SIG_IGN);
     _processDescriptor = static_cast<int>(syscall(SYS_pidfd_open, _process, 0));
 }
 

@@ -10,7 +10,7 @@
 namespace VirtualCamera
 {
 
-/// Holds the signals that are passed on to a child back until there is one. Has to exist before
+/// Holds back the signals that are meant for a child until there is one. Has to exist before
 /// the process makes any thread, so that none of those takes a signal meanwhile.
 class HeldSignals
 {

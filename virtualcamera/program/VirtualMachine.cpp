@@ -18,9 +18,16 @@ std::string nodeName(CameraScript const& node)
     return node.node.substr(node.node.rfind('/') + 1);
 }
 
+// umockdev makes its folder in the temporary one, and leaves it there when it aborts the process.
+Testbed testbedIn(PrivateFolder const& folder)
+{
+    TemporaryFolderIs const meanwhile(folder.path());
+    return Testbed();
+}
+
 } // namespace
 
-VirtualMachine::VirtualMachine(std::vector<HostCamera> cameras)
+VirtualMachine::VirtualMachine(std::vector<HostCamera> cameras) : _testbed(testbedIn(_folder))
 {
     for (HostCamera& camera : cameras) {
         for (CameraScript& node : camera.nodes)

@@ -2,13 +2,15 @@
 #pragma once
 
 #include "HostCamera.h"
+#include "PrivateFolder.h"
 #include "SerialPorts.h"
 #include "Testbed.h"
 
 namespace VirtualCamera
 {
 
-/// A testbed with cameras on it, and the file that tells the preloaded library about them.
+/// A testbed with cameras on it, and the file that tells the preloaded library about them. Has to
+/// be made before this process has any other thread.
 class VirtualMachine
 {
 public:
@@ -34,6 +36,7 @@ private:
     void unplug(PlacedCamera& placed);
     void writeConfiguration() const;
 
+    PrivateFolder _folder; ///< Of all the files of this machine.
     Testbed _testbed;
     SerialPorts _serialPorts{_testbed};
     std::vector<PlacedCamera> _cameras;

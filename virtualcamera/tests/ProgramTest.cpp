@@ -1,39 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "ProgramRun.h"
+
 #include <gtest/gtest.h>
 
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace
 {
-
-struct Outcome
-{
-    std::string output; ///< Standard output and error.
-    int status = -1;
-};
-
-Outcome run(std::string const& arguments)
-{
-    Outcome outcome;
-    std::string const command = std::string(WITH_VIRTUAL_CAMERA) + " " + arguments + " 2>&1";
-    FILE* const pipe = popen(command.c_str(), "r");
-    char text[256];
-    while (std::fgets(text, sizeof text, pipe) != nullptr)
-        outcome.output += text;
-    int const status = pclose(pipe);
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return outcome;
-}
-
-std::string const client = SAMPLE_CLIENT;
 
 TEST(ProgramTest, ShowsAnOrdinaryAndAVendorCameraByDefault)
 {
@@ -146,25 +119,6 @@ TEST(ProgramTest, TellsItsVersionAndItsUsage)
     }
 }
 
-/// A file of cameras, for as long as it lives.
-class Configuration
-{
-public:
-    explicit Configuration(std::string const& text)
-        : m_path(testing::TempDir() + "virtual-cameras-" + std::to_string(getpid()))
-    {
-        std::ofstream(m_path) << text;
-    }
-    Configuration(Configuration const&) = delete;
-    Configuration& operator=(Configuration const&) = delete;
-    ~Configuration() { std::filesystem::remove(m_path); }
-
-    std::string option() const { return "--config " + m_path + " "; }
-
-private:
-    std::string m_path;
-};
-
 TEST(ProgramTest, TakesCamerasFromAFile)
 {
     Configuration const file(R"({"cameras": [{"node": "/dev/video9", "name": "Mine",
@@ -262,13 +216,6 @@ TEST(ProgramTest, AnswersOnTheSerialPort)
             " exchange /dev/$(dmesg | sed -n \"s/.*: \\(ttyACM[0-9]\\): .*/\\1/p\")'");
     EXPECT_EQ(outcome.output, "a1850006000102000200\n");
     EXPECT_EQ(outcome.status, 0);
-}
-
-TEST(ProgramTest, LeavesNothingBehind)
-{
-    std::string const root = run("sh -c 'echo $UMOCKDEV_DIR'").output;
-    ASSERT_NE(root.find("umockdev"), std::string::npos);
-    EXPECT_FALSE(std::filesystem::exists(root.substr(0, root.size() - 1)));
 }
 
 } // namespace
