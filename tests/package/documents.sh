@@ -98,6 +98,23 @@ completion_offers_what_the_tool_has() {
         complain "the kinds of output"
 }
 
+# Each part of the table that the package is said to have is one that it installs, and the other way
+# round; the sentence above counts them.
+virtual_camera_parts_are_told() {
+    local text part has installs rows=0 numbers=(no One Two Three Four Five Six)
+    text=$(sed -n '/^# Virtual camera/,/^## /p' "$source/virtualcamera/README.md")
+    while IFS='|' read -r _ part has _; do
+        rows=$((rows + 1))
+        part=${part#*\`}
+        part=${part%%\`*}
+        installs=no
+        ! grep -q "/$part\$" "$source/debian/imageacquisition-virtualcamera.install" || installs=yes
+        [[ "$has" =~ ^\ *$installs ]] || complain "the README says that the package has $part:$has"
+    done < <(grep '^| [`(]' <<<"$text")
+    [ "$rows" -ge 2 ] || complain "the README has no table of parts"
+    grep -q "${numbers[rows]} parts" <<<"$text" || complain "the README does not count $rows parts"
+}
+
 [ "$(type -t "$case_name")" = function ] || { echo "no such case: $case_name" >&2; exit 2; }
 "$case_name"
 [ "$problems" -eq 0 ]

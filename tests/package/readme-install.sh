@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Does what the README says about installing, in a mount name space of its own:
+#   readme-install.sh CASE SOURCE_DIR BUILD_DIR WORK_DIR
+set -euo pipefail
+
+case_name=$1 source=$2 build=$3 work=$4
+stage="$work/stage/usr/local"
+
+fail() { echo "FAILED: $*" >&2; exit 1; }
+
+# What the README lets root do, without what the installation itself is.
+commands_of_root() {
+    sed -n '/^## Installing/,/^## Where/ s/^sudo //p' "$source/README.md" | sed 's/ *#.*//' |
+        grep -v '^cmake --install'
+}
+
+# The name space's root may be nobody outside, who cannot read all of /etc.
+if [ "${README_INSTALL_INSIDE:-}" != yes ]; then
+    rm -rf "$work"
+    mkdir -p "$work/etc"
+    cp -a /etc/. "$work/etc" 2>/dev/null || true
+    DESTDIR="$work/stage" cmake --install "$build" --prefix /usr/local >"$work/install.log"
+    README_INSTALL_INSIDE=yes exec unshare --user --map-root-user --mount "$0" "$@"
+fi
+mount --bind "$work/etc" /etc
+mount -t tmpfs tmpfs /run
+[ ! -d /var/cache/ldconfig ] || mount -t tmpfs tmpfs /var/cache/ldconfig
+PATH=$PATH:/usr/sbin:/sbin
+
+program_starts_under_usr_local() {
+    local flags
+    mount --bind "$stage" /usr/local
+    awk '/^```cpp$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/README.md" \
+        >"$work/readme.cpp"
+    read -ra flags <<<"$(pkg-config --cflags --libs imageacquisition)"
+    g++ -std=c++17 "$work/readme.cpp" -o "$work/readme" "${flags[@]}"
+    commands_of_root | grep -v 'DIR' >"$work/commands"
+    sh -e "$work/commands"
+    "$build/virtualcamera/with-virtual-camera" "$work/readme" | tee "$work/readme.log"
+    grep -qE '[0-9]+ bytes' "$work/readme.log" || fail "it captured nothing"
+}
+
+reads_rules_of() {
+    local output
+    output=$(udevadm test /sys/devices/virtual/mem/null 2>&1) || true
+    grep -q 'Reading rules file: ' <<<"$output" || fail "udevadm tells of no rules: $output"
+    grep -q "^Reading rules file: $1/70-imageacquisition.rules" <<<"$output"
+}
+
+rules_are_read_under_usr_local() {
+    mount --bind "$stage" /usr/local
+    reads_rules_of /usr/local/lib/udev/rules.d || fail "udev does not read them"
+}
+
+rules_of_another_prefix_are_read() {
+    commands_of_root | grep 'DIR' | sed "s|DIR|$stage|g" >"$work/commands"
+    [ -s "$work/commands" ] || fail "the README says nothing of another prefix"
+    ! reads_rules_of '.*' || fail "udev reads them, whatever the README says"
+    sh -e "$work/commands"
+    reads_rules_of /etc/udev/rules.d || fail "udev does not read them"
+}
+
+[ "$(type -t "$case_name")" = function ] || { echo "no such case: $case_name" >&2; exit 2; }
+"$case_name"
