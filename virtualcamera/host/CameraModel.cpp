@@ -181,9 +181,11 @@ std::vector<CameraModel> const& cameraModels()
 
 CameraModel const* cameraModel(std::string const& name)
 {
-    for (CameraModel const& model : cameraModels())
-        if (model.name == name)
+    for (CameraModel const& model : cameraModels()) {
+        if (model.name == name) {
             return &model;
+        }
+    }
     return nullptr;
 }
 

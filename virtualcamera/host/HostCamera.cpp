@@ -92,8 +92,9 @@ UsbDeviceScript usbFromJson(Json const& json, std::string const& place, bool& se
     reader.field("openRefused", script.openRefused);
     std::optional<std::string> firmware;
     reader.field("firmware", firmware);
-    if (firmware)
+    if (firmware) {
         script.withFirmware(*firmware);
+    }
     reader.field("serialPort", serialPort);
     reader.finish();
     return script;
@@ -112,16 +113,18 @@ std::vector<HostCamera> hostCamerasFromJson(std::string const& text)
         checkNode(scripts[index].node, place);
         std::optional<UsbDeviceScript> usb;
         bool serialPort = false;
-        if (camera.contains("usb"))
+        if (camera.contains("usb")) {
             usb = usbFromJson(camera["usb"], place + ".usb", serialPort);
+        }
         auto const samePort = [&usb](HostCamera const& other) {
             return usb && other.usb && other.usb->port == usb->port;
         };
         auto const owner = std::find_if(cameras.begin(), cameras.end(), samePort);
-        if (owner != cameras.end())
+        if (owner != cameras.end()) {
             owner->nodes.push_back(std::move(scripts[index]));
-        else
+        } else {
             cameras.push_back({{std::move(scripts[index])}, std::move(usb), serialPort});
+        }
     }
     return cameras;
 }

@@ -52,26 +52,28 @@ class TextList
 public:
     void add(std::string name, std::string value)
     {
-        _texts.push_back(std::move(name));
-        _texts.push_back(std::move(value));
+        m_texts.push_back(std::move(name));
+        m_texts.push_back(std::move(value));
     }
     void add(std::string name, std::optional<std::string> const& value)
     {
-        if (value)
+        if (value) {
             add(std::move(name), *value);
+        }
     }
     gchar** pointers()
     {
-        _pointers.clear();
-        for (std::string& text : _texts)
-            _pointers.push_back(text.data());
-        _pointers.push_back(nullptr);
-        return _pointers.data();
+        m_pointers.clear();
+        for (std::string& text : m_texts) {
+            m_pointers.push_back(text.data());
+        }
+        m_pointers.push_back(nullptr);
+        return m_pointers.data();
     }
 
 private:
-    std::vector<std::string> _texts;
-    std::vector<gchar*> _pointers;
+    std::vector<std::string> m_texts;
+    std::vector<gchar*> m_pointers;
 };
 
 } // namespace
@@ -92,17 +94,17 @@ struct Testbed::State
     int nextMinor = 0;
 };
 
-Testbed::Testbed() : _state(std::make_unique<State>())
+Testbed::Testbed() : m_state(std::make_unique<State>())
 {
-    _rootDirectory = takeText(umockdev_testbed_get_root_dir(_state->testbed));
+    m_rootDirectory = takeText(umockdev_testbed_get_root_dir(m_state->testbed));
 }
 
 Testbed::~Testbed()
 {
-    _state->devices.clear();
-    g_object_unref(_state->testbed);
+    m_state->devices.clear();
+    g_object_unref(m_state->testbed);
     std::error_code ignored;
-    std::filesystem::remove_all(_rootDirectory, ignored);
+    std::filesystem::remove_all(m_rootDirectory, ignored);
 }
 
 bool Testbed::visible()
@@ -115,22 +117,23 @@ bool Testbed::visible()
 
 void Testbed::addNodeFile(std::string const& path)
 {
-    std::filesystem::path const file = _rootDirectory + path;
+    std::filesystem::path const file = m_rootDirectory + path;
     std::filesystem::create_directories(file.parent_path());
-    if (!std::ofstream(file))
+    if (!std::ofstream(file)) {
         throw std::runtime_error("cannot make " + file.string());
+    }
 }
 
 void Testbed::removeNodeFile(std::string const& path)
 {
     std::error_code ignored;
-    std::filesystem::remove(_rootDirectory + path, ignored);
+    std::filesystem::remove(m_rootDirectory + path, ignored);
 }
 
 UsbDevice Testbed::plug(UsbDeviceScript const& script)
 {
     int const bus = std::atoi(script.port.c_str());
-    int const number = _state->nextDeviceNumber++;
+    int const number = m_state->nextDeviceNumber++;
     char node[64];
     std::snprintf(node, sizeof node, "/dev/bus/usb/%03d/%03d", bus, number);
     TextList attributes;
@@ -147,45 +150,49 @@ UsbDevice Testbed::plug(UsbDeviceScript const& script)
     TextList properties;
     properties.add("DEVTYPE", std::string("usb_device"));
     properties.add("DEVNAME", std::string(node));
-    if (!script.openRefused)
+    if (!script.openRefused) {
         addNodeFile(node);
+    }
     std::string const syspath =
-        takeText(umockdev_testbed_add_devicev(_state->testbed, "usb", script.port.c_str(), nullptr,
+        takeText(umockdev_testbed_add_devicev(m_state->testbed, "usb", script.port.c_str(), nullptr,
                                               attributes.pointers(), properties.pointers()));
     std::vector<std::uint8_t> descriptors = usbDescriptors(script);
-    umockdev_testbed_set_attribute_binary(_state->testbed, syspath.c_str(), "descriptors",
+    umockdev_testbed_set_attribute_binary(m_state->testbed, syspath.c_str(), "descriptors",
                                           descriptors.data(),
                                           static_cast<gint>(descriptors.size()));
 
     TextList noAttributes;
     TextList interfaceProperties;
     interfaceProperties.add("DEVTYPE", std::string("usb_interface"));
-    State::PluggedDevice& plugged = _state->devices[syspath];
+    State::PluggedDevice& plugged = m_state->devices[syspath];
     plugged.interfacePath = takeText(umockdev_testbed_add_devicev(
-        _state->testbed, "usb", (script.port + ":1.0").c_str(), syspath.c_str(),
+        m_state->testbed, "usb", (script.port + ":1.0").c_str(), syspath.c_str(),
         noAttributes.pointers(), interfaceProperties.pointers()));
     plugged.node = node;
     auto endpoint = std::make_shared<UsbEndpointZero>(script);
-    plugged.served = std::make_unique<UsbdevfsNode>(_state->testbed, node, endpoint);
-    _syspaths[script.port] = syspath;
+    plugged.served = std::make_unique<UsbdevfsNode>(m_state->testbed, node, endpoint);
+    m_syspaths[script.port] = syspath;
     return UsbDevice(syspath, std::move(endpoint));
 }
 
 void Testbed::unplug(UsbDevice const& device)
 {
-    auto const found = _state->devices.find(device.syspath());
-    if (found == _state->devices.end())
+    auto const found = m_state->devices.find(device.syspath());
+    if (found == m_state->devices.end()) {
         throw std::invalid_argument("the device isn't plugged in");
+    }
     std::vector<std::string> const videoNodes = found->second.videoNodes;
-    for (std::string const& name : videoNodes)
-        if (_syspaths.count(name) != 0)
+    for (std::string const& name : videoNodes) {
+        if (m_syspaths.count(name) != 0) {
             removeVideoNode(name);
+        }
+    }
     for (std::string const& path : {found->second.interfacePath, found->first}) {
-        umockdev_testbed_uevent(_state->testbed, path.c_str(), "remove");
-        umockdev_testbed_remove_device(_state->testbed, path.c_str());
+        umockdev_testbed_uevent(m_state->testbed, path.c_str(), "remove");
+        umockdev_testbed_remove_device(m_state->testbed, path.c_str());
     }
     removeNodeFile(found->second.node);
-    _state->devices.erase(found);
+    m_state->devices.erase(found);
 }
 
 void Testbed::addVideoNode(std::string const& name)
@@ -195,9 +202,10 @@ void Testbed::addVideoNode(std::string const& name)
 
 void Testbed::addVideoNode(std::string const& name, UsbDevice const& parent)
 {
-    auto const found = _state->devices.find(parent.syspath());
-    if (found == _state->devices.end())
+    auto const found = m_state->devices.find(parent.syspath());
+    if (found == m_state->devices.end()) {
         throw std::invalid_argument("the parent isn't plugged in");
+    }
     addVideo(name, found->second.interfacePath.c_str());
     found->second.videoNodes.push_back(name);
 }
@@ -207,14 +215,14 @@ std::string Testbed::addVideo(std::string const& name, char const* parent)
     // First the node, so that whoever hears of the device finds it.
     addNodeFile("/dev/" + name);
     TextList attributes;
-    attributes.add("dev", "81:" + std::to_string(_state->nextMinor++));
+    attributes.add("dev", "81:" + std::to_string(m_state->nextMinor++));
     attributes.add("index", std::string("0"));
     TextList properties;
     properties.add("DEVNAME", "/dev/" + name);
     std::string syspath =
-        takeText(umockdev_testbed_add_devicev(_state->testbed, "video4linux", name.c_str(), parent,
+        takeText(umockdev_testbed_add_devicev(m_state->testbed, "video4linux", name.c_str(), parent,
                                               attributes.pointers(), properties.pointers()));
-    _syspaths[name] = syspath;
+    m_syspaths[name] = syspath;
     return syspath;
 }
 
@@ -222,9 +230,9 @@ void Testbed::removeVideoNode(std::string const& name)
 {
     std::string const syspath = syspathOf(name);
     removeNodeFile("/dev/" + name);
-    umockdev_testbed_uevent(_state->testbed, syspath.c_str(), "remove");
-    umockdev_testbed_remove_device(_state->testbed, syspath.c_str());
-    _syspaths.erase(name);
+    umockdev_testbed_uevent(m_state->testbed, syspath.c_str(), "remove");
+    umockdev_testbed_remove_device(m_state->testbed, syspath.c_str());
+    m_syspaths.erase(name);
 }
 
 void Testbed::addOtherDevice(std::string const& subsystem, std::string const& name,
@@ -236,21 +244,22 @@ void Testbed::addOtherDevice(std::string const& subsystem, std::string const& na
         addNodeFile(node);
         properties.add("DEVNAME", node);
     }
-    _syspaths[name] = takeText(
-        umockdev_testbed_add_devicev(_state->testbed, subsystem.c_str(), name.c_str(), nullptr,
+    m_syspaths[name] = takeText(
+        umockdev_testbed_add_devicev(m_state->testbed, subsystem.c_str(), name.c_str(), nullptr,
                                      attributes.pointers(), properties.pointers()));
 }
 
 void Testbed::sendEvent(std::string const& name, std::string const& action)
 {
-    umockdev_testbed_uevent(_state->testbed, syspathOf(name).c_str(), action.c_str());
+    umockdev_testbed_uevent(m_state->testbed, syspathOf(name).c_str(), action.c_str());
 }
 
 std::string Testbed::syspathOf(std::string const& name) const
 {
-    auto const found = _syspaths.find(name);
-    if (found == _syspaths.end())
+    auto const found = m_syspaths.find(name);
+    if (found == m_syspaths.end()) {
         throw std::out_of_range("the testbed has no device named " + name);
+    }
     return found->second;
 }
 

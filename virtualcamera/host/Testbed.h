@@ -25,7 +25,7 @@ public:
     /// True when this process sees testbeds.
     static bool visible();
     /// The folder that holds the made-up `sys` and `dev`.
-    std::string const& rootDirectory() const { return _rootDirectory; }
+    std::string const& rootDirectory() const { return m_rootDirectory; }
 
     /// Adds a device, its first interface and its "add" events.
     UsbDevice plug(UsbDeviceScript const& script);
@@ -51,9 +51,9 @@ private:
     std::string addVideo(std::string const& name, char const* parent);
     std::string syspathOf(std::string const& name) const;
 
-    std::unique_ptr<State> _state;
-    std::string _rootDirectory;
-    std::map<std::string, std::string> _syspaths; ///< By the name that a device was added with.
+    std::unique_ptr<State> m_state;
+    std::string m_rootDirectory;
+    std::map<std::string, std::string> m_syspaths; ///< By the name that a device was added with.
 };
 
 } // namespace VirtualCamera

@@ -10,13 +10,13 @@ namespace VirtualCamera
 {
 
 UsbDevice::UsbDevice(std::string syspath, std::shared_ptr<UsbEndpointZero> endpoint)
-    : _syspath(std::move(syspath)), _endpoint(std::move(endpoint))
+    : m_syspath(std::move(syspath)), m_endpoint(std::move(endpoint))
 {
 }
 
 std::vector<UsbRequest> UsbDevice::requests() const
 {
-    return _endpoint->requests();
+    return m_endpoint->requests();
 }
 
 int UsbDevice::firmwareRequests() const
@@ -33,12 +33,12 @@ int UsbDevice::resetRequests() const
 
 void UsbDevice::setFirmware(std::optional<std::vector<std::uint8_t>> firmware)
 {
-    _endpoint->setFirmware(std::move(firmware));
+    m_endpoint->setFirmware(std::move(firmware));
 }
 
 void UsbDevice::onReset(std::function<void()> action)
 {
-    _endpoint->onReset(std::move(action));
+    m_endpoint->onReset(std::move(action));
 }
 
 } // namespace VirtualCamera

@@ -28,7 +28,7 @@ public:
     UsbDevice(std::string syspath, std::shared_ptr<UsbEndpointZero> endpoint);
 
     /// "/sys/devices/..."
-    std::string const& syspath() const { return _syspath; }
+    std::string const& syspath() const { return m_syspath; }
     /// Every control transfer so far, oldest first.
     std::vector<UsbRequest> requests() const;
     /// How many asked for the firmware text, and how many for a reset.
@@ -40,8 +40,8 @@ public:
     void onReset(std::function<void()> action);
 
 private:
-    std::string _syspath;
-    std::shared_ptr<UsbEndpointZero> _endpoint;
+    std::string m_syspath;
+    std::shared_ptr<UsbEndpointZero> m_endpoint;
 };
 
 } // namespace VirtualCamera

@@ -24,22 +24,23 @@ bool isResetRequest(UsbRequest const& request)
     return request.requestType == vendorDeviceToHost && request.request == resetRequest;
 }
 
-UsbEndpointZero::UsbEndpointZero(UsbDeviceScript const& script) : _firmware(script.firmware) {}
+UsbEndpointZero::UsbEndpointZero(UsbDeviceScript const& script) : m_firmware(script.firmware) {}
 
 UsbEndpointZero::Reply UsbEndpointZero::answer(UsbRequest const& request)
 {
-    std::lock_guard const lock(_mutex);
-    _requests.push_back(request);
+    std::lock_guard const lock(m_mutex);
+    m_requests.push_back(request);
     Reply reply;
     // A device without the vendor's firmware knows neither of its requests.
-    reply.stalled = !_firmware || !(isFirmwareRequest(request) || isResetRequest(request));
-    if (reply.stalled)
+    reply.stalled = !m_firmware || !(isFirmwareRequest(request) || isResetRequest(request));
+    if (reply.stalled) {
         return reply;
+    }
     if (isFirmwareRequest(request)) {
-        reply.bytes = *_firmware;
+        reply.bytes = *m_firmware;
     } else {
         reply.bytes.assign(request.length, 0);
-        reply.afterwards = _resetAction;
+        reply.afterwards = m_resetAction;
     }
     reply.bytes.resize(std::min<std::size_t>(reply.bytes.size(), request.length));
     return reply;
@@ -47,20 +48,20 @@ UsbEndpointZero::Reply UsbEndpointZero::answer(UsbRequest const& request)
 
 std::vector<UsbRequest> UsbEndpointZero::requests() const
 {
-    std::lock_guard const lock(_mutex);
-    return _requests;
+    std::lock_guard const lock(m_mutex);
+    return m_requests;
 }
 
 void UsbEndpointZero::setFirmware(std::optional<std::vector<std::uint8_t>> firmware)
 {
-    std::lock_guard const lock(_mutex);
-    _firmware = std::move(firmware);
+    std::lock_guard const lock(m_mutex);
+    m_firmware = std::move(firmware);
 }
 
 void UsbEndpointZero::onReset(std::function<void()> action)
 {
-    std::lock_guard const lock(_mutex);
-    _resetAction = std::move(action);
+    std::lock_guard const lock(m_mutex);
+    m_resetAction = std::move(action);
 }
 
 } // namespace VirtualCamera

@@ -30,10 +30,10 @@ public:
     void onReset(std::function<void()> action);
 
 private:
-    mutable std::mutex _mutex;
-    std::optional<std::vector<std::uint8_t>> _firmware;
-    std::function<void()> _resetAction;
-    std::vector<UsbRequest> _requests;
+    mutable std::mutex m_mutex;
+    std::optional<std::vector<std::uint8_t>> m_firmware;
+    std::function<void()> m_resetAction;
+    std::vector<UsbRequest> m_requests;
 };
 
 } // namespace VirtualCamera

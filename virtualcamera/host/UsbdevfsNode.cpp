@@ -19,11 +19,12 @@ namespace VirtualCamera
 class UsbdevfsNode::Server
 {
 public:
-    explicit Server(std::shared_ptr<UsbEndpointZero> endpoint) : _endpoint(std::move(endpoint)) {}
+    explicit Server(std::shared_ptr<UsbEndpointZero> endpoint) : m_endpoint(std::move(endpoint)) {}
     ~Server()
     {
-        for (Finished& finished : _finished)
+        for (Finished& finished : m_finished) {
             g_object_unref(finished.block);
+        }
     }
 
     static Server* make(std::shared_ptr<UsbEndpointZero> endpoint)
@@ -38,10 +39,11 @@ public:
             std::lock_guard const lock(handover());
             auto* const own = static_cast<Server*>(server);
             own->serve(client);
-            afterwards.swap(own->_afterwards);
+            afterwards.swap(own->m_afterwards);
         }
-        if (afterwards)
+        if (afterwards) {
             afterwards();
+        }
         return TRUE;
     }
     static void destroy(gpointer server, GClosure*)
@@ -72,9 +74,9 @@ private:
     static int tellCapabilities(UMockdevIoctlClient* client);
     int run(UMockdevIoctlData* block, usbdevfs_urb& request);
 
-    std::shared_ptr<UsbEndpointZero> _endpoint;
-    std::list<Finished> _finished;
-    std::function<void()> _afterwards;
+    std::shared_ptr<UsbEndpointZero> m_endpoint;
+    std::list<Finished> m_finished;
+    std::function<void()> m_afterwards;
 };
 
 namespace
@@ -139,8 +141,9 @@ int UsbdevfsNode::Server::tellCapabilities(UMockdevIoctlClient* client)
 {
     UMockdevIoctlData* const data =
         pointedTo(umockdev_ioctl_client_get_arg(client), 0, sizeof(std::uint32_t));
-    if (data == nullptr)
+    if (data == nullptr) {
         return EFAULT;
+    }
     update(data, 0, std::uint32_t{0});
     g_object_unref(data);
     return 0;
@@ -150,76 +153,83 @@ int UsbdevfsNode::Server::submit(UMockdevIoctlClient* client)
 {
     UMockdevIoctlData* const block =
         pointedTo(umockdev_ioctl_client_get_arg(client), 0, sizeof(usbdevfs_urb));
-    if (block == nullptr)
+    if (block == nullptr) {
         return EFAULT;
+    }
     usbdevfs_urb request{};
     std::memcpy(&request, block->data, sizeof request);
     int const error = run(block, request);
-    if (error != 0)
+    if (error != 0) {
         g_object_unref(block);
-    else
-        _finished.push_back({client, block});
+    } else {
+        m_finished.push_back({client, block});
+    }
     return error;
 }
 
 int UsbdevfsNode::Server::run(UMockdevIoctlData* block, usbdevfs_urb& request)
 {
     constexpr int setupLength = 8;
-    if (request.type != USBDEVFS_URB_TYPE_CONTROL || request.buffer_length < setupLength)
+    if (request.type != USBDEVFS_URB_TYPE_CONTROL || request.buffer_length < setupLength) {
         return EINVAL;
+    }
     UMockdevIoctlData* const buffer = pointedTo(block, offsetof(usbdevfs_urb, buffer),
                                                 static_cast<std::size_t>(request.buffer_length));
-    if (buffer == nullptr)
+    if (buffer == nullptr) {
         return EFAULT;
-    UsbEndpointZero::Reply reply = _endpoint->answer(requestOf(buffer->data));
+    }
+    UsbEndpointZero::Reply reply = m_endpoint->answer(requestOf(buffer->data));
     std::size_t const room = static_cast<std::size_t>(request.buffer_length - setupLength);
     reply.bytes.resize(std::min(reply.bytes.size(), room));
-    if (!reply.bytes.empty())
+    if (!reply.bytes.empty()) {
         umockdev_ioctl_data_update(buffer, setupLength, reply.bytes.data(),
                                    static_cast<gint>(reply.bytes.size()));
+    }
     g_object_unref(buffer);
     update(block, offsetof(usbdevfs_urb, status), reply.stalled ? -EPIPE : 0);
     update(block, offsetof(usbdevfs_urb, actual_length), static_cast<int>(reply.bytes.size()));
-    _afterwards = reply.afterwards;
+    m_afterwards = reply.afterwards;
     return 0;
 }
 
 int UsbdevfsNode::Server::reap(UMockdevIoctlClient* client)
 {
     auto const own = [client](Finished const& finished) { return finished.client == client; };
-    auto const found = std::find_if(_finished.begin(), _finished.end(), own);
-    if (found == _finished.end())
+    auto const found = std::find_if(m_finished.begin(), m_finished.end(), own);
+    if (found == m_finished.end()) {
         return EAGAIN;
+    }
     UMockdevIoctlData* const pointer =
         pointedTo(umockdev_ioctl_client_get_arg(client), 0, sizeof(void*));
-    if (pointer == nullptr)
+    if (pointer == nullptr) {
         return EFAULT;
+    }
     umockdev_ioctl_data_set_ptr(pointer, 0, found->block);
     g_object_unref(pointer);
     g_object_unref(found->block);
-    _finished.erase(found);
+    m_finished.erase(found);
     return 0;
 }
 
 UsbdevfsNode::UsbdevfsNode(UMockdevTestbed* testbed, std::string node,
                            std::shared_ptr<UsbEndpointZero> endpoint)
-    : _testbed(testbed), _node(std::move(node)), _handler(umockdev_ioctl_base_new())
+    : m_testbed(testbed), m_node(std::move(node)), m_handler(umockdev_ioctl_base_new())
 {
-    g_signal_connect_data(_handler, "handle-ioctl", G_CALLBACK(Server::handle),
+    g_signal_connect_data(m_handler, "handle-ioctl", G_CALLBACK(Server::handle),
                           Server::make(std::move(endpoint)), Server::destroy, GConnectFlags{});
     GError* error = nullptr;
-    if (umockdev_testbed_attach_ioctl(_testbed, _node.c_str(), _handler, &error) == FALSE) {
+    if (umockdev_testbed_attach_ioctl(m_testbed, m_node.c_str(), m_handler, &error) == FALSE) {
         std::string const message = error != nullptr ? error->message : "unknown failure";
         g_clear_error(&error);
-        g_object_unref(_handler);
-        throw std::runtime_error("cannot serve " + _node + ": " + message);
+        g_object_unref(m_handler);
+        throw std::runtime_error("cannot serve " + m_node + ": " + message);
     }
 }
 
 UsbdevfsNode::~UsbdevfsNode()
 {
-    umockdev_testbed_detach_ioctl(_testbed, _node.c_str(), nullptr);
-    g_object_unref(_handler);
+    umockdev_testbed_detach_ioctl(m_testbed, m_node.c_str(), nullptr);
+    g_object_unref(m_handler);
 }
 
 } // namespace VirtualCamera

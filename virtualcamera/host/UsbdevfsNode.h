@@ -21,9 +21,9 @@ public:
 private:
     class Server;
 
-    UMockdevTestbed* _testbed;
-    std::string _node;
-    UMockdevIoctlBase* _handler;
+    UMockdevTestbed* m_testbed;
+    std::string m_node;
+    UMockdevIoctlBase* m_handler;
 };
 
 } // namespace VirtualCamera

@@ -71,7 +71,7 @@ public:
     CameraBuilder& vanishingAtFrame(std::uint32_t frame);
     CameraBuilder& withoutCallLog();
 
-    CameraScript const& script() const { return _script; }
+    CameraScript const& script() const { return m_script; }
     /// Plugs the camera in for this process; it stays until the result is destroyed. A camera that
     /// is already there under the same node is replaced.
     [[nodiscard]] InstalledCamera install() const;
@@ -80,7 +80,7 @@ private:
     FormatScript& format();
     IntervalScript& intervals();
 
-    CameraScript _script;
+    CameraScript m_script;
 };
 
 VIRTUALCAMERA_EXPORT CameraBuilder aCamera(std::string node = "/dev/video0");

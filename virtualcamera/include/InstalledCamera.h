@@ -91,7 +91,7 @@ public:
     void setSelectorBytes(std::uint8_t selector, std::vector<std::uint8_t> const& bytes);
 
 private:
-    std::shared_ptr<CameraDriver> _device;
+    std::shared_ptr<CameraDriver> m_device;
 };
 
 } // namespace VirtualCamera

@@ -25,8 +25,9 @@ std::atomic<pid_t> receiver{0};
 
 void passOn(int signal)
 {
-    if (pid_t const process = receiver)
+    if (pid_t const process = receiver) {
         kill(process, signal);
+    }
 }
 
 constexpr int passedSignals[] = {SIGTERM, SIGHUP, SIGUSR1, SIGUSR2};
@@ -38,8 +39,9 @@ void leaveToChild(int signal, pid_t child)
 {
     sigset_t pending;
     sigpending(&pending);
-    if (sigismember(&pending, signal) == 1)
+    if (sigismember(&pending, signal) == 1) {
         kill(child, signal);
+    }
     std::signal(signal, SIG_IGN);
 }
 
@@ -49,60 +51,66 @@ HeldSignals::HeldSignals()
 {
     sigset_t passed;
     sigemptyset(&passed);
-    for (int const signal : passedSignals)
+    for (int const signal : passedSignals) {
         sigaddset(&passed, signal);
-    for (int const signal : terminalSignals)
+    }
+    for (int const signal : terminalSignals) {
         sigaddset(&passed, signal);
-    pthread_sigmask(SIG_BLOCK, &passed, &_earlier);
+    }
+    pthread_sigmask(SIG_BLOCK, &passed, &m_earlier);
 }
 
 ChildProcess::ChildProcess(std::vector<std::string> const& command, HeldSignals const& held)
 {
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
-    for (std::string const& argument : command)
+    for (std::string const& argument : command) {
         arguments.push_back(const_cast<char*>(argument.c_str()));
+    }
     arguments.push_back(nullptr);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setsigmask(&attributes, &held.earlier());
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-    int const error =
-        posix_spawnp(&_process, arguments.front(), nullptr, &attributes, arguments.data(), environ);
+    int const error = posix_spawnp(&m_process, arguments.front(), nullptr, &attributes,
+                                   arguments.data(), environ);
     posix_spawnattr_destroy(&attributes);
-    if (error != 0)
+    if (error != 0) {
         throw std::system_error(error, std::generic_category(), command.front());
-    receiver = _process;
+    }
+    receiver = m_process;
     struct sigaction action
     {
     };
     action.sa_handler = passOn;
-    for (int const passed : passedSignals)
+    for (int const passed : passedSignals) {
         sigaction(passed, &action, nullptr);
-    for (int const signal : terminalSignals)
-        leaveToChild(signal, _process);
+    }
+    for (int const signal : terminalSignals) {
+        leaveToChild(signal, m_process);
+    }
     pthread_sigmask(SIG_SETMASK, &held.earlier(), nullptr);
-    _processDescriptor = static_cast<int>(syscall(SYS_pidfd_open, _process, 0));
+    m_processDescriptor = static_cast<int>(syscall(SYS_pidfd_open, m_process, 0));
 }
 
 bool ChildProcess::waitFor(int milliseconds)
 {
-    pollfd waiting{_processDescriptor, POLLIN, 0};
-    if (_running && poll(&waiting, 1, milliseconds) > 0) {
+    pollfd waiting{m_processDescriptor, POLLIN, 0};
+    if (m_running && poll(&waiting, 1, milliseconds) > 0) {
         int status = 0;
-        while (waitpid(_process, &status, 0) == -1 && errno == EINTR) {
+        while (waitpid(m_process, &status, 0) == -1 && errno == EINTR) {
         }
         ended(status);
     }
-    return !_running;
+    return !m_running;
 }
 
 void ChildProcess::ended(int status)
 {
     receiver = 0;
-    close(_processDescriptor);
-    _running = false;
-    _exitStatus = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    close(m_processDescriptor);
+    m_running = false;
+    m_exitStatus = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 } // namespace VirtualCamera

@@ -16,10 +16,10 @@ class HeldSignals
 {
 public:
     HeldSignals();
-    sigset_t const& earlier() const { return _earlier; }
+    sigset_t const& earlier() const { return m_earlier; }
 
 private:
-    sigset_t _earlier;
+    sigset_t m_earlier;
 };
 
 /// A program that runs with this process's environment and terminal. Signals that end this process
@@ -33,15 +33,15 @@ public:
     /// Waits for its end, at most so long; -1 waits for ever. True when it has ended.
     bool waitFor(int milliseconds);
     /// Once it has ended: its exit status, or 128 and the number of the signal that ended it.
-    int exitStatus() const { return _exitStatus; }
+    int exitStatus() const { return m_exitStatus; }
 
 private:
     void ended(int status);
 
-    pid_t _process = -1;
-    int _processDescriptor = -1;
-    bool _running = true;
-    int _exitStatus = 0;
+    pid_t m_process = -1;
+    int m_processDescriptor = -1;
+    bool m_running = true;
+    int m_exitStatus = 0;
 };
 
 } // namespace VirtualCamera

@@ -22,10 +22,12 @@ void performWhileRunning(ChildProcess& child, std::vector<HotPlug> changes)
             auto const passed =
                 std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
             int const left = change.afterMilliseconds - static_cast<int>(passed.count());
-            if (left <= 0)
+            if (left <= 0) {
                 break;
-            if (child.waitFor(left))
+            }
+            if (child.waitFor(left)) {
                 return;
+            }
         }
         change.action();
     }

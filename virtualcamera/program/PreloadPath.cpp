@@ -34,8 +34,9 @@ std::string restartInTestbed(char** arguments)
     if (found != nullptr) {
         std::string path = found;
         unsetenv(handover);
-        if (!Testbed::visible())
+        if (!Testbed::visible()) {
             throw std::runtime_error("umockdev's preload library cannot be loaded");
+        }
         return path;
     }
     setenv(handover, preloadPath().c_str(), 1);
@@ -49,15 +50,18 @@ std::string preloadPath()
     namespace files = std::filesystem;
     files::path const folder = files::read_symlink("/proc/self/exe").parent_path();
     files::path library = folder / VIRTUALCAMERA_LIBRARY;
-    if (!files::exists(library))
+    if (!files::exists(library)) {
         library =
             (folder / VIRTUALCAMERA_LIBRARY_FOLDER / VIRTUALCAMERA_LIBRARY).lexically_normal();
-    if (!files::exists(library))
+    }
+    if (!files::exists(library)) {
         throw std::runtime_error(library.string() + " is missing");
+    }
     std::string path = afterSanitizer("libumockdev-preload.so.0:" + library.string());
     char const* const earlier = std::getenv("LD_PRELOAD");
-    if (earlier != nullptr && *earlier != '\0')
+    if (earlier != nullptr && *earlier != '\0') {
         path += std::string(":") + earlier;
+    }
     return path;
 }
 

@@ -51,28 +51,28 @@ std::string makeFolder()
 
 } // namespace
 
-PrivateFolder::PrivateFolder() : _path(makeFolder())
+PrivateFolder::PrivateFolder() : m_path(makeFolder())
 {
     std::array<int, 2> ends{};
     bool const joined = pipe2(ends.data(), O_CLOEXEC) == 0;
-    _remover = joined ? fork() : -1;
-    if (_remover == -1) {
-        std::runtime_error const failed = failure("cannot watch over " + _path);
-        rmdir(_path.c_str());
+    m_remover = joined ? fork() : -1;
+    if (m_remover == -1) {
+        std::runtime_error const failed = failure("cannot watch over " + m_path);
+        rmdir(m_path.c_str());
         throw failed;
     }
-    if (_remover == 0) {
+    if (m_remover == 0) {
         close(ends[1]);
         removeAtTheEnd(ends[0]);
     }
     close(ends[0]);
-    _lifeline = ends[1];
+    m_lifeline = ends[1];
 }
 
 PrivateFolder::~PrivateFolder()
 {
-    close(_lifeline);
-    while (waitpid(_remover, nullptr, 0) == -1 && errno == EINTR) {
+    close(m_lifeline);
+    while (waitpid(m_remover, nullptr, 0) == -1 && errno == EINTR) {
     }
 }
 
@@ -84,20 +84,20 @@ void PrivateFolder::removeAtTheEnd(int lifeline) const
     while (read(lifeline, &nothing, 1) == -1 && errno == EINTR) {
     }
     std::error_code ignored;
-    std::filesystem::remove_all(_path, ignored);
+    std::filesystem::remove_all(m_path, ignored);
     _exit(EXIT_SUCCESS);
 }
 
 TemporaryFolderIs::TemporaryFolderIs(std::string const& path)
-    : _wasSet(std::getenv(variable) != nullptr), _earlier(_wasSet ? std::getenv(variable) : "")
+    : m_wasSet(std::getenv(variable) != nullptr), m_earlier(m_wasSet ? std::getenv(variable) : "")
 {
     setenv(variable, path.c_str(), 1);
 }
 
 TemporaryFolderIs::~TemporaryFolderIs()
 {
-    if (_wasSet) {
-        setenv(variable, _earlier.c_str(), 1);
+    if (m_wasSet) {
+        setenv(variable, m_earlier.c_str(), 1);
     } else {
         unsetenv(variable);
     }

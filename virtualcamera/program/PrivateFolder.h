@@ -21,14 +21,14 @@ public:
     /// The folder is gone when this returns.
     ~PrivateFolder();
 
-    std::string const& path() const { return _path; }
+    std::string const& path() const { return m_path; }
 
 private:
     [[noreturn]] void removeAtTheEnd(int lifeline) const;
 
-    std::string _path;
-    int _lifeline = -1; ///< The remover reads its other end, which ends with this process.
-    pid_t _remover = -1;
+    std::string m_path;
+    int m_lifeline = -1; ///< The remover reads its other end, which ends with this process.
+    pid_t m_remover = -1;
 };
 
 /// Lets the process use another temporary folder as long as this lives.
@@ -41,8 +41,8 @@ public:
     ~TemporaryFolderIs();
 
 private:
-    bool _wasSet;
-    std::string _earlier;
+    bool m_wasSet;
+    std::string m_earlier;
 };
 
 } // namespace VirtualCamera

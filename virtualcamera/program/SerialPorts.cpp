@@ -13,7 +13,7 @@ namespace VirtualCamera
 
 namespace files = std::filesystem;
 
-SerialPorts::SerialPorts(Testbed& testbed) : _testbed(testbed)
+SerialPorts::SerialPorts(Testbed& testbed) : m_testbed(testbed)
 {
     files::create_directories(toolFolder());
     std::string const tool = toolFolder() + "/dmesg";
@@ -24,12 +24,12 @@ SerialPorts::SerialPorts(Testbed& testbed) : _testbed(testbed)
 
 std::string SerialPorts::toolFolder() const
 {
-    return _testbed.rootDirectory() + "/tools";
+    return m_testbed.rootDirectory() + "/tools";
 }
 
 std::string SerialPorts::logFile() const
 {
-    return _testbed.rootDirectory() + "/kernel.log";
+    return m_testbed.rootDirectory() + "/kernel.log";
 }
 
 void SerialPorts::announce(std::string const& line) const
@@ -46,8 +46,8 @@ std::string SerialPorts::plug(std::string const& usbPort)
     Port port;
     std::string const name = port.name.text();
     std::string node = "/dev/" + name;
-    files::create_symlink(port.firmware->ttyPath(), _testbed.rootDirectory() + node);
-    _ports.emplace(node, std::move(port));
+    files::create_symlink(port.firmware->ttyPath(), m_testbed.rootDirectory() + node);
+    m_ports.emplace(node, std::move(port));
     // Interface 5 of configuration 1 carries the port.
     announce("cdc_acm " + usbPort + ":1.5: " + name + ": USB ACM device");
     return node;
@@ -55,9 +55,9 @@ std::string SerialPorts::plug(std::string const& usbPort)
 
 void SerialPorts::unplug(std::string const& node)
 {
-    _testbed.removeNodeFile(node);
-    _ports.at(node).firmware->unplug();
-    _ports.erase(node);
+    m_testbed.removeNodeFile(node);
+    m_ports.at(node).firmware->unplug();
+    m_ports.erase(node);
 }
 
 } // namespace VirtualCamera

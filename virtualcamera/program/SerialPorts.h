@@ -35,8 +35,8 @@ private:
     std::string logFile() const;
     void announce(std::string const& line) const;
 
-    Testbed& _testbed;
-    std::map<std::string, Port> _ports; ///< By their nodes.
+    Testbed& m_testbed;
+    std::map<std::string, Port> m_ports; ///< By their nodes.
 };
 
 } // namespace VirtualCamera

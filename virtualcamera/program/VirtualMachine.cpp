@@ -27,77 +27,90 @@ Testbed testbedIn(PrivateFolder const& folder)
 
 } // namespace
 
-VirtualMachine::VirtualMachine(std::vector<HostCamera> cameras) : _testbed(testbedIn(_folder))
+VirtualMachine::VirtualMachine(std::vector<HostCamera> cameras) : m_testbed(testbedIn(m_folder))
 {
     for (HostCamera& camera : cameras) {
-        for (CameraScript& node : camera.nodes)
-            node.presenceFile = _testbed.rootDirectory() + node.node;
-        _cameras.push_back({std::move(camera), std::nullopt, false, std::nullopt});
-        plug(_cameras.back());
+        for (CameraScript& node : camera.nodes) {
+            node.presenceFile = m_testbed.rootDirectory() + node.node;
+        }
+        m_cameras.push_back({std::move(camera), std::nullopt, false, std::nullopt});
+        plug(m_cameras.back());
     }
     writeConfiguration();
 }
 
 std::string VirtualMachine::configurationFile() const
 {
-    return _testbed.rootDirectory() + "/virtualcamera.json";
+    return m_testbed.rootDirectory() + "/virtualcamera.json";
 }
 
 void VirtualMachine::plug(PlacedCamera& placed)
 {
-    if (placed.plugged)
+    if (placed.plugged) {
         return;
-    if (placed.camera.usb)
-        placed.usb = _testbed.plug(*placed.camera.usb);
-    for (CameraScript const& node : placed.camera.nodes) {
-        if (placed.usb)
-            _testbed.addVideoNode(nodeName(node), *placed.usb);
-        else
-            _testbed.addVideoNode(nodeName(node));
     }
-    if (placed.camera.usb && placed.camera.serialPort)
-        placed.tty = _serialPorts.plug(placed.camera.usb->port);
+    if (placed.camera.usb) {
+        placed.usb = m_testbed.plug(*placed.camera.usb);
+    }
+    for (CameraScript const& node : placed.camera.nodes) {
+        if (placed.usb) {
+            m_testbed.addVideoNode(nodeName(node), *placed.usb);
+        } else {
+            m_testbed.addVideoNode(nodeName(node));
+        }
+    }
+    if (placed.camera.usb && placed.camera.serialPort) {
+        placed.tty = m_serialPorts.plug(placed.camera.usb->port);
+    }
     placed.plugged = true;
 }
 
 void VirtualMachine::unplug(PlacedCamera& placed)
 {
-    if (!placed.plugged)
+    if (!placed.plugged) {
         return;
-    if (placed.tty)
-        _serialPorts.unplug(*placed.tty);
+    }
+    if (placed.tty) {
+        m_serialPorts.unplug(*placed.tty);
+    }
     placed.tty.reset();
-    if (placed.usb)
-        _testbed.unplug(*placed.usb);
-    else
-        for (CameraScript const& node : placed.camera.nodes)
-            _testbed.removeVideoNode(nodeName(node));
+    if (placed.usb) {
+        m_testbed.unplug(*placed.usb);
+    } else {
+        for (CameraScript const& node : placed.camera.nodes) {
+            m_testbed.removeVideoNode(nodeName(node));
+        }
+    }
     placed.usb.reset();
     placed.plugged = false;
 }
 
 void VirtualMachine::unplugLast()
 {
-    if (!_cameras.empty())
-        unplug(_cameras.back());
+    if (!m_cameras.empty()) {
+        unplug(m_cameras.back());
+    }
 }
 
 void VirtualMachine::plugLast()
 {
-    if (!_cameras.empty())
-        plug(_cameras.back());
+    if (!m_cameras.empty()) {
+        plug(m_cameras.back());
+    }
 }
 
 void VirtualMachine::writeConfiguration() const
 {
     std::vector<CameraScript> nodes;
-    for (PlacedCamera const& placed : _cameras)
+    for (PlacedCamera const& placed : m_cameras) {
         nodes.insert(nodes.end(), placed.camera.nodes.begin(), placed.camera.nodes.end());
+    }
     std::ofstream file(configurationFile());
     file << camerasToJson(nodes) << '\n';
     file.close();
-    if (!file)
+    if (!file) {
         throw std::runtime_error("cannot write " + configurationFile());
+    }
 }
 
 } // namespace VirtualCamera

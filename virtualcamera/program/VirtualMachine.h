@@ -18,7 +18,7 @@ public:
 
     std::string configurationFile() const;
     /// The folder of the tools that stand in for the machine's own; to be searched first.
-    std::string toolFolder() const { return _serialPorts.toolFolder(); }
+    std::string toolFolder() const { return m_serialPorts.toolFolder(); }
     /// Take away and bring back the camera that was named last.
     void unplugLast();
     void plugLast();
@@ -36,10 +36,10 @@ private:
     void unplug(PlacedCamera& placed);
     void writeConfiguration() const;
 
-    PrivateFolder _folder; ///< Of all the files of this machine.
-    Testbed _testbed;
-    SerialPorts _serialPorts{_testbed};
-    std::vector<PlacedCamera> _cameras;
+    PrivateFolder m_folder; ///< Of all the files of this machine.
+    Testbed m_testbed;
+    SerialPorts m_serialPorts{m_testbed};
+    std::vector<PlacedCamera> m_cameras;
 };
 
 } // namespace VirtualCamera

@@ -21,8 +21,9 @@ using namespace VirtualCamera;
 
 void listModels()
 {
-    for (CameraModel const& model : cameraModels())
+    for (CameraModel const& model : cameraModels()) {
         std::printf("%-14s %s\n", model.name.c_str(), model.description.c_str());
+    }
 }
 
 std::vector<HostCamera> camerasOf(CommandLine const& line)
@@ -30,19 +31,22 @@ std::vector<HostCamera> camerasOf(CommandLine const& line)
     std::vector<HostCamera> cameras;
     if (!line.configuration.empty()) {
         std::ifstream file(line.configuration);
-        if (!file)
+        if (!file) {
             throw std::runtime_error(line.configuration + ": cannot be read");
+        }
         std::stringstream text;
         text << file.rdbuf();
         cameras = hostCamerasFromJson(text.str());
     }
     std::vector<std::string> models = line.models;
-    if (models.empty() && line.configuration.empty())
+    if (models.empty() && line.configuration.empty()) {
         models = {"webcam", "vendor"};
+    }
     for (std::string const& name : models) {
         CameraModel const* const model = cameraModel(name);
-        if (model == nullptr)
+        if (model == nullptr) {
             throw std::runtime_error("there is no model \"" + name + "\" (see --list-models)");
+        }
         cameras.push_back(cameraBehind(cameras, *model));
     }
     return cameras;
@@ -57,8 +61,9 @@ int run(CommandLine const& line, std::string const& preload)
         machine.unplugLast();
         changes.push_back({line.plugAfter, [&machine] { machine.plugLast(); }});
     }
-    if (line.unplugAfter >= 0)
+    if (line.unplugAfter >= 0) {
         changes.push_back({line.unplugAfter, [&machine] { machine.unplugLast(); }});
+    }
     setenv("VIRTUALCAMERA_CONFIG", machine.configurationFile().c_str(), 1);
     char const* const path = std::getenv("PATH");
     setenv("PATH", (machine.toolFolder() + ":" + (path == nullptr ? "" : path)).c_str(), 1);

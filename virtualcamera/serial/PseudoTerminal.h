@@ -20,17 +20,17 @@ public:
     ~PseudoTerminal();
 
     /// The client's end, such as "/dev/pts/7".
-    std::string const& path() const { return _path; }
+    std::string const& path() const { return m_path; }
     /// The camera's end, for poll(); it reports a hang-up while no client is there.
-    int descriptor() const { return _descriptor; }
+    int descriptor() const { return m_descriptor; }
     /// What has come in; empty when there is nothing.
     SerialBytes read();
     /// What no client takes is lost.
     void write(SerialBytes const& bytes);
 
 private:
-    int _descriptor;
-    std::string _path;
+    int m_descriptor;
+    std::string m_path;
 };
 
 } // namespace VirtualCamera

@@ -48,22 +48,22 @@ SerialAnswer SerialAnswer::prompt()
 SerialAnswer SerialAnswer::late(Milliseconds delay)
 {
     SerialAnswer answer;
-    answer._delay = delay;
+    answer.m_delay = delay;
     return answer;
 }
 
 SerialAnswer SerialAnswer::split(std::size_t firstBytes, Milliseconds delay)
 {
     SerialAnswer answer;
-    answer._splitAt = firstBytes;
-    answer._delay = delay;
+    answer.m_splitAt = firstBytes;
+    answer.m_delay = delay;
     return answer;
 }
 
 SerialAnswer SerialAnswer::cutTo(std::size_t bytes)
 {
     SerialAnswer answer;
-    answer._cutAt = bytes;
+    answer.m_cutAt = bytes;
     return answer;
 }
 
@@ -75,44 +75,44 @@ SerialAnswer SerialAnswer::silence()
 SerialAnswer SerialAnswer::wrong(SerialBytes bytes)
 {
     SerialAnswer answer;
-    answer._instead = std::move(bytes);
+    answer.m_instead = std::move(bytes);
     return answer;
 }
 
 SerialAnswer SerialAnswer::doubled() const
 {
     SerialAnswer answer = *this;
-    answer._twice = true;
+    answer.m_twice = true;
     return answer;
 }
 
 SerialAnswer SerialAnswer::behind(SerialBytes bytes) const
 {
     SerialAnswer answer = *this;
-    answer._before = std::move(bytes);
+    answer.m_before = std::move(bytes);
     return answer;
 }
 
 SerialAnswer SerialAnswer::withoutHeader() const
 {
     SerialAnswer answer = *this;
-    answer._headerless = true;
+    answer.m_headerless = true;
     return answer;
 }
 
 SerialBytes SerialAnswer::bytesFor(SerialBytes reply) const
 {
-    if (_instead) {
-        reply = *_instead;
+    if (m_instead) {
+        reply = *m_instead;
     }
-    if (_headerless) {
+    if (m_headerless) {
         std::fill_n(reply.begin(), std::min(SerialPacket::headerLength, reply.size()), 0);
     }
-    if (_cutAt) {
-        reply.resize(std::min(*_cutAt, reply.size()));
+    if (m_cutAt) {
+        reply.resize(std::min(*m_cutAt, reply.size()));
     }
-    SerialBytes all = _before;
-    for (int times = _twice ? 2 : 1; times > 0; --times) {
+    SerialBytes all = m_before;
+    for (int times = m_twice ? 2 : 1; times > 0; --times) {
         all.insert(all.end(), reply.begin(), reply.end());
     }
     return all;
@@ -121,13 +121,15 @@ SerialBytes SerialAnswer::bytesFor(SerialBytes reply) const
 std::vector<SerialAnswer::Piece> SerialAnswer::pieces(SerialBytes reply) const
 {
     reply = bytesFor(std::move(reply));
-    if (reply.empty())
+    if (reply.empty()) {
         return {};
-    if (!_splitAt)
-        return {{std::move(reply), _delay}};
-    auto const middle = reply.begin() + upTo(*_splitAt, reply);
+    }
+    if (!m_splitAt) {
+        return {{std::move(reply), m_delay}};
+    }
+    auto const middle = reply.begin() + upTo(*m_splitAt, reply);
     return {{SerialBytes(reply.begin(), middle), Milliseconds(0)},
-            {SerialBytes(middle, reply.end()), _delay}};
+            {SerialBytes(middle, reply.end()), m_delay}};
 }
 
 } // namespace VirtualCamera

@@ -83,13 +83,13 @@ public:
 private:
     SerialBytes bytesFor(SerialBytes reply) const;
 
-    Milliseconds _delay{0};
-    std::optional<std::size_t> _splitAt;
-    std::optional<std::size_t> _cutAt;
-    std::optional<SerialBytes> _instead;
-    SerialBytes _before;
-    bool _twice = false;
-    bool _headerless = false;
+    Milliseconds m_delay{0};
+    std::optional<std::size_t> m_splitAt;
+    std::optional<std::size_t> m_cutAt;
+    std::optional<SerialBytes> m_instead;
+    SerialBytes m_before;
+    bool m_twice = false;
+    bool m_headerless = false;
 };
 
 } // namespace VirtualCamera

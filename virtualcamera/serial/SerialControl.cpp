@@ -20,10 +20,12 @@ SerialControl fields(std::uint8_t selector, std::vector<std::int16_t> const& val
     control.unit = extensionUnit;
     control.selector = selector;
     for (std::int16_t const value : values) {
-        for (std::uint8_t const byte : littleEndian(value, 2))
+        for (std::uint8_t const byte : littleEndian(value, 2)) {
             control.current.push_back(byte);
-        for (std::uint8_t const byte : littleEndian(maximum, 2))
+        }
+        for (std::uint8_t const byte : littleEndian(maximum, 2)) {
             control.maximum.push_back(byte);
+        }
     }
     control.minimum.assign(control.current.size(), 0);
     control.defaults = control.current;
@@ -49,8 +51,9 @@ SerialBytes littleEndian(std::int64_t value, std::size_t length)
 {
     SerialBytes bytes;
     auto rest = static_cast<std::uint64_t>(value);
-    for (std::size_t place = 0; place < length; ++place, rest >>= 8)
+    for (std::size_t place = 0; place < length; ++place, rest >>= 8) {
         bytes.push_back(static_cast<std::uint8_t>(rest & 0xff));
+    }
     return bytes;
 }
 

@@ -38,8 +38,9 @@ bool isRequest(SerialPacket const& packet)
 
 std::optional<SerialBytes> write(SerialControl& control, SerialBytes const& data)
 {
-    if ((control.info & writable) == 0)
+    if ((control.info & writable) == 0) {
         return std::nullopt;
+    }
     std::copy_n(data.begin(), std::min(data.size(), control.current.size()),
                 control.current.begin());
     return data;
@@ -126,8 +127,9 @@ void SerialFirmware::State::run()
     for (;;) {
         wait();
         std::lock_guard<std::mutex> const lock(mutex);
-        if (stopping)
+        if (stopping) {
             return;
+        }
         takeIn();
         sendDuePieces();
     }
@@ -149,8 +151,9 @@ void SerialFirmware::State::wait()
     Milliseconds const patience = timeToNextDeed();
     std::array<pollfd, 2> waiting{{{terminal->descriptor(), POLLIN, 0}, {wakeUp, POLLIN, 0}}};
     poll(waiting.data(), waiting.size(), static_cast<int>(patience.count()));
-    if ((waiting[0].revents & POLLHUP) != 0)
+    if ((waiting[0].revents & POLLHUP) != 0) {
         poll(&waiting[1], 1, static_cast<int>(clientPatience.count()));
+    }
     std::uint64_t count = 0;
     ssize_t const taken = read(wakeUp, &count, sizeof count);
     static_cast<void>(taken);
@@ -168,8 +171,9 @@ void SerialFirmware::State::takeIn()
 {
     SerialBytes const bytes = terminal->read();
     input.insert(input.end(), bytes.begin(), bytes.end());
-    if (!bytes.empty())
+    if (!bytes.empty()) {
         lastInput = Clock::now();
+    }
     SerialPacket packet;
     for (packet.bytes = input; packet.complete() && isRequest(packet); packet.bytes = input) {
         std::size_t const size =
@@ -189,8 +193,9 @@ void SerialFirmware::State::takeIn()
 void SerialFirmware::State::carryOut(SerialPacket const& packet)
 {
     SerialBytes reply;
-    if (!replyTo(packet, reply))
+    if (!replyTo(packet, reply)) {
         return;
+    }
     for (SerialAnswer::Piece const& piece : answerFor(packet).pieces(reply)) {
         Clock::time_point due = Clock::now() + piece.delay;
         if (apart && !pending.empty()) {
@@ -205,21 +210,25 @@ SerialAnswer SerialFirmware::State::answerFor(SerialPacket const& packet)
     auto const script = std::find_if(scripts.begin(), scripts.end(), [&](Script const& one) {
         return one.timesLeft > 0 && one.requests.cover(packet);
     });
-    if (script == scripts.end())
+    if (script == scripts.end()) {
         return SerialAnswer::prompt();
-    if (script->timesLeft != always)
+    }
+    if (script->timesLeft != always) {
         --script->timesLeft;
+    }
     return script->how;
 }
 
 bool SerialFirmware::State::replyTo(SerialPacket const& packet, SerialBytes& reply)
 {
     auto const found = controls.find({packet.unit(), packet.selector()});
-    if (found == controls.end())
+    if (found == controls.end()) {
         return false;
+    }
     std::optional<SerialBytes> data = perform(packet, found->second);
-    if (!data)
+    if (!data) {
         return false;
+    }
     data->resize(packet.length());
     reply = packet.header();
     reply.insert(reply.end(), data->begin(), data->end());
@@ -227,112 +236,115 @@ bool SerialFirmware::State::replyTo(SerialPacket const& packet, SerialBytes& rep
 }
 
 SerialFirmware::SerialFirmware(std::vector<SerialControl> controls)
-    : _state(std::make_unique<State>())
+    : m_state(std::make_unique<State>())
 {
-    for (SerialControl& control : controls)
-        _state->controls[{control.unit, control.selector}] = std::move(control);
-    _state->path = _state->terminal->path();
-    _state->thread = std::thread([this] { _state->run(); });
+    for (SerialControl& control : controls) {
+        m_state->controls[{control.unit, control.selector}] = std::move(control);
+    }
+    m_state->path = m_state->terminal->path();
+    m_state->thread = std::thread([this] { m_state->run(); });
 }
 
 SerialFirmware::~SerialFirmware()
 {
     unplug();
-    close(_state->wakeUp);
+    close(m_state->wakeUp);
 }
 
 std::string const& SerialFirmware::ttyPath() const
 {
-    return _state->path;
+    return m_state->path;
 }
 
 void SerialFirmware::unplug()
 {
-    if (!_state->thread.joinable())
+    if (!m_state->thread.joinable()) {
         return;
-    {
-        std::lock_guard<std::mutex> const lock(_state->mutex);
-        _state->stopping = true;
     }
-    _state->wake();
-    _state->thread.join();
-    _state->terminal.reset();
+    {
+        std::lock_guard<std::mutex> const lock(m_state->mutex);
+        m_state->stopping = true;
+    }
+    m_state->wake();
+    m_state->thread.join();
+    m_state->terminal.reset();
 }
 
 void SerialFirmware::answer(SerialAnswer const& how, SerialRequests const& requests, unsigned times)
 {
-    std::lock_guard<std::mutex> const lock(_state->mutex);
-    _state->scripts.push_back({how, requests, times});
+    std::lock_guard<std::mutex> const lock(m_state->mutex);
+    m_state->scripts.push_back({how, requests, times});
 }
 
 void SerialFirmware::answerAllPromptly()
 {
-    std::lock_guard<std::mutex> const lock(_state->mutex);
-    _state->scripts.clear();
+    std::lock_guard<std::mutex> const lock(m_state->mutex);
+    m_state->scripts.clear();
 }
 
 void SerialFirmware::answerInOrder(Milliseconds apart)
 {
-    std::lock_guard<std::mutex> const lock(_state->mutex);
-    _state->apart = apart;
+    std::lock_guard<std::mutex> const lock(m_state->mutex);
+    m_state->apart = apart;
 }
 
 void SerialFirmware::say(SerialBytes const& bytes)
 {
-    std::lock_guard<std::mutex> const lock(_state->mutex);
-    _state->pending.emplace(Clock::now(), bytes);
-    _state->wake();
+    std::lock_guard<std::mutex> const lock(m_state->mutex);
+    m_state->pending.emplace(Clock::now(), bytes);
+    m_state->wake();
 }
 
 std::vector<SerialPacket> SerialFirmware::packets() const
 {
-    std::lock_guard<std::mutex> const lock(_state->mutex);
-    return _state->packets;
+    std::lock_guard<std::mutex> const lock(m_state->mutex);
+    return m_state->packets;
 }
 
 std::vector<SerialBytes> SerialFirmware::packetBytes() const
 {
     std::vector<SerialBytes> all;
-    for (SerialPacket const& packet : packets())
+    for (SerialPacket const& packet : packets()) {
         all.push_back(packet.bytes);
+    }
     return all;
 }
 
 void SerialFirmware::clearPackets()
 {
-    std::lock_guard<std::mutex> const lock(_state->mutex);
-    _state->packets.clear();
+    std::lock_guard<std::mutex> const lock(m_state->mutex);
+    m_state->packets.clear();
 }
 
 bool SerialFirmware::awaitPackets(std::size_t count) const
 {
-    std::unique_lock<std::mutex> lock(_state->mutex);
-    return _state->received.wait_for(lock, std::chrono::seconds(5),
-                                     [&] { return _state->packets.size() >= count; });
+    std::unique_lock<std::mutex> lock(m_state->mutex);
+    return m_state->received.wait_for(lock, std::chrono::seconds(5),
+                                      [&] { return m_state->packets.size() >= count; });
 }
 
 SerialBytes SerialFirmware::data(std::uint8_t unit, std::uint8_t selector) const
 {
-    std::lock_guard<std::mutex> const lock(_state->mutex);
-    return _state->control(unit, selector).current;
+    std::lock_guard<std::mutex> const lock(m_state->mutex);
+    return m_state->control(unit, selector).current;
 }
 
 void SerialFirmware::setData(std::uint8_t unit, std::uint8_t selector, SerialBytes const& bytes)
 {
-    std::lock_guard<std::mutex> const lock(_state->mutex);
-    _state->control(unit, selector).current = bytes;
+    std::lock_guard<std::mutex> const lock(m_state->mutex);
+    m_state->control(unit, selector).current = bytes;
 }
 
 void SerialFirmware::setInfo(std::uint8_t unit, std::uint8_t selector, std::uint8_t info)
 {
-    std::lock_guard<std::mutex> const lock(_state->mutex);
-    _state->control(unit, selector).info = info;
+    std::lock_guard<std::mutex> const lock(m_state->mutex);
+    m_state->control(unit, selector).info = info;
 }
 
 void SerialFirmware::claimLength(std::uint8_t unit, std::uint8_t selector, std::uint16_t length)
 {
-    std::lock_guard<std::mutex> const lock(_state->mutex);
-    _state->control(unit, selector).claimedLength = length;
+    std::lock_guard<std::mutex> const lock(m_state->mutex);
+    m_state->control(unit, selector).claimedLength = length;
 }
 
 } // namespace VirtualCamera

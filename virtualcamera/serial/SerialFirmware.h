@@ -62,7 +62,7 @@ public:
 private:
     struct State;
 
-    std::unique_ptr<State> _state;
+    std::unique_ptr<State> m_state;
 };
 
 } // namespace VirtualCamera

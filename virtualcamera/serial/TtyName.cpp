@@ -71,26 +71,26 @@ TtyName::TtyName()
 }
 
 TtyName::TtyName(TtyName&& other) noexcept
-    : _digit(other._digit), _reservation(std::exchange(other._reservation, -1))
+    : m_digit(other.m_digit), m_reservation(std::exchange(other.m_reservation, -1))
 {
 }
 
 TtyName::~TtyName()
 {
-    if (_reservation != -1) {
-        isUnlocked(_digit);
-        close(_reservation);
+    if (m_reservation != -1) {
+        isUnlocked(m_digit);
+        close(m_reservation);
     }
 }
 
 std::string TtyName::text() const
 {
-    return nameOf(_digit);
+    return nameOf(m_digit);
 }
 
 std::string TtyName::lockFile() const
 {
-    return lockFileOf(_digit);
+    return lockFileOf(m_digit);
 }
 
 // An abstract socket is seen by all users, needs no file that one of them would own, and goes with
@@ -110,8 +110,8 @@ bool TtyName::reserve(int digit)
         close(descriptor);
         return false;
     }
-    _digit = digit;
-    _reservation = descriptor;
+    m_digit = digit;
+    m_reservation = descriptor;
     return true;
 }
 

@@ -27,8 +27,8 @@ public:
 private:
     bool reserve(int digit);
 
-    int _digit = 0;
-    int _reservation = -1;
+    int m_digit = 0;
+    int m_reservation = -1;
 };
 
 } // namespace VirtualCamera

@@ -49,25 +49,25 @@ public:
     /// Buffers of the queue's own, for read().
     int startReading(int file, std::uint32_t sizeImage);
     void requeue(Buffer& buffer);
-    bool reading() const { return _reading; }
+    bool reading() const { return m_reading; }
 
-    bool ownedByOther(int file) const { return _owner != -1 && _owner != file; }
+    bool ownedByOther(int file) const { return m_owner != -1 && m_owner != file; }
     /// Stops streaming and frees everything that `file` owns.
     void closed(int file);
 
-    bool streaming() const { return _streaming; }
-    bool streamsTo(int file) const { return _streaming && !_reading && _owner == file; }
+    bool streaming() const { return m_streaming; }
+    bool streamsTo(int file) const { return m_streaming && !m_reading && m_owner == file; }
     /// Streaming, but no buffer has been queued since it was last stopped.
-    bool waitingForBuffers() const { return _waitingForBuffers; }
-    bool hasQueued() const { return !_queued.empty(); }
-    bool hasDone() const { return !_done.empty(); }
+    bool waitingForBuffers() const { return m_waitingForBuffers; }
+    bool hasQueued() const { return !m_queued.empty(); }
+    bool hasDone() const { return !m_done.empty(); }
     /// Fills the oldest queued buffer with a frame.
     void complete(std::uint32_t frame, timeval const& timestamp);
 
-    unsigned count() const { return static_cast<unsigned>(_buffers.size()); }
-    unsigned queuedCount() const { return static_cast<unsigned>(_queued.size() + _done.size()); }
+    unsigned count() const { return static_cast<unsigned>(m_buffers.size()); }
+    unsigned queuedCount() const { return static_cast<unsigned>(m_queued.size() + m_done.size()); }
     /// Changes with each allocation, so that late unmappings find their own buffers only.
-    unsigned generation() const { return _generation; }
+    unsigned generation() const { return m_generation; }
 
 private:
     bool offered(std::uint32_t memory) const;
@@ -77,17 +77,17 @@ private:
     void stop();
     void describe(unsigned index, v4l2_buffer& buffer) const;
 
-    CameraScript const& _script;
-    std::uint32_t _memory = 0;
-    std::uint32_t _sizeImage = 0;
-    int _owner = -1;
-    bool _streaming = false;
-    bool _waitingForBuffers = true;
-    bool _reading = false;
-    unsigned _generation = 0;
-    std::vector<Buffer> _buffers;
-    std::vector<unsigned> _queued; ///< Oldest first.
-    std::vector<unsigned> _done;   ///< Oldest first.
+    CameraScript const& m_script;
+    std::uint32_t m_memory = 0;
+    std::uint32_t m_sizeImage = 0;
+    int m_owner = -1;
+    bool m_streaming = false;
+    bool m_waitingForBuffers = true;
+    bool m_reading = false;
+    unsigned m_generation = 0;
+    std::vector<Buffer> m_buffers;
+    std::vector<unsigned> m_queued; ///< Oldest first.
+    std::vector<unsigned> m_done;   ///< Oldest first.
 };
 
 } // namespace VirtualCamera

@@ -81,9 +81,11 @@ std::array<NamedCall, 44> const& namedCalls()
 
 std::string callName(CallId const& call)
 {
-    for (NamedCall const& named : namedCalls())
-        if (named.call == call)
+    for (NamedCall const& named : namedCalls()) {
+        if (named.call == call) {
             return named.name;
+        }
+    }
     char text[16];
     std::snprintf(text, sizeof text, "0x%08x", call.request);
     return text;
@@ -97,11 +99,14 @@ bool isKnownCall(CallId const& call)
 
 CallId callByName(std::string const& name)
 {
-    for (NamedCall const& named : namedCalls())
-        if (name == named.name)
+    for (NamedCall const& named : namedCalls()) {
+        if (name == named.name) {
             return named.call;
-    if (name.size() > 2 && name[0] == '0' && name[1] == 'x')
+        }
+    }
+    if (name.size() > 2 && name[0] == '0' && name[1] == 'x') {
         return CallId(std::stoul(name, nullptr, 16));
+    }
     throw std::invalid_argument("no call is named \"" + name + "\"");
 }
 

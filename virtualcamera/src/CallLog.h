@@ -16,17 +16,17 @@ class CallLog
 public:
     CallLog(std::vector<Fault> const& faults, bool recording);
 
-    bool recording() const { return _recording; }
+    bool recording() const { return m_recording; }
     /// Counts a use; the result is the errno to fail with, or 0.
     int countUse(CallId const& call);
     void record(CallRecord record);
     void clear();
 
-    std::deque<CallRecord> const& records() const { return _records; }
+    std::deque<CallRecord> const& records() const { return m_records; }
     unsigned countOf(CallId const& call) const;
 
-    void addFault(Fault const& fault) { _faults.push_back({fault, 0}); }
-    void clearFaults() { _faults.clear(); }
+    void addFault(Fault const& fault) { m_faults.push_back({fault, 0}); }
+    void clearFaults() { m_faults.clear(); }
 
 private:
     struct Counter
@@ -40,10 +40,10 @@ private:
         unsigned uses;
     };
 
-    bool _recording;
-    std::vector<CountedFault> _faults;
-    std::vector<Counter> _counters;
-    std::deque<CallRecord> _records;
+    bool m_recording;
+    std::vector<CountedFault> m_faults;
+    std::vector<Counter> m_counters;
+    std::deque<CallRecord> m_records;
 };
 
 } // namespace VirtualCamera

@@ -17,10 +17,10 @@ namespace VirtualCamera
 
 CameraBuilder::CameraBuilder(std::string node)
 {
-    _script.node = std::move(node);
+    m_script.node = std::move(node);
 }
 
-CameraBuilder::CameraBuilder(CameraScript script) : _script(std::move(script)) {}
+CameraBuilder::CameraBuilder(CameraScript script) : m_script(std::move(script)) {}
 
 CameraBuilder aCamera(std::string node)
 {
@@ -29,52 +29,55 @@ CameraBuilder aCamera(std::string node)
 
 InstalledCamera CameraBuilder::install() const
 {
-    auto device = std::make_shared<CameraDriver>(_script);
+    auto device = std::make_shared<CameraDriver>(m_script);
     Registry::instance().plug(device);
     return InstalledCamera(std::move(device));
 }
 
 CameraBuilder& CameraBuilder::named(std::string card)
 {
-    _script.card = std::move(card);
+    m_script.card = std::move(card);
     return *this;
 }
 
 CameraBuilder& CameraBuilder::withDriver(std::string driver, std::uint32_t version)
 {
-    _script.driver = std::move(driver);
-    _script.driverVersion = version;
+    m_script.driver = std::move(driver);
+    m_script.driverVersion = version;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::withBusInfo(std::string busInfo)
 {
-    _script.busInfo = std::move(busInfo);
+    m_script.busInfo = std::move(busInfo);
     return *this;
 }
 
 CameraBuilder& CameraBuilder::withCapabilities(std::uint32_t capabilities,
                                                std::uint32_t deviceCapabilities)
 {
-    _script.capabilities = capabilities;
-    _script.deviceCapabilities = deviceCapabilities;
+    m_script.capabilities = capabilities;
+    m_script.deviceCapabilities = deviceCapabilities;
     return *this;
 }
 
 FormatScript& CameraBuilder::format()
 {
-    if (_script.formats.empty())
+    if (m_script.formats.empty()) {
         throw std::logic_error("a camera's sizes and intervals come after a format");
-    return _script.formats.back();
+    }
+    return m_script.formats.back();
 }
 
 IntervalScript& CameraBuilder::intervals()
 {
     FormatScript& last = format();
-    if (last.sizeKind != RangeKind::Discrete)
+    if (last.sizeKind != RangeKind::Discrete) {
         return last.sizeRange.intervals;
-    if (last.sizes.empty())
+    }
+    if (last.sizes.empty()) {
         throw std::logic_error("a camera's intervals come after a size");
+    }
     return last.sizes.back().intervals;
 }
 
@@ -84,10 +87,11 @@ CameraBuilder& CameraBuilder::withFormat(std::string const& pixelFormat, std::st
     FormatScript added;
     added.pixelFormat = pixelFormatByName(pixelFormat);
     added.description = std::move(description);
-    if (added.description.empty())
+    if (added.description.empty()) {
         added.description = pixelFormat;
+    }
     added.flags = flags;
-    _script.formats.push_back(std::move(added));
+    m_script.formats.push_back(std::move(added));
     return *this;
 }
 
@@ -149,34 +153,37 @@ CameraBuilder& CameraBuilder::withFrameBytes(std::vector<std::uint8_t> bytes)
 CameraBuilder& CameraBuilder::currently(std::string const& pixelFormat, std::uint32_t width,
                                         std::uint32_t height)
 {
-    _script.currentPixelFormat = pixelFormatByName(pixelFormat);
-    _script.currentWidth = width;
-    _script.currentHeight = height;
+    m_script.currentPixelFormat = pixelFormatByName(pixelFormat);
+    m_script.currentWidth = width;
+    m_script.currentHeight = height;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::currentlyEvery(std::uint32_t numerator, std::uint32_t denominator)
 {
-    _script.currentInterval = Interval{numerator, denominator};
+    m_script.currentInterval = Interval{numerator, denominator};
     return *this;
 }
 
 CameraBuilder& CameraBuilder::withControl(ControlScript control)
 {
-    _script.controls.push_back(std::move(control));
+    m_script.controls.push_back(std::move(control));
     return *this;
 }
 
 CameraBuilder& CameraBuilder::withClassHeadings()
 {
     std::set<std::uint32_t> headings;
-    for (ControlScript const& control : _script.controls)
+    for (ControlScript const& control : m_script.controls) {
         headings.insert(classHeadingId(control.id));
+    }
     for (std::uint32_t id : headings) {
         auto const sameId = [id](ControlScript const& control) { return control.id == id; };
-        bool const present = std::any_of(_script.controls.begin(), _script.controls.end(), sameId);
-        if (!present && id < V4L2_CID_PRIVATE_BASE)
+        bool const present =
+            std::any_of(m_script.controls.begin(), m_script.controls.end(), sameId);
+        if (!present && id < V4L2_CID_PRIVATE_BASE) {
             withControl(classHeading(id, controlClassName(id)));
+        }
     }
     return *this;
 }
@@ -184,25 +191,25 @@ CameraBuilder& CameraBuilder::withClassHeadings()
 CameraBuilder& CameraBuilder::withExtensionUnit(Guid const& guid,
                                                 std::vector<SelectorScript> selectors)
 {
-    _script.extensionUnit = ExtensionUnitScript{guid, std::move(selectors)};
+    m_script.extensionUnit = ExtensionUnitScript{guid, std::move(selectors)};
     return *this;
 }
 
 CameraBuilder& CameraBuilder::withoutNextControl()
 {
-    _script.nextControlSupported = false;
+    m_script.nextControlSupported = false;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::withStuckControlEnumerationAt(std::uint32_t controlId)
 {
-    _script.stuckControlId = controlId;
+    m_script.stuckControlId = controlId;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::withPlainPrivateControls(bool plain)
 {
-    _script.privateControlsPlain = plain;
+    m_script.privateControlsPlain = plain;
     return *this;
 }
 

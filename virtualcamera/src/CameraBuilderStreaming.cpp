@@ -6,61 +6,61 @@ namespace VirtualCamera
 
 CameraBuilder& CameraBuilder::offeringMmap(bool offered)
 {
-    _script.mmapOffered = offered;
+    m_script.mmapOffered = offered;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::offeringUserPointers(bool offered)
 {
-    _script.userPointersOffered = offered;
+    m_script.userPointersOffered = offered;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::offeringRead(bool offered)
 {
-    _script.readOffered = offered;
+    m_script.readOffered = offered;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::grantingAtMost(std::uint32_t buffers)
 {
-    _script.mostBuffers = buffers;
+    m_script.mostBuffers = buffers;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::grantingAtLeast(std::uint32_t buffers)
 {
-    _script.fewestBuffers = buffers;
+    m_script.fewestBuffers = buffers;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::paced(Pace pace)
 {
-    _script.pace = pace;
+    m_script.pace = pace;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::withStillPattern()
 {
-    _script.stillPattern = true;
+    m_script.stillPattern = true;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::failing(CallId call, int error, unsigned nthUse)
 {
-    _script.faults.push_back({call, error, nthUse, false});
+    m_script.faults.push_back({call, error, nthUse, false});
     return *this;
 }
 
 CameraBuilder& CameraBuilder::failingFrom(CallId call, int error, unsigned nthUse)
 {
-    _script.faults.push_back({call, error, nthUse, true});
+    m_script.faults.push_back({call, error, nthUse, true});
     return *this;
 }
 
 CameraBuilder& CameraBuilder::withFrameFault(FrameFault const& fault)
 {
-    _script.frameFaults.push_back(fault);
+    m_script.frameFaults.push_back(fault);
     return *this;
 }
 
@@ -139,13 +139,13 @@ CameraBuilder& CameraBuilder::withWrongLength(std::uint32_t frame, std::uint32_t
 
 CameraBuilder& CameraBuilder::vanishingAtFrame(std::uint32_t frame)
 {
-    _script.vanishingFrame = frame;
+    m_script.vanishingFrame = frame;
     return *this;
 }
 
 CameraBuilder& CameraBuilder::withoutCallLog()
 {
-    _script.callsLogged = false;
+    m_script.callsLogged = false;
     return *this;
 }
 

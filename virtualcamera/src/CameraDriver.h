@@ -33,8 +33,8 @@ class CameraDriver
 public:
     explicit CameraDriver(CameraScript script);
 
-    std::string const& node() const { return _script.node; }
-    CameraScript const& script() const { return _script; }
+    std::string const& node() const { return m_script.node; }
+    CameraScript const& script() const { return m_script; }
     bool gone();
     /// False while the camera's presence file is missing.
     bool present() const;
@@ -57,15 +57,15 @@ public:
     template <typename Action>
     auto locked(Action const& action)
     {
-        std::lock_guard const lock(_mutex);
+        std::lock_guard const lock(m_mutex);
         Announcement const announcement(*this);
         return action(*this);
     }
 
-    CallLog& log() { return _log; }
-    ControlState& controls() { return _controls; }
-    FormatState& formats() { return _formats; }
-    ExtensionUnitState& extensionUnit() { return _extensionUnit; }
+    CallLog& log() { return m_log; }
+    ControlState& controls() { return m_controls; }
+    FormatState& formats() { return m_formats; }
+    ExtensionUnitState& extensionUnit() { return m_extensionUnit; }
 
 private:
     using Lock = std::unique_lock<std::mutex>;
@@ -107,25 +107,25 @@ private:
     int nextReadImage(Lock& lock, int file);
     int checkRead(int file);
 
-    CameraScript const _script;
-    mutable std::mutex _mutex;
-    std::condition_variable _changed;
-    CallLog _log;
-    FormatState _formats;
-    ControlState _controls;
-    ExtensionUnitState _extensionUnit;
-    BufferQueue _queue;
-    FrameSource _source;
-    FramePainter _painter;
-    std::vector<OpenFile> _files;
-    std::vector<unsigned char> _readImage;
-    std::size_t _readPosition = 0;
-    std::optional<std::uint32_t> _readClaim; ///< What the next read is to return instead.
-    int _liveMappings = 0;
-    unsigned _totalOpens = 0;
-    unsigned _totalMappings = 0;
-    unsigned _totalFrames = 0;
-    bool _gone = false;
+    CameraScript const m_script;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    CallLog m_log;
+    FormatState m_formats;
+    ControlState m_controls;
+    ExtensionUnitState m_extensionUnit;
+    BufferQueue m_queue;
+    FrameSource m_source;
+    FramePainter m_painter;
+    std::vector<OpenFile> m_files;
+    std::vector<unsigned char> m_readImage;
+    std::size_t m_readPosition = 0;
+    std::optional<std::uint32_t> m_readClaim; ///< What the next read is to return instead.
+    int m_liveMappings = 0;
+    unsigned m_totalOpens = 0;
+    unsigned m_totalMappings = 0;
+    unsigned m_totalFrames = 0;
+    bool m_gone = false;
 };
 
 } // namespace VirtualCamera

@@ -21,10 +21,12 @@ Argument& as(void* argument)
 std::uint32_t usualCapabilities(CameraScript const& script)
 {
     std::uint32_t capabilities = V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_EXT_PIX_FORMAT;
-    if (script.mmapOffered || script.userPointersOffered)
+    if (script.mmapOffered || script.userPointersOffered) {
         capabilities |= V4L2_CAP_STREAMING;
-    if (script.readOffered)
+    }
+    if (script.readOffered) {
         capabilities |= V4L2_CAP_READWRITE;
+    }
     return capabilities;
 }
 
@@ -32,20 +34,24 @@ std::uint32_t usualCapabilities(CameraScript const& script)
 
 int CameraDriver::ioctl(int file, std::uint32_t request, void* argument)
 {
-    Lock lock(_mutex);
+    Lock lock(m_mutex);
     catchUp();
     Announcement const announcement(*this);
     CallId const id(static_cast<unsigned long>(request));
-    RecordedCall call(_log, id, file);
+    RecordedCall call(m_log, id, file);
     call.sent(argument);
-    if (int const scripted = _log.countUse(id))
+    if (int const scripted = m_log.countUse(id)) {
         return call.end(-scripted, argument);
-    if (argument == nullptr)
-        return call.end(_gone ? -ENODEV : -EFAULT);
-    if (settledByLibrary(file, request))
+    }
+    if (argument == nullptr) {
+        return call.end(m_gone ? -ENODEV : -EFAULT);
+    }
+    if (settledByLibrary(file, request)) {
         return call.end(0, argument);
-    if (_gone)
+    }
+    if (m_gone) {
         return call.end(-ENODEV, argument);
+    }
     int const result = answer(lock, file, request, argument);
     return call.end(result, argument);
 }
@@ -54,19 +60,22 @@ int CameraDriver::ioctl(int file, std::uint32_t request, void* argument)
 // stop one that doesn't, without a look at the device.
 bool CameraDriver::settledByLibrary(int file, std::uint32_t request) const
 {
-    return _gone && ((request == VIDIOC_STREAMON && _queue.streamsTo(file)) ||
-                     (request == VIDIOC_STREAMOFF && !_queue.streamsTo(file)));
+    return m_gone && ((request == VIDIOC_STREAMON && m_queue.streamsTo(file)) ||
+                      (request == VIDIOC_STREAMOFF && !m_queue.streamsTo(file)));
 }
 
 int CameraDriver::answer(Lock& lock, int file, std::uint32_t request, void* argument)
 {
     int result = answerStream(lock, file, request, argument);
-    if (result == -ENOTTY)
+    if (result == -ENOTTY) {
         result = answerControl(request, argument);
-    if (result == -ENOTTY)
+    }
+    if (result == -ENOTTY) {
         result = answerFormat(request, argument);
-    if (result == -ENOTTY)
+    }
+    if (result == -ENOTTY) {
         result = answerDevice(request, argument);
+    }
     return result;
 }
 
@@ -77,8 +86,9 @@ int CameraDriver::answerDevice(std::uint32_t request, void* argument)
         return queryCapabilities(as<v4l2_capability>(argument));
     case VIDIOC_ENUMINPUT: {
         auto& input = as<v4l2_input>(argument);
-        if (input.index != 0)
+        if (input.index != 0) {
             return -EINVAL;
+        }
         input = {};
         copyFixedText(input.name, "Camera 1");
         input.type = V4L2_INPUT_TYPE_CAMERA;
@@ -96,15 +106,15 @@ int CameraDriver::answerDevice(std::uint32_t request, void* argument)
 
 int CameraDriver::queryCapabilities(v4l2_capability& capability) const
 {
-    std::uint32_t const usual = usualCapabilities(_script);
+    std::uint32_t const usual = usualCapabilities(m_script);
     capability = {};
-    copyFixedText(capability.driver, _script.driver);
-    copyFixedText(capability.card, _script.card);
-    copyFixedText(capability.bus_info, _script.busInfo);
-    capability.version = _script.driverVersion;
-    capability.device_caps = _script.deviceCapabilities.value_or(usual);
+    copyFixedText(capability.driver, m_script.driver);
+    copyFixedText(capability.card, m_script.card);
+    copyFixedText(capability.bus_info, m_script.busInfo);
+    capability.version = m_script.driverVersion;
+    capability.device_caps = m_script.deviceCapabilities.value_or(usual);
     capability.capabilities =
-        _script.capabilities.value_or(capability.device_caps | V4L2_CAP_DEVICE_CAPS);
+        m_script.capabilities.value_or(capability.device_caps | V4L2_CAP_DEVICE_CAPS);
     return 0;
 }
 
@@ -112,22 +122,23 @@ int CameraDriver::answerFormat(std::uint32_t request, void* argument)
 {
     switch (request) {
     case VIDIOC_ENUM_FMT:
-        return _formats.enumerateFormats(as<v4l2_fmtdesc>(argument));
+        return m_formats.enumerateFormats(as<v4l2_fmtdesc>(argument));
     case VIDIOC_ENUM_FRAMESIZES:
-        return _formats.enumerateSizes(as<v4l2_frmsizeenum>(argument));
+        return m_formats.enumerateSizes(as<v4l2_frmsizeenum>(argument));
     case VIDIOC_ENUM_FRAMEINTERVALS:
-        return _formats.enumerateIntervals(as<v4l2_frmivalenum>(argument));
+        return m_formats.enumerateIntervals(as<v4l2_frmivalenum>(argument));
     case VIDIOC_G_FMT:
-        return _formats.currentFormat(as<v4l2_format>(argument));
+        return m_formats.currentFormat(as<v4l2_format>(argument));
     case VIDIOC_TRY_FMT:
-        return _formats.tryFormat(as<v4l2_format>(argument));
+        return m_formats.tryFormat(as<v4l2_format>(argument));
     case VIDIOC_S_FMT:
         // Like uvcvideo: allocated buffers have the present format's size.
-        return _queue.count() != 0 ? -EBUSY : _formats.setFormat(as<v4l2_format>(argument));
+        return m_queue.count() != 0 ? -EBUSY : m_formats.setFormat(as<v4l2_format>(argument));
     case VIDIOC_G_PARM:
-        return _formats.currentParameters(as<v4l2_streamparm>(argument));
+        return m_formats.currentParameters(as<v4l2_streamparm>(argument));
     case VIDIOC_S_PARM:
-        return _queue.streaming() ? -EBUSY : _formats.setParameters(as<v4l2_streamparm>(argument));
+        return m_queue.streaming() ? -EBUSY
+                                   : m_formats.setParameters(as<v4l2_streamparm>(argument));
     default:
         return -ENOTTY;
     }
@@ -137,17 +148,18 @@ int CameraDriver::answerStream(Lock& lock, int file, std::uint32_t request, void
 {
     switch (request) {
     case VIDIOC_REQBUFS:
-        return _queue.request(file, as<v4l2_requestbuffers>(argument), _formats.pixels().sizeimage);
+        return m_queue.request(file, as<v4l2_requestbuffers>(argument),
+                               m_formats.pixels().sizeimage);
     case VIDIOC_QUERYBUF:
-        return _queue.query(as<v4l2_buffer>(argument));
+        return m_queue.query(as<v4l2_buffer>(argument));
     case VIDIOC_QBUF:
-        return _queue.queue(file, as<v4l2_buffer>(argument));
+        return m_queue.queue(file, as<v4l2_buffer>(argument));
     case VIDIOC_DQBUF:
         return dequeue(lock, file, as<v4l2_buffer>(argument));
     case VIDIOC_STREAMON:
         return streamOn(file, as<int>(argument));
     case VIDIOC_STREAMOFF:
-        return _queue.streamOff(file, as<int>(argument));
+        return m_queue.streamOff(file, as<int>(argument));
     default:
         return -ENOTTY;
     }
@@ -157,21 +169,21 @@ int CameraDriver::answerControl(std::uint32_t request, void* argument)
 {
     switch (request) {
     case VIDIOC_QUERYCTRL:
-        return _controls.query(as<v4l2_queryctrl>(argument));
+        return m_controls.query(as<v4l2_queryctrl>(argument));
     case VIDIOC_QUERY_EXT_CTRL:
-        return _controls.queryExtended(as<v4l2_query_ext_ctrl>(argument));
+        return m_controls.queryExtended(as<v4l2_query_ext_ctrl>(argument));
     case VIDIOC_QUERYMENU:
-        return _controls.queryMenu(as<v4l2_querymenu>(argument));
+        return m_controls.queryMenu(as<v4l2_querymenu>(argument));
     case VIDIOC_G_CTRL:
-        return _controls.get(as<v4l2_control>(argument));
+        return m_controls.get(as<v4l2_control>(argument));
     case VIDIOC_S_CTRL:
-        return _controls.set(as<v4l2_control>(argument));
+        return m_controls.set(as<v4l2_control>(argument));
     case VIDIOC_G_EXT_CTRLS:
-        return _controls.getExtended(as<v4l2_ext_controls>(argument));
+        return m_controls.getExtended(as<v4l2_ext_controls>(argument));
     case VIDIOC_S_EXT_CTRLS:
-        return _controls.setExtended(as<v4l2_ext_controls>(argument), true);
+        return m_controls.setExtended(as<v4l2_ext_controls>(argument), true);
     case VIDIOC_TRY_EXT_CTRLS:
-        return _controls.setExtended(as<v4l2_ext_controls>(argument), false);
+        return m_controls.setExtended(as<v4l2_ext_controls>(argument), false);
     case UVCIOC_CTRL_MAP:
         return mapControl(as<uvc_xu_control_mapping>(argument));
     default:
@@ -181,12 +193,14 @@ int CameraDriver::answerControl(std::uint32_t request, void* argument)
 
 int CameraDriver::mapControl(uvc_xu_control_mapping const& mapping)
 {
-    if (_script.driver != "uvcvideo")
+    if (m_script.driver != "uvcvideo") {
         return -ENOTTY;
+    }
     std::unique_ptr<ControlNode> added;
-    int const result = _extensionUnit.map(mapping, added);
-    if (result == 0)
-        _controls.add(std::move(added));
+    int const result = m_extensionUnit.map(mapping, added);
+    if (result == 0) {
+        m_controls.add(std::move(added));
+    }
     return result;
 }
 

@@ -60,15 +60,17 @@ struct MakeControl
 template <typename Archive>
 void describeUnit(Archive& archive, ExtensionUnitScript& unit)
 {
-    if constexpr (Archive::reading)
+    if constexpr (Archive::reading) {
         archive.need("guid");
+    }
     archive.field(
         "guid", unit.guid,
         [](Json const& json) {
             std::vector<std::uint8_t> const bytes = bytesByHex(json.get<std::string>());
             Guid guid{};
-            if (bytes.size() != guid.size())
+            if (bytes.size() != guid.size()) {
                 throw std::invalid_argument("a GUID has 16 bytes");
+            }
             std::copy(bytes.begin(), bytes.end(), guid.begin());
             return guid;
         },
@@ -120,10 +122,12 @@ void describeFormats(Archive& archive, CameraScript& camera)
     archive.field("currentWidth", camera.currentWidth);
     archive.field("currentHeight", camera.currentHeight);
     Interval interval = camera.currentInterval.value_or(Interval{0, 0});
-    if (Archive::reading || camera.currentInterval)
+    if (Archive::reading || camera.currentInterval) {
         ScriptFields::interval(archive, "currentInterval", interval);
-    if (interval.denominator != 0)
+    }
+    if (interval.denominator != 0) {
         camera.currentInterval = interval;
+    }
 }
 
 template <typename Archive>
@@ -133,20 +137,24 @@ void describeControls(Archive& archive, CameraScript& camera)
                  [](auto& nested, ControlScript& value) { ScriptFields::control(nested, value); });
     bool headings = false;
     archive.field("classHeadings", headings);
-    if (headings)
+    if (headings) {
         camera = CameraBuilder(std::move(camera)).withClassHeadings().script();
+    }
     ExtensionUnitScript unit = camera.extensionUnit.value_or(ExtensionUnitScript{});
-    if (Archive::reading || camera.extensionUnit)
+    if (Archive::reading || camera.extensionUnit) {
         archive.object("extensionUnit", unit, [](auto& nested, ExtensionUnitScript& value) {
             describeUnit(nested, value);
         });
-    if (!unit.selectors.empty())
+    }
+    if (!unit.selectors.empty()) {
         camera.extensionUnit = unit;
+    }
     archive.field("nextControl", camera.nextControlSupported);
     std::uint32_t stuck = camera.stuckControlId.value_or(0);
     ScriptFields::id(archive, "stuckControlEnumerationAt", stuck);
-    if (stuck != 0)
+    if (stuck != 0) {
         camera.stuckControlId = stuck;
+    }
     archive.field("plainPrivateControls", camera.privateControlsPlain);
 }
 

@@ -21,7 +21,7 @@ class PackedYuvCanvas : public Canvas
 public:
     PackedYuvCanvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine,
                     bool lumaFirst)
-        : Canvas(width, height, bytesPerLine), _lumaFirst(lumaFirst)
+        : Canvas(width, height, bytesPerLine), m_lumaFirst(lumaFirst)
     {
     }
 
@@ -32,19 +32,19 @@ private:
         unsigned char* at = image + std::size_t{y} * bytesPerLine() + std::size_t{x} * 2;
         for (std::uint32_t pixel = 0; pixel < width; ++pixel, at += 2) {
             std::uint8_t const chroma = pixel % 2 == 0 ? colour.chromaBlue : colour.chromaRed;
-            at[_lumaFirst ? 0 : 1] = colour.luma;
-            at[_lumaFirst ? 1 : 0] = chroma;
+            at[m_lumaFirst ? 0 : 1] = colour.luma;
+            at[m_lumaFirst ? 1 : 0] = chroma;
         }
     }
 
-    bool _lumaFirst;
+    bool m_lumaFirst;
 };
 
 class RgbCanvas : public Canvas
 {
 public:
     RgbCanvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine, bool redFirst)
-        : Canvas(width, height, bytesPerLine), _redFirst(redFirst)
+        : Canvas(width, height, bytesPerLine), m_redFirst(redFirst)
     {
     }
 
@@ -54,13 +54,13 @@ private:
     {
         unsigned char* at = image + std::size_t{y} * bytesPerLine() + std::size_t{x} * 3;
         for (std::uint32_t pixel = 0; pixel < width; ++pixel, at += 3) {
-            at[0] = _redFirst ? colour.red : colour.blue;
+            at[0] = m_redFirst ? colour.red : colour.blue;
             at[1] = colour.green;
-            at[2] = _redFirst ? colour.blue : colour.red;
+            at[2] = m_redFirst ? colour.blue : colour.red;
         }
     }
 
-    bool _redFirst;
+    bool m_redFirst;
 };
 
 class GreyCanvas : public Canvas
@@ -85,7 +85,7 @@ public:
 
     PlanarYuvCanvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine,
                     Chroma chroma)
-        : GreyCanvas(width, height, bytesPerLine), _chroma(chroma)
+        : GreyCanvas(width, height, bytesPerLine), m_chroma(chroma)
     {
     }
 
@@ -99,11 +99,12 @@ private:
                   Colour const& colour) const override
     {
         GreyCanvas::fillLine(image, x, y, width, colour);
-        if (y % 2 != 0)
+        if (y % 2 != 0) {
             return;
+        }
         std::size_t const pairs = (std::size_t{width} + 1) / 2;
         unsigned char* const chroma = image + Canvas::size();
-        if (_chroma == Chroma::Interleaved) {
+        if (m_chroma == Chroma::Interleaved) {
             unsigned char* at = chroma + std::size_t{y / 2} * 2 * chromaLine() + x;
             for (std::size_t pair = 0; pair < pairs; ++pair, at += 2) {
                 at[0] = colour.chromaBlue;
@@ -111,14 +112,14 @@ private:
             }
             return;
         }
-        bool const blueFirst = _chroma == Chroma::BlueFirst;
+        bool const blueFirst = m_chroma == Chroma::BlueFirst;
         unsigned char* const first = chroma + std::size_t{y / 2} * chromaLine() + x / 2;
         unsigned char* const second = first + chromaLine() * chromaLines();
         std::fill(first, first + pairs, blueFirst ? colour.chromaBlue : colour.chromaRed);
         std::fill(second, second + pairs, blueFirst ? colour.chromaRed : colour.chromaBlue);
     }
 
-    Chroma _chroma;
+    Chroma m_chroma;
 };
 
 } // namespace
@@ -138,12 +139,14 @@ void Canvas::fill(unsigned char* image, std::uint32_t x, std::uint32_t y, std::u
                   std::uint32_t height, Colour const& colour) const
 {
     std::uint32_t const left = x & ~1u;
-    std::uint32_t const right = std::min((x + width + 1) & ~1u, _width);
-    std::uint32_t const bottom = std::min(y + height, _height);
-    if (left >= right)
+    std::uint32_t const right = std::min((x + width + 1) & ~1u, m_width);
+    std::uint32_t const bottom = std::min(y + height, m_height);
+    if (left >= right) {
         return;
-    for (std::uint32_t line = y; line < bottom; ++line)
+    }
+    for (std::uint32_t line = y; line < bottom; ++line) {
         fillLine(image, left, line, right - left, colour);
+    }
 }
 
 std::unique_ptr<Canvas> canvasFor(std::uint32_t pixelFormat, std::uint32_t width,

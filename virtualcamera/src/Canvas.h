@@ -23,27 +23,27 @@ class Canvas
 {
 public:
     Canvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine)
-        : _width(width), _height(height), _bytesPerLine(bytesPerLine)
+        : m_width(width), m_height(height), m_bytesPerLine(bytesPerLine)
     {
     }
     virtual ~Canvas() = default;
 
-    std::uint32_t width() const { return _width; }
-    std::uint32_t height() const { return _height; }
+    std::uint32_t width() const { return m_width; }
+    std::uint32_t height() const { return m_height; }
     /// Bytes of a whole image.
-    virtual std::size_t size() const { return std::size_t{_bytesPerLine} * _height; }
+    virtual std::size_t size() const { return std::size_t{m_bytesPerLine} * m_height; }
     void fill(unsigned char* image, std::uint32_t x, std::uint32_t y, std::uint32_t width,
               std::uint32_t height, Colour const& colour) const;
 
 protected:
     virtual void fillLine(unsigned char* image, std::uint32_t x, std::uint32_t y,
                           std::uint32_t width, Colour const& colour) const = 0;
-    std::uint32_t bytesPerLine() const { return _bytesPerLine; }
+    std::uint32_t bytesPerLine() const { return m_bytesPerLine; }
 
 private:
-    std::uint32_t _width;
-    std::uint32_t _height;
-    std::uint32_t _bytesPerLine;
+    std::uint32_t m_width;
+    std::uint32_t m_height;
+    std::uint32_t m_bytesPerLine;
 };
 
 /// Null for a format that has no canvas.

@@ -32,10 +32,11 @@ bool plainlyTransferable(std::uint32_t type)
 
 } // namespace
 
-ControlState::ControlState(CameraScript const& script) : _script(script)
+ControlState::ControlState(CameraScript const& script) : m_script(script)
 {
-    for (ControlScript const& control : script.controls)
+    for (ControlScript const& control : script.controls) {
         add(std::make_unique<ScriptedControl>(control));
+    }
 }
 
 void ControlState::add(std::unique_ptr<ControlNode> control)
@@ -43,49 +44,57 @@ void ControlState::add(std::unique_ptr<ControlNode> control)
     auto const before = [](auto const& left, auto const& right) {
         return left->id() < right->id();
     };
-    auto const place = std::upper_bound(_controls.begin(), _controls.end(), control, before);
-    _controls.insert(place, std::move(control));
+    auto const place = std::upper_bound(m_controls.begin(), m_controls.end(), control, before);
+    m_controls.insert(place, std::move(control));
 }
 
 ControlNode* ControlState::find(std::uint32_t id) const
 {
-    for (auto const& control : _controls)
-        if (control->id() == id)
+    for (auto const& control : m_controls) {
+        if (control->id() == id) {
             return control.get();
+        }
+    }
     return nullptr;
 }
 
 ControlNode& ControlState::at(std::uint32_t id) const
 {
     ControlNode* const found = find(id);
-    if (found == nullptr)
+    if (found == nullptr) {
         throw std::out_of_range("the camera has no such control");
+    }
     return *found;
 }
 
 ScriptedControl& ControlState::scriptedAt(std::uint32_t id) const
 {
     auto* const scripted = dynamic_cast<ScriptedControl*>(&at(id));
-    if (scripted == nullptr)
+    if (scripted == nullptr) {
         throw std::out_of_range("the control is one of the extension unit's");
+    }
     return *scripted;
 }
 
 ControlNode* ControlState::following(std::uint32_t id) const
 {
-    if (_script.stuckControlId == id)
+    if (m_script.stuckControlId == id) {
         return find(id);
-    for (auto const& control : _controls)
-        if (control->id() > id)
+    }
+    for (auto const& control : m_controls) {
+        if (control->id() > id) {
             return control.get();
+        }
+    }
     return nullptr;
 }
 
 int ControlState::select(std::uint32_t requested, ControlNode*& found) const
 {
     if ((requested & V4L2_CTRL_FLAG_NEXT_CTRL) != 0) {
-        if (!_script.nextControlSupported)
+        if (!m_script.nextControlSupported) {
             return -EINVAL;
+        }
         found = following(requested & V4L2_CTRL_ID_MASK);
     } else if ((requested & V4L2_CTRL_FLAG_NEXT_COMPOUND) != 0) {
         // Compound controls alone were asked for, and there are none.
@@ -100,28 +109,32 @@ std::uint32_t ControlState::flagsOf(ControlNode const& control) const
 {
     std::uint32_t flags = control.flags();
     auto const* const scripted = dynamic_cast<ScriptedControl const*>(&control);
-    if (scripted == nullptr || scripted->script().masterId == 0)
+    if (scripted == nullptr || scripted->script().masterId == 0) {
         return flags;
+    }
     ControlNode const* const master = find(scripted->script().masterId);
     std::int64_t value = 0;
-    if (master != nullptr && master->read(value) == 0 && value != scripted->script().masterValue)
+    if (master != nullptr && master->read(value) == 0 && value != scripted->script().masterValue) {
         flags |= V4L2_CTRL_FLAG_INACTIVE;
+    }
     return flags;
 }
 
 int ControlState::query(v4l2_queryctrl& answer) const
 {
     ControlNode* found = nullptr;
-    if (int const result = select(answer.id, found))
+    if (int const result = select(answer.id, found)) {
         return result;
+    }
     answer = {};
     answer.id = found->id();
     answer.type = found->type();
     copyFixedText(answer.name, found->name());
     answer.flags = flagsOf(*found);
     auto const* const scripted = dynamic_cast<ScriptedControl const*>(found);
-    if (scripted != nullptr && !scripted->script().rangeShown)
+    if (scripted != nullptr && !scripted->script().rangeShown) {
         return 0;
+    }
     ControlRange const range = found->range();
     answer.minimum = static_cast<__s32>(range.minimum);
     answer.maximum = static_cast<__s32>(range.maximum);
@@ -133,8 +146,9 @@ int ControlState::query(v4l2_queryctrl& answer) const
 int ControlState::queryExtended(v4l2_query_ext_ctrl& answer) const
 {
     ControlNode* found = nullptr;
-    if (int const result = select(answer.id, found))
+    if (int const result = select(answer.id, found)) {
         return result;
+    }
     answer = {};
     answer.id = found->id();
     answer.type = found->type();
@@ -174,58 +188,70 @@ int ControlState::queryMenu(v4l2_querymenu& item) const
 
 bool ControlState::hiddenFromPlainCalls(std::uint32_t id) const
 {
-    return id >= V4L2_CID_PRIVATE_BASE && !_script.privateControlsPlain;
+    return id >= V4L2_CID_PRIVATE_BASE && !m_script.privateControlsPlain;
 }
 
 int ControlState::checkReadable(ControlNode const& control) const
 {
     std::uint32_t const flags = flagsOf(control);
-    if ((flags & V4L2_CTRL_FLAG_DISABLED) != 0)
+    if ((flags & V4L2_CTRL_FLAG_DISABLED) != 0) {
         return -EINVAL;
+    }
     return (flags & V4L2_CTRL_FLAG_WRITE_ONLY) != 0 ? -EACCES : 0;
 }
 
 int ControlState::checkWritable(ControlNode const& control) const
 {
     std::uint32_t const flags = flagsOf(control);
-    if ((flags & V4L2_CTRL_FLAG_DISABLED) != 0)
+    if ((flags & V4L2_CTRL_FLAG_DISABLED) != 0) {
         return -EINVAL;
-    if ((flags & (V4L2_CTRL_FLAG_READ_ONLY | V4L2_CTRL_FLAG_INACTIVE)) != 0)
+    }
+    if ((flags & (V4L2_CTRL_FLAG_READ_ONLY | V4L2_CTRL_FLAG_INACTIVE)) != 0) {
         return -EACCES;
+    }
     return (flags & V4L2_CTRL_FLAG_GRABBED) != 0 ? -EBUSY : 0;
 }
 
 int ControlState::get(v4l2_control& control) const
 {
     ControlNode const* const found = find(control.id);
-    if (found == nullptr || hiddenFromPlainCalls(control.id))
+    if (found == nullptr || hiddenFromPlainCalls(control.id)) {
         return -EINVAL;
-    if (int const refused = checkReadable(*found))
+    }
+    if (int const refused = checkReadable(*found)) {
         return refused;
-    if (!plainlyTransferable(found->type()))
+    }
+    if (!plainlyTransferable(found->type())) {
         return -EINVAL;
+    }
     std::int64_t value = 0;
     int const result = found->read(value);
-    if (result == 0)
+    if (result == 0) {
         control.value = static_cast<__s32>(value);
+    }
     return result;
 }
 
 int ControlState::set(v4l2_control& control)
 {
     ControlNode* const found = find(control.id);
-    if (found == nullptr || hiddenFromPlainCalls(control.id))
+    if (found == nullptr || hiddenFromPlainCalls(control.id)) {
         return -EINVAL;
-    if (int const refused = checkWritable(*found))
+    }
+    if (int const refused = checkWritable(*found)) {
         return refused;
-    if (!plainlyTransferable(found->type()))
+    }
+    if (!plainlyTransferable(found->type())) {
         return -EINVAL;
+    }
     std::int64_t value = control.value;
     int result = found->validate(value);
-    if (result == 0)
+    if (result == 0) {
         result = found->write(value);
-    if (result == 0)
+    }
+    if (result == 0) {
         control.value = static_cast<__s32>(value);
+    }
     return result;
 }
 

@@ -44,8 +44,8 @@ private:
     int validateOne(v4l2_ext_control& transfer) const;
     int storeOne(v4l2_ext_control const& transfer);
 
-    CameraScript const& _script;
-    std::vector<std::unique_ptr<ControlNode>> _controls; ///< In ascending order of their ids.
+    CameraScript const& m_script;
+    std::vector<std::unique_ptr<ControlNode>> m_controls; ///< In ascending order of their ids.
 };
 
 } // namespace VirtualCamera

@@ -16,8 +16,9 @@ namespace
 // Bytes of a payload that the caller points to; 0 for values that travel in the structure itself.
 std::size_t payloadSize(ControlNode const& control, v4l2_ext_control const& transfer)
 {
-    if (transfer.size == 0)
+    if (transfer.size == 0) {
         return 0;
+    }
     switch (control.type()) {
     case V4L2_CTRL_TYPE_U8:
         return 1;
@@ -45,14 +46,15 @@ void storeValue(ControlNode const& control, v4l2_ext_control& transfer, std::int
 std::int64_t loadValue(ControlNode const& control, v4l2_ext_control const& transfer)
 {
     std::int64_t value = 0;
-    if (std::size_t const bytes = payloadSize(control, transfer))
+    if (std::size_t const bytes = payloadSize(control, transfer)) {
         std::memcpy(&value, transfer.ptr, bytes);
-    else if (control.type() == V4L2_CTRL_TYPE_INTEGER64)
+    } else if (control.type() == V4L2_CTRL_TYPE_INTEGER64) {
         value = transfer.value64;
-    else if (control.type() == V4L2_CTRL_TYPE_U32)
+    } else if (control.type() == V4L2_CTRL_TYPE_U32) {
         value = static_cast<__u32>(transfer.value);
-    else
+    } else {
         value = transfer.value;
+    }
     return value;
 }
 
@@ -66,13 +68,16 @@ std::string loadText(v4l2_ext_control const& transfer)
 
 int ControlState::checkClass(v4l2_ext_controls& controls) const
 {
-    if (controls.count == 0)
+    if (controls.count == 0) {
         return 0;
-    if (controls.controls == nullptr)
+    }
+    if (controls.controls == nullptr) {
         return -EFAULT;
+    }
     std::uint32_t const which = controls.which;
-    if (which == V4L2_CTRL_WHICH_CUR_VAL || which == V4L2_CTRL_WHICH_DEF_VAL)
+    if (which == V4L2_CTRL_WHICH_CUR_VAL || which == V4L2_CTRL_WHICH_DEF_VAL) {
         return 0;
+    }
     for (std::uint32_t index = 0; index < controls.count; ++index) {
         if (controlClassOf(controls.controls[index].id) != which) {
             controls.error_idx = index;
@@ -85,11 +90,13 @@ int ControlState::checkClass(v4l2_ext_controls& controls) const
 int ControlState::checkTransfer(v4l2_ext_control& transfer) const
 {
     ControlNode const* const found = find(transfer.id);
-    if (found == nullptr)
+    if (found == nullptr) {
         return -EINVAL;
+    }
     std::size_t const bytes = payloadSize(*found, transfer);
-    if (bytes == 0)
+    if (bytes == 0) {
         return 0;
+    }
     if (transfer.size < bytes) {
         transfer.size = static_cast<__u32>(bytes);
         return -ENOSPC;
@@ -99,14 +106,17 @@ int ControlState::checkTransfer(v4l2_ext_control& transfer) const
 
 int ControlState::getOne(v4l2_ext_control& transfer, bool defaults) const
 {
-    if (int const unsuitable = checkTransfer(transfer))
+    if (int const unsuitable = checkTransfer(transfer)) {
         return unsuitable;
+    }
     ControlNode const& control = at(transfer.id);
-    if (int const refused = checkReadable(control))
+    if (int const refused = checkReadable(control)) {
         return refused;
+    }
     std::int64_t value = 0;
-    if (int const failed = control.read(value))
+    if (int const failed = control.read(value)) {
         return failed;
+    }
     if (control.type() != V4L2_CTRL_TYPE_STRING) {
         storeValue(control, transfer, defaults ? control.range().defaultValue : value);
         return 0;
@@ -119,16 +129,18 @@ int ControlState::getOne(v4l2_ext_control& transfer, bool defaults) const
             exact ? text.size() + 1 : static_cast<std::size_t>(scripted.range().maximum + 1));
         return -ENOSPC;
     }
-    if (transfer.string == nullptr)
+    if (transfer.string == nullptr) {
         return -EFAULT;
+    }
     std::memcpy(transfer.string, text.c_str(), text.size() + 1);
     return 0;
 }
 
 int ControlState::getExtended(v4l2_ext_controls& controls) const
 {
-    if (int const mixed = checkClass(controls))
+    if (int const mixed = checkClass(controls)) {
         return mixed;
+    }
     bool const defaults = controls.which == V4L2_CTRL_WHICH_DEF_VAL;
     for (std::uint32_t index = 0; index < controls.count; ++index) {
         if (int const result = getOne(controls.controls[index], defaults)) {
@@ -141,43 +153,52 @@ int ControlState::getExtended(v4l2_ext_controls& controls) const
 
 int ControlState::validateOne(v4l2_ext_control& transfer) const
 {
-    if (int const unsuitable = checkTransfer(transfer))
+    if (int const unsuitable = checkTransfer(transfer)) {
         return unsuitable;
+    }
     ControlNode const& control = at(transfer.id);
-    if (int const refused = checkWritable(control))
+    if (int const refused = checkWritable(control)) {
         return refused;
+    }
     if (control.type() == V4L2_CTRL_TYPE_STRING) {
-        if (transfer.size == 0)
+        if (transfer.size == 0) {
             return -ERANGE;
-        if (transfer.string == nullptr)
+        }
+        if (transfer.string == nullptr) {
             return -EFAULT;
+        }
         return scriptedAt(transfer.id).validateText(loadText(transfer));
     }
     std::int64_t value = loadValue(control, transfer);
     int const result = control.validate(value);
-    if (result == 0)
+    if (result == 0) {
         storeValue(control, transfer, value);
+    }
     return result;
 }
 
 int ControlState::storeOne(v4l2_ext_control const& transfer)
 {
     ControlNode& control = at(transfer.id);
-    if (control.type() != V4L2_CTRL_TYPE_STRING)
+    if (control.type() != V4L2_CTRL_TYPE_STRING) {
         return control.write(loadValue(control, transfer));
+    }
     ScriptedControl& scripted = scriptedAt(transfer.id);
-    if (int const failed = scripted.write(0))
+    if (int const failed = scripted.write(0)) {
         return failed;
+    }
     scripted.setText(loadText(transfer));
     return 0;
 }
 
 int ControlState::setExtended(v4l2_ext_controls& controls, bool stored)
 {
-    if (int const mixed = checkClass(controls))
+    if (int const mixed = checkClass(controls)) {
         return mixed;
-    if (controls.which == V4L2_CTRL_WHICH_DEF_VAL)
+    }
+    if (controls.which == V4L2_CTRL_WHICH_DEF_VAL) {
         return -EINVAL;
+    }
     for (std::uint32_t index = 0; index < controls.count; ++index) {
         if (int const result = validateOne(controls.controls[index])) {
             // A set that was refused before anything was written names no single culprit.

@@ -19,41 +19,51 @@ constexpr std::uint32_t mostMenuItems = 32;
 
 void complete(SelectorScript& selector)
 {
-    if (selector.maximum.empty())
-        for (unsigned byte = 0; byte < selector.size; ++byte)
+    if (selector.maximum.empty()) {
+        for (unsigned byte = 0; byte < selector.size; ++byte) {
             selector.maximum.push_back(byte % 2 == 1 ? 0x7f : 0xff);
-    if (selector.current.empty())
+        }
+    }
+    if (selector.current.empty()) {
         selector.current = selector.defaults;
+    }
     for (auto* bytes :
-         {&selector.current, &selector.minimum, &selector.maximum, &selector.defaults})
+         {&selector.current, &selector.minimum, &selector.maximum, &selector.defaults}) {
         bytes->resize(selector.size);
+    }
 }
 
 } // namespace
 
 ExtensionUnitState::ExtensionUnitState(std::optional<ExtensionUnitScript> const& script)
-    : _script(script)
+    : m_script(script)
 {
-    if (_script)
-        for (SelectorScript& selector : _script->selectors)
+    if (m_script) {
+        for (SelectorScript& selector : m_script->selectors) {
             complete(selector);
+        }
+    }
 }
 
 SelectorScript const* ExtensionUnitState::find(std::uint8_t number) const
 {
-    if (!_script)
+    if (!m_script) {
         return nullptr;
-    for (SelectorScript const& selector : _script->selectors)
-        if (selector.selector == number)
+    }
+    for (SelectorScript const& selector : m_script->selectors) {
+        if (selector.selector == number) {
             return &selector;
+        }
+    }
     return nullptr;
 }
 
 SelectorScript const& ExtensionUnitState::selector(std::uint8_t number) const
 {
     SelectorScript const* found = find(number);
-    if (found == nullptr)
+    if (found == nullptr) {
         throw std::out_of_range("the camera has no such selector");
+    }
     return *found;
 }
 
@@ -70,26 +80,35 @@ int ExtensionUnitState::check(uvc_xu_control_mapping const& mapping) const
     case V4L2_CTRL_TYPE_BUTTON:
         break;
     case V4L2_CTRL_TYPE_MENU:
-        if (mapping.menu_count == 0 || mapping.menu_count > mostMenuItems)
+        if (mapping.menu_count == 0 || mapping.menu_count > mostMenuItems) {
             return -EINVAL;
-        if (mapping.menu_info == nullptr)
+        }
+        if (mapping.menu_info == nullptr) {
             return -EFAULT;
+        }
         break;
     default:
         return -ENOTTY;
     }
-    if ((mapping.id & ~V4L2_CTRL_ID_MASK) != 0)
+    if ((mapping.id & ~V4L2_CTRL_ID_MASK) != 0) {
         return -EINVAL;
-    if (!_script || !std::equal(_script->guid.begin(), _script->guid.end(), mapping.entity))
+    }
+    if (!m_script || !std::equal(m_script->guid.begin(), m_script->guid.end(), mapping.entity)) {
         return -ENOENT;
+    }
     SelectorScript const* target = find(mapping.selector);
-    if (target == nullptr)
+    if (target == nullptr) {
         return -ENOENT;
-    if (mapping.size == 0 || mapping.size > 32 || mapping.offset + mapping.size > target->size * 8)
+    }
+    if (mapping.size == 0 || mapping.size > 32 ||
+        mapping.offset + mapping.size > target->size * 8) {
         return -EINVAL;
-    for (ControlMapping const& earlier : _mappings)
-        if (earlier.error == 0 && earlier.mapping.id == mapping.id)
+    }
+    for (ControlMapping const& earlier : m_mappings) {
+        if (earlier.error == 0 && earlier.mapping.id == mapping.id) {
             return -EEXIST;
+        }
+    }
     return 0;
 }
 
@@ -99,13 +118,15 @@ int ExtensionUnitState::map(uvc_xu_control_mapping const& mapping,
     ControlMapping kept;
     kept.mapping = mapping;
     kept.mapping.menu_info = nullptr;
-    if (mapping.menu_info != nullptr && mapping.menu_count <= mostMenuItems)
+    if (mapping.menu_info != nullptr && mapping.menu_count <= mostMenuItems) {
         kept.menu.assign(mapping.menu_info, mapping.menu_info + mapping.menu_count);
+    }
     int const result = check(mapping);
     kept.error = -result;
-    if (result == 0)
+    if (result == 0) {
         added = std::make_unique<MappedControl>(kept, selector(mapping.selector));
-    _mappings.push_back(std::move(kept));
+    }
+    m_mappings.push_back(std::move(kept));
     return result;
 }
 

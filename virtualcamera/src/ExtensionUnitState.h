@@ -21,7 +21,7 @@ public:
     /// Answers UVCIOC_CTRL_MAP; on success `added` is the new control.
     int map(uvc_xu_control_mapping const& mapping, std::unique_ptr<ControlNode>& added);
 
-    std::vector<ControlMapping> const& mappings() const { return _mappings; }
+    std::vector<ControlMapping> const& mappings() const { return m_mappings; }
     SelectorScript& selector(std::uint8_t number);
     SelectorScript const& selector(std::uint8_t number) const;
 
@@ -29,8 +29,8 @@ private:
     int check(uvc_xu_control_mapping const& mapping) const;
     SelectorScript const* find(std::uint8_t number) const;
 
-    std::optional<ExtensionUnitScript> _script;
-    std::vector<ControlMapping> _mappings;
+    std::optional<ExtensionUnitScript> m_script;
+    std::vector<ControlMapping> m_mappings;
 };
 
 } // namespace VirtualCamera

@@ -10,11 +10,12 @@
 namespace VirtualCamera
 {
 
-FormatState::FormatState(CameraScript const& script) : _script(script)
+FormatState::FormatState(CameraScript const& script) : m_script(script)
 {
     std::uint32_t pixelFormat = script.currentPixelFormat;
-    if (pixelFormat == 0 && !script.formats.empty())
+    if (pixelFormat == 0 && !script.formats.empty()) {
         pixelFormat = script.formats.front().pixelFormat;
+    }
     std::uint32_t width = script.currentWidth;
     std::uint32_t height = script.currentHeight;
     FormatScript const* chosen = find(pixelFormat);
@@ -30,14 +31,16 @@ FormatState::FormatState(CameraScript const& script) : _script(script)
     }
     // A format without sizes still has to deliver pictures of some size.
     force(pixelFormat, width == 0 ? 640 : width, height == 0 ? 480 : height);
-    _interval = script.currentInterval ? *script.currentInterval : firstInterval();
+    m_interval = script.currentInterval ? *script.currentInterval : firstInterval();
 }
 
 FormatScript const* FormatState::find(std::uint32_t pixelFormat) const
 {
-    for (FormatScript const& format : _script.formats)
-        if (format.pixelFormat == pixelFormat)
+    for (FormatScript const& format : m_script.formats) {
+        if (format.pixelFormat == pixelFormat) {
             return &format;
+        }
+    }
     return nullptr;
 }
 
@@ -50,22 +53,27 @@ IntervalScript const* FormatState::intervalsOf(FormatScript const& format, std::
                             height >= range.minimumHeight && height <= range.maximumHeight;
         return within ? &range.intervals : nullptr;
     }
-    for (SizeScript const& size : format.sizes)
-        if (size.width == width && size.height == height)
+    for (SizeScript const& size : format.sizes) {
+        if (size.width == width && size.height == height) {
             return &size.intervals;
+        }
+    }
     return nullptr;
 }
 
 Interval FormatState::firstInterval() const
 {
     FormatScript const* format = present();
-    if (format == nullptr)
+    if (format == nullptr) {
         return {};
-    IntervalScript const* offered = intervalsOf(*format, _pixels.width, _pixels.height);
-    if (offered == nullptr)
+    }
+    IntervalScript const* offered = intervalsOf(*format, m_pixels.width, m_pixels.height);
+    if (offered == nullptr) {
         return {};
-    if (offered->kind != RangeKind::Discrete)
+    }
+    if (offered->kind != RangeKind::Discrete) {
         return offered->minimum;
+    }
     return offered->list.empty() ? Interval{} : offered->list.front();
 }
 
@@ -74,10 +82,12 @@ v4l2_pix_format FormatState::layout(std::uint32_t pixelFormat, std::uint32_t wid
 {
     ImageLayout usual = imageLayout(pixelFormat, width, height);
     if (FormatScript const* format = find(pixelFormat)) {
-        if (format->bytesPerLine != 0)
+        if (format->bytesPerLine != 0) {
             usual.bytesPerLine = format->bytesPerLine;
-        if (format->sizeImage != 0)
+        }
+        if (format->sizeImage != 0) {
             usual.sizeImage = format->sizeImage;
+        }
     }
     v4l2_pix_format pixels{};
     pixels.pixelformat = pixelFormat;
@@ -92,15 +102,16 @@ v4l2_pix_format FormatState::layout(std::uint32_t pixelFormat, std::uint32_t wid
 
 void FormatState::force(std::uint32_t pixelFormat, std::uint32_t width, std::uint32_t height)
 {
-    _pixels = layout(pixelFormat, width, height);
+    m_pixels = layout(pixelFormat, width, height);
 }
 
 int FormatState::enumerateFormats(v4l2_fmtdesc& description) const
 {
     if (description.type != V4L2_BUF_TYPE_VIDEO_CAPTURE ||
-        description.index >= _script.formats.size())
+        description.index >= m_script.formats.size()) {
         return -EINVAL;
-    FormatScript const& format = _script.formats[description.index];
+    }
+    FormatScript const& format = m_script.formats[description.index];
     std::uint32_t const index = description.index;
     description = {};
     description.index = index;
@@ -114,11 +125,13 @@ int FormatState::enumerateFormats(v4l2_fmtdesc& description) const
 int FormatState::enumerateSizes(v4l2_frmsizeenum& size) const
 {
     FormatScript const* format = find(size.pixel_format);
-    if (format == nullptr)
+    if (format == nullptr) {
         return -EINVAL;
+    }
     if (format->sizeKind != RangeKind::Discrete) {
-        if (size.index != 0)
+        if (size.index != 0) {
             return -EINVAL;
+        }
         SizeRangeScript const& range = format->sizeRange;
         bool const stepwise = format->sizeKind == RangeKind::Stepwise;
         size.type = stepwise ? V4L2_FRMSIZE_TYPE_STEPWISE : V4L2_FRMSIZE_TYPE_CONTINUOUS;
@@ -126,8 +139,9 @@ int FormatState::enumerateSizes(v4l2_frmsizeenum& size) const
                          range.minimumHeight, range.maximumHeight, range.stepHeight};
         return 0;
     }
-    if (size.index >= format->sizes.size())
+    if (size.index >= format->sizes.size()) {
         return -EINVAL;
+    }
     size.type = V4L2_FRMSIZE_TYPE_DISCRETE;
     size.discrete = {format->sizes[size.index].width, format->sizes[size.index].height};
     return 0;
@@ -136,25 +150,29 @@ int FormatState::enumerateSizes(v4l2_frmsizeenum& size) const
 int FormatState::enumerateIntervals(v4l2_frmivalenum& interval) const
 {
     FormatScript const* format = find(interval.pixel_format);
-    if (format == nullptr)
+    if (format == nullptr) {
         return -EINVAL;
+    }
     IntervalScript const* offered = intervalsOf(*format, interval.width, interval.height);
-    if (offered == nullptr)
+    if (offered == nullptr) {
         return -EINVAL;
+    }
     auto const fraction = [](Interval const& from) {
         return v4l2_fract{from.numerator, from.denominator};
     };
     if (offered->kind != RangeKind::Discrete) {
-        if (interval.index != 0)
+        if (interval.index != 0) {
             return -EINVAL;
+        }
         bool const stepwise = offered->kind == RangeKind::Stepwise;
         interval.type = stepwise ? V4L2_FRMIVAL_TYPE_STEPWISE : V4L2_FRMIVAL_TYPE_CONTINUOUS;
         interval.stepwise = {fraction(offered->minimum), fraction(offered->maximum),
                              fraction(offered->step)};
         return 0;
     }
-    if (interval.index >= offered->list.size())
+    if (interval.index >= offered->list.size()) {
         return -EINVAL;
+    }
     interval.type = V4L2_FRMIVAL_TYPE_DISCRETE;
     interval.discrete = fraction(offered->list[interval.index]);
     return 0;
@@ -162,21 +180,25 @@ int FormatState::enumerateIntervals(v4l2_frmivalenum& interval) const
 
 int FormatState::currentFormat(v4l2_format& format) const
 {
-    if (format.type != V4L2_BUF_TYPE_VIDEO_CAPTURE)
+    if (format.type != V4L2_BUF_TYPE_VIDEO_CAPTURE) {
         return -EINVAL;
-    format.fmt.pix = _pixels;
+    }
+    format.fmt.pix = m_pixels;
     return 0;
 }
 
 int FormatState::tryFormat(v4l2_format& format) const
 {
-    if (format.type != V4L2_BUF_TYPE_VIDEO_CAPTURE || _script.formats.empty())
+    if (format.type != V4L2_BUF_TYPE_VIDEO_CAPTURE || m_script.formats.empty()) {
         return -EINVAL;
+    }
     FormatScript const* chosen = find(format.fmt.pix.pixelformat);
-    if (chosen == nullptr)
+    if (chosen == nullptr) {
         chosen = present();
-    if (chosen == nullptr)
-        chosen = &_script.formats.front();
+    }
+    if (chosen == nullptr) {
+        chosen = &m_script.formats.front();
+    }
     FrameExtent const size = nearestSize(*chosen, format.fmt.pix.width, format.fmt.pix.height);
     format.fmt.pix = layout(chosen->pixelFormat, size.width, size.height);
     return 0;
@@ -185,36 +207,40 @@ int FormatState::tryFormat(v4l2_format& format) const
 int FormatState::setFormat(v4l2_format& format)
 {
     int const result = tryFormat(format);
-    if (result != 0)
+    if (result != 0) {
         return result;
-    _pixels = format.fmt.pix;
+    }
+    m_pixels = format.fmt.pix;
     // A UVC camera falls back to the new size's own default interval.
-    _interval = firstInterval();
+    m_interval = firstInterval();
     return 0;
 }
 
 int FormatState::currentParameters(v4l2_streamparm& parameters) const
 {
-    if (parameters.type != V4L2_BUF_TYPE_VIDEO_CAPTURE)
+    if (parameters.type != V4L2_BUF_TYPE_VIDEO_CAPTURE) {
         return -EINVAL;
+    }
     parameters.parm.capture = {};
     parameters.parm.capture.capability = V4L2_CAP_TIMEPERFRAME;
-    parameters.parm.capture.timeperframe = {_interval.numerator, _interval.denominator};
+    parameters.parm.capture.timeperframe = {m_interval.numerator, m_interval.denominator};
     return 0;
 }
 
 int FormatState::setParameters(v4l2_streamparm& parameters)
 {
-    if (parameters.type != V4L2_BUF_TYPE_VIDEO_CAPTURE)
+    if (parameters.type != V4L2_BUF_TYPE_VIDEO_CAPTURE) {
         return -EINVAL;
+    }
     v4l2_fract const& wanted = parameters.parm.capture.timeperframe;
     FormatScript const* format = present();
     IntervalScript const* offered =
-        format == nullptr ? nullptr : intervalsOf(*format, _pixels.width, _pixels.height);
-    if (wanted.numerator == 0 || wanted.denominator == 0)
-        _interval = firstInterval();
-    else if (offered != nullptr)
-        _interval = nearestInterval(*offered, {wanted.numerator, wanted.denominator}, _interval);
+        format == nullptr ? nullptr : intervalsOf(*format, m_pixels.width, m_pixels.height);
+    if (wanted.numerator == 0 || wanted.denominator == 0) {
+        m_interval = firstInterval();
+    } else if (offered != nullptr) {
+        m_interval = nearestInterval(*offered, {wanted.numerator, wanted.denominator}, m_interval);
+    }
     return currentParameters(parameters);
 }
 

@@ -23,14 +23,14 @@ public:
     int currentParameters(v4l2_streamparm& parameters) const;
     int setParameters(v4l2_streamparm& parameters);
 
-    v4l2_pix_format const& pixels() const { return _pixels; }
-    Interval const& interval() const { return _interval; }
+    v4l2_pix_format const& pixels() const { return m_pixels; }
+    Interval const& interval() const { return m_interval; }
     /// The script of the present format; null for one that is not offered.
-    FormatScript const* present() const { return find(_pixels.pixelformat); }
+    FormatScript const* present() const { return find(m_pixels.pixelformat); }
 
     /// Selects without asking what is offered.
     void force(std::uint32_t pixelFormat, std::uint32_t width, std::uint32_t height);
-    void force(Interval const& interval) { _interval = interval; }
+    void force(Interval const& interval) { m_interval = interval; }
 
 private:
     FormatScript const* find(std::uint32_t pixelFormat) const;
@@ -40,9 +40,9 @@ private:
     v4l2_pix_format layout(std::uint32_t pixelFormat, std::uint32_t width,
                            std::uint32_t height) const;
 
-    CameraScript const& _script;
-    v4l2_pix_format _pixels{};
-    Interval _interval;
+    CameraScript const& m_script;
+    v4l2_pix_format m_pixels{};
+    Interval m_interval;
 };
 
 } // namespace VirtualCamera

@@ -24,11 +24,12 @@ std::size_t FramePainter::paint(v4l2_pix_format const& pixels, FormatScript cons
         std::memcpy(target, script->frameBytes.data(), bytes);
         return bytes;
     }
-    if (!_renderer ||
-        !_renderer->fits(pixels.pixelformat, pixels.width, pixels.height, pixels.bytesperline))
-        _renderer = std::make_unique<PatternRenderer>(pixels.pixelformat, pixels.width,
-                                                      pixels.height, pixels.bytesperline);
-    return _renderer->render(number, target, capacity);
+    if (!m_renderer ||
+        !m_renderer->fits(pixels.pixelformat, pixels.width, pixels.height, pixels.bytesperline)) {
+        m_renderer = std::make_unique<PatternRenderer>(pixels.pixelformat, pixels.width,
+                                                       pixels.height, pixels.bytesperline);
+    }
+    return m_renderer->render(number, target, capacity);
 }
 
 std::vector<std::uint8_t> testPattern(std::uint32_t pixelFormat, std::uint32_t width,

@@ -27,7 +27,7 @@ public:
                       std::uint32_t number, unsigned char* target, std::size_t capacity);
 
 private:
-    std::unique_ptr<PatternRenderer> _renderer; ///< For the format and size painted last.
+    std::unique_ptr<PatternRenderer> m_renderer; ///< For the format and size painted last.
 };
 
 } // namespace VirtualCamera

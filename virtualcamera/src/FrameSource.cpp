@@ -37,39 +37,45 @@ Nanoseconds monotonicNow()
     return Nanoseconds{now.tv_sec} * second + now.tv_nsec;
 }
 
-FrameSource::FrameSource(CameraScript const& script) : _script(script) {}
+FrameSource::FrameSource(CameraScript const& script) : m_script(script) {}
 
 void FrameSource::start(Nanoseconds now, Interval const& interval)
 {
-    _start = now;
-    _lastArrival = now;
-    _next = 0;
+    m_start = now;
+    m_lastArrival = now;
+    m_next = 0;
     Interval const usual;
     bool const usable = interval.numerator != 0 && interval.denominator != 0;
     Interval const& used = usable ? interval : usual;
-    _interval = std::max(second * used.numerator / used.denominator, shortestInterval);
+    m_interval = std::max(second * used.numerator / used.denominator, shortestInterval);
 }
 
 FrameFault FrameSource::faultOf(std::uint32_t frame) const
 {
     FrameFault all;
     all.frame = frame;
-    for (FrameFault const& fault : _script.frameFaults) {
-        if (!applies(fault, frame))
+    for (FrameFault const& fault : m_script.frameFaults) {
+        if (!applies(fault, frame)) {
             continue;
+        }
         all.lateMilliseconds = std::max(all.lateMilliseconds, fault.lateMilliseconds);
         all.corrupted = all.corrupted || fault.corrupted;
         all.missing = all.missing || fault.missing;
-        if (fault.bytesUsed)
+        if (fault.bytesUsed) {
             all.bytesUsed = fault.bytesUsed;
-        if (fault.claimedBytes)
+        }
+        if (fault.claimedBytes) {
             all.claimedBytes = fault.claimedBytes;
-        if (fault.index)
+        }
+        if (fault.index) {
             all.index = fault.index;
-        if (fault.userPointer)
+        }
+        if (fault.userPointer) {
             all.userPointer = fault.userPointer;
-        if (fault.length)
+        }
+        if (fault.length) {
             all.length = fault.length;
+        }
     }
     return all;
 }
@@ -79,69 +85,79 @@ bool FrameSource::neverAgain(std::uint32_t frame) const
     auto const silent = [frame](FrameFault const& fault) {
         return fault.missing && fault.fromThenOn && frame >= fault.frame;
     };
-    return std::any_of(_script.frameFaults.begin(), _script.frameFaults.end(), silent);
+    return std::any_of(m_script.frameFaults.begin(), m_script.frameFaults.end(), silent);
 }
 
 Nanoseconds FrameSource::dueTime(std::uint32_t frame) const
 {
     Nanoseconds const late = Nanoseconds{faultOf(frame).lateMilliseconds} * 1000000;
-    Nanoseconds const due = _start + (Nanoseconds{frame} + 1) * _interval + late;
-    return std::max(due, _lastArrival);
+    Nanoseconds const due = m_start + (Nanoseconds{frame} + 1) * m_interval + late;
+    return std::max(due, m_lastArrival);
 }
 
 void FrameSource::arrive(Nanoseconds due, BufferQueue& queue)
 {
-    if (_script.vanishingFrame && _next >= *_script.vanishingFrame) {
-        _vanished = true;
+    if (m_script.vanishingFrame && m_next >= *m_script.vanishingFrame) {
+        m_vanished = true;
         return;
     }
-    if (!faultOf(_next).missing) {
-        if (queue.hasQueued())
-            queue.complete(_next, timestampOf(due));
-        else
-            ++_dropped;
+    if (!faultOf(m_next).missing) {
+        if (queue.hasQueued()) {
+            queue.complete(m_next, timestampOf(due));
+        } else {
+            ++m_dropped;
+        }
     }
-    _lastArrival = due;
-    ++_next;
+    m_lastArrival = due;
+    ++m_next;
 }
 
 bool FrameSource::mayArrive(Nanoseconds now, BufferQueue const& queue) const
 {
-    bool const vanishing = _script.vanishingFrame.has_value();
-    if (_script.pace == Pace::Interval)
-        return (vanishing || !neverAgain(_next)) && dueTime(_next) <= now;
-    if (vanishing && _next >= *_script.vanishingFrame)
+    bool const vanishing = m_script.vanishingFrame.has_value();
+    if (m_script.pace == Pace::Interval) {
+        return (vanishing || !neverAgain(m_next)) && dueTime(m_next) <= now;
+    }
+    if (vanishing && m_next >= *m_script.vanishingFrame) {
         return true;
-    return _script.pace == Pace::Immediate && queue.hasQueued() &&
-           (vanishing || !neverAgain(_next));
+    }
+    return m_script.pace == Pace::Immediate && queue.hasQueued() &&
+           (vanishing || !neverAgain(m_next));
 }
 
 void FrameSource::advance(Nanoseconds now, BufferQueue& queue)
 {
-    while (queue.streaming() && !_vanished && mayArrive(now, queue))
-        arrive(_script.pace == Pace::Interval ? dueTime(_next) : now, queue);
+    while (queue.streaming() && !m_vanished && mayArrive(now, queue)) {
+        arrive(m_script.pace == Pace::Interval ? dueTime(m_next) : now, queue);
+    }
 }
 
 void FrameSource::deliver(unsigned count, Nanoseconds now, BufferQueue& queue)
 {
-    for (unsigned frame = 0; frame < count && queue.streaming() && !_vanished; ++frame)
+    for (unsigned frame = 0; frame < count && queue.streaming() && !m_vanished; ++frame) {
         arrive(now, queue);
+    }
 }
 
 std::optional<Nanoseconds> FrameSource::nextEvent(BufferQueue const& queue) const
 {
-    if (_script.pace != Pace::Interval)
+    if (m_script.pace != Pace::Interval) {
         return std::nullopt;
+    }
     std::optional<Nanoseconds> event;
-    if (_script.vanishingFrame)
-        event = dueTime(std::max(_next, *_script.vanishingFrame));
-    if (!queue.hasQueued())
+    if (m_script.vanishingFrame) {
+        event = dueTime(std::max(m_next, *m_script.vanishingFrame));
+    }
+    if (!queue.hasQueued()) {
         return event;
-    std::uint32_t frame = _next;
-    while (!neverAgain(frame) && faultOf(frame).missing)
+    }
+    std::uint32_t frame = m_next;
+    while (!neverAgain(frame) && faultOf(frame).missing) {
         ++frame;
-    if (neverAgain(frame))
+    }
+    if (neverAgain(frame)) {
         return event;
+    }
     return event ? std::min(*event, dueTime(frame)) : dueTime(frame);
 }
 

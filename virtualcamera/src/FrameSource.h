@@ -31,8 +31,8 @@ public:
     /// When `advance` will have something to do that a waiting client must hear of.
     std::optional<Nanoseconds> nextEvent(BufferQueue const& queue) const;
 
-    bool vanished() const { return _vanished; }
-    unsigned dropped() const { return _dropped; }
+    bool vanished() const { return m_vanished; }
+    unsigned dropped() const { return m_dropped; }
     /// What goes wrong with a frame, all scripts for it taken together.
     FrameFault faultOf(std::uint32_t frame) const;
 
@@ -42,13 +42,13 @@ private:
     void arrive(Nanoseconds due, BufferQueue& queue);
     bool mayArrive(Nanoseconds now, BufferQueue const& queue) const;
 
-    CameraScript const& _script;
-    Nanoseconds _start = 0;
-    Nanoseconds _interval = 0;
-    Nanoseconds _lastArrival = 0;
-    std::uint32_t _next = 0;
-    unsigned _dropped = 0;
-    bool _vanished = false;
+    CameraScript const& m_script;
+    Nanoseconds m_start = 0;
+    Nanoseconds m_interval = 0;
+    Nanoseconds m_lastArrival = 0;
+    std::uint32_t m_next = 0;
+    unsigned m_dropped = 0;
+    bool m_vanished = false;
 };
 
 } // namespace VirtualCamera

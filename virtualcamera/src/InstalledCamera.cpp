@@ -23,7 +23,7 @@ bool writesControl(CallRecord const& record)
 
 } // namespace
 
-InstalledCamera::InstalledCamera(std::shared_ptr<CameraDriver> device) : _device(std::move(device))
+InstalledCamera::InstalledCamera(std::shared_ptr<CameraDriver> device) : m_device(std::move(device))
 {
 }
 
@@ -31,34 +31,35 @@ InstalledCamera::InstalledCamera(InstalledCamera&&) noexcept = default;
 
 InstalledCamera& InstalledCamera::operator=(InstalledCamera&& other) noexcept
 {
-    std::swap(_device, other._device);
+    std::swap(m_device, other.m_device);
     return *this;
 }
 
 InstalledCamera::~InstalledCamera()
 {
-    if (_device)
-        Registry::instance().unplug(_device);
+    if (m_device) {
+        Registry::instance().unplug(m_device);
+    }
 }
 
 std::string const& InstalledCamera::node() const
 {
-    return _device->node();
+    return m_device->node();
 }
 
 void InstalledCamera::unplug()
 {
-    Registry::instance().unplug(_device);
+    Registry::instance().unplug(m_device);
 }
 
 Accounting InstalledCamera::accounting() const
 {
-    return _device->accounting();
+    return m_device->accounting();
 }
 
 std::vector<CallRecord> InstalledCamera::calls() const
 {
-    return _device->locked([](CameraDriver& device) {
+    return m_device->locked([](CameraDriver& device) {
         auto const& records = device.log().records();
         return std::vector<CallRecord>(records.begin(), records.end());
     });
@@ -74,65 +75,75 @@ std::vector<CallRecord> InstalledCamera::calls(CallId call) const
 
 unsigned InstalledCamera::countOf(CallId call) const
 {
-    return _device->locked([&call](CameraDriver& device) { return device.log().countOf(call); });
+    return m_device->locked([&call](CameraDriver& device) { return device.log().countOf(call); });
 }
 
 std::optional<std::int64_t> InstalledCamera::lastControlValueSent() const
 {
     std::optional<std::int64_t> last;
-    for (CallRecord const& record : calls())
-        if (writesControl(record) && !record.controls.empty())
+    for (CallRecord const& record : calls()) {
+        if (writesControl(record) && !record.controls.empty()) {
             last = record.controls.back().value;
+        }
+    }
     return last;
 }
 
 std::optional<std::int64_t> InstalledCamera::lastControlValueSent(std::uint32_t controlId) const
 {
     std::optional<std::int64_t> last;
-    for (CallRecord const& record : calls())
-        if (writesControl(record))
-            for (ControlTransfer const& transfer : record.controls)
-                if (transfer.id == controlId)
+    for (CallRecord const& record : calls()) {
+        if (writesControl(record)) {
+            for (ControlTransfer const& transfer : record.controls) {
+                if (transfer.id == controlId) {
                     last = transfer.value;
+                }
+            }
+        }
+    }
     return last;
 }
 
 unsigned InstalledCamera::controlWrites(std::uint32_t controlId) const
 {
     unsigned writes = 0;
-    for (CallRecord const& record : calls())
-        if (writesControl(record))
-            for (ControlTransfer const& transfer : record.controls)
-                if (transfer.id == controlId)
+    for (CallRecord const& record : calls()) {
+        if (writesControl(record)) {
+            for (ControlTransfer const& transfer : record.controls) {
+                if (transfer.id == controlId) {
                     ++writes;
+                }
+            }
+        }
+    }
     return writes;
 }
 
 void InstalledCamera::clearLog()
 {
-    _device->locked([](CameraDriver& device) { device.log().clear(); });
+    m_device->locked([](CameraDriver& device) { device.log().clear(); });
 }
 
 void InstalledCamera::fail(CallId call, int error, unsigned nthUse)
 {
     Fault const fault{call, error, nthUse, false};
-    _device->locked([&fault](CameraDriver& device) { device.log().addFault(fault); });
+    m_device->locked([&fault](CameraDriver& device) { device.log().addFault(fault); });
 }
 
 void InstalledCamera::failFrom(CallId call, int error, unsigned nthUse)
 {
     Fault const fault{call, error, nthUse, true};
-    _device->locked([&fault](CameraDriver& device) { device.log().addFault(fault); });
+    m_device->locked([&fault](CameraDriver& device) { device.log().addFault(fault); });
 }
 
 void InstalledCamera::stopFailing()
 {
-    _device->locked([](CameraDriver& device) { device.log().clearFaults(); });
+    m_device->locked([](CameraDriver& device) { device.log().clearFaults(); });
 }
 
 void InstalledCamera::deliverFrames(unsigned count)
 {
-    _device->deliverFrames(count);
+    m_device->deliverFrames(count);
 }
 
 void reset()

@@ -42,19 +42,20 @@ std::size_t JpegEncoder::encode(unsigned char* planes, unsigned char* target,
     unsigned char* bytes = nullptr;
     unsigned long size = 0;
     jpeg_mem_dest(&compressor, &bytes, &size);
-    configure(compressor, _width, _height);
+    configure(compressor, m_width, m_height);
     jpeg_start_compress(&compressor, TRUE);
 
-    std::size_t const line = paddedTo(_width);
-    std::size_t const lumaSize = line * paddedTo(_height);
+    std::size_t const line = paddedTo(m_width);
+    std::size_t const lumaSize = line * paddedTo(m_height);
     unsigned char* const chroma = planes + lumaSize;
     while (compressor.next_scanline < compressor.image_height) {
         JSAMPROW luma[16];
         JSAMPROW blue[8];
         JSAMPROW red[8];
         std::size_t const top = compressor.next_scanline;
-        for (std::size_t row = 0; row < 16; ++row)
+        for (std::size_t row = 0; row < 16; ++row) {
             luma[row] = planes + (top + row) * line;
+        }
         for (std::size_t row = 0; row < 8; ++row) {
             blue[row] = chroma + (top / 2 + row) * (line / 2);
             red[row] = blue[row] + lumaSize / 4;

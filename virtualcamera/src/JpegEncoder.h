@@ -11,15 +11,15 @@ namespace VirtualCamera
 class JpegEncoder
 {
 public:
-    JpegEncoder(std::uint32_t width, std::uint32_t height) : _width(width), _height(height) {}
+    JpegEncoder(std::uint32_t width, std::uint32_t height) : m_width(width), m_height(height) {}
 
     static std::uint32_t paddedTo(std::uint32_t pixels) { return (pixels + 15) / 16 * 16; }
     /// The result is the length of the JPEG image, cut at `capacity`.
     std::size_t encode(unsigned char* planes, unsigned char* target, std::size_t capacity) const;
 
 private:
-    std::uint32_t _width;
-    std::uint32_t _height;
+    std::uint32_t m_width;
+    std::uint32_t m_height;
 };
 
 } // namespace VirtualCamera

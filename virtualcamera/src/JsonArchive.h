@@ -18,18 +18,21 @@ namespace VirtualCamera
 class JsonReader
 {
 public:
-    JsonReader(Json const& object, std::string place) : _object(object), _place(std::move(place))
+    JsonReader(Json const& object, std::string place) : m_object(object), m_place(std::move(place))
     {
-        if (!_object.is_object())
-            fail(_place, "an object is expected");
+        if (!m_object.is_object()) {
+            fail(m_place, "an object is expected");
+        }
     }
 
     /// Throws for members that nobody has asked for: mostly misspelt ones.
     void finish() const
     {
-        for (auto const& [key, value] : _object.items())
-            if (_used.count(key) == 0)
-                fail(_place + "." + key, "unknown key");
+        for (auto const& [key, value] : m_object.items()) {
+            if (m_used.count(key) == 0) {
+                fail(m_place + "." + key, "unknown key");
+            }
+        }
     }
 
     template <typename Value>
@@ -66,8 +69,9 @@ public:
               Describe const& describe)
     {
         visit(key, [&](Json const& json, std::string const& place) {
-            if (!json.is_array())
+            if (!json.is_array()) {
                 fail(place, "an array is expected");
+            }
             for (std::size_t index = 0; index < json.size(); ++index) {
                 JsonReader nested(json[index], place + "[" + std::to_string(index) + "]");
                 values.push_back(nested.guarded([&] { return make(nested); }));
@@ -77,17 +81,18 @@ public:
         });
     }
 
-    bool has(char const* key) const { return _object.contains(key); }
+    bool has(char const* key) const { return m_object.contains(key); }
     /// A member that has to be there.
     Json const& need(char const* key)
     {
-        _used.insert(key);
-        if (!has(key))
-            fail(_place, std::string("\"") + key + "\" is missing");
-        return _object[key];
+        m_used.insert(key);
+        if (!has(key)) {
+            fail(m_place, std::string("\"") + key + "\" is missing");
+        }
+        return m_object[key];
     }
     /// Accepts a member that somebody else reads.
-    void ignore(char const* key) { _used.insert(key); }
+    void ignore(char const* key) { m_used.insert(key); }
     static constexpr bool reading = true;
 
 private:
@@ -107,21 +112,22 @@ private:
         try {
             return action();
         } catch (Json::exception const& failure) {
-            fail(_place, failure.what());
+            fail(m_place, failure.what());
         } catch (std::logic_error const& failure) {
-            fail(_place, failure.what());
+            fail(m_place, failure.what());
         }
     }
 
     template <typename Action>
     void visit(char const* key, Action const& action)
     {
-        _used.insert(key);
-        if (!has(key))
+        m_used.insert(key);
+        if (!has(key)) {
             return;
-        std::string const place = _place + "." + key;
+        }
+        std::string const place = m_place + "." + key;
         try {
-            action(_object[key], place);
+            action(m_object[key], place);
         } catch (Json::exception const& failure) {
             fail(place, failure.what());
         } catch (std::logic_error const& failure) {
@@ -134,9 +140,9 @@ private:
         throw std::runtime_error(place + ": " + why);
     }
 
-    Json const& _object;
-    std::string _place;
-    std::set<std::string> _used;
+    Json const& m_object;
+    std::string m_place;
+    std::set<std::string> m_used;
 };
 
 class JsonWriter
@@ -145,27 +151,29 @@ public:
     template <typename Value>
     void field(char const* key, Value const& value)
     {
-        _object[key] = value;
+        m_object[key] = value;
     }
     template <typename Value>
     void field(char const* key, std::optional<Value> const& value)
     {
-        if (value)
-            _object[key] = *value;
+        if (value) {
+            m_object[key] = *value;
+        }
     }
     template <typename Value, typename Parse, typename Print>
     void field(char const* key, Value const& value, Parse const&, Print const& print)
     {
         Json json = print(value);
-        if (!json.is_null())
-            _object[key] = std::move(json);
+        if (!json.is_null()) {
+            m_object[key] = std::move(json);
+        }
     }
     template <typename Value, typename Describe>
     void object(char const* key, Value& value, Describe const& describe)
     {
         JsonWriter nested;
         describe(nested, value);
-        _object[key] = std::move(nested._object);
+        m_object[key] = std::move(nested.m_object);
     }
     template <typename Value, typename Make, typename Describe>
     void list(char const* key, std::vector<Value>& values, Make const&, Describe const& describe)
@@ -174,16 +182,16 @@ public:
         for (Value& value : values) {
             JsonWriter nested;
             describe(nested, value);
-            array.push_back(std::move(nested._object));
+            array.push_back(std::move(nested.m_object));
         }
-        _object[key] = std::move(array);
+        m_object[key] = std::move(array);
     }
 
-    Json take() { return std::move(_object); }
+    Json take() { return std::move(m_object); }
     static constexpr bool reading = false;
 
 private:
-    Json _object = Json::object();
+    Json m_object = Json::object();
 };
 
 } // namespace VirtualCamera

@@ -14,9 +14,9 @@ class MappedControl : public ControlNode
 public:
     MappedControl(ControlMapping mapping, SelectorScript& selector);
 
-    std::uint32_t id() const override { return _mapping.mapping.id; }
-    std::uint32_t type() const override { return _mapping.mapping.v4l2_type; }
-    std::string const& name() const override { return _name; }
+    std::uint32_t id() const override { return m_mapping.mapping.id; }
+    std::uint32_t type() const override { return m_mapping.mapping.v4l2_type; }
+    std::string const& name() const override { return m_name; }
     std::uint32_t flags() const override;
     ControlRange range() const override;
     int menuItem(v4l2_querymenu& item) const override;
@@ -30,9 +30,9 @@ private:
     std::int64_t extract(std::vector<std::uint8_t> const& bytes) const;
     std::int64_t positionOf(std::int64_t menuValue) const;
 
-    ControlMapping _mapping;
-    SelectorScript& _selector;
-    std::string _name;
+    ControlMapping m_mapping;
+    SelectorScript& m_selector;
+    std::string m_name;
 };
 
 } // namespace VirtualCamera

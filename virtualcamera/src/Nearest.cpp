@@ -33,8 +33,9 @@ FrameExtent nearestSize(FormatScript const& format, std::uint32_t width, std::ui
         return {toStep(width, range.minimumWidth, range.maximumWidth, range.stepWidth),
                 toStep(height, range.minimumHeight, range.maximumHeight, range.stepHeight)};
     }
-    if (format.sizes.empty())
+    if (format.sizes.empty()) {
         return {std::max(width, 1u), std::max(height, 1u)};
+    }
     FrameExtent best{format.sizes.front().width, format.sizes.front().height};
     std::uint64_t smallest = UINT64_MAX;
     for (SizeScript const& size : format.sizes) {
@@ -54,10 +55,12 @@ Interval nearestInterval(IntervalScript const& offered, Interval const& wanted,
                          Interval const& present)
 {
     if (offered.kind != RangeKind::Discrete) {
-        if (seconds(wanted) < seconds(offered.minimum))
+        if (seconds(wanted) < seconds(offered.minimum)) {
             return offered.minimum;
-        if (seconds(wanted) > seconds(offered.maximum))
+        }
+        if (seconds(wanted) > seconds(offered.maximum)) {
             return offered.maximum;
+        }
         return wanted;
     }
     Interval best = present;

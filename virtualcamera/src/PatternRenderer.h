@@ -27,14 +27,14 @@ private:
     void drawNumber(unsigned char* image, std::uint32_t frameNumber) const;
     std::size_t compress(unsigned char* target, std::size_t capacity);
 
-    std::uint32_t _pixelFormat;
-    std::uint32_t _width;
-    std::uint32_t _height;
-    std::uint32_t _bytesPerLine;
-    bool _compressed;
-    std::unique_ptr<Canvas> _canvas; ///< Null for a format without one.
-    std::vector<unsigned char> _background;
-    std::vector<unsigned char> _image; ///< The picture to compress.
+    std::uint32_t m_pixelFormat;
+    std::uint32_t m_width;
+    std::uint32_t m_height;
+    std::uint32_t m_bytesPerLine;
+    bool m_compressed;
+    std::unique_ptr<Canvas> m_canvas; ///< Null for a format without one.
+    std::vector<unsigned char> m_background;
+    std::vector<unsigned char> m_image; ///< The picture to compress.
 };
 
 } // namespace VirtualCamera

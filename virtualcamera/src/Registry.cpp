@@ -17,31 +17,34 @@ Registry& Registry::instance()
 
 Registry::Registry()
 {
-    for (CameraScript& script : camerasOfEnvironment())
+    for (CameraScript& script : camerasOfEnvironment()) {
         plug(std::make_shared<CameraDriver>(std::move(script)));
+    }
 }
 
 void Registry::plug(std::shared_ptr<CameraDriver> const& device)
 {
     std::shared_ptr<CameraDriver> replaced;
     {
-        std::lock_guard const lock(_mutex);
+        std::lock_guard const lock(m_mutex);
         auto const expired = [](auto const& known) { return known.expired(); };
-        _known.erase(std::remove_if(_known.begin(), _known.end(), expired), _known.end());
-        _known.push_back(device);
-        replaced = std::exchange(_nodes[device->node()], device);
+        m_known.erase(std::remove_if(m_known.begin(), m_known.end(), expired), m_known.end());
+        m_known.push_back(device);
+        replaced = std::exchange(m_nodes[device->node()], device);
     }
-    if (replaced)
+    if (replaced) {
         replaced->unplug();
+    }
 }
 
 void Registry::unplug(std::shared_ptr<CameraDriver> const& device)
 {
     {
-        std::lock_guard const lock(_mutex);
-        auto const found = _nodes.find(device->node());
-        if (found != _nodes.end() && found->second == device)
-            _nodes.erase(found);
+        std::lock_guard const lock(m_mutex);
+        auto const found = m_nodes.find(device->node());
+        if (found != m_nodes.end() && found->second == device) {
+            m_nodes.erase(found);
+        }
     }
     device->unplug();
 }
@@ -50,26 +53,30 @@ void Registry::reset()
 {
     std::map<std::string, std::shared_ptr<CameraDriver>> removed;
     {
-        std::lock_guard const lock(_mutex);
-        removed.swap(_nodes);
+        std::lock_guard const lock(m_mutex);
+        removed.swap(m_nodes);
     }
-    for (auto const& [node, device] : removed)
+    for (auto const& [node, device] : removed) {
         device->unplug();
+    }
 }
 
 std::shared_ptr<CameraDriver> Registry::byNode(std::string const& node)
 {
     std::shared_ptr<CameraDriver> device;
     {
-        std::lock_guard const lock(_mutex);
-        auto const found = _nodes.find(node);
-        if (found != _nodes.end())
+        std::lock_guard const lock(m_mutex);
+        auto const found = m_nodes.find(node);
+        if (found != m_nodes.end()) {
             device = found->second;
+        }
     }
-    if (!device || !device->gone())
+    if (!device || !device->gone()) {
         return device;
-    if (device->script().presenceFile.empty() || !device->present())
+    }
+    if (device->script().presenceFile.empty() || !device->present()) {
         return nullptr;
+    }
     // Plugged in again by another process, with the state of a fresh camera.
     auto fresh = std::make_shared<CameraDriver>(device->script());
     plug(fresh);
@@ -78,53 +85,56 @@ std::shared_ptr<CameraDriver> Registry::byNode(std::string const& node)
 
 std::shared_ptr<CameraDriver> Registry::byDescriptor(int descriptor)
 {
-    std::lock_guard const lock(_mutex);
-    auto const found = _descriptors.find(descriptor);
-    return found == _descriptors.end() ? nullptr : found->second;
+    std::lock_guard const lock(m_mutex);
+    auto const found = m_descriptors.find(descriptor);
+    return found == m_descriptors.end() ? nullptr : found->second;
 }
 
 bool Registry::isFull()
 {
-    std::lock_guard const lock(_mutex);
-    return _descriptors.size() >= mostDescriptors;
+    std::lock_guard const lock(m_mutex);
+    return m_descriptors.size() >= mostDescriptors;
 }
 
 void Registry::addDescriptor(int descriptor, std::shared_ptr<CameraDriver> const& device)
 {
     std::shared_ptr<CameraDriver> stale;
     {
-        std::lock_guard const lock(_mutex);
-        stale = std::exchange(_descriptors[descriptor], device);
+        std::lock_guard const lock(m_mutex);
+        stale = std::exchange(m_descriptors[descriptor], device);
     }
     // The number is new, so the earlier descriptor was closed behind the library's back.
-    if (stale && stale != device)
+    if (stale && stale != device) {
         stale->forgetFile(descriptor);
+    }
 }
 
 void Registry::removeDescriptor(int descriptor)
 {
     std::shared_ptr<CameraDriver> released;
-    std::lock_guard const lock(_mutex);
-    auto const found = _descriptors.find(descriptor);
-    if (found == _descriptors.end())
+    std::lock_guard const lock(m_mutex);
+    auto const found = m_descriptors.find(descriptor);
+    if (found == m_descriptors.end()) {
         return;
+    }
     released = std::move(found->second);
-    _descriptors.erase(found);
+    m_descriptors.erase(found);
 }
 
 void Registry::addMapping(MappingTicket const& ticket, std::shared_ptr<CameraDriver> const& device)
 {
-    std::lock_guard const lock(_mutex);
-    _mappings[ticket.address] = {ticket, device};
+    std::lock_guard const lock(m_mutex);
+    m_mappings[ticket.address] = {ticket, device};
 }
 
 bool Registry::findMapping(void* address, MappingTicket& ticket,
                            std::shared_ptr<CameraDriver>& device)
 {
-    std::lock_guard const lock(_mutex);
-    auto const found = _mappings.find(address);
-    if (found == _mappings.end())
+    std::lock_guard const lock(m_mutex);
+    auto const found = m_mappings.find(address);
+    if (found == m_mappings.end()) {
         return false;
+    }
     ticket = found->second.ticket;
     device = found->second.device;
     return true;
@@ -132,18 +142,20 @@ bool Registry::findMapping(void* address, MappingTicket& ticket,
 
 void Registry::removeMapping(void* address)
 {
-    std::lock_guard const lock(_mutex);
-    _mappings.erase(address);
+    std::lock_guard const lock(m_mutex);
+    m_mappings.erase(address);
 }
 
 Accounting Registry::accounting()
 {
     std::vector<std::shared_ptr<CameraDriver>> devices;
     {
-        std::lock_guard const lock(_mutex);
-        for (auto const& known : _known)
-            if (auto device = known.lock())
+        std::lock_guard const lock(m_mutex);
+        for (auto const& known : m_known) {
+            if (auto device = known.lock()) {
                 devices.push_back(std::move(device));
+            }
+        }
     }
     Accounting total;
     for (auto const& device : devices) {

@@ -49,11 +49,11 @@ private:
 
     Registry();
 
-    std::mutex _mutex;
-    std::map<std::string, std::shared_ptr<CameraDriver>> _nodes;
-    std::unordered_map<int, std::shared_ptr<CameraDriver>> _descriptors;
-    std::unordered_map<void*, Mapping> _mappings;
-    std::vector<std::weak_ptr<CameraDriver>> _known;
+    std::mutex m_mutex;
+    std::map<std::string, std::shared_ptr<CameraDriver>> m_nodes;
+    std::unordered_map<int, std::shared_ptr<CameraDriver>> m_descriptors;
+    std::unordered_map<void*, Mapping> m_mappings;
+    std::vector<std::weak_ptr<CameraDriver>> m_known;
 };
 
 } // namespace VirtualCamera

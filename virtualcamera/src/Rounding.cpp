@@ -6,14 +6,18 @@ namespace VirtualCamera
 
 std::int64_t roundToRange(std::int64_t value, ControlRange const& range)
 {
-    if (range.minimum > range.maximum)
+    if (range.minimum > range.maximum) {
         return value;
-    if (value <= range.minimum)
+    }
+    if (value <= range.minimum) {
         return range.minimum;
-    if (value >= range.maximum)
+    }
+    if (value >= range.maximum) {
         value = range.maximum;
-    if (range.step <= 1)
+    }
+    if (range.step <= 1) {
         return value;
+    }
     // Unsigned, since the width of a 64-bit range may not fit in a signed number.
     auto const step = static_cast<std::uint64_t>(range.step);
     auto const above =
@@ -21,8 +25,9 @@ std::int64_t roundToRange(std::int64_t value, ControlRange const& range)
     auto const width =
         static_cast<std::uint64_t>(range.maximum) - static_cast<std::uint64_t>(range.minimum);
     std::uint64_t steps = above / step;
-    if (above % step >= step - above % step && (steps + 1) * step <= width)
+    if (above % step >= step - above % step && (steps + 1) * step <= width) {
         ++steps;
+    }
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(range.minimum) + steps * step);
 }
 

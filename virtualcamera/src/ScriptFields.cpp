@@ -36,17 +36,20 @@ Json ScriptFields::idText(std::uint32_t id)
 std::uint32_t ScriptFields::flagsOf(Json const& json, NameTable const& names)
 {
     std::uint32_t flags = 0;
-    for (std::string const& name : json.get<std::vector<std::string>>())
+    for (std::string const& name : json.get<std::vector<std::string>>()) {
         flags |= numberOf(names, name);
+    }
     return flags;
 }
 
 Json ScriptFields::flagTexts(std::uint32_t flags, NameTable const& names)
 {
     Json texts = Json::array();
-    for (auto const& [name, bit] : names)
-        if ((flags & bit) != 0)
+    for (auto const& [name, bit] : names) {
+        if ((flags & bit) != 0) {
             texts.push_back(name);
+        }
+    }
     return texts;
 }
 
@@ -58,16 +61,18 @@ Json ScriptFields::intervalText(Interval const& value)
 std::vector<Interval> ScriptFields::intervalList(Json const& json)
 {
     std::vector<Interval> values;
-    for (std::string const& text : json.get<std::vector<std::string>>())
+    for (std::string const& text : json.get<std::vector<std::string>>()) {
         values.push_back(intervalByText(text));
+    }
     return values;
 }
 
 Json ScriptFields::intervalTexts(std::vector<Interval> const& values)
 {
     Json texts = Json::array();
-    for (Interval const& value : values)
+    for (Interval const& value : values) {
         texts.push_back(intervalText(value));
+    }
     return texts;
 }
 

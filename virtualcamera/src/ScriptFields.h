@@ -22,8 +22,9 @@ struct ScriptFields
     {
         rangeKind(archive, "intervalKind", script.kind);
         archive.field("intervals", script.list, intervalList, intervalTexts);
-        if (script.kind == RangeKind::Discrete)
+        if (script.kind == RangeKind::Discrete) {
             return;
+        }
         interval(archive, "minimumInterval", script.minimum);
         interval(archive, "maximumInterval", script.maximum);
         interval(archive, "stepInterval", script.step);
@@ -56,13 +57,14 @@ struct ScriptFields
         archive.field("description", script.description);
         flags(archive, "flags", script.flags, formatFlagNames());
         rangeKind(archive, "sizeKind", script.sizeKind);
-        if (script.sizeKind == RangeKind::Discrete)
+        if (script.sizeKind == RangeKind::Discrete) {
             archive.list(
                 "sizes", script.sizes, [](auto&) { return SizeScript{}; },
                 [](auto& nested, SizeScript& value) { size(nested, value); });
-        else
+        } else {
             archive.object("sizeRange", script.sizeRange,
                            [](auto& nested, SizeRangeScript& value) { sizeRange(nested, value); });
+        }
         archive.field("bytesPerLine", script.bytesPerLine);
         archive.field("sizeImage", script.sizeImage);
         bytes(archive, "frameBytes", script.frameBytes);
@@ -88,9 +90,11 @@ struct ScriptFields
         archive.list(
             "items", script.items, [](auto&) { return MenuItem{}; },
             [](auto& nested, MenuItem& value) { menuItem(nested, value); });
-        for (MenuItem const& item : script.items)
-            if (script.maximum < item.index)
+        for (MenuItem const& item : script.items) {
+            if (script.maximum < item.index) {
                 script.maximum = item.index;
+            }
+        }
         archive.field("minimum", script.minimum);
         archive.field("maximum", script.maximum);
         archive.field("step", script.step);

@@ -114,8 +114,9 @@ std::uint32_t numberOf(NameTable const& table, std::string const& name)
 {
     std::string known;
     for (auto const& [candidate, number] : table) {
-        if (name == candidate)
+        if (name == candidate) {
             return number;
+        }
         known += known.empty() ? "" : ", ";
         known += candidate;
     }
@@ -124,9 +125,11 @@ std::uint32_t numberOf(NameTable const& table, std::string const& name)
 
 std::string nameOf(NameTable const& table, std::uint32_t number)
 {
-    for (auto const& [name, candidate] : table)
-        if (number == candidate)
+    for (auto const& [name, candidate] : table) {
+        if (number == candidate) {
             return name;
+        }
+    }
     throw std::invalid_argument("no name for number " + std::to_string(number));
 }
 
@@ -135,8 +138,9 @@ int errorByName(std::string const& name)
     constexpr int lastError = 133;
     for (int error = 1; error <= lastError; ++error) {
         char const* const candidate = strerrorname_np(error);
-        if (candidate != nullptr && name == candidate)
+        if (candidate != nullptr && name == candidate) {
             return error;
+        }
     }
     throw std::invalid_argument("\"" + name + "\" is no errno name");
 }
@@ -144,20 +148,23 @@ int errorByName(std::string const& name)
 std::string errorName(int error)
 {
     char const* const name = strerrorname_np(error);
-    if (name == nullptr)
+    if (name == nullptr) {
         throw std::invalid_argument("no errno name for " + std::to_string(error));
+    }
     return name;
 }
 
 std::vector<std::uint8_t> bytesByHex(std::string const& digits)
 {
     bool const odd = digits.size() % 2 != 0;
-    if (odd || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+    if (odd || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
         throw std::invalid_argument("bytes are pairs of hexadecimal digits");
+    }
     std::vector<std::uint8_t> bytes;
-    for (std::size_t place = 0; place < digits.size(); place += 2)
+    for (std::size_t place = 0; place < digits.size(); place += 2) {
         bytes.push_back(
             static_cast<std::uint8_t>(std::stoul(digits.substr(place, 2), nullptr, 16)));
+    }
     return bytes;
 }
 

@@ -12,32 +12,35 @@ namespace VirtualCamera
 {
 
 ScriptedControl::ScriptedControl(ControlScript script)
-    : _script(std::move(script)), _value(_script.value.value_or(_script.defaultValue))
+    : m_script(std::move(script)), m_value(m_script.value.value_or(m_script.defaultValue))
 {
 }
 
 ControlRange ScriptedControl::range() const
 {
-    return {_script.minimum, _script.maximum, _script.step, _script.defaultValue};
+    return {m_script.minimum, m_script.maximum, m_script.step, m_script.defaultValue};
 }
 
 bool ScriptedControl::hasItem(std::int64_t index) const
 {
     auto const sameIndex = [index](MenuItem const& item) { return item.index == index; };
-    return std::any_of(_script.items.begin(), _script.items.end(), sameIndex);
+    return std::any_of(m_script.items.begin(), m_script.items.end(), sameIndex);
 }
 
 int ScriptedControl::menuItem(v4l2_querymenu& item) const
 {
-    if (_script.type != V4L2_CTRL_TYPE_MENU && _script.type != V4L2_CTRL_TYPE_INTEGER_MENU)
+    if (m_script.type != V4L2_CTRL_TYPE_MENU && m_script.type != V4L2_CTRL_TYPE_INTEGER_MENU) {
         return -EINVAL;
-    if (item.index < _script.minimum || item.index > _script.maximum)
+    }
+    if (item.index < m_script.minimum || item.index > m_script.maximum) {
         return -EINVAL;
-    for (MenuItem const& candidate : _script.items) {
-        if (candidate.index != item.index)
+    }
+    for (MenuItem const& candidate : m_script.items) {
+        if (candidate.index != item.index) {
             continue;
+        }
         item.reserved = 0;
-        if (_script.type == V4L2_CTRL_TYPE_INTEGER_MENU) {
+        if (m_script.type == V4L2_CTRL_TYPE_INTEGER_MENU) {
             item.value = candidate.value;
         } else {
             // The structure is packed: its text is filled through a plain array.
@@ -52,25 +55,27 @@ int ScriptedControl::menuItem(v4l2_querymenu& item) const
 
 int ScriptedControl::read(std::int64_t& value) const
 {
-    if (_script.readError != 0)
-        return -_script.readError;
-    value = _value;
+    if (m_script.readError != 0) {
+        return -m_script.readError;
+    }
+    value = m_value;
     return 0;
 }
 
 int ScriptedControl::validate(std::int64_t& value) const
 {
-    switch (_script.type) {
+    switch (m_script.type) {
     case V4L2_CTRL_TYPE_BOOLEAN:
         value = value != 0 ? 1 : 0;
         return 0;
     case V4L2_CTRL_TYPE_MENU:
     case V4L2_CTRL_TYPE_INTEGER_MENU:
-        if (value < _script.minimum || value > _script.maximum)
+        if (value < m_script.minimum || value > m_script.maximum) {
             return -ERANGE;
+        }
         return hasItem(value) ? 0 : -EINVAL;
     case V4L2_CTRL_TYPE_BITMASK:
-        value &= _script.maximum & 0xffffffffLL;
+        value &= m_script.maximum & 0xffffffffLL;
         return 0;
     case V4L2_CTRL_TYPE_BUTTON:
         value = 0;
@@ -83,30 +88,33 @@ int ScriptedControl::validate(std::int64_t& value) const
 
 int ScriptedControl::write(std::int64_t value)
 {
-    if (_script.writeError != 0)
-        return -_script.writeError;
-    _value = value;
+    if (m_script.writeError != 0) {
+        return -m_script.writeError;
+    }
+    m_value = value;
     return 0;
 }
 
 void ScriptedControl::force(std::int64_t value)
 {
-    _value = value;
+    m_value = value;
 }
 
 int ScriptedControl::validateText(std::string const& text) const
 {
     auto const length = static_cast<std::int64_t>(text.size());
-    if (length < _script.minimum || length > _script.maximum)
+    if (length < m_script.minimum || length > m_script.maximum) {
         return -ERANGE;
-    if (_script.step > 1 && (length - _script.minimum) % _script.step != 0)
+    }
+    if (m_script.step > 1 && (length - m_script.minimum) % m_script.step != 0) {
         return -ERANGE;
+    }
     return 0;
 }
 
 void ScriptedControl::setText(std::string text)
 {
-    _script.text = std::move(text);
+    m_script.text = std::move(text);
 }
 
 } // namespace VirtualCamera

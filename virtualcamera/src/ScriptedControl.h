@@ -13,10 +13,10 @@ class ScriptedControl : public ControlNode
 public:
     explicit ScriptedControl(ControlScript script);
 
-    std::uint32_t id() const override { return _script.id; }
-    std::uint32_t type() const override { return _script.type; }
-    std::string const& name() const override { return _script.name; }
-    std::uint32_t flags() const override { return _script.flags; }
+    std::uint32_t id() const override { return m_script.id; }
+    std::uint32_t type() const override { return m_script.type; }
+    std::string const& name() const override { return m_script.name; }
+    std::uint32_t flags() const override { return m_script.flags; }
     ControlRange range() const override;
     int menuItem(v4l2_querymenu& item) const override;
 
@@ -25,17 +25,17 @@ public:
     int write(std::int64_t value) override;
     void force(std::int64_t value) override;
 
-    ControlScript const& script() const { return _script; }
-    void setFlags(std::uint32_t flags) { _script.flags = flags; }
-    std::string const& text() const { return _script.text; }
+    ControlScript const& script() const { return m_script; }
+    void setFlags(std::uint32_t flags) { m_script.flags = flags; }
+    std::string const& text() const { return m_script.text; }
     int validateText(std::string const& text) const;
     void setText(std::string text);
 
 private:
     bool hasItem(std::int64_t index) const;
 
-    ControlScript _script;
-    std::int64_t _value;
+    ControlScript m_script;
+    std::int64_t m_value;
 };
 
 } // namespace VirtualCamera

@@ -26,8 +26,9 @@ void* mapAgain(void* base, std::size_t size)
 bool canMapAgain(void* base, std::size_t size)
 {
     void* const again = mapAgain(base, size);
-    if (again != MAP_FAILED)
+    if (again != MAP_FAILED) {
         munmap(again, size);
+    }
     return again != MAP_FAILED;
 }
 
@@ -38,36 +39,41 @@ void* mapFile(int file, std::size_t size)
 
 } // namespace
 
-SharedPages::SharedPages(std::size_t bytes) : _size(roundToPages(bytes == 0 ? 1 : bytes))
+SharedPages::SharedPages(std::size_t bytes) : m_size(roundToPages(bytes == 0 ? 1 : bytes))
 {
-    void* base = mmap(nullptr, _size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    if (base != MAP_FAILED && !canMapAgain(base, _size)) {
+    void* base = mmap(nullptr, m_size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (base != MAP_FAILED && !canMapAgain(base, m_size)) {
         // Valgrind, for one, does not let mappings be made so.
-        munmap(base, _size);
-        _file = memfd_create("virtual camera buffer", MFD_CLOEXEC);
-        base =
-            ftruncate(_file, static_cast<off_t>(_size)) == 0 ? mapFile(_file, _size) : MAP_FAILED;
+        munmap(base, m_size);
+        m_file = memfd_create("virtual camera buffer", MFD_CLOEXEC);
+        base = ftruncate(m_file, static_cast<off_t>(m_size)) == 0 ? mapFile(m_file, m_size)
+                                                                  : MAP_FAILED;
     }
-    if (base != MAP_FAILED)
-        _base = static_cast<unsigned char*>(base);
+    if (base != MAP_FAILED) {
+        m_base = static_cast<unsigned char*>(base);
+    }
 }
 
 SharedPages::~SharedPages()
 {
-    if (_base != nullptr)
-        munmap(_base, _size);
-    if (_file != -1)
-        close(_file);
+    if (m_base != nullptr) {
+        munmap(m_base, m_size);
+    }
+    if (m_file != -1) {
+        close(m_file);
+    }
 }
 
 void* SharedPages::mirror(std::size_t length, int protection) const
 {
     std::size_t const size = roundToPages(length);
-    void* const address = _file == -1 ? mapAgain(_base, size) : mapFile(_file, size);
-    if (address == MAP_FAILED)
+    void* const address = m_file == -1 ? mapAgain(m_base, size) : mapFile(m_file, size);
+    if (address == MAP_FAILED) {
         return nullptr;
-    if (protection != (PROT_READ | PROT_WRITE))
+    }
+    if (protection != (PROT_READ | PROT_WRITE)) {
         mprotect(address, size, protection);
+    }
     return address;
 }
 

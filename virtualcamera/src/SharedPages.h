@@ -18,15 +18,15 @@ public:
     SharedPages(SharedPages const&) = delete;
     SharedPages& operator=(SharedPages const&) = delete;
 
-    bool valid() const { return _base != nullptr; }
-    unsigned char* bytes() const { return _base; }
+    bool valid() const { return m_base != nullptr; }
+    unsigned char* bytes() const { return m_base; }
     /// Another mapping of the first `length` bytes; null, with errno, when there is no room.
     void* mirror(std::size_t length, int protection) const;
 
 private:
-    unsigned char* _base = nullptr;
-    std::size_t _size;
-    int _file = -1; ///< Of the pages, where they cannot be mapped again without one.
+    unsigned char* m_base = nullptr;
+    std::size_t m_size;
+    int m_file = -1; ///< Of the pages, where they cannot be mapped again without one.
 };
 
 } // namespace VirtualCamera

@@ -50,11 +50,13 @@ VIRTUALCAMERA_EXPORT int v4l2_open(char const* file, int oflag, ...)
     }
     auto const device = file == nullptr ? nullptr : Registry::instance().byNode(file);
     if (device) {
-        if (Registry::instance().isFull())
+        if (Registry::instance().isFull()) {
             return failWith(EBUSY);
+        }
         int const descriptor = device->open(file, oflag);
-        if (descriptor >= 0)
+        if (descriptor >= 0) {
             Registry::instance().addDescriptor(descriptor, device);
+        }
         return resultOf(descriptor);
     }
     static auto* const real = realFunction<decltype(v4l2_open)>("v4l2_open");
@@ -67,8 +69,9 @@ VIRTUALCAMERA_EXPORT int v4l2_close(int fd)
         // Forgotten first: once closed, the number may belong to another thread's next open.
         Registry::instance().removeDescriptor(fd);
         int const result = device->close(fd);
-        if (result == -EINTR)
+        if (result == -EINTR) {
             Registry::instance().addDescriptor(fd, device);
+        }
         return resultOf(result);
     }
     static auto* const real = realFunction<decltype(v4l2_close)>("v4l2_close");
@@ -82,8 +85,9 @@ VIRTUALCAMERA_EXPORT int v4l2_ioctl(int fd, unsigned long int request, ...)
     void* const argument = va_arg(arguments, void*);
     va_end(arguments);
     // Callers that keep the request in an int hand it over with its sign extended.
-    if (auto const device = Registry::instance().byDescriptor(fd))
+    if (auto const device = Registry::instance().byDescriptor(fd)) {
         return resultOf(device->ioctl(fd, static_cast<std::uint32_t>(request), argument));
+    }
     static auto* const real = realFunction<decltype(v4l2_ioctl)>("v4l2_ioctl");
     return real != nullptr ? real(fd, request, argument) : failWith(EBADF);
 }
@@ -112,29 +116,32 @@ VIRTUALCAMERA_EXPORT void* v4l2_mmap(void* start, size_t length, int prot, int f
         return ticket.address;
     }
     static auto* const real = realFunction<decltype(v4l2_mmap)>("v4l2_mmap");
-    if (real != nullptr)
+    if (real != nullptr) {
         return real(start, length, prot, flags, fd, offset);
+    }
     errno = EBADF;
     return MAP_FAILED;
 }
 
-VIRTUALCAMERA_EXPORT int v4l2_munmap(void* _start, size_t length)
+VIRTUALCAMERA_EXPORT int v4l2_munmap(void* m_start, size_t length)
 {
     MappingTicket ticket;
     std::shared_ptr<CameraDriver> device;
-    if (Registry::instance().findMapping(_start, ticket, device)) {
+    if (Registry::instance().findMapping(m_start, ticket, device)) {
         // Unmapping a part would leave the rest behind for good.
-        if (VirtualCamera::roundToPages(length) != VirtualCamera::roundToPages(ticket.length))
+        if (VirtualCamera::roundToPages(length) != VirtualCamera::roundToPages(ticket.length)) {
             return failWith(EINVAL);
+        }
         // Forgotten first: once unmapped, the address may become another thread's next mapping.
-        Registry::instance().removeMapping(_start);
+        Registry::instance().removeMapping(m_start);
         int const result = device->unmap(ticket);
-        if (result < 0)
+        if (result < 0) {
             Registry::instance().addMapping(ticket, device);
+        }
         return resultOf(result);
     }
     static auto* const real = realFunction<decltype(v4l2_munmap)>("v4l2_munmap");
-    return real != nullptr ? real(_start, length) : failWith(EINVAL);
+    return real != nullptr ? real(m_start, length) : failWith(EINVAL);
 }
 
 } // extern "C"

@@ -259,8 +259,9 @@ TEST(BufferTest, ChecksMappings)
     auto const mapping = [&client](std::size_t length, int protection, int flags, int64_t offset) {
         void* const address =
             v4l2_mmap(nullptr, length, protection, flags, client.descriptor(), offset);
-        if (address == MAP_FAILED)
+        if (address == MAP_FAILED) {
             return errno;
+        }
         v4l2_munmap(address, length);
         return 0;
     };
@@ -345,8 +346,9 @@ TEST(BufferTest, BlocksInDequeueUntilAFrameComes)
     Client client("/dev/video0", O_RDWR);
     ASSERT_EQ(client.start(1), 0);
     std::thread sensor([&camera] {
-        while (camera.countOf(VIDIOC_DQBUF) == 0)
+        while (camera.countOf(VIDIOC_DQBUF) == 0) {
             std::this_thread::yield();
+        }
         camera.deliverFrames();
     });
     v4l2_buffer buffer{};
@@ -360,8 +362,9 @@ TEST(BufferTest, EndsABlockedDequeueWhenStreamingStops)
     Client client("/dev/video0", O_RDWR);
     ASSERT_EQ(client.start(1), 0);
     std::thread stopper([&camera, &client] {
-        while (camera.countOf(VIDIOC_DQBUF) == 0)
+        while (camera.countOf(VIDIOC_DQBUF) == 0) {
             std::this_thread::yield();
+        }
         client.stream(false);
     });
     v4l2_buffer buffer{};

@@ -23,31 +23,32 @@ class Client
 {
 public:
     explicit Client(std::string const& node = "/dev/video0", int flags = O_RDWR | O_NONBLOCK)
-        : _descriptor(v4l2_open(node.c_str(), flags)), _openError(_descriptor < 0 ? errno : 0)
+        : m_descriptor(v4l2_open(node.c_str(), flags)), m_openError(m_descriptor < 0 ? errno : 0)
     {
     }
     ~Client()
     {
-        for (Mapping const& mapping : _mappings)
+        for (Mapping const& mapping : m_mappings) {
             v4l2_munmap(mapping.address, mapping.length);
+        }
         close();
     }
     Client(Client const&) = delete;
     Client& operator=(Client const&) = delete;
 
-    int descriptor() const { return _descriptor; }
-    int openError() const { return _openError; }
+    int descriptor() const { return m_descriptor; }
+    int openError() const { return m_openError; }
     int close()
     {
-        int const result = _descriptor < 0 ? 0 : errorOf(v4l2_close(_descriptor));
-        _descriptor = -1;
+        int const result = m_descriptor < 0 ? 0 : errorOf(v4l2_close(m_descriptor));
+        m_descriptor = -1;
         return result;
     }
 
     template <typename Argument>
     int call(unsigned long request, Argument& argument) const
     {
-        return errorOf(v4l2_ioctl(_descriptor, request, &argument));
+        return errorOf(v4l2_ioctl(m_descriptor, request, &argument));
     }
 
     int request(unsigned count, unsigned memory = V4L2_MEMORY_MMAP, unsigned* granted = nullptr)
@@ -57,8 +58,9 @@ public:
         request.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
         request.memory = memory;
         int const result = call(VIDIOC_REQBUFS, request);
-        if (granted != nullptr)
+        if (granted != nullptr) {
             *granted = request.count;
+        }
         return result;
     }
 
@@ -96,45 +98,52 @@ public:
     /// Requests, maps and queues buffers, and streams; the first error.
     int start(unsigned count)
     {
-        if (int const error = request(count))
+        if (int const error = request(count)) {
             return error;
+        }
         for (unsigned index = 0; index < count; ++index) {
-            if (int const error = map(index))
+            if (int const error = map(index)) {
                 return error;
-            if (int const error = queue(index))
+            }
+            if (int const error = queue(index)) {
                 return error;
+            }
         }
         return stream(true);
     }
     int map(unsigned index)
     {
         v4l2_buffer queried = buffer(index);
-        if (int const error = call(VIDIOC_QUERYBUF, queried))
+        if (int const error = call(VIDIOC_QUERYBUF, queried)) {
             return error;
+        }
         void* const address = v4l2_mmap(nullptr, queried.length, PROT_READ | PROT_WRITE, MAP_SHARED,
-                                        _descriptor, queried.m.offset);
-        if (address == MAP_FAILED)
+                                        m_descriptor, queried.m.offset);
+        if (address == MAP_FAILED) {
             return errno;
-        _mappings.push_back({address, queried.length});
+        }
+        m_mappings.push_back({address, queried.length});
         return 0;
     }
     int unmapAll()
     {
-        for (Mapping const& mapping : _mappings)
-            if (v4l2_munmap(mapping.address, mapping.length) != 0)
+        for (Mapping const& mapping : m_mappings) {
+            if (v4l2_munmap(mapping.address, mapping.length) != 0) {
                 return errno;
-        _mappings.clear();
+            }
+        }
+        m_mappings.clear();
         return 0;
     }
     unsigned char* mapped(unsigned index) const
     {
-        return static_cast<unsigned char*>(_mappings.at(index).address);
+        return static_cast<unsigned char*>(m_mappings.at(index).address);
     }
 
     /// True when the node becomes readable in time.
     bool readable(int milliseconds) const
     {
-        pollfd waiting{_descriptor, POLLIN, 0};
+        pollfd waiting{m_descriptor, POLLIN, 0};
         return poll(&waiting, 1, milliseconds) == 1;
     }
 
@@ -147,9 +156,9 @@ private:
         std::size_t length;
     };
 
-    int _descriptor;
-    int _openError;
-    std::vector<Mapping> _mappings;
+    int m_descriptor;
+    int m_openError;
+    std::vector<Mapping> m_mappings;
 };
 
 /// A small camera whose frames come as soon as a buffer is queued.

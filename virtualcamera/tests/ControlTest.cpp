@@ -17,36 +17,37 @@ protected:
     void offer(ControlScript const& control) { open(aCamera().withControl(control)); }
     void open(CameraBuilder const& builder)
     {
-        _camera.emplace(builder.install());
-        _client.emplace();
+        m_camera.emplace(builder.install());
+        m_client.emplace();
     }
 
     int query(std::uint32_t id, v4l2_queryctrl& answer)
     {
         answer = {};
         answer.id = id;
-        return _client->call(VIDIOC_QUERYCTRL, answer);
+        return m_client->call(VIDIOC_QUERYCTRL, answer);
     }
     std::vector<std::uint32_t> listedIds()
     {
         std::vector<std::uint32_t> ids;
         v4l2_queryctrl answer{};
         std::uint32_t last = 0;
-        while (ids.size() < 100 && query(last | V4L2_CTRL_FLAG_NEXT_CTRL, answer) == 0)
+        while (ids.size() < 100 && query(last | V4L2_CTRL_FLAG_NEXT_CTRL, answer) == 0) {
             ids.push_back(last = answer.id);
+        }
         return ids;
     }
     int get(std::int32_t& value, std::uint32_t id = someId)
     {
         v4l2_control control{id, 0};
-        int const error = _client->call(VIDIOC_G_CTRL, control);
+        int const error = m_client->call(VIDIOC_G_CTRL, control);
         value = control.value;
         return error;
     }
     int set(std::int32_t value, std::uint32_t id = someId)
     {
         v4l2_control control{id, value};
-        return _client->call(VIDIOC_S_CTRL, control);
+        return m_client->call(VIDIOC_S_CTRL, control);
     }
     int transfer(unsigned long request, v4l2_ext_control& control, std::uint32_t which = 0)
     {
@@ -54,11 +55,11 @@ protected:
         controls.which = which;
         controls.count = 1;
         controls.controls = &control;
-        return _client->call(request, controls);
+        return m_client->call(request, controls);
     }
 
-    std::optional<InstalledCamera> _camera;
-    std::optional<Client> _client;
+    std::optional<InstalledCamera> m_camera;
+    std::optional<Client> m_client;
 };
 
 TEST_F(ControlTest, ListsControlsInTheOrderOfTheirIds)
@@ -124,8 +125,8 @@ TEST_F(ControlTest, ClampsIntegersToRangeAndStep)
     EXPECT_EQ(set(4), 0);
     EXPECT_EQ(get(value), 0);
     EXPECT_EQ(value, 0);
-    EXPECT_EQ(_camera->controlWrites(someId), 3u);
-    EXPECT_EQ(_camera->lastControlValueSent(), 4);
+    EXPECT_EQ(m_camera->controlWrites(someId), 3u);
+    EXPECT_EQ(m_camera->lastControlValueSent(), 4);
 }
 
 TEST_F(ControlTest, TakesAnyNonZeroAsTrue)
@@ -143,17 +144,17 @@ TEST_F(ControlTest, RefusesHolesAndIndicesOutsideAMenu)
     v4l2_querymenu item{};
     item.id = someId;
     item.index = 3;
-    EXPECT_EQ(_client->call(VIDIOC_QUERYMENU, item), 0);
+    EXPECT_EQ(m_client->call(VIDIOC_QUERYMENU, item), 0);
     EXPECT_STREQ(reinterpret_cast<char const*>(item.name), "Continuous");
     item.index = 1;
-    EXPECT_EQ(_client->call(VIDIOC_QUERYMENU, item), EINVAL);
+    EXPECT_EQ(m_client->call(VIDIOC_QUERYMENU, item), EINVAL);
     item.index = 4;
-    EXPECT_EQ(_client->call(VIDIOC_QUERYMENU, item), EINVAL);
+    EXPECT_EQ(m_client->call(VIDIOC_QUERYMENU, item), EINVAL);
     EXPECT_EQ(set(3), 0);
     EXPECT_EQ(set(2), EINVAL);
     EXPECT_EQ(set(4), ERANGE);
     EXPECT_EQ(set(-1), ERANGE);
-    EXPECT_EQ(_camera->controlValue(someId), 3);
+    EXPECT_EQ(m_camera->controlValue(someId), 3);
 }
 
 TEST_F(ControlTest, GivesIntegerMenusTheirValues)
@@ -164,7 +165,7 @@ TEST_F(ControlTest, GivesIntegerMenusTheirValues)
     v4l2_querymenu item{};
     item.id = someId;
     item.index = 2;
-    EXPECT_EQ(_client->call(VIDIOC_QUERYMENU, item), 0);
+    EXPECT_EQ(m_client->call(VIDIOC_QUERYMENU, item), 0);
     EXPECT_EQ(static_cast<std::int64_t>(item.value), std::int64_t{1} << 40);
     EXPECT_EQ(set(2), 0);
     EXPECT_EQ(set(1), EINVAL);
@@ -177,14 +178,14 @@ TEST_F(ControlTest, LetsAButtonBePressedButNotRead)
     EXPECT_EQ(get(value), EACCES);
     EXPECT_EQ(set(1), 0);
     EXPECT_EQ(set(1), 0);
-    EXPECT_EQ(_camera->controlWrites(someId), 2u);
+    EXPECT_EQ(m_camera->controlWrites(someId), 2u);
 }
 
 TEST_F(ControlTest, CutsABitMaskToItsValidBits)
 {
     offer(bitMaskControl(someId, "Bitmask").range(0, 0x80000005LL, 0));
     EXPECT_EQ(set(-1), 0);
-    EXPECT_EQ(_camera->controlValue(someId), 0x80000005LL);
+    EXPECT_EQ(m_camera->controlValue(someId), 0x80000005LL);
     std::int32_t value = 0;
     EXPECT_EQ(get(value), 0);
     EXPECT_EQ(static_cast<std::uint32_t>(value), 0x80000005u);
@@ -213,7 +214,7 @@ TEST_F(ControlTest, ShowsTheRangeOfInteger64OnlyWhenAsked)
     EXPECT_EQ(answer.maximum, 0);
     v4l2_query_ext_ctrl extended{};
     extended.id = someId;
-    ASSERT_EQ(_client->call(VIDIOC_QUERY_EXT_CTRL, extended), 0);
+    ASSERT_EQ(m_client->call(VIDIOC_QUERY_EXT_CTRL, extended), 0);
     EXPECT_EQ(extended.minimum, -3);
     EXPECT_EQ(extended.maximum, 3);
     offer(integer64Control(someId, "Integer 64").range(-3, 3).showingRange());
@@ -253,7 +254,7 @@ TEST_F(ControlTest, KeepsUnsigned32BeyondTheSign)
     control.id = someId;
     control.value64 = 0xfffffff0LL;
     EXPECT_EQ(transfer(VIDIOC_S_EXT_CTRLS, control), 0);
-    EXPECT_EQ(_camera->controlValue(someId), 0xfffffff0LL);
+    EXPECT_EQ(m_camera->controlValue(someId), 0xfffffff0LL);
 }
 
 TEST_F(ControlTest, NamesTheSizeThatAStringNeeds)
@@ -288,19 +289,19 @@ TEST_F(ControlTest, BoundsTheLengthOfStrings)
         return transfer(VIDIOC_S_EXT_CTRLS, control);
     };
     EXPECT_EQ(set("abcd"), 0);
-    EXPECT_EQ(_camera->controlText(someId), "abcd");
+    EXPECT_EQ(m_camera->controlText(someId), "abcd");
     EXPECT_EQ(set(""), ERANGE);
     EXPECT_EQ(set("abc"), ERANGE);
     EXPECT_EQ(set("abcdefgh"), ERANGE);
-    EXPECT_EQ(_camera->controlText(someId), "abcd");
-    EXPECT_EQ(_camera->calls(VIDIOC_S_EXT_CTRLS).back().controls.front().text, "abcdefgh");
+    EXPECT_EQ(m_camera->controlText(someId), "abcd");
+    EXPECT_EQ(m_camera->calls(VIDIOC_S_EXT_CTRLS).back().controls.front().text, "abcdefgh");
 }
 
 TEST_F(ControlTest, RefusesByFlags)
 {
     offer(integerControl(someId, "Integer").range(0, 9).currently(4));
     std::int32_t value = 0;
-    auto const flagged = [this](std::uint32_t flags) { _camera->setControlFlags(someId, flags); };
+    auto const flagged = [this](std::uint32_t flags) { m_camera->setControlFlags(someId, flags); };
     flagged(V4L2_CTRL_FLAG_READ_ONLY);
     EXPECT_EQ(set(1), EACCES);
     EXPECT_EQ(get(value), 0);
@@ -336,9 +337,9 @@ TEST_F(ControlTest, FollowsItsMaster)
                               .range(0, 9)
                               .activeOnlyWhen(V4L2_CID_FOCUS_AUTO, 0)));
     EXPECT_EQ(set(5), EACCES);
-    EXPECT_EQ(_camera->controlFlags(someId), static_cast<unsigned>(V4L2_CTRL_FLAG_INACTIVE));
+    EXPECT_EQ(m_camera->controlFlags(someId), static_cast<unsigned>(V4L2_CTRL_FLAG_INACTIVE));
     EXPECT_EQ(set(0, V4L2_CID_FOCUS_AUTO), 0);
-    EXPECT_EQ(_camera->controlFlags(someId), 0u);
+    EXPECT_EQ(m_camera->controlFlags(someId), 0u);
     EXPECT_EQ(set(5), 0);
 }
 
@@ -381,7 +382,7 @@ TEST_F(ControlTest, ChecksTheClassOfExtendedTransfers)
     control.value = 100;
     EXPECT_EQ(transfer(VIDIOC_TRY_EXT_CTRLS, control), 0);
     EXPECT_EQ(control.value, 9);
-    EXPECT_EQ(_camera->controlValue(someId), 4);
+    EXPECT_EQ(m_camera->controlValue(someId), 4);
 }
 
 TEST_F(ControlTest, SetsAllOrNothing)
@@ -396,10 +397,10 @@ TEST_F(ControlTest, SetsAllOrNothing)
     v4l2_ext_controls controls{};
     controls.count = 2;
     controls.controls = both;
-    EXPECT_EQ(_client->call(VIDIOC_S_EXT_CTRLS, controls), EACCES);
+    EXPECT_EQ(m_client->call(VIDIOC_S_EXT_CTRLS, controls), EACCES);
     EXPECT_EQ(controls.error_idx, 2u);
-    EXPECT_EQ(_camera->controlValue(someId), 0);
-    EXPECT_EQ(_client->call(VIDIOC_TRY_EXT_CTRLS, controls), EACCES);
+    EXPECT_EQ(m_camera->controlValue(someId), 0);
+    EXPECT_EQ(m_client->call(VIDIOC_TRY_EXT_CTRLS, controls), EACCES);
     EXPECT_EQ(controls.error_idx, 1u);
 }
 

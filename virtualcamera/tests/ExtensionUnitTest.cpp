@@ -39,7 +39,7 @@ uvc_xu_control_mapping mapping(std::uint32_t id, std::uint8_t selector, unsigned
 class ExtensionUnitTest : public testing::Test
 {
 protected:
-    int map(uvc_xu_control_mapping mapping) { return _client.call(UVCIOC_CTRL_MAP, mapping); }
+    int map(uvc_xu_control_mapping mapping) { return m_client.call(UVCIOC_CTRL_MAP, mapping); }
     int transfer(unsigned long request, std::uint32_t id, std::int32_t& value)
     {
         v4l2_ext_control control{};
@@ -48,7 +48,7 @@ protected:
         v4l2_ext_controls controls{};
         controls.count = 1;
         controls.controls = &control;
-        int const error = _client.call(request, controls);
+        int const error = m_client.call(request, controls);
         value = control.value;
         return error;
     }
@@ -63,11 +63,11 @@ protected:
         return transfer(VIDIOC_S_EXT_CTRLS, id, value);
     }
 
-    InstalledCamera _camera =
+    InstalledCamera m_camera =
         aCamera()
             .withExtensionUnit(unit, {selector(1, 1), selector(20, 8), selector(3, 4)})
             .install();
-    Client _client;
+    Client m_client;
 };
 
 TEST_F(ExtensionUnitTest, RefusesMappingsLikeTheDriver)
@@ -95,9 +95,9 @@ TEST_F(ExtensionUnitTest, LetsFieldsShareTheBytesOfASelector)
     ASSERT_EQ(map(mapping(firstId + 1, 20, 16, 32)), 0);
     EXPECT_EQ(set(firstId, 0x1234), 0);
     EXPECT_EQ(set(firstId + 1, 0x0102), 0);
-    EXPECT_EQ(_camera.selectorBytes(20),
+    EXPECT_EQ(m_camera.selectorBytes(20),
               (std::vector<std::uint8_t>{0x34, 0x12, 0, 0, 0x02, 0x01, 0, 0}));
-    _camera.setSelectorBytes(20, {1, 0, 0, 0, 2, 0, 0, 0});
+    m_camera.setSelectorBytes(20, {1, 0, 0, 0, 2, 0, 0, 0});
     EXPECT_EQ(value(firstId), 1);
     EXPECT_EQ(value(firstId + 1), 2);
 }
@@ -113,16 +113,16 @@ TEST_F(ExtensionUnitTest, ListsAMenuDenselyAndSendsItsValues)
     ASSERT_EQ(map(menu), 0);
     v4l2_queryctrl answer{};
     answer.id = firstId;
-    ASSERT_EQ(_client.call(VIDIOC_QUERYCTRL, answer), 0);
+    ASSERT_EQ(m_client.call(VIDIOC_QUERYCTRL, answer), 0);
     EXPECT_EQ(answer.minimum, 0);
     EXPECT_EQ(answer.maximum, 1);
     v4l2_querymenu item{};
     item.id = firstId;
     item.index = 1;
-    ASSERT_EQ(_client.call(VIDIOC_QUERYMENU, item), 0);
+    ASSERT_EQ(m_client.call(VIDIOC_QUERYMENU, item), 0);
     EXPECT_STREQ(reinterpret_cast<char const*>(item.name), "Continuous");
     EXPECT_EQ(set(firstId, 1), 0);
-    EXPECT_EQ(_camera.selectorBytes(1).front(), 3);
+    EXPECT_EQ(m_camera.selectorBytes(1).front(), 3);
     EXPECT_EQ(value(firstId), 1);
     EXPECT_EQ(set(firstId, 2), ERANGE);
 }
@@ -134,8 +134,8 @@ TEST_F(ExtensionUnitTest, ReadsFieldsAsTheirDataTypeSays)
     isSigned.data_type = UVC_CTRL_DATA_TYPE_SIGNED;
     ASSERT_EQ(map(isSigned), 0);
     ASSERT_EQ(map(mapping(firstId + 2, 3, 32)), 0);
-    _camera.setSelectorBytes(20, {0xd8, 0xff, 0xd8, 0xff});
-    _camera.setSelectorBytes(3, {0xff, 0xff, 0xff, 0xff});
+    m_camera.setSelectorBytes(20, {0xd8, 0xff, 0xd8, 0xff});
+    m_camera.setSelectorBytes(3, {0xff, 0xff, 0xff, 0xff});
     EXPECT_EQ(value(firstId), 65496);
     EXPECT_EQ(value(firstId + 1), -40);
     EXPECT_EQ(value(firstId + 2), -1);
@@ -145,8 +145,8 @@ TEST_F(ExtensionUnitTest, HidesMappedControlsFromPlainCalls)
 {
     ASSERT_EQ(map(mapping(firstId, 1, 8)), 0);
     v4l2_control control{firstId, 0};
-    EXPECT_EQ(_client.call(VIDIOC_G_CTRL, control), EINVAL);
-    EXPECT_EQ(_client.call(VIDIOC_S_CTRL, control), EINVAL);
+    EXPECT_EQ(m_client.call(VIDIOC_G_CTRL, control), EINVAL);
+    EXPECT_EQ(m_client.call(VIDIOC_S_CTRL, control), EINVAL);
 }
 
 TEST_F(ExtensionUnitTest, KeepsEachMappingForInspection)
@@ -158,7 +158,7 @@ TEST_F(ExtensionUnitTest, KeepsEachMappingForInspection)
     menu.menu_count = 1;
     map(menu);
     map(mapping(firstId, 1, 8));
-    std::vector<ControlMapping> const kept = _camera.mappings();
+    std::vector<ControlMapping> const kept = m_camera.mappings();
     ASSERT_EQ(kept.size(), 2u);
     EXPECT_EQ(kept[0].mapping.menu_count, 1u);
     EXPECT_EQ(kept[0].menu.front().value, 7u);

@@ -14,8 +14,9 @@ v4l2_buffer frameOf(CameraBuilder const& builder, unsigned place)
     Client client;
     EXPECT_EQ(client.start(place + 1), 0);
     v4l2_buffer buffer{};
-    for (unsigned frame = 0; frame <= place; ++frame)
+    for (unsigned frame = 0; frame <= place; ++frame) {
         EXPECT_EQ(client.dequeue(buffer), 0);
+    }
     return buffer;
 }
 

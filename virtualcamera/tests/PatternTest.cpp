@@ -113,9 +113,11 @@ TEST(PatternTest, StartsWithAWhiteAndEndsWithABlackBar)
 TEST(PatternTest, DrawsNothingOutsideTinyOrOddPictures)
 {
     // The address sanitizer would see it.
-    for (char const* name : {"YUYV", "UYVY", "RGB3", "GREY", "NV12", "YU12", "YV12", "MJPG"})
-        for (std::uint32_t size : {1u, 2u, 3u, 7u, 17u})
+    for (char const* name : {"YUYV", "UYVY", "RGB3", "GREY", "NV12", "YU12", "YV12", "MJPG"}) {
+        for (std::uint32_t size : {1u, 2u, 3u, 7u, 17u}) {
             EXPECT_FALSE(testPattern(pixelFormatByName(name), size, size, 9).empty()) << name;
+        }
+    }
 }
 
 TEST(PatternTest, StandsStillOnRequestAndGivesScriptedBytes)

@@ -36,8 +36,9 @@ TEST(ProgramTest, ListsItsModels)
     Outcome const outcome = run("--list-models");
     EXPECT_EQ(outcome.status, 0);
     for (char const* model :
-         {"webcam", "vendor", "serial", "all-controls", "user-pointers", "read", "platform"})
+         {"webcam", "vendor", "serial", "all-controls", "user-pointers", "read", "platform"}) {
         EXPECT_NE(outcome.output.find(std::string("\n") + model), outcome.output.find(model));
+    }
 }
 
 TEST(ProgramTest, PassesExitStatusAndSignalsOn)

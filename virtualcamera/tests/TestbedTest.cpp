@@ -37,11 +37,13 @@ struct Usb
         for (ssize_t place = 0; place < count; ++place) {
             libusb_device_descriptor descriptor{};
             if (libusb_get_device_descriptor(list[place], &descriptor) != 0 ||
-                descriptor.idVendor != vendor || descriptor.idProduct != product)
+                descriptor.idVendor != vendor || descriptor.idProduct != product) {
                 continue;
+            }
             speed = libusb_get_device_speed(list[place]);
-            if (revision != nullptr)
+            if (revision != nullptr) {
                 *revision = descriptor.bcdUSB;
+            }
         }
         libusb_free_device_list(list, 1);
         return speed;
@@ -57,8 +59,9 @@ struct UsbHandle
     }
     ~UsbHandle()
     {
-        if (handle != nullptr)
+        if (handle != nullptr) {
             libusb_close(handle);
+        }
     }
     int ask(std::uint8_t request, std::uint16_t length, unsigned char* reply)
     {
@@ -71,8 +74,9 @@ std::string attributeOfUsbParent(std::string const& node, char const* attribute)
     Udev udev;
     udev_device* const device =
         udev_device_new_from_syspath(udev.context, ("/sys/class/video4linux/" + node).c_str());
-    if (device == nullptr)
+    if (device == nullptr) {
         return "no device";
+    }
     udev_device* const parent =
         udev_device_get_parent_with_subsystem_devtype(device, "usb", "usb_device");
     char const* const value =
@@ -86,22 +90,24 @@ std::string attributeOfUsbParent(std::string const& node, char const* attribute)
 class Listener
 {
 public:
-    Listener() : _monitor(udev_monitor_new_from_netlink(_udev.context, "udev"))
+    Listener() : m_monitor(udev_monitor_new_from_netlink(m_udev.context, "udev"))
     {
-        udev_monitor_filter_add_match_subsystem_devtype(_monitor, "video4linux", nullptr);
-        udev_monitor_enable_receiving(_monitor);
+        udev_monitor_filter_add_match_subsystem_devtype(m_monitor, "video4linux", nullptr);
+        udev_monitor_enable_receiving(m_monitor);
     }
-    ~Listener() { udev_monitor_unref(_monitor); }
+    ~Listener() { udev_monitor_unref(m_monitor); }
 
     /// "action node" of the next event; empty when none comes.
     std::string next(int milliseconds = 5000)
     {
-        pollfd waiting{udev_monitor_get_fd(_monitor), POLLIN, 0};
-        if (poll(&waiting, 1, milliseconds) != 1)
+        pollfd waiting{udev_monitor_get_fd(m_monitor), POLLIN, 0};
+        if (poll(&waiting, 1, milliseconds) != 1) {
             return {};
-        udev_device* const device = udev_monitor_receive_device(_monitor);
-        if (device == nullptr)
+        }
+        udev_device* const device = udev_monitor_receive_device(m_monitor);
+        if (device == nullptr) {
             return {};
+        }
         char const* const node = udev_device_get_devnode(device);
         std::string text = udev_device_get_action(device);
         text += std::string(" ") + (node == nullptr ? "nowhere" : node);
@@ -110,8 +116,8 @@ public:
     }
 
 private:
-    Udev _udev;
-    udev_monitor* _monitor;
+    Udev m_udev;
+    udev_monitor* m_monitor;
 };
 
 class TestbedTest : public testing::Test
@@ -119,14 +125,14 @@ class TestbedTest : public testing::Test
 protected:
     void SetUp() override { ASSERT_TRUE(Testbed::visible()) << "umockdev's preload is missing"; }
 
-    Testbed _testbed;
+    Testbed m_testbed;
 };
 
 TEST_F(TestbedTest, ShowsAVideoNodeWithItsUsbParent)
 {
     UsbDevice const device =
-        _testbed.plug(aUsbDevice("1-2").withIds("7a76", "ca01").withSerial("A1"));
-    _testbed.addVideoNode("video0", device);
+        m_testbed.plug(aUsbDevice("1-2").withIds("7a76", "ca01").withSerial("A1"));
+    m_testbed.addVideoNode("video0", device);
     EXPECT_EQ(access("/dev/video0", F_OK), 0);
     EXPECT_EQ(attributeOfUsbParent("video0", "idVendor"), "7a76");
     EXPECT_EQ(attributeOfUsbParent("video0", "serial"), "A1");
@@ -135,7 +141,7 @@ TEST_F(TestbedTest, ShowsAVideoNodeWithItsUsbParent)
 
 TEST_F(TestbedTest, ShowsAVideoNodeWithoutAUsbParent)
 {
-    _testbed.addVideoNode("video7");
+    m_testbed.addVideoNode("video7");
     EXPECT_EQ(access("/dev/video7", F_OK), 0);
     EXPECT_EQ(access("/dev/video8", F_OK), -1);
     EXPECT_EQ(attributeOfUsbParent("video7", "idVendor"), "no parent");
@@ -143,9 +149,9 @@ TEST_F(TestbedTest, ShowsAVideoNodeWithoutAUsbParent)
 
 TEST_F(TestbedTest, RemovesNodesWithTheirDevice)
 {
-    UsbDevice const device = _testbed.plug(aUsbDevice("1-2"));
-    _testbed.addVideoNode("video0", device);
-    _testbed.unplug(device);
+    UsbDevice const device = m_testbed.plug(aUsbDevice("1-2"));
+    m_testbed.addVideoNode("video0", device);
+    m_testbed.unplug(device);
     EXPECT_EQ(access("/dev/video0", F_OK), -1);
     EXPECT_EQ(attributeOfUsbParent("video0", "idVendor"), "no device");
     EXPECT_EQ(Usb().speedOf(0x1d6b, 0x0102), -1);
@@ -156,10 +162,10 @@ TEST_F(TestbedTest, GivesLibusbEachSpeedAndTheUsbRevision)
     std::array<char const*, 5> const speeds{"1.5", "12", "480", "5000", "10000"};
     for (std::size_t place = 0; place < speeds.size(); ++place) {
         std::string const number = std::to_string(place + 1);
-        _testbed.plug(aUsbDevice("1-" + number)
-                          .withIds("1234", "000" + number)
-                          .withSpeed(speeds[place])
-                          .withUsbRevision(static_cast<std::uint16_t>(0x0300 + place)));
+        m_testbed.plug(aUsbDevice("1-" + number)
+                           .withIds("1234", "000" + number)
+                           .withSpeed(speeds[place])
+                           .withUsbRevision(static_cast<std::uint16_t>(0x0300 + place)));
     }
     Usb usb;
     for (int place = 0; place < 5; ++place) {
@@ -172,7 +178,7 @@ TEST_F(TestbedTest, GivesLibusbEachSpeedAndTheUsbRevision)
 TEST_F(TestbedTest, AnswersTheFirmwareRequestAndCountsIt)
 {
     UsbDevice const device =
-        _testbed.plug(aUsbDevice().withIds("7a76", "ca01").withFirmware("TJ8-1.2.4"));
+        m_testbed.plug(aUsbDevice().withIds("7a76", "ca01").withFirmware("TJ8-1.2.4"));
     Usb usb;
     UsbHandle open(usb, 0x7a76, 0xca01);
     ASSERT_NE(open.handle, nullptr);
@@ -187,7 +193,7 @@ TEST_F(TestbedTest, AnswersTheFirmwareRequestAndCountsIt)
 TEST_F(TestbedTest, GivesFirmwareBytesExactlyAndNoMoreThanAskedFor)
 {
     UsbDevice device =
-        _testbed.plug(aUsbDevice().withIds("7a76", "ca01").withFirmwareBytes({'T', 'J', '8'}));
+        m_testbed.plug(aUsbDevice().withIds("7a76", "ca01").withFirmwareBytes({'T', 'J', '8'}));
     Usb usb;
     UsbHandle open(usb, 0x7a76, 0xca01);
     std::array<unsigned char, 32> reply{};
@@ -201,9 +207,9 @@ TEST_F(TestbedTest, GivesFirmwareBytesExactlyAndNoMoreThanAskedFor)
 TEST_F(TestbedTest, CountsResetsOfEachDeviceByItself)
 {
     UsbDevice const first =
-        _testbed.plug(aUsbDevice("1-1").withIds("7a76", "ca01").withFirmware("TJ8-1.2.4"));
+        m_testbed.plug(aUsbDevice("1-1").withIds("7a76", "ca01").withFirmware("TJ8-1.2.4"));
     UsbDevice const other =
-        _testbed.plug(aUsbDevice("1-2").withIds("7a76", "ca02").withFirmware("TJ8-1.2.4"));
+        m_testbed.plug(aUsbDevice("1-2").withIds("7a76", "ca02").withFirmware("TJ8-1.2.4"));
     Usb usb;
     UsbHandle open(usb, 0x7a76, 0xca02);
     std::array<unsigned char, 16> reply{};
@@ -214,7 +220,7 @@ TEST_F(TestbedTest, CountsResetsOfEachDeviceByItself)
 
 TEST_F(TestbedTest, StallsWithoutFirmware)
 {
-    UsbDevice const device = _testbed.plug(aUsbDevice().withIds("7a76", "ca01"));
+    UsbDevice const device = m_testbed.plug(aUsbDevice().withIds("7a76", "ca01"));
     Usb usb;
     UsbHandle open(usb, 0x7a76, 0xca01);
     std::array<unsigned char, 32> reply{};
@@ -224,7 +230,7 @@ TEST_F(TestbedTest, StallsWithoutFirmware)
 
 TEST_F(TestbedTest, ListsADeviceThatRefusesToOpen)
 {
-    _testbed.plug(aUsbDevice().withIds("7a76", "ca01").refusingOpen());
+    m_testbed.plug(aUsbDevice().withIds("7a76", "ca01").refusingOpen());
     Usb usb;
     EXPECT_EQ(usb.speedOf(0x7a76, 0xca01), LIBUSB_SPEED_HIGH);
     EXPECT_EQ(UsbHandle(usb, 0x7a76, 0xca01).handle, nullptr);
@@ -233,22 +239,22 @@ TEST_F(TestbedTest, ListsADeviceThatRefusesToOpen)
 TEST_F(TestbedTest, SendsUeventsOfVideoDevicesToMonitors)
 {
     Listener listener;
-    UsbDevice const device = _testbed.plug(aUsbDevice("1-2"));
-    _testbed.addVideoNode("video0", device);
+    UsbDevice const device = m_testbed.plug(aUsbDevice("1-2"));
+    m_testbed.addVideoNode("video0", device);
     EXPECT_EQ(listener.next(), "add /dev/video0");
-    _testbed.addOtherDevice("input", "event5", "/dev/input/event5");
-    _testbed.sendEvent("video0", "change");
+    m_testbed.addOtherDevice("input", "event5", "/dev/input/event5");
+    m_testbed.sendEvent("video0", "change");
     EXPECT_EQ(listener.next(), "change /dev/video0");
-    _testbed.sendEvent("video0", "move");
+    m_testbed.sendEvent("video0", "move");
     EXPECT_EQ(listener.next(), "move /dev/video0");
-    _testbed.unplug(device);
+    m_testbed.unplug(device);
     EXPECT_EQ(listener.next(), "remove /dev/video0");
 }
 
 TEST_F(TestbedTest, RunsTheResetActionAfterTheReply)
 {
     UsbDevice device =
-        _testbed.plug(aUsbDevice().withIds("7a76", "ca01").withFirmware("TJ8-1.2.4"));
+        m_testbed.plug(aUsbDevice().withIds("7a76", "ca01").withFirmware("TJ8-1.2.4"));
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe(ends.data()), 0);
     device.onReset([&ends] { EXPECT_EQ(write(ends[1], "r", 1), 1); });
