@@ -2,10 +2,10 @@
 #include "input/InputMethod.h"
 
 #include "monitor/DescriptorSet.h"
-
-#include <unistd.h>
+#include "monitor/Pause.h"
 
 #include <cerrno>
+#include <chrono>
 
 namespace ImageAcquisition
 {
@@ -13,7 +13,7 @@ namespace ImageAcquisition
 namespace
 {
 
-constexpr useconds_t leaveWaitMicroseconds = 10000;
+constexpr std::chrono::milliseconds leaveWait{10};
 
 } // namespace
 
@@ -40,7 +40,7 @@ int InputMethod::setup(int /*bufferCount*/, unsigned int /*imageSize*/)
 int InputMethod::stopCapture()
 {
     m_wakeUp.write();
-    usleep(leaveWaitMicroseconds);
+    pauseFor(leaveWait);
     return 0;
 }
 

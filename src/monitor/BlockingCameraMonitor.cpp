@@ -3,10 +3,11 @@
 
 #include "monitor/CameraEvent.h"
 #include "monitor/DescriptorSet.h"
+#include "monitor/Pause.h"
 
 #include <libudev.h>
-#include <unistd.h>
 
+#include <chrono>
 #include <memory>
 
 namespace ImageAcquisition
@@ -15,8 +16,8 @@ namespace ImageAcquisition
 namespace
 {
 
-constexpr useconds_t leaveWaitMicroseconds = 50000;
-constexpr useconds_t waiterPollMicroseconds = 1000;
+constexpr std::chrono::milliseconds leaveWait{50};
+constexpr std::chrono::milliseconds waiterPoll{1};
 
 class WaiterCount
 {
@@ -85,7 +86,7 @@ bool BlockingCameraMonitor::stopMonitoring()
 {
     m_monitoring = false;
     m_wakeUp.write();
-    usleep(leaveWaitMicroseconds);
+    pauseFor(leaveWait);
     releaseUdevMonitor();
     closeSelfPipe();
     return true;
@@ -96,7 +97,7 @@ void BlockingCameraMonitor::releaseUdevMonitor()
     m_monitoring = false;
     // The scheduler may keep a waiter off the processor for longer than any fixed pause.
     while (m_waiters != 0) {
-        usleep(waiterPollMicroseconds);
+        pauseFor(waiterPoll);
     }
     udev_monitor_unref(m_monitor.exchange(nullptr));
 }

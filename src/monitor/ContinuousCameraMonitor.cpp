@@ -2,9 +2,9 @@
 #include "monitor/ContinuousCameraMonitor.h"
 
 #include "monitor/CameraEvent.h"
+#include "monitor/Pause.h"
 
-#include <unistd.h>
-
+#include <chrono>
 #include <memory>
 
 namespace ImageAcquisition
@@ -13,7 +13,7 @@ namespace ImageAcquisition
 namespace
 {
 
-constexpr useconds_t pauseMicroseconds = 10000;
+constexpr std::chrono::milliseconds pauseLength{10};
 
 // The monitor whose thread this is. A thread id would not tell: it may not be stored yet when the
 // first callback runs, and after a join it may be another thread's.
@@ -48,7 +48,7 @@ bool ContinuousCameraMonitor::startMonitoring(IContinuousCameraMonitor::IClient&
 bool ContinuousCameraMonitor::stopMonitoring()
 {
     m_stopRequested = true;
-    usleep(pauseMicroseconds);
+    pauseFor(pauseLength);
     m_monitor.stopMonitoring();
     // The client may stop from within its callback: a thread cannot join itself.
     if (monitorOfThisThread == this || !m_hasThread.exchange(false)) {
@@ -71,7 +71,7 @@ void ContinuousCameraMonitor::listenForEvents()
         if (m_monitor.getEvent(event.get()) && !m_stopRequested) {
             m_client->cameraEventReceived(event.release());
         } else {
-            usleep(pauseMicroseconds);
+            pauseFor(pauseLength);
         }
     }
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "monitor/BlockingCameraMonitor.h"
+#include "Interruptions.h"
 #include "MonitoredMachine.h"
 #include "Stopwatch.h"
 #include "ThreadState.h"
@@ -234,6 +235,16 @@ TEST_F(BlockingCameraMonitorTest, StopIsTrueAlsoWithoutStartAndTwice)
     ASSERT_TRUE(monitor.startMonitoring());
     EXPECT_TRUE(monitor.stopMonitoring());
     EXPECT_TRUE(monitor.stopMonitoring());
+}
+
+TEST_F(BlockingCameraMonitorTest, StopTakesItsFiftyMillisecondsWhateverSignalsCome)
+{
+    ASSERT_TRUE(monitor.startMonitoring());
+    Interruptions const interruptions;
+    Stopwatch const watch;
+    EXPECT_TRUE(monitor.stopMonitoring());
+    EXPECT_GE(watch.seconds(), 0.05);
+    EXPECT_GE(Interruptions::count, 1);
 }
 
 TEST_F(BlockingCameraMonitorTest, StartsAnewAfterAStop)

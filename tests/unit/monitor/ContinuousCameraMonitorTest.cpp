@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "monitor/ContinuousCameraMonitor.h"
+#include "Interruptions.h"
 #include "MonitoredMachine.h"
 #include "RecordingClient.h"
 #include "Stopwatch.h"
@@ -115,6 +116,16 @@ TEST_F(ContinuousCameraMonitorTest, StopJoinsTheThread)
     EXPECT_EQ(0, client.count());
 }
 
+TEST_F(ContinuousCameraMonitorTest, StopTakesItsSixtyMillisecondsWhateverSignalsCome)
+{
+    ASSERT_TRUE(monitor.startMonitoring(client));
+    Interruptions const interruptions;
+    Stopwatch const watch;
+    EXPECT_TRUE(monitor.stopMonitoring());
+    EXPECT_GE(watch.seconds(), 0.06);
+    EXPECT_GE(Interruptions::count, 1);
+}
+
 TEST_F(ContinuousCameraMonitorTest, StopWithoutThreadIsFalse)
 {
     EXPECT_FALSE(monitor.stopMonitoring());
@@ -211,14 +222,14 @@ TEST_F(ContinuousCameraMonitorTest, OneMonitorsCallbackMayStopAnother)
 TEST_F(ContinuousCameraMonitorTest, EventAtTheMomentOfAStopIsNotDelivered)
 {
     ASSERT_TRUE(monitor.startMonitoring(client));
-    int const pauses = UdevHook::stopPauses();
+    int const pauses = UdevHook::pauses();
     HeldThread const held(UdevHook::Place::DeviceNode);
     machine.addVideoNode("video0");
     ASSERT_TRUE(HeldThread::awaitArrival());
     std::atomic<bool> stopped{false};
     std::thread stopping([&] { stopped = monitor.stopMonitoring(); });
     // By then the stop has been requested.
-    while (UdevHook::stopPauses() == pauses) {
+    while (UdevHook::pauses() == pauses) {
         std::this_thread::yield();
     }
     HeldThread::release();

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
+#include <ctime>
 #include <map>
 #include <mutex>
 #include <set>
@@ -60,9 +61,7 @@ Number monitorCount;
 Number deviceCount;
 Number receptionCount;
 Number threadCount;
-Number stopPauseCount;
-
-constexpr useconds_t stopPauseMicroseconds = 50000;
+Number pauseCount;
 
 // What this thread got from a monitor and has not given back; umockdev has devices of its own.
 thread_local udev_device* receivedDevice = nullptr;
@@ -183,9 +182,9 @@ int UdevHook::threads()
     return threadCount.get();
 }
 
-int UdevHook::stopPauses()
+int UdevHook::pauses()
 {
-    return stopPauseCount.get();
+    return pauseCount.get();
 }
 
 std::vector<std::string> UdevHook::monitorArguments()
@@ -340,10 +339,11 @@ int pipe(int ends[2]) noexcept
     return real<int(int*)>("pipe")(ends);
 }
 
-int usleep(useconds_t microseconds)
+int clock_nanosleep(clockid_t clock, int flags, timespec const* wanted, timespec* remaining)
 {
-    stopPauseCount.add(microseconds == stopPauseMicroseconds ? 1 : 0);
-    return real<int(useconds_t)>("usleep")(microseconds);
+    pauseCount.add(isOurs(__builtin_return_address(0)) ? 1 : 0);
+    return real<int(clockid_t, int, timespec const*, timespec*)>("clock_nanosleep")(
+        clock, flags, wanted, remaining);
 }
 
 int select(int count, fd_set* reading, fd_set* writing, fd_set* failing, timeval* timeout)

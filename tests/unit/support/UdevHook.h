@@ -38,8 +38,8 @@ public:
     static int receptions();
     /// Threads that the library created and has not joined.
     static int threads();
-    /// How often the pause of a stop has begun.
-    static int stopPauses();
+    /// How often the library has begun to pause.
+    static int pauses();
     /// The name of the netlink group, the subsystem and the device type of the last monitor.
     static std::vector<std::string> monitorArguments();
 };
