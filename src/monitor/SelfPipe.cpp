@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "monitor/SelfPipe.h"
 
+#include "monitor/Pause.h"
+
 #include <fcntl.h>
 #include <unistd.h>
+
+#include <chrono>
 
 namespace ImageAcquisition
 {
@@ -10,15 +14,10 @@ namespace ImageAcquisition
 namespace
 {
 
-void makeNonBlocking(int fd)
-{
-    int const flags = fcntl(fd, F_GETFL);
-    fcntl(fd, F_SETFL, flags | O_NONBLOCK);
-}
+constexpr std::chrono::milliseconds writerPoll{1};
 
-void closeEnd(std::atomic<int>& end)
+void closeEnd(int fd)
 {
-    int const fd = end.exchange(-1);
     if (fd != -1) {
         ::close(fd);
     }
@@ -30,9 +29,8 @@ bool SelfPipe::open()
 {
     close();
     int ends[2] = {-1, -1};
-    bool const created = pipe(ends) == 0;
-    makeNonBlocking(ends[0]);
-    makeNonBlocking(ends[1]);
+    // Closed on exec, so that programs which the process starts keep no end open.
+    bool const created = pipe2(ends, O_CLOEXEC | O_NONBLOCK) == 0;
     m_readEnd = ends[0];
     m_writeEnd = ends[1];
     return created;
@@ -40,14 +38,27 @@ bool SelfPipe::open()
 
 void SelfPipe::close()
 {
-    closeEnd(m_readEnd);
-    closeEnd(m_writeEnd);
+    int const writeEnd = m_writeEnd.exchange(-1);
+    int const readEnd = m_readEnd.exchange(-1);
+    // A writer that is still on its way would write to whatever is opened next under that number,
+    // or be killed by SIGPIPE. Its write does not block, so this is over soon.
+    while (m_writers != 0) {
+        pauseFor(writerPoll);
+    }
+    // In this order there is never an end to write to without one to read from.
+    closeEnd(writeEnd);
+    closeEnd(readEnd);
 }
 
 void SelfPipe::write()
 {
-    // A full pipe is as good a wake-up as one more byte.
-    [[maybe_unused]] auto const result = ::write(m_writeEnd, "x", 1);
+    ++m_writers;
+    int const writeEnd = m_writeEnd;
+    if (writeEnd != -1) {
+        // A full pipe is as good a wake-up as one more byte.
+        [[maybe_unused]] auto const result = ::write(writeEnd, "x", 1);
+    }
+    --m_writers;
 }
 
 } // namespace ImageAcquisition

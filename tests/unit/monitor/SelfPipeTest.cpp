@@ -3,12 +3,18 @@
 
 #include "DescriptorCount.h"
 #include "DescriptorLimit.h"
+#include "UdevHook.h"
 #include "monitor/DescriptorSet.h"
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
 
 namespace
 {
@@ -21,6 +27,38 @@ int waitWithoutTime(int fd)
     set.add(fd);
     timeval noTime{};
     return set.waitReadable(&noTime);
+}
+
+ino_t inodeOf(int fd)
+{
+    struct stat status = {};
+    return fstat(fd, &status) == 0 ? status.st_ino : 0;
+}
+
+/// The descriptors of the pipe that one end of is given.
+std::vector<int> endsOf(int end)
+{
+    std::vector<int> ends;
+    for (int fd = 0; fd < 1024; ++fd) {
+        if (inodeOf(fd) == inodeOf(end)) {
+            ends.push_back(fd);
+        }
+    }
+    return ends;
+}
+
+/// Returns once the condition holds; false when it does not within 5 seconds.
+template <typename Condition>
+bool await(Condition condition)
+{
+    auto const limit = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > limit) {
+            return false;
+        }
+        std::this_thread::yield();
+    }
+    return true;
 }
 
 TEST(SelfPipe, IsClosedUntilItIsOpened)
@@ -118,6 +156,89 @@ TEST(SelfPipe, DoesNothingWhenItIsWrittenToOrClosedWhileClosed)
     pipe.close();
     pipe.close();
     EXPECT_EQ(before, openDescriptors());
+}
+
+TEST(SelfPipe, IsNotInheritedByProgramsThatTheProcessStarts)
+{
+    SelfPipe pipe;
+    ASSERT_TRUE(pipe.open());
+    std::vector<int> const ends = endsOf(pipe.readingEnd());
+    EXPECT_EQ(ends.size(), 2u);
+    for (int const end : ends) {
+        EXPECT_NE(fcntl(end, F_GETFD) & FD_CLOEXEC, 0) << end;
+    }
+    pipe.close();
+}
+
+TEST(SelfPipe, WaitsForAWriterBeforeItClosesItsEnds)
+{
+    SelfPipe pipe;
+    ASSERT_TRUE(pipe.open());
+    int const end = pipe.readingEnd();
+    ino_t const inode = inodeOf(end);
+    HeldThread const held(UdevHook::Place::Write);
+    std::thread writer([&] { pipe.write(); });
+    ASSERT_TRUE(HeldThread::awaitArrival());
+
+    int const pauses = UdevHook::pauses();
+    std::thread closer([&] { pipe.close(); });
+    EXPECT_TRUE(await([&] { return UdevHook::pauses() != pauses; })) << "it closed under a writer";
+    EXPECT_EQ(pipe.readingEnd(), -1);
+    EXPECT_EQ(inodeOf(end), inode);
+    HeldThread::release();
+    writer.join();
+    closer.join();
+    EXPECT_NE(inodeOf(end), inode);
+}
+
+// A write to a pipe that nobody can read any more ends the process.
+TEST(SelfPipe, DoesNotEndTheProcessOfAWriterThatComesBetweenItsTwoEnds)
+{
+    SelfPipe pipe;
+    ASSERT_TRUE(pipe.open());
+    int closed = 0;
+    UdevHook hook;
+    hook.afterClosing([&] {
+        ++closed;
+        pipe.write();
+    });
+    pipe.close();
+    EXPECT_EQ(closed, 2);
+}
+
+TEST(SelfPipe, DoesNotEndTheProcessOfAThreadThatWritesWhileItCloses)
+{
+    SelfPipe pipe;
+    std::atomic<bool> finished{false};
+    std::atomic<int> writes{0};
+    std::thread writer([&] {
+        while (!finished) {
+            pipe.write();
+            ++writes;
+        }
+    });
+    for (int round = 0; round < 200; ++round) {
+        ASSERT_TRUE(pipe.open());
+        int const before = writes;
+        EXPECT_TRUE(await([&] { return writes != before; }));
+        pipe.close();
+    }
+    finished = true;
+    writer.join();
+}
+
+TEST(SelfPipe, WritesToNothingOnceItIsClosed)
+{
+    SelfPipe pipe;
+    ASSERT_TRUE(pipe.open());
+    int const end = pipe.readingEnd();
+    pipe.close();
+    SelfPipe other;
+    ASSERT_TRUE(other.open());
+    ASSERT_EQ(other.readingEnd(), end) << "the test needs the same number again";
+    pipe.write();
+    EXPECT_EQ(waitWithoutTime(other.readingEnd()), 0);
+    other.close();
 }
 
 TEST(SelfPipe, LeavesItsDescriptorsToItsOwner)

@@ -3,7 +3,7 @@
 
 #include <sys/resource.h>
 
-/// While it lives, the process can make no new descriptor: neither open() nor pipe() succeeds.
+/// While it lives, the process can make no new descriptor: neither open() nor pipe2() succeeds.
 class DescriptorLimit
 {
 public:

@@ -26,6 +26,7 @@ struct State
     std::condition_variable changed;
     std::map<UdevHook::Text, std::optional<std::string>> answers;
     std::function<void()> afterCreatingThread;
+    std::function<void()> afterClosing;
     std::vector<std::string> monitorArguments;
     std::optional<UdevHook::Place> heldPlace;
     bool arrived = false;
@@ -56,6 +57,7 @@ private:
 Number refusals; // A bit for each call.
 Number scripted; // Whether there are answers.
 Number holding;  // Whether there is a place to hold a thread at.
+Number closing;  // Whether something is to be done after closing.
 Number contextCount;
 Number monitorCount;
 Number deviceCount;
@@ -134,9 +136,11 @@ UdevHook::~UdevHook()
 {
     refusals.set(0);
     scripted.set(0);
+    closing.set(0);
     Lock const lock(state().mutex);
     state().answers.clear();
     state().afterCreatingThread = nullptr;
+    state().afterClosing = nullptr;
 }
 
 void UdevHook::refuse(Call call, bool refusedFromNowOn)
@@ -155,6 +159,13 @@ void UdevHook::afterCreatingThread(std::function<void()> action)
 {
     Lock const lock(state().mutex);
     state().afterCreatingThread = std::move(action);
+}
+
+void UdevHook::afterClosing(std::function<void()> action)
+{
+    Lock const lock(state().mutex);
+    state().afterClosing = std::move(action);
+    closing.set(1);
 }
 
 int UdevHook::contexts()
@@ -329,14 +340,36 @@ char const* udev_device_get_action(udev_device* device)
                     real<decltype(udev_device_get_action)>("udev_device_get_action")(device));
 }
 
-int pipe(int ends[2]) noexcept
+int pipe2(int ends[2], int flags) noexcept
 {
     // Sanitizers try addresses with a pipe of their own.
     if (isOurs(__builtin_return_address(0)) && refused(UdevHook::Call::Pipe)) {
         errno = EMFILE;
         return -1;
     }
-    return real<int(int*)>("pipe")(ends);
+    return real<int(int*, int)>("pipe2")(ends, flags);
+}
+
+int close(int fd)
+{
+    int const result = real<int(int)>("close")(fd);
+    if (closing.get() != 0 && isOurs(__builtin_return_address(0))) {
+        std::function<void()> action;
+        {
+            Lock const lock(state().mutex);
+            action = state().afterClosing;
+        }
+        action();
+    }
+    return result;
+}
+
+ssize_t write(int fd, void const* bytes, size_t count)
+{
+    if (isOurs(__builtin_return_address(0))) {
+        passThrough(UdevHook::Place::Write);
+    }
+    return real<ssize_t(int, void const*, size_t)>("write")(fd, bytes, count);
 }
 
 int clock_nanosleep(clockid_t clock, int flags, timespec const* wanted, timespec* remaining)

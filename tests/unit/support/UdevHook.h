@@ -14,7 +14,7 @@ class UdevHook
 public:
     enum class Call { NewMonitor, EnableReceiving, MonitorDescriptor, Pipe, CreateThread };
     enum class Text { Node, Subsystem, DeviceType, Action };
-    enum class Place { Select, ReceiveDevice, DeviceNode };
+    enum class Place { Select, ReceiveDevice, DeviceNode, Write };
 
     UdevHook();
     UdevHook(UdevHook const&) = delete;
@@ -28,6 +28,8 @@ public:
     void answer(Text text, std::optional<std::string> value);
     /// Runs once, after the library created a thread and before it learns so.
     void afterCreatingThread(std::function<void()> action);
+    /// Runs after each descriptor that the library closes.
+    void afterClosing(std::function<void()> action);
 
     /// Contexts and monitors of libudev that exist at present.
     static int contexts();
