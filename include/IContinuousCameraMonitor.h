@@ -44,8 +44,9 @@ public:
     /// Starts monitoring.
     /// @param client is told of every event; it must live until stopMonitoring() has returned.
     /// @return false when udev could not be reached, no thread could be started, or the monitor
-    /// is running already, which goes on undisturbed. Also false after a stop from within
-    /// cameraEventReceived(), until a later stopMonitoring() has joined that thread.
+    /// is running already, which goes on undisturbed. Also false from a stop on, be it from within
+    /// cameraEventReceived() or while that one still runs, until stopMonitoring() has joined the
+    /// thread.
     virtual bool startMonitoring(IClient& client) = 0;
 };
 

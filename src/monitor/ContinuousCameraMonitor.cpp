@@ -29,7 +29,7 @@ ContinuousCameraMonitor::~ContinuousCameraMonitor() = default;
 
 bool ContinuousCameraMonitor::startMonitoring(IContinuousCameraMonitor::IClient& client)
 {
-    if (m_hasThread) {
+    if (m_threadState != ThreadState::Absent) {
         return false;
     }
     m_client = &client;
@@ -38,11 +38,12 @@ bool ContinuousCameraMonitor::startMonitoring(IContinuousCameraMonitor::IClient&
         return false;
     }
     // Beforehand, because the client may be called before pthread_create() returns.
-    m_hasThread = true;
-    if (pthread_create(&m_thread, nullptr, listenForEvents, this) != 0) {
-        m_hasThread = false;
+    m_threadState = ThreadState::Present;
+    bool const created = pthread_create(&m_thread, nullptr, listenForEvents, this) == 0;
+    if (!created) {
+        m_threadState = ThreadState::Absent;
     }
-    return m_hasThread;
+    return created;
 }
 
 bool ContinuousCameraMonitor::stopMonitoring()
@@ -51,10 +52,14 @@ bool ContinuousCameraMonitor::stopMonitoring()
     pauseFor(pauseLength);
     m_monitor.stopMonitoring();
     // The client may stop from within its callback: a thread cannot join itself.
-    if (monitorOfThisThread == this || !m_hasThread.exchange(false)) {
+    ThreadState present = ThreadState::Present;
+    if (monitorOfThisThread == this ||
+        !m_threadState.compare_exchange_strong(present, ThreadState::Joining)) {
         return false;
     }
-    return pthread_join(m_thread, nullptr) == 0;
+    bool const joined = pthread_join(m_thread, nullptr) == 0;
+    m_threadState = ThreadState::Absent;
+    return joined;
 }
 
 void* ContinuousCameraMonitor::listenForEvents(void* monitor) noexcept

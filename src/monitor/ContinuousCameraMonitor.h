@@ -31,9 +31,13 @@ private:
     // What the client throws must end the process here rather than unwind into C.
     static void* listenForEvents(void* monitor) noexcept;
 
+    /// What becomes of the thread. It is only absent once it has been joined: a start before would
+    /// take the stop back that the join waits for.
+    enum class ThreadState { Absent, Present, Joining };
+
     pthread_t m_thread{};
     // Atomic, because the client may start or stop from within its callback.
-    std::atomic<bool> m_hasThread{false};
+    std::atomic<ThreadState> m_threadState{ThreadState::Absent};
     std::atomic<bool> m_stopRequested{false};
     BlockingCameraMonitor m_monitor;
     IContinuousCameraMonitor::IClient* m_client = nullptr;

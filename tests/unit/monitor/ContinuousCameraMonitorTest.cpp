@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "monitor/ContinuousCameraMonitor.h"
+#include "Await.h"
 #include "Interruptions.h"
 #include "MonitoredMachine.h"
 #include "RecordingClient.h"
@@ -202,6 +203,31 @@ TEST_F(ContinuousCameraMonitorTest, CallbackThatComesBeforeStartReturnsMayNotSta
     EXPECT_TRUE(monitor.startMonitoring(client));
     EXPECT_EQ(0, answer);
     EXPECT_EQ(1, UdevHook::threads());
+    EXPECT_TRUE(monitor.stopMonitoring());
+}
+
+TEST_F(ContinuousCameraMonitorTest, CallbackMayNotStartWhileAStopJoinsItsThread)
+{
+    std::atomic<bool> called{false};
+    std::atomic<bool> joining{false};
+    std::atomic<bool> restarted{false};
+    client.whenCalled([&] {
+        called = true;
+        joining = await([] { return UdevHook::threads() == 0; });
+        if (monitor.startMonitoring(client)) {
+            restarted = true;
+            monitor.stopMonitoring(); // Or the join would never return.
+        }
+    });
+    ASSERT_TRUE(monitor.startMonitoring(client));
+    machine.addVideoNode("video0");
+    ASSERT_TRUE(await([&] { return called.load(); }));
+    EXPECT_TRUE(monitor.stopMonitoring());
+    EXPECT_TRUE(joining);
+    EXPECT_FALSE(restarted);
+    EXPECT_EQ(UdevHook::threads(), 0);
+    EXPECT_EQ(UdevHook::monitors(), 0);
+    ASSERT_TRUE(monitor.startMonitoring(client)) << "once it has joined, it may start again";
     EXPECT_TRUE(monitor.stopMonitoring());
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "monitor/SelfPipe.h"
 
+#include "Await.h"
 #include "DescriptorCount.h"
 #include "DescriptorLimit.h"
 #include "UdevHook.h"
@@ -13,7 +14,6 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <chrono>
 #include <thread>
 
 namespace
@@ -45,20 +45,6 @@ std::vector<int> endsOf(int end)
         }
     }
     return ends;
-}
-
-/// Returns once the condition holds; false when it does not within 5 seconds.
-template <typename Condition>
-bool await(Condition condition)
-{
-    auto const limit = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > limit) {
-            return false;
-        }
-        std::this_thread::yield();
-    }
-    return true;
 }
 
 TEST(SelfPipe, IsClosedUntilItIsOpened)
