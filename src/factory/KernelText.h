@@ -16,8 +16,4 @@ std::string kernelText(Character const (&field)[size])
     return std::string(field, end);
 }
 
-/// How many entries of one kind a driver may list. Real ones list dozens; the bound ends the
-/// enumeration of one that never says that it has no more.
-constexpr unsigned int maximumEnumerated = 4096;
-
 } // namespace ImageAcquisition

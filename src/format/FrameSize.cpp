@@ -2,7 +2,6 @@
 #include "format/FrameSize.h"
 
 #include "factory/HelperV4l2.h"
-#include "factory/KernelText.h"
 #include "format/DeviceFormat.h"
 
 #include <algorithm>
@@ -17,13 +16,14 @@ IFrameSize const* IFrameSize::invalid()
     return &InvalidFrameSize::getUniqueInstance();
 }
 
-FrameSize::FrameSize(int fd, unsigned int pixelformat, unsigned int width, unsigned int height)
+FrameSize::FrameSize(int fd, unsigned int pixelformat, unsigned int width, unsigned int height,
+                     CatalogueBudget& budget)
     : m_fd(fd), m_width(width), m_height(height)
 {
-    enumeratePeriods(pixelformat);
+    enumeratePeriods(pixelformat, budget);
 }
 
-void FrameSize::enumeratePeriods(unsigned int pixelformat)
+void FrameSize::enumeratePeriods(unsigned int pixelformat, CatalogueBudget& budget)
 {
     v4l2_frmivalenum interval{};
     interval.pixel_format = pixelformat;
@@ -32,7 +32,8 @@ void FrameSize::enumeratePeriods(unsigned int pixelformat)
     while (interval.index < maximumEnumerated &&
            HelperV4l2::xioctl(m_fd, VIDIOC_ENUM_FRAMEINTERVALS, &interval) != -1) {
         // A range is told in the first answer, and no list is made up from it.
-        if (interval.index == 0 && interval.type != V4L2_FRMIVAL_TYPE_DISCRETE) {
+        bool const isRange = interval.index == 0 && interval.type != V4L2_FRMIVAL_TYPE_DISCRETE;
+        if (isRange || !budget.take()) {
             return;
         }
         m_periods.emplace_back(interval.discrete);

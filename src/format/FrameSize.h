@@ -2,6 +2,7 @@
 #pragma once
 
 #include "IFrameSize.h"
+#include "format/CatalogueBudget.h"
 #include "format/FramePeriod.h"
 
 #include <vector>
@@ -13,8 +14,17 @@ namespace ImageAcquisition
 class FrameSize : public virtual IFrameSize
 {
 public:
-    /// Asks the device for the intervals. The descriptor stays the camera's.
-    FrameSize(int fd, unsigned int pixelformat, unsigned int width, unsigned int height);
+    /// Asks the device for the intervals, as far as the budget allows. The descriptor stays the
+    /// camera's.
+    FrameSize(int fd, unsigned int pixelformat, unsigned int width, unsigned int height,
+              CatalogueBudget& budget);
+
+    /// The same with a budget of its own.
+    FrameSize(int fd, unsigned int pixelformat, unsigned int width, unsigned int height,
+              CatalogueBudget&& budget = {})
+        : FrameSize(fd, pixelformat, width, height, budget)
+    {
+    }
 
     bool isInvalid() const override { return false; }
     unsigned int width() const override { return m_width; }
@@ -27,7 +37,7 @@ public:
     int intervalIndex(v4l2_fract const& interval) const;
 
 private:
-    void enumeratePeriods(unsigned int pixelformat);
+    void enumeratePeriods(unsigned int pixelformat, CatalogueBudget& budget);
 
     int m_fd;
     unsigned int m_width;

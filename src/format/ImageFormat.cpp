@@ -26,27 +26,28 @@ std::string fourCharacterCode(unsigned int pixelformat)
     return code;
 }
 
-ImageFormat::ImageFormat(int fd, v4l2_fmtdesc const& description)
+ImageFormat::ImageFormat(int fd, v4l2_fmtdesc const& description, CatalogueBudget& budget)
     : m_fd(fd), m_compressed((description.flags & V4L2_FMT_FLAG_COMPRESSED) != 0),
       m_emulated((description.flags & V4L2_FMT_FLAG_EMULATED) != 0),
       m_pixelFormat(description.pixelformat), m_name(fourCharacterCode(description.pixelformat)),
       m_description(kernelText(description.description))
 {
-    enumerateSizes();
+    enumerateSizes(budget);
 }
 
-void ImageFormat::enumerateSizes()
+void ImageFormat::enumerateSizes(CatalogueBudget& budget)
 {
     v4l2_frmsizeenum size{};
     size.pixel_format = m_pixelFormat;
     while (size.index < maximumEnumerated &&
            HelperV4l2::xioctl(m_fd, VIDIOC_ENUM_FRAMESIZES, &size) != -1) {
         // A range is told in the first answer, and no list is made up from it.
-        if (size.index == 0 && size.type != V4L2_FRMSIZE_TYPE_DISCRETE) {
+        bool const isRange = size.index == 0 && size.type != V4L2_FRMSIZE_TYPE_DISCRETE;
+        if (isRange || !budget.take()) {
             return;
         }
         m_sizes.push_back(std::make_unique<FrameSize>(m_fd, m_pixelFormat, size.discrete.width,
-                                                      size.discrete.height));
+                                                      size.discrete.height, budget));
         ++size.index;
     }
 }

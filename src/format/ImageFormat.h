@@ -20,8 +20,15 @@ std::string fourCharacterCode(unsigned int pixelformat);
 class ImageFormat : public virtual IImageFormat
 {
 public:
-    /// Asks the device for the sizes. The descriptor stays the camera's.
-    ImageFormat(int fd, v4l2_fmtdesc const& description);
+    /// Asks the device for the sizes, as far as the budget allows. The descriptor stays the
+    /// camera's.
+    ImageFormat(int fd, v4l2_fmtdesc const& description, CatalogueBudget& budget);
+
+    /// The same with a budget of its own.
+    ImageFormat(int fd, v4l2_fmtdesc const& description, CatalogueBudget&& budget = {})
+        : ImageFormat(fd, description, budget)
+    {
+    }
 
     bool isInvalid() const override { return false; }
     bool isCompressed() const override { return m_compressed; }
@@ -47,7 +54,7 @@ public:
     bool setToDevice(int width, int height, int numerator, int denominator) const;
 
 private:
-    void enumerateSizes();
+    void enumerateSizes(CatalogueBudget& budget);
     bool setFormatToDevice(FrameSize const& size) const;
 
     int m_fd;

@@ -2,7 +2,6 @@
 #include "format/ImageFormatManager.h"
 
 #include "factory/HelperV4l2.h"
-#include "factory/KernelText.h"
 #include "format/DeviceFormat.h"
 
 #include <cstring>
@@ -13,11 +12,12 @@ namespace ImageAcquisition
 void ImageFormatManager::init(int fd)
 {
     m_fd = fd;
+    CatalogueBudget budget;
     v4l2_fmtdesc description{};
     description.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
     while (description.index < maximumEnumerated &&
-           HelperV4l2::xioctl(m_fd, VIDIOC_ENUM_FMT, &description) != -1) {
-        auto format = std::make_unique<ImageFormat>(m_fd, description);
+           HelperV4l2::xioctl(m_fd, VIDIOC_ENUM_FMT, &description) != -1 && budget.take()) {
+        auto format = std::make_unique<ImageFormat>(m_fd, description, budget);
         // Of formats with the same code the first keeps its place in the map.
         m_indexByPixelFormat.emplace(description.pixelformat, formatNumber());
         m_formats.push_back(std::move(format));

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cerrno>
 #include <stdexcept>
 
@@ -91,6 +92,88 @@ TEST(ImageFormatManager, EndsTheListOfADriverThatNeverDoes)
     ImageFormatManager manager;
     manager.init(3);
     EXPECT_EQ(4096, manager.formatNumber());
+}
+
+/// How many formats, sizes and intervals there are in all.
+int entriesOf(ImageFormatManager const& manager)
+{
+    int entries = manager.formatNumber();
+    for (int format = 0; format < manager.formatNumber(); ++format) {
+        entries += manager.format(format)->sizeNumber();
+        for (int size = 0; size < manager.format(format)->sizeNumber(); ++size) {
+            entries += manager.format(format)->frameSize(size)->periodNumber();
+        }
+    }
+    return entries;
+}
+
+/// A driver that lists so many formats, each with so many sizes of so many intervals; 0 stands for
+/// lists without end.
+class EndlessDriver
+{
+public:
+    EndlessDriver(unsigned int formats, unsigned int sizes, unsigned int intervals)
+        : _hook([=](int, unsigned long request, void* argument) {
+              ++_calls;
+              switch (request) {
+              case VIDIOC_ENUM_FMT:
+                  return answer(*static_cast<v4l2_fmtdesc*>(argument), formats);
+              case VIDIOC_ENUM_FRAMESIZES:
+                  return answer(*static_cast<v4l2_frmsizeenum*>(argument), sizes);
+              case VIDIOC_ENUM_FRAMEINTERVALS:
+                  return answer(*static_cast<v4l2_frmivalenum*>(argument), intervals);
+              default:
+                  return -1;
+              }
+          })
+    {
+    }
+
+    unsigned int calls() const { return _calls; }
+
+private:
+    template <typename Entry>
+    static int answer(Entry& entry, unsigned int count)
+    {
+        errno = EINVAL;
+        // One value says "discrete" for sizes and for intervals, and "capture" for formats.
+        entry.type = V4L2_FRMSIZE_TYPE_DISCRETE;
+        return count == 0 || entry.index < count ? 0 : -1;
+    }
+
+    unsigned int _calls = 0;
+    V4l2Hook const _hook;
+};
+
+TEST(ImageFormatManager, EndsTheCatalogueOfADriverThatAnswersEverything)
+{
+    EndlessDriver const driver(0, 0, 0);
+    ImageFormatManager manager;
+    manager.init(3);
+    EXPECT_EQ(entriesOf(manager), 65536);
+    EXPECT_LT(driver.calls(), 66000u);
+}
+
+TEST(ImageFormatManager, EndsTheCatalogueAtWhicheverListGrows)
+{
+    for (auto const& counts : {std::array{0u, 0u, 1u}, std::array{2u, 0u, 0u},
+                               std::array{0u, 5u, 0u}, std::array{0u, 20u, 20u}}) {
+        EndlessDriver const driver(counts[0], counts[1], counts[2]);
+        ImageFormatManager manager;
+        manager.init(3);
+        EXPECT_EQ(entriesOf(manager), 65536);
+        EXPECT_LT(driver.calls(), 200000u);
+    }
+}
+
+TEST(ImageFormatManager, KeepsACatalogueOfJustTheLargestSizeWhole)
+{
+    EndlessDriver const driver(2, 31, 1056);
+    ImageFormatManager manager;
+    manager.init(3);
+    ASSERT_EQ(entriesOf(manager), 2 * (1 + 31 * (1 + 1056)));
+    EXPECT_EQ(entriesOf(manager), 65536);
+    EXPECT_EQ(manager.format(1)->frameSize(30)->periodNumber(), 1056);
 }
 
 TEST_F(ImageFormatManagerWithCamera, ListsTheFormatsInTheDriversOrder)
