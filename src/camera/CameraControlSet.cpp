@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "camera/Camera.h"
 #include "control/CameraControlFactory.h"
-#include "control/ZorvaneExtensionUnit.h"
+#include "factory/DriverBounds.h"
 #include "factory/HelperV4l2.h"
 
 #include <linux/videodev2.h>
@@ -17,11 +17,14 @@ bool Camera::buildMainControlSet()
     v4l2_queryctrl query{};
     query.id = V4L2_CTRL_FLAG_NEXT_CTRL;
     unsigned int previousId = 0;
-    // A driver whose ids do not rise would be asked for ever.
-    while (HelperV4l2::xioctl(m_fd, VIDIOC_QUERYCTRL, &query) != -1 && query.id > previousId) {
+    unsigned int skipped = 0;
+    // A driver whose ids do not rise would be asked for ever, and one whose ids do for very long.
+    while (m_controls.size() < maximumControls && skipped < maximumControls &&
+           HelperV4l2::xioctl(m_fd, VIDIOC_QUERYCTRL, &query) != -1 && query.id > previousId) {
         previousId = query.id;
-        appendControl(
-            std::unique_ptr<ICameraControl>(CameraControlFactory::createControl(*this, query)));
+        std::unique_ptr<ICameraControl> control(CameraControlFactory::createControl(*this, query));
+        skipped += control ? 0 : 1;
+        appendControl(std::move(control));
         query.id |= V4L2_CTRL_FLAG_NEXT_CTRL;
     }
     if (m_controls.size() >= 2) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "control/CameraControlBaseMenu.h"
 
+#include "factory/DriverBounds.h"
 #include "factory/HelperV4l2.h"
 
 #include <algorithm>
@@ -28,7 +29,9 @@ void CameraControlBaseMenu::init(v4l2_queryctrl const& qc)
 void CameraControlBaseMenu::probeItems()
 {
     // 64 bits, so that a maximum of INT_MAX ends the loop.
-    for (long long index = m_minimum; index <= m_maximum; ++index) {
+    long long const end = std::min<long long>(
+        m_maximum + 1LL, m_minimum + static_cast<long long>(maximumMenuIndices));
+    for (long long index = m_minimum; index < end; ++index) {
         v4l2_querymenu item{};
         item.id = id();
         item.index = static_cast<unsigned int>(index);

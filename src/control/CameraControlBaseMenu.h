@@ -28,8 +28,8 @@ public:
     int reverseIndexMapping(unsigned int driverIndex) const;
 
 protected:
-    /// Asks the driver for every number between the bounds and keeps those that are items, each of
-    /// which is told to itemFound().
+    /// Asks the driver for every number between the bounds, as far as a menu may reach, and keeps
+    /// those that are items, each of which is told to itemFound().
     void probeItems();
     virtual void itemFound(v4l2_querymenu const& item) = 0;
 
