@@ -15,6 +15,13 @@ namespace
 constexpr int maximumAttempts = 10;
 constexpr int waitSeconds = 2;
 
+struct Unmapper
+{
+    void operator()(void* address) const { v4l2_munmap(address, length); }
+
+    std::size_t length;
+};
+
 } // namespace
 
 InputMethodMemoryMapping::InputMethodMemoryMapping(int fd)
@@ -44,15 +51,27 @@ int InputMethodMemoryMapping::setup(int bufferCount, unsigned int imageSize)
     // Those of an earlier setup that was not cleaned up: the driver has let go of them by now.
     unmapAll();
     // The driver may grant more buffers than were asked for, or fewer.
-    for (unsigned int index = 0; index < request.count; ++index) {
+    try {
+        if (mapBuffers(request.count)) {
+            return 0;
+        }
+    } catch (...) {
+        giveBuffersBack();
+        throw;
+    }
+    giveBuffersBack();
+    return -1;
+}
+
+bool InputMethodMemoryMapping::mapBuffers(unsigned int count)
+{
+    for (unsigned int index = 0; index < count; ++index) {
         if (!mapBuffer(index)) {
-            unmapAll();
-            releaseBuffers();
-            return -1;
+            return false;
         }
     }
     createInvalidFrame(m_frames.front()->allocSize());
-    return 0;
+    return true;
 }
 
 bool InputMethodMemoryMapping::mapBuffer(unsigned int index)
@@ -66,7 +85,9 @@ bool InputMethodMemoryMapping::mapBuffer(unsigned int index)
     if (address == MAP_FAILED) {
         return false;
     }
+    std::unique_ptr<void, Unmapper> mapping(address, {buffer.length});
     m_frames.push_back(std::make_unique<Frame>(buffer.length, address));
+    static_cast<void>(mapping.release());
     return true;
 }
 
@@ -76,6 +97,12 @@ void InputMethodMemoryMapping::unmapAll()
         v4l2_munmap(frame->bytePtr(), frame->allocSize());
     }
     m_frames.clear();
+}
+
+void InputMethodMemoryMapping::giveBuffersBack()
+{
+    unmapAll();
+    releaseBuffers();
 }
 
 StreamedFrame* InputMethodMemoryMapping::frameOf(v4l2_buffer const& buffer) const
@@ -101,8 +128,7 @@ IFrame* InputMethodMemoryMapping::acquireFrame()
 
 int InputMethodMemoryMapping::cleanup()
 {
-    unmapAll();
-    releaseBuffers();
+    giveBuffersBack();
     destroyInvalidFrame();
     return InputMethod::cleanup();
 }

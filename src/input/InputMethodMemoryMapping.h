@@ -29,8 +29,10 @@ protected:
     StreamedFrame* frameOf(v4l2_buffer const& buffer) const override;
 
 private:
+    bool mapBuffers(unsigned int count);
     bool mapBuffer(unsigned int index);
     void unmapAll();
+    void giveBuffersBack();
 };
 
 /// A mapped driver buffer. The mapping is the input method's to undo.

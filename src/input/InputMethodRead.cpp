@@ -25,10 +25,13 @@ int InputMethodRead::setup(int bufferCount, unsigned int imageSize)
     if (InputMethod::setup(bufferCount, imageSize) == 0) {
         return -1;
     }
-    m_pool.resize(static_cast<std::size_t>(std::max(bufferCount, 0)));
-    for (auto& frame : m_pool) {
+    // Aside, so that whatever allocation fails the pool holds whole frames only.
+    std::vector<std::unique_ptr<InputMethod::BaseFrame>> pool(
+        static_cast<std::size_t>(std::max(bufferCount, 0)));
+    for (auto& frame : pool) {
         frame = std::make_unique<Frame>(imageSize);
     }
+    m_pool.swap(pool);
     return 0;
 }
 

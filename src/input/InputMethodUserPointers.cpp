@@ -45,12 +45,24 @@ int InputMethodUserPointers::setup(int bufferCount, unsigned int imageSize)
     if (requestBuffers(fd(), count, request) != 0) {
         return -1;
     }
-    m_frames.resize(static_cast<std::size_t>(count));
-    for (auto& frame : m_frames) {
+    try {
+        makeFrames(count, imageSize);
+    } catch (...) {
+        releaseBuffers();
+        throw;
+    }
+    return 0;
+}
+
+void InputMethodUserPointers::makeFrames(int count, unsigned int imageSize)
+{
+    // Aside, so that whatever allocation fails the list holds whole frames only.
+    std::vector<std::unique_ptr<StreamedFrame>> frames(static_cast<std::size_t>(count));
+    for (auto& frame : frames) {
         frame = std::make_unique<Frame>(imageSize);
     }
     createInvalidFrame(imageSize);
-    return 0;
+    m_frames.swap(frames);
 }
 
 void InputMethodUserPointers::describe(StreamedFrame& frame, v4l2_buffer& buffer) const

@@ -29,6 +29,9 @@ public:
 protected:
     void describe(StreamedFrame& frame, v4l2_buffer& buffer) const override;
     StreamedFrame* frameOf(v4l2_buffer const& buffer) const override;
+
+private:
+    void makeFrames(int count, unsigned int imageSize);
 };
 
 /// A buffer that is lent to the driver.

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: MIT
+// Makes each allocation of a setup fail in turn, and uses the method all the same.
+#include "DescriptorLimit.h"
+#include "OpenNode.h"
+#include "SmallCamera.h"
+#include "V4l2Hook.h"
+#include "input/InputMethodMemoryMapping.h"
+#include "input/InputMethodRead.h"
+#include "input/InputMethodUserPointers.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+#include <libv4l2.h>
+
+#include <cstdlib>
+#include <new>
+#include <optional>
+
+namespace
+{
+
+using namespace ImageAcquisition;
+
+// How many allocations of this thread succeed before one fails; without a value all do.
+thread_local std::optional<int> left;
+
+/// The driver's own allocations all succeed.
+class InTheDriver
+{
+public:
+    InTheDriver() : _earlier(left) { left.reset(); }
+    InTheDriver(InTheDriver const&) = delete;
+    InTheDriver& operator=(InTheDriver const&) = delete;
+    ~InTheDriver() { left = _earlier; }
+
+private:
+    std::optional<int> const _earlier;
+};
+
+void* allocate(std::size_t size)
+{
+    if (left && (*left)-- == 0) {
+        left.reset();
+        throw std::bad_alloc();
+    }
+    if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+template <typename Function>
+Function* real(char const* name)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    return allocate(size);
+}
+
+void* operator new[](std::size_t size)
+{
+    return allocate(size);
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+extern "C" {
+
+void* v4l2_mmap(void* start, size_t length, int protection, int flags, int fd, int64_t offset)
+{
+    InTheDriver const driver;
+    return real<decltype(v4l2_mmap)>("v4l2_mmap")(start, length, protection, flags, fd, offset);
+}
+
+int v4l2_munmap(void* start, size_t length)
+{
+    InTheDriver const driver;
+    return real<decltype(v4l2_munmap)>("v4l2_munmap")(start, length);
+}
+
+} // extern "C"
+
+namespace
+{
+
+constexpr int buffers = 3;
+constexpr int mostAllocations = 100;
+
+/// Sets up with one allocation that fails; false when it did, and setup() threw.
+bool setUp(InputMethod& method, int allocationsBefore)
+{
+    // Reading and user pointers only set up where no pipe can be made.
+    std::optional<DescriptorLimit> none;
+    if (method.type() != InputMethod::MemoryMapping) {
+        none.emplace();
+    }
+    V4l2Hook const hook([](int fd, unsigned long request, void* argument) {
+        InTheDriver const driver;
+        return V4l2Hook::realIoctl(fd, request, argument);
+    });
+    left = allocationsBefore;
+    try {
+        EXPECT_EQ(method.setup(buffers, smallImageSize), 0);
+        left.reset();
+        return true;
+    } catch (std::bad_alloc const&) {
+        return false;
+    }
+}
+
+void expectFramesAreWhole(InputMethod& method)
+{
+    method.startCapture();
+    for (int i = 0; i < buffers; ++i) {
+        IFrame* const frame = method.acquireFrame();
+        ASSERT_NE(frame, nullptr);
+        EXPECT_NE(frame->bytePtr(), nullptr);
+        method.releaseFrame(frame);
+    }
+    method.stopCapture();
+}
+
+template <typename Method>
+class AllocationFailure : public testing::Test
+{
+protected:
+    static VirtualCamera::CameraBuilder builder()
+    {
+        return smallCamera()
+            .offeringMmap(std::is_same_v<Method, InputMethodMemoryMapping>)
+            .offeringUserPointers();
+    }
+
+    void expectNothingIsHeld() const
+    {
+        EXPECT_EQ(camera.accounting().liveMappings, 0);
+        EXPECT_EQ(camera.accounting().allocatedBuffers, 0);
+    }
+
+    VirtualCamera::InstalledCamera camera = builder().install();
+    OpenNode const node;
+};
+
+using Methods = testing::Types<InputMethodMemoryMapping, InputMethodUserPointers, InputMethodRead>;
+TYPED_TEST_SUITE(AllocationFailure, Methods);
+
+TYPED_TEST(AllocationFailure, OfASetupLeavesAMethodThatCanBeUsedAndCleanedUp)
+{
+    int failures = 0;
+    for (; failures < mostAllocations; ++failures) {
+        TypeParam method(this->node.fd());
+        if (setUp(method, failures)) {
+            method.cleanup();
+            break;
+        }
+        this->expectNothingIsHeld();
+        expectFramesAreWhole(method);
+        EXPECT_EQ(method.cleanup(), 0);
+        this->expectNothingIsHeld();
+    }
+    // At least the list and each of its frames; fewer, and nothing was made to fail.
+    EXPECT_GT(failures, buffers);
+    EXPECT_LT(failures, mostAllocations);
+}
+
+TYPED_TEST(AllocationFailure, OfASetupIsOvercomeByALaterOne)
+{
+    for (int failing = 0; failing < mostAllocations; ++failing) {
+        TypeParam method(this->node.fd());
+        bool const done = setUp(method, failing);
+        if (!done) {
+            EXPECT_TRUE(setUp(method, mostAllocations));
+        }
+        EXPECT_EQ(method.startCapture(), 0);
+        IFrame* const frame = method.acquireFrame();
+        EXPECT_FALSE(frame->isInvalid());
+        EXPECT_EQ(method.releaseFrame(frame), 0);
+        EXPECT_EQ(method.stopCapture(), 0);
+        EXPECT_EQ(method.cleanup(), 0);
+        this->expectNothingIsHeld();
+        if (done) {
+            break;
+        }
+    }
+}
+
+using UserPointersAllocationFailure = AllocationFailure<InputMethodUserPointers>;
+
+TEST_F(UserPointersAllocationFailure, OfASecondSetupLeavesTheFramesOfTheFirst)
+{
+    InputMethodUserPointers method(node.fd());
+    ASSERT_TRUE(setUp(method, mostAllocations));
+    ASSERT_EQ(method.startCapture(), 0);
+    IFrame* const borrowed = method.acquireFrame();
+    ASSERT_FALSE(borrowed->isInvalid());
+    ASSERT_EQ(method.stopCapture(), 0);
+    for (int failing = 0; failing <= buffers; ++failing) {
+        EXPECT_FALSE(setUp(method, failing));
+        EXPECT_EQ(borrowed->allocSize(), smallImageSize);
+        borrowed->bytePtr()[smallImageSize - 1] = 1;
+    }
+    EXPECT_EQ(method.cleanup(), 0);
+    expectNothingIsHeld();
+}
+
+} // namespace
