@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "input/InputMethodMemoryMapping.h"
 
+#include "factory/DriverBounds.h"
 #include "factory/HelperV4l2.h"
 
 #include <libv4l2.h>
 #include <sys/mman.h>
+
+#include <algorithm>
 
 namespace ImageAcquisition
 {
@@ -52,7 +55,7 @@ int InputMethodMemoryMapping::setup(int bufferCount, unsigned int imageSize)
     unmapAll();
     // The driver may grant more buffers than were asked for, or fewer.
     try {
-        if (mapBuffers(request.count)) {
+        if (mapBuffers(std::min(request.count, maximumBuffers))) {
             return 0;
         }
     } catch (...) {

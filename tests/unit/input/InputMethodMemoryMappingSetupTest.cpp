@@ -108,6 +108,42 @@ TEST(InputMethodMemoryMapping, MapsEveryBufferThatTheDriverGrants)
     }
 }
 
+/// A driver that says that it granted so many buffers, all of them the same.
+V4l2Hook::Ioctl granting(unsigned int count)
+{
+    return [count](int fd, unsigned long request, void* argument) {
+        if (request == VIDIOC_QUERYBUF) {
+            static_cast<v4l2_buffer*>(argument)->index = 0;
+        }
+        int const result = V4l2Hook::realIoctl(fd, request, argument);
+        if (request == VIDIOC_REQBUFS && result == 0) {
+            auto& granted = static_cast<v4l2_requestbuffers*>(argument)->count;
+            granted = granted == 0 ? 0 : count;
+        }
+        return result;
+    };
+}
+
+TEST(InputMethodMemoryMapping, MapsNoMoreThan1024OfTheBuffersThatTheDriverGrants)
+{
+    struct
+    {
+        unsigned int granted;
+        int mapped;
+    } const cases[] = {{1023, 1023}, {1024, 1024}, {1025, 1024}, {0xffffffff, 1024}};
+    for (auto const& one : cases) {
+        auto const camera = smallCamera().install();
+        OpenNode const node;
+        InputMethodMemoryMapping method(node.fd());
+        V4l2Hook const hook(granting(one.granted));
+        EXPECT_EQ(method.setup(4, smallImageSize), 0);
+        EXPECT_EQ(camera.accounting().liveMappings, one.mapped);
+        EXPECT_EQ(camera.countOf(VIDIOC_QUERYBUF), static_cast<unsigned int>(one.mapped));
+        EXPECT_EQ(method.cleanup(), 0);
+        EXPECT_EQ(camera.accounting().liveMappings, 0);
+    }
+}
+
 TEST(InputMethodMemoryMapping, MapsForReadingAndWritingAtTheDriversOffsets)
 {
     auto const camera = smallCamera().install();
