@@ -75,6 +75,16 @@ page_names_every_exit_status() {
     done
 }
 
+reference_shows_its_pictures() {
+    local html="$build/docs/test/html" page picture shown=0
+    while IFS=: read -r page picture; do
+        shown=$((shown + 1))
+        [ -s "$html/$picture" ] || complain "$page shows $picture, which is not there"
+    done < <(cd "$html" && grep -oE '<img [^>]*src="[^":]+"' ./*.html | sed 's/<img .*src="//; s/"$//')
+    grep -q '<img [^>]*frame\.png' "$html/index.html" || complain "the first page has no frame.png"
+    [ "$shown" -ge 1 ] || complain "no page shows a picture: the check sees too little"
+}
+
 # complete_words WORD...: what the completion offers for the last word.
 complete_words() {
     COMP_WORDS=(iacq "$@")
