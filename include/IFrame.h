@@ -22,7 +22,7 @@ public:
     /// True when there was no picture to be had. Such a frame still carries readable zeros.
     virtual bool isInvalid() const = 0;
 
-    /// Bytes of the picture; the same as bytesUsed().
+    /// Bytes of the picture; the same as bytesUsed(), and no more to be believed.
     virtual unsigned int size() const = 0;
 
     /// The picture's first byte.
@@ -41,7 +41,7 @@ public:
     /// Bytes that may be read at bytePtr().
     virtual unsigned int allocSize() const = 0;
 
-    /// Bytes that the driver filled.
+    /// Bytes that the driver filled, as it says; a broken one may say more than allocSize().
     virtual unsigned int bytesUsed() const = 0;
 
     /// The picture's first byte; the bytes may be changed until the frame is released.

@@ -2,6 +2,7 @@
 // One test for each state of a camera: what works there, and what fails. docs/states.md draws them.
 #include "camera/Camera.h"
 
+#include "Await.h"
 #include "DeviceStub.h"
 #include "ICameraControlNumeric.h"
 #include "IFrameSize.h"
@@ -156,6 +157,21 @@ TEST_F(CameraStates, StoppedDoesNotDeliverWhenItIsStartedWithoutCleanup)
     EXPECT_EQ(0, camera.startCapture());
     expectNoFrame();
     EXPECT_EQ(0, camera.stopCapture());
+}
+
+TEST_F(CameraStates, StartedWithoutCleanupDeliversFramesThatAreAlreadyFilled)
+{
+    reachStopped();
+    EXPECT_EQ(camera.startCapture(), 0);
+    IFrame* frame = IFrame::invalid();
+    // None is waited for, but each call finds those that the driver has filled by then.
+    EXPECT_TRUE(await([&] {
+        frame = camera.acquireFrame();
+        return !frame->isInvalid();
+    }));
+    EXPECT_EQ(camera.releaseFrame(frame), 0);
+    EXPECT_EQ(camera.stopCapture(), 0);
+    expectNoFrame();
 }
 
 TEST_F(CameraStates, CleanedUpIsLikeInitialised)

@@ -63,6 +63,20 @@ TEST(CameraControlNumericTest, RangeInTheWrongOrderIsPutRight)
     expectRange(opened.as<ICameraControlNumeric<int>>(id), 0, 10, 1);
 }
 
+// So do the vendor's 32-bit words come from a kernel, whose 0 to 0xffffffff is 0 to -1 here.
+TEST(CameraControlNumericTest, WholeUnsignedWordIsMinusOneToZeroAndTakesNothingElse)
+{
+    CameraWithControls const opened({integer(0, -1)});
+    auto& control = opened.as<ICameraControlNumeric<int>>(id);
+    expectRange(control, -1, 0, 1);
+    EXPECT_FALSE(control.setValue(1));
+    EXPECT_FALSE(control.setValue(-2));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 0u);
+    control.setValue(-1);
+    control.setValue(0);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 2u);
+}
+
 TEST(CameraControlNumericTest, StepIsNarrowedToTheRange)
 {
     CameraWithControls const wide({integer(0, 255, 1000)});

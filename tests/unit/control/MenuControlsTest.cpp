@@ -124,6 +124,18 @@ TEST(CameraControlStringMenuTest, FailedReadCountsAsItemZero)
     EXPECT_EQ(0, opened.as<ICameraControlStringMenu>(id).currentIndex());
 }
 
+TEST(CameraControlStringMenuTest, FailedReadHasNoPositionWhereItemZeroIsAHole)
+{
+    CameraWithControls const opened({menuControl(id, "Auto Exposure")
+                                         .withItem(1, "Manual")
+                                         .withItem(3, "Aperture Priority")
+                                         .byDefault(3)
+                                         .refusingReads(EIO)});
+    auto const& menu = opened.as<ICameraControlStringMenu>(id);
+    EXPECT_EQ(menu.currentIndex(), -1);
+    EXPECT_THROW(menu.currentString(), std::out_of_range);
+}
+
 TEST(CameraControlStringMenuTest, RefusedSelectionIsFalse)
 {
     CameraWithControls const opened({menuWithHoles().refusingWrites(EIO)});

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "factory/CameraFactory.h"
 
+#include "DescriptorCount.h"
 #include "DeviceStub.h"
 #include "IBlockingCamera.h"
 #include "IBlockingCameraMonitor.h"
@@ -142,6 +143,19 @@ TEST_F(CameraFactoryOnMachine, LetsExceptionsOfTheEnumerationThrough)
     EXPECT_THROW(factory().createDevice("video0"), std::invalid_argument);
     EXPECT_THROW(factory().createDeviceList(), std::invalid_argument);
     EXPECT_EQ(0, camera.accounting().openDescriptors);
+}
+
+TEST_F(CameraFactoryOnMachine, LosesTwoDescriptorsWithEachListThatThrows)
+{
+    machine.addWithoutUsb(0);
+    // The first leaves open what the made-up system itself needs.
+    EXPECT_THROW(factory().createDeviceList(), std::invalid_argument);
+    int const before = openDescriptors();
+    constexpr int rounds = 5;
+    for (int round = 0; round < rounds; ++round) {
+        EXPECT_THROW(factory().createDeviceList(), std::invalid_argument);
+    }
+    EXPECT_EQ(openDescriptors(), before + 2 * rounds);
 }
 
 TEST_F(CameraFactoryOnMachine, OpensACameraThatOutlivesItsList)

@@ -6,6 +6,7 @@
 #include "SmallCamera.h"
 #include "Stopwatch.h"
 #include "ThreadState.h"
+#include "V4l2Hook.h"
 #include "input/InputMethodRead.h"
 
 #include <gtest/gtest.h>
@@ -88,6 +89,24 @@ TEST(MappedStream, DoesNotStartWhenTheDriverRefuses)
     ASSERT_EQ(0, method.setup(3, smallImageSize));
     EXPECT_EQ(-1, method.startCapture());
     method.cleanup();
+}
+
+TEST(MappedStream, HandsOutAFrameThatClaimsMoreThanItsBufferHolds)
+{
+    Stream stream(smallCamera());
+    V4l2Hook const hook([](int fd, unsigned long request, void* argument) {
+        int const result = V4l2Hook::realIoctl(fd, request, argument);
+        if (request == VIDIOC_DQBUF && result == 0) {
+            static_cast<v4l2_buffer*>(argument)->bytesused = 0xffffffff;
+        }
+        return result;
+    });
+    IFrame* const frame = stream.method.acquireFrame();
+    ASSERT_FALSE(frame->isInvalid());
+    EXPECT_EQ(frame->bytesUsed(), 0xffffffffu);
+    EXPECT_EQ(frame->size(), 0xffffffffu);
+    EXPECT_EQ(frame->allocSize(), smallImageSize);
+    EXPECT_EQ(stream.method.releaseFrame(frame), 0);
 }
 
 TEST(MappedStream, OnlyStartsWhenItHasNoBuffers)
