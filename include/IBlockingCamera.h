@@ -24,10 +24,14 @@ public:
 
     /**
      * @brief Prepares buffers for the format that is set now; so select the format first.
-     * @param bufferCount how many frames may be in flight; the driver may grant more or fewer. A
-     * negative number is passed on to a driver that maps memory, which then grants as many as it
-     * can or refuses; the other ways of transfer take it for 0.
-     * @return 0, or -1 when the camera has no way to transfer frames or the driver refused.
+     *
+     * Only a camera whose driver maps memory can be set up, as those of all USB cameras do. Where
+     * frames would come by `read` or into user pointers, the result is always -1.
+     * @param bufferCount how many frames may be in flight; the driver may grant more or fewer, of
+     * which up to 1024 are used. A negative number is passed on to the driver, which then grants as
+     * many as it can or refuses.
+     * @return 0, or -1 when the camera has no way to transfer frames or only one of those two, or
+     * the driver refused.
      */
     virtual int setup(int bufferCount) = 0;
 
@@ -43,16 +47,18 @@ public:
 
     /**
      * @brief Gives a frame back, so that the driver can fill its buffer again.
-     * @return 0, or -1 when @p frame is null or not this camera's, or the driver refused.
+     * @return 0, also for an invalid frame; -1 when @p frame is null or not this camera's (0 where
+     * frames would come by `read`), when the driver refused, or when the camera has no way to
+     * transfer frames.
      */
     virtual int releaseFrame(IFrame* frame) = 0;
 
     /**
      * @brief Stops streaming; takes at least 10 ms.
      *
-     * May be called from another thread to end an acquireFrame() that waits; that one returns an
-     * invalid frame. Join the thread before calling cleanup(). To stream again, call cleanup() and
-     * setup() first.
+     * May be called from another thread to end an acquireFrame() that waits; that one returns a
+     * frame if one has just been filled, or else an invalid one. Join the thread before calling
+     * cleanup(). To stream again, call cleanup() and setup() first.
      * @return 0, or -1 when the driver refused or there is nothing to stop.
      */
     virtual int stopCapture() = 0;

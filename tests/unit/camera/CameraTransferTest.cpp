@@ -148,6 +148,24 @@ TEST(CameraTransfer, SizesItsOwnBuffersForTheFormatThatIsSetNow)
     }
 }
 
+TEST(CameraTransfer, TakesANullFrameOnlyWhereItReads)
+{
+    struct
+    {
+        bool mapping;
+        bool userPointers;
+        int answer;
+    } const cases[] = {{true, false, -1}, {false, true, -1}, {false, false, 0}};
+    for (auto const& one : cases) {
+        auto const virtualCamera = offering(one.mapping, one.userPointers).install();
+        DeviceStub const device;
+        Camera camera(&device);
+        ASSERT_TRUE(camera.init());
+        EXPECT_EQ(camera.releaseFrame(nullptr), one.answer);
+        EXPECT_EQ(camera.releaseFrame(IFrame::invalid()), 0);
+    }
+}
+
 TEST(CameraTransfer, FailsToSetUpReadAndUserPointersWhereAPipeCanBeMade)
 {
     for (bool const userPointers : {true, false}) {
