@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <set>
 #include <stdexcept>
@@ -145,17 +146,26 @@ TEST_F(CameraFactoryOnMachine, LetsExceptionsOfTheEnumerationThrough)
     EXPECT_EQ(0, camera.accounting().openDescriptors);
 }
 
+int countOf(char const* target)
+{
+    std::vector<std::string> const targets = descriptorTargets();
+    return static_cast<int>(std::count(targets.begin(), targets.end(), target));
+}
+
 TEST_F(CameraFactoryOnMachine, LosesTwoDescriptorsWithEachListThatThrows)
 {
+    constexpr char timer[] = "anon_inode:[timerfd]";
+    constexpr char event[] = "anon_inode:[eventfd]";
     machine.addWithoutUsb(0);
-    // The first leaves open what the made-up system itself needs.
-    EXPECT_THROW(factory().createDeviceList(), std::invalid_argument);
-    int const before = openDescriptors();
+    int const timers = countOf(timer);
+    int const events = countOf(event);
     constexpr int rounds = 5;
     for (int round = 0; round < rounds; ++round) {
         EXPECT_THROW(factory().createDeviceList(), std::invalid_argument);
     }
-    EXPECT_EQ(openDescriptors(), before + 2 * rounds);
+    EXPECT_EQ(countOf(timer), timers + rounds);
+    // The made-up machine's own threads may make one too when they get to it.
+    EXPECT_GE(countOf(event), events + rounds);
 }
 
 TEST_F(CameraFactoryOnMachine, OpensACameraThatOutlivesItsList)
