@@ -24,6 +24,10 @@ OutputFormat outputFormatOf(std::string const& named, std::string const& path)
     if (equalIgnoringCase(wanted, "raw")) {
         return OutputFormat::Raw;
     }
+    if (!named.empty()) {
+        throw Failure(BadUsage,
+                      "--output-format is '" + named + "', but has to be png, ppm or raw");
+    }
     throw Failure(BadUsage, "cannot tell the output format from '" + path +
                                 "'; use --output-format png, ppm or raw");
 }

@@ -124,4 +124,21 @@ TEST(OutputFormat, IsNamedOrFollowsFromTheExtension)
     EXPECT_THROW(Iacq::outputFormatOf("", "-"), Iacq::Failure);
 }
 
+std::string faultOf(std::string const& named, std::string const& path)
+{
+    try {
+        Iacq::outputFormatOf(named, path);
+    } catch (Iacq::Failure const& failure) {
+        return failure.what();
+    }
+    return "";
+}
+
+TEST(OutputFormat, IsBlamedOnTheOptionOrElseOnTheName)
+{
+    EXPECT_EQ(faultOf("jpeg", "a.png"), "--output-format is 'jpeg', but has to be png, ppm or raw");
+    EXPECT_EQ(faultOf("", "a.gif"), "cannot tell the output format from 'a.gif'; use "
+                                    "--output-format png, ppm or raw");
+}
+
 } // namespace
