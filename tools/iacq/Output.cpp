@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 
 namespace Iacq
 {
@@ -104,23 +105,38 @@ void replace(std::string const& path, std::vector<unsigned char> const& bytes)
     }
 }
 
-/// Puts the number in the place of a "%d" or "%04d", which has to be the only "%".
-std::string withNumber(std::string const& path, int number)
+/// A "%d" or "%04d" in a name.
+struct NumberPattern
 {
-    auto const percent = path.find('%');
-    std::size_t end = percent + 1;
-    int width = 1;
-    if (path.compare(end, 1, "0") == 0 && end + 1 < path.size() && path[end + 1] >= '1' &&
-        path[end + 1] <= '9') {
-        width = path[end + 1] - '0';
-        end += 2;
+    std::size_t at;
+    std::size_t size;
+    int width;
+};
+
+/// The first pattern from @p start on; any other "%" is a character like the rest.
+std::optional<NumberPattern> findPattern(std::string const& path, std::size_t start)
+{
+    for (auto at = path.find('%', start); at != std::string::npos; at = path.find('%', at + 1)) {
+        if (path.compare(at, 2, "%d") == 0) {
+            return NumberPattern{at, 2, 1};
+        }
+        if (path.compare(at, 2, "%0") == 0 && path[at + 2] >= '1' && path[at + 2] <= '9' &&
+            path.compare(at + 3, 1, "d") == 0) {
+            return NumberPattern{at, 4, path[at + 2] - '0'};
+        }
     }
-    if (path.compare(end, 1, "d") != 0 || path.find('%', end) != std::string::npos) {
-        throw Failure(BadUsage, "'" + path + "' may hold one %d or %04d and no other '%'");
+    return std::nullopt;
+}
+
+std::string withNumber(std::string const& path, NumberPattern const& pattern, int number)
+{
+    std::size_t const behind = pattern.at + pattern.size;
+    if (findPattern(path, behind)) {
+        throw Failure(BadUsage, "'" + path + "' has more than one place for the number");
     }
     char text[32];
-    std::snprintf(text, sizeof text, "%0*d", width, number);
-    return path.substr(0, percent) + text + path.substr(end + 1);
+    std::snprintf(text, sizeof text, "%0*d", pattern.width, number);
+    return path.substr(0, pattern.at) + text + path.substr(behind);
 }
 
 } // namespace
@@ -140,8 +156,8 @@ void writeFile(std::string const& path, std::vector<unsigned char> const& bytes)
 
 std::string numberedPath(std::string const& path, int number, int count)
 {
-    if (path.find('%') != std::string::npos) {
-        return withNumber(path, number);
+    if (auto const pattern = findPattern(path, 0)) {
+        return withNumber(path, *pattern, number);
     }
     if (count <= 1 || path == "-" || isSpecialFile(path)) {
         return path;

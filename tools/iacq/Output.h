@@ -13,9 +13,9 @@ namespace Iacq
 void writeFile(std::string const& path, std::vector<unsigned char> const& bytes);
 
 /// Name of one of several files: a "%d" or "%04d" in @p path becomes the number; without one,
-/// "-0001" is put in front of the extension. A single file keeps its name, and so does a device or
-/// a pipe, which takes all of them.
-/// @throws Failure when @p path holds anything else with a "%".
+/// "-0001" is put in front of the extension. Any other "%" stays as it is. A single file keeps its
+/// name, and so does a device or a pipe, which takes all of them.
+/// @throws Failure when @p path has two places for the number.
 std::string numberedPath(std::string const& path, int number, int count);
 
 /// Prints to standard output and makes sure that it arrived. Texts from cameras go through

@@ -107,9 +107,21 @@ TEST(NumberedPath, PutsTheNumberWhereItBelongs)
     EXPECT_EQ(Iacq::numberedPath("/tmp", 2, 3), "/tmp-0002");
 }
 
-TEST(NumberedPath, RefusesWhatPrintfWouldStumbleOver)
+TEST(NumberedPath, TakesAPercentSignThatIsNoPatternAsItStands)
 {
-    for (char const* const path : {"%s.png", "%d%d.png", "%99d.png", "100%.png", "%n"}) {
+    EXPECT_EQ(Iacq::numberedPath("100%.png", 1, 1), "100%.png");
+    EXPECT_EQ(Iacq::numberedPath("100%.png", 2, 3), "100%-0002.png");
+    EXPECT_EQ(Iacq::numberedPath("%s.png", 2, 3), "%s-0002.png");
+    EXPECT_EQ(Iacq::numberedPath("%99d", 2, 3), "%99d-0002");
+    EXPECT_EQ(Iacq::numberedPath("a%", 1, 1), "a%");
+    EXPECT_EQ(Iacq::numberedPath("a%0", 1, 1), "a%0");
+    EXPECT_EQ(Iacq::numberedPath("a%04", 1, 1), "a%04");
+    EXPECT_EQ(Iacq::numberedPath("50%-%03d%n.png", 2, 3), "50%-002%n.png");
+}
+
+TEST(NumberedPath, RefusesTwoPlacesForTheNumber)
+{
+    for (char const* const path : {"%d%d.png", "%d-%04d.png", "%01d/%d"}) {
         EXPECT_THROW(Iacq::numberedPath(path, 1, 2), Iacq::Failure) << path;
     }
 }
