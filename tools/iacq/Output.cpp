@@ -3,14 +3,10 @@
 
 #include "Failure.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <optional>
 
 namespace Iacq
@@ -18,92 +14,6 @@ namespace Iacq
 
 namespace
 {
-
-[[noreturn]] void failWriting(std::string const& what)
-{
-    throw Failure(CameraFailed, "cannot write " + what + ": " + std::strerror(errno));
-}
-
-bool writeAll(int fd, unsigned char const* data, std::size_t size)
-{
-    while (size > 0) {
-        ssize_t const written = ::write(fd, data, size);
-        if (written == -1 && errno == EINTR) {
-            continue;
-        }
-        if (written == -1) {
-            return false;
-        }
-        data += written;
-        size -= static_cast<std::size_t>(written);
-    }
-    return true;
-}
-
-/// Writes and closes; errno tells what went wrong.
-bool writeAndClose(int fd, std::vector<unsigned char> const& bytes)
-{
-    bool const written = writeAll(fd, bytes.data(), bytes.size());
-    int const error = errno;
-    bool const closed = ::close(fd) == 0;
-    if (!written) {
-        errno = error;
-    }
-    return written && closed;
-}
-
-/// Devices, pipes and the like are written to as they are; renaming would replace them.
-bool isSpecialFile(std::string const& path)
-{
-    struct stat status;
-    return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) &&
-           !S_ISDIR(status.st_mode);
-}
-
-void writeInPlace(std::string const& path, std::vector<unsigned char> const& bytes)
-{
-    int const fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    if (fd == -1 || !writeAndClose(fd, bytes)) {
-        failWriting(path);
-    }
-}
-
-/// Holds back what would end the tool between two steps, and leave half of a file behind.
-class SignalsHeld
-{
-public:
-    SignalsHeld()
-    {
-        sigset_t signals;
-        sigemptyset(&signals);
-        for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
-            sigaddset(&signals, number);
-        }
-        pthread_sigmask(SIG_BLOCK, &signals, &m_before);
-    }
-    ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-    SignalsHeld(SignalsHeld const&) = delete;
-    SignalsHeld& operator=(SignalsHeld const&) = delete;
-
-private:
-    sigset_t m_before{};
-};
-
-void replace(std::string const& path, std::vector<unsigned char> const& bytes)
-{
-    SignalsHeld const held;
-    std::string const partial = path + ".partial-" + std::to_string(::getpid());
-    int const fd = ::open(partial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (fd == -1) {
-        failWriting(path);
-    }
-    if (!writeAndClose(fd, bytes) || ::rename(partial.c_str(), path.c_str()) != 0) {
-        int const error = errno;
-        ::unlink(partial.c_str());
-        errno = error;
-        failWriting(path);
-    }
-}
 
 /// A "%d" or "%04d" in a name.
 struct NumberPattern
@@ -140,19 +50,6 @@ std::string withNumber(std::string const& path, NumberPattern const& pattern, in
 }
 
 } // namespace
-
-void writeFile(std::string const& path, std::vector<unsigned char> const& bytes)
-{
-    if (path == "-") {
-        if (!writeAll(STDOUT_FILENO, bytes.data(), bytes.size())) {
-            failWriting("standard output");
-        }
-    } else if (isSpecialFile(path)) {
-        writeInPlace(path, bytes);
-    } else {
-        replace(path, bytes);
-    }
-}
 
 std::string numberedPath(std::string const& path, int number, int count)
 {

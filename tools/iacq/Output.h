@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "FileWriting.h"
+
 #include <string>
-#include <vector>
 
 namespace Iacq
 {
-
-/// Writes a file whole or not at all: an ordinary file appears under its name only when all of it
-/// is there. "-" is standard output.
-/// @throws Failure when that is not possible.
-void writeFile(std::string const& path, std::vector<unsigned char> const& bytes);
 
 /// Name of one of several files: a "%d" or "%04d" in @p path becomes the number; without one,
 /// "-0001" is put in front of the extension. Any other "%" stays as it is. A single file keeps its
