@@ -204,7 +204,7 @@ RgbImage toRgb(FrameView const& frame)
                       "cannot convert " + frame.format + " to a picture; use --output-format raw");
     }
     if (isJpeg(frame.format)) {
-        return decodeJpeg(frame.data, frame.size);
+        return decodeJpeg(frame.data, frame.size, frame.width, frame.height);
     }
     if (frame.width == 0 || frame.height == 0) {
         throw Failure(CameraFailed, "the camera does not tell the size of its frames");
