@@ -10,6 +10,7 @@ namespace
 {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -360,7 +361,45 @@ TEST(CaptureCommand, TellsOfACameraThatIsUnpluggedMeanwhile)
         runIacq({"capture", "0", "-o", "-", "--output-format", "raw", "--count", "1000000"},
                 {"--model", "webcam", "--unplug-after", "500"});
     EXPECT_EQ(run.status, 4);
-    EXPECT_EQ(run.errors, "iacq: the camera delivered no frame\n");
+    EXPECT_THAT(run.errors, EndsWith("iacq: the camera is gone\n"));
+}
+
+// As where nodes of devices that are gone are kept.
+TEST(CaptureCommand, TellsOfACameraThatIsGoneThoughItsNodeIsThere)
+{
+    ScratchFolder const folder;
+    ProgramRun const run = runIacq({"capture", "0", "-o", folder.path("a.raw"), "--count", "3"},
+                                   cameraWith(folder, R"("vanishingFrame": 1)"));
+    EXPECT_EQ(run.status, 4);
+    EXPECT_EQ(run.errors, "iacq: the camera is gone\n");
+    EXPECT_THAT(folder.names(), ElementsAre("a-0001.raw", "camera.json"));
+}
+
+TEST(CaptureCommand, GuessesWhyACameraDoesNotStreamOnlyWhereThatMayBeWhy)
+{
+    std::map<std::string, std::string> const cases = {
+        // Two requests find out beforehand whether the camera grants buffers at all.
+        {R"("faults": [{"call": "VIDIOC_REQBUFS", "errno": "EBUSY", "use": 3, "fromThenOn": true}])",
+         "iacq: the camera grants no buffers; is it in use by another program?\n"},
+        {R"("faults": [{"call": "VIDIOC_REQBUFS", "errno": "ENODEV", "use": 3}])",
+         "iacq: the camera is gone\n"},
+        {R"("faults": [{"call": "VIDIOC_STREAMON", "errno": "ENODEV"}])",
+         "iacq: the camera is gone\n"},
+        {R"("faults": [{"call": "VIDIOC_REQBUFS", "errno": "ENOMEM", "use": 3}])",
+         "iacq: the camera grants no buffers\n"},
+        {R"("mostBuffers": 0)", "iacq: the camera grants no buffers\n"},
+        {R"("mmap": false, "userPointers": true)", "iacq: the camera grants no buffers\n"},
+        {R"("faults": [{"call": "VIDIOC_STREAMON", "errno": "EBUSY"}])",
+         "iacq: the camera does not start streaming; is it in use by another program?\n"},
+    };
+    ScratchFolder const folder;
+    for (auto const& [trouble, message] : cases) {
+        ProgramRun const run =
+            runIacq({"capture", "0", "-o", folder.path("a.raw")}, cameraWith(folder, trouble));
+        EXPECT_EQ(run.status, 1) << trouble;
+        EXPECT_EQ(run.errors, message);
+    }
+    EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
 }
 
 TEST(CaptureCommand, TellsOfAReaderThatHasGoneAndOfAFullDisk)
@@ -385,7 +424,7 @@ TEST(CaptureCommand, TellsOfACameraThatOnlyReads)
     ProgramRun const run =
         runIacq({"capture", "0", "-o", folder.path("a.png")}, {"--model", "read"});
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.errors, StartsWith("iacq: the camera grants no buffers"));
+    EXPECT_EQ(run.errors, "iacq: the camera grants no buffers\n");
     EXPECT_TRUE(folder.names().empty());
 }
 
