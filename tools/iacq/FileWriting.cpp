@@ -185,11 +185,7 @@ SignalsHeld::~SignalsHeld()
 
 void writeFile(std::string const& path, std::vector<unsigned char> const& bytes)
 {
-    if (path == "-") {
-        if (!writeAll(STDOUT_FILENO, bytes.data(), bytes.size())) {
-            failWriting("standard output");
-        }
-    } else if (isSpecialFile(path)) {
+    if (isSpecialFile(path)) {
         writeToSpecialFile(path, bytes);
     } else {
         replace(path, bytes);

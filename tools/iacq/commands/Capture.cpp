@@ -3,8 +3,8 @@
 #include "../CaptureStream.h"
 #include "../CurrentSelection.h"
 #include "../Failure.h"
+#include "../FrameSink.h"
 #include "../ImageEncoding.h"
-#include "../Output.h"
 #include "../Selection.h"
 #include "Commands.h"
 
@@ -72,7 +72,7 @@ void capture(CaptureOptions const& options)
 {
     OutputFormat const format = outputFormatOf(options.outputFormat, options.output);
     // Finds fault with the name before the camera is kept busy.
-    numberedPath(options.output, 1, options.count);
+    FrameSink sink(options.output, options.count);
     CameraPtr const camera = openCamera(options.camera);
     demandFormats(*camera);
     selectFor(options, *camera);
@@ -81,15 +81,17 @@ void capture(CaptureOptions const& options)
         throw Failure(BadUsage,
                       "cannot convert " + common.format + " to a picture; use --output-format raw");
     }
+    sink.open();
     CaptureStream stream(*camera, options.buffers);
     for (int number = 1; number <= options.count; ++number) {
         stream.nextFrame([&](IFrame const& frame) {
             FrameView view = common;
             view.data = frame.bytePtr();
             view.size = frame.bytesUsed();
-            writeFile(numberedPath(options.output, number, options.count), encode(view, format));
+            sink.write(number, encode(view, format));
         });
     }
+    sink.close();
 }
 
 } // namespace Iacq

@@ -402,20 +402,61 @@ TEST(CaptureCommand, GuessesWhyACameraDoesNotStreamOnlyWhereThatMayBeWhy)
     EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
 }
 
-TEST(CaptureCommand, TellsOfAReaderThatHasGoneAndOfAFullDisk)
+/// The command for a shell that captures small frames; the output is still to be named.
+std::string captureSmall(std::string const& count)
 {
-    ScratchFolder const folder;
-    std::string const capture = std::string(WITH_VIRTUAL_CAMERA) + " " + IACQ_PROGRAM +
-                                " capture 0 --output-format raw --count 1000 -o ";
-    ProgramRun run = runProgram({"bash", "-o", "pipefail", "-c", capture + "- | true"});
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.errors, "iacq: cannot write standard output: Broken pipe\n");
-    run = runProgram({"bash", "-c", capture + "- >&-"});
+    return std::string("timeout -k 10 10 ") + WITH_VIRTUAL_CAMERA + " " + IACQ_PROGRAM +
+           " capture 0 --format YUYV --size 320x240 --output-format raw --count " + count + " -o ";
+}
+
+ProgramRun runShell(std::string const& script)
+{
+    return runProgram({"bash", "-o", "pipefail", "-c", script});
+}
+
+constexpr int endedBySigpipe = 128 + 13;
+constexpr int endedByTimeout = 124;
+
+TEST(CaptureCommand, TellsOfAClosedOutputAndOfAFullDisk)
+{
+    ProgramRun run = runShell(captureSmall("1000") + "- >&-");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.errors, "iacq: cannot write standard output: Bad file descriptor\n");
-    run = runProgram({"bash", "-c", capture + "/dev/full"});
+    run = runShell(captureSmall("1000") + "/dev/full");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.errors, "iacq: cannot write /dev/full: No space left on device\n");
+}
+
+TEST(CaptureCommand, EndsLikeOtherToolsWhenTheReaderHasGone)
+{
+    ScratchFolder const folder;
+    ProgramRun run = runShell(captureSmall("1000") + "- | true");
+    EXPECT_EQ(run.status, endedBySigpipe);
+    EXPECT_EQ(run.errors, "");
+    std::string const pipe = folder.path("pipe");
+    run = runShell("mkfifo " + pipe + "; head -c 1 " + pipe + " & " + captureSmall("1000") + pipe);
+    EXPECT_EQ(run.status, endedBySigpipe);
+    EXPECT_EQ(run.errors, "");
+}
+
+TEST(CaptureCommand, PutsEveryFrameIntoANamedPipe)
+{
+    ScratchFolder const folder;
+    std::string const pipe = folder.path("pipe");
+    ProgramRun const run = runShell("mkfifo " + pipe + "; cat " + pipe + " & " + captureSmall("5") +
+                                    pipe + "; status=$?; wait; exit $status");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output.size(), 5u * 320 * 240 * 2);
+    EXPECT_THAT(folder.names(), ElementsAre("pipe"));
+}
+
+TEST(CaptureCommand, CanBeEndedWhileItWaitsForAReader)
+{
+    ScratchFolder const folder;
+    ProgramRun const run = runShell("mkfifo " + folder.path("pipe") + "; timeout -k 5 3 " +
+                                    captureSmall("5") + folder.path("pipe"));
+    EXPECT_EQ(run.status, endedByTimeout) << run.errors;
+    EXPECT_EQ(run.errors, "");
 }
 
 TEST(CaptureCommand, TellsOfACameraThatOnlyReads)
