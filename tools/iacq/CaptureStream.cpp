@@ -81,7 +81,8 @@ void demandBytes(IFrame const& frame)
 
 } // namespace
 
-CaptureStream::CaptureStream(IBlockingCamera& camera, int buffers) : m_camera(camera)
+CaptureStream::CaptureStream(IBlockingCamera& camera, int buffers, LossCount& losses)
+    : m_camera(camera), m_losses(losses)
 {
     errno = 0;
     if (camera.setup(buffers) != 0) {
@@ -127,6 +128,7 @@ void CaptureStream::nextFrame(std::function<void(IFrame const&)> const& use)
         if (frame->isInvalid()) {
             failWithoutFrame();
         }
+        m_losses.came(frame->counter());
         if (!frame->isCorrupted()) {
             demandBytes(*frame);
             use(*frame);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Failure.h"
+#include "LossCount.h"
 
 #include <IBlockingCamera.h>
 
@@ -15,8 +16,9 @@ namespace Iacq
 class CaptureStream
 {
 public:
+    /// @param losses learns of what the driver loses.
     /// @throws Failure when the camera does not stream.
-    CaptureStream(ImageAcquisition::IBlockingCamera& camera, int buffers);
+    CaptureStream(ImageAcquisition::IBlockingCamera& camera, int buffers, LossCount& losses);
     ~CaptureStream();
     CaptureStream(CaptureStream const&) = delete;
     CaptureStream& operator=(CaptureStream const&) = delete;
@@ -31,6 +33,7 @@ private:
     [[noreturn]] void failWithoutFrame();
 
     ImageAcquisition::IBlockingCamera& m_camera;
+    LossCount& m_losses;
     bool m_streaming = false;
 };
 

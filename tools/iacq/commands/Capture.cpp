@@ -4,12 +4,17 @@
 #include "../CurrentSelection.h"
 #include "../Failure.h"
 #include "../FrameSink.h"
+#include "../FrameWorker.h"
 #include "../ImageEncoding.h"
+#include "../Progress.h"
 #include "../Selection.h"
 #include "Commands.h"
 
 #include <IDevice.h>
 #include <IFrame.h>
+
+#include <cstdio>
+#include <utility>
 
 namespace Iacq
 {
@@ -19,18 +24,8 @@ namespace
 
 using namespace ImageAcquisition;
 
-std::vector<unsigned char> encode(FrameView const& view, OutputFormat format)
-{
-    switch (format) {
-    case OutputFormat::Png:
-        return encodePng(toRgb(view));
-    case OutputFormat::Ppm:
-        return encodePpm(toRgb(view));
-    case OutputFormat::Raw:
-        break;
-    }
-    return std::vector<unsigned char>(view.data, view.data + view.size);
-}
+/// Some seconds of most cameras, and less than any machine has to spare.
+constexpr std::size_t mostBytesWaiting = std::size_t(128) << 20;
 
 /// What every frame of the stream has in common; the frame's own bytes are filled in later.
 FrameView viewOf(ICamera const& camera)
@@ -66,6 +61,71 @@ void selectFor(CaptureOptions const& options, IBlockingCamera& camera)
     }
 }
 
+/// Makes of a frame's bytes what is to be written.
+class Encoder
+{
+public:
+    Encoder(FrameView common, OutputFormat format) : m_common(std::move(common)), m_format(format)
+    {
+        if (format != OutputFormat::Raw && !canConvert(m_common.format)) {
+            throw Failure(BadUsage, "cannot convert " + m_common.format +
+                                        " to a picture; use --output-format raw");
+        }
+    }
+
+    std::vector<unsigned char> encode(std::vector<unsigned char> const& bytes) const
+    {
+        FrameView view = m_common;
+        view.data = bytes.data();
+        view.size = bytes.size();
+        switch (m_format) {
+        case OutputFormat::Png:
+            return encodePng(toRgb(view));
+        case OutputFormat::Ppm:
+            return encodePpm(toRgb(view));
+        case OutputFormat::Raw:
+            break;
+        }
+        return bytes;
+    }
+
+private:
+    FrameView m_common;
+    OutputFormat m_format;
+};
+
+/// Captures on this thread, while another does the work on what was captured.
+void record(IBlockingCamera& camera, CaptureOptions const& options, FrameWorker::Work const& work,
+            LossCount& losses)
+{
+    FrameWorker worker(mostBytesWaiting, work);
+    try {
+        CaptureStream stream(camera, options.buffers, losses);
+        for (int taken = 0; taken < options.count;) {
+            stream.nextFrame([&](IFrame const& frame) {
+                if (worker.take(frame.bytePtr(), frame.bytesUsed())) {
+                    ++taken;
+                } else {
+                    losses.dropped();
+                }
+            });
+        }
+    } catch (...) {
+        // What was captured before is kept; if that fails, it is the earlier failure.
+        worker.finish();
+        throw;
+    }
+    Progress const progress("writing the last frames");
+    worker.finish();
+}
+
+void tell(LossCount const& losses)
+{
+    if (!losses.text().empty()) {
+        std::fprintf(stderr, "iacq: %s\n", losses.text().c_str());
+    }
+}
+
 } // namespace
 
 void capture(CaptureOptions const& options)
@@ -76,22 +136,22 @@ void capture(CaptureOptions const& options)
     CameraPtr const camera = openCamera(options.camera);
     demandFormats(*camera);
     selectFor(options, *camera);
-    FrameView const common = viewOf(*camera);
-    if (format != OutputFormat::Raw && !canConvert(common.format)) {
-        throw Failure(BadUsage,
-                      "cannot convert " + common.format + " to a picture; use --output-format raw");
-    }
+    Encoder const encoder(viewOf(*camera), format);
     sink.open();
-    CaptureStream stream(*camera, options.buffers);
-    for (int number = 1; number <= options.count; ++number) {
-        stream.nextFrame([&](IFrame const& frame) {
-            FrameView view = common;
-            view.data = frame.bytePtr();
-            view.size = frame.bytesUsed();
-            sink.write(number, encode(view, format));
-        });
+    LossCount losses;
+    try {
+        record(
+            *camera, options,
+            [&](int number, std::vector<unsigned char> const& bytes) {
+                sink.write(number, encoder.encode(bytes));
+            },
+            losses);
+        sink.close();
+    } catch (...) {
+        tell(losses);
+        throw;
     }
-    sink.close();
+    tell(losses);
 }
 
 } // namespace Iacq

@@ -286,6 +286,45 @@ TEST(CaptureCommand, PassesOverACorruptedFrame)
     EXPECT_THAT(run.errors, HasSubstr("frame 0 is corrupted"));
 }
 
+TEST(CaptureCommand, TellsHowManyFramesTheDriverLost)
+{
+    ScratchFolder const folder;
+    ProgramRun run =
+        runIacq({"capture", "0", "-o", folder.path("a.raw"), "-n", "4", "--buffers", "32"},
+                cameraWith(folder, R"("frameFaults": [{"frame": 1, "missing": true},
+                                                                   {"frame": 3, "missing": true},
+                                                                   {"frame": 4, "missing": true}])"));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.errors, "iacq: frames lost: 3 by the driver\n");
+    run = runIacq({"capture", "0", "-o", folder.path("b.raw"), "-n", "4", "--buffers", "32"},
+                  cameraWith(folder, R"("frameFaults": [{"frame": 1, "missing": true},
+                                                        {"frame": 3, "fromThenOn": true,
+                                                         "missing": true}])"));
+    EXPECT_EQ(run.status, 4);
+    EXPECT_EQ(run.errors,
+              "iacq: frames lost: 1 by the driver\niacq: the camera delivered no frame\n");
+    EXPECT_THAT(folder.names(), ElementsAre("a-0001.raw", "a-0002.raw", "a-0003.raw", "a-0004.raw",
+                                            "b-0001.raw", "b-0002.raw", "camera.json"));
+}
+
+// The camera sends no more frames than are wanted, so that none may be lost. To compress one takes
+// longer than until the next comes.
+TEST(CaptureCommand, LosesNoFrameToTheWorkOnTheOneBefore)
+{
+    ScratchFolder const folder;
+    Words const camera = {"--config", folder.write("camera.json", R"({"cameras": [{
+        "node": "/dev/video0", "usb": {"port": "1-1"},
+        "formats": [{"pixelFormat": "YUYV",
+                     "sizes": [{"width": 1280, "height": 720, "intervals": ["1/30"]}]}],
+        "frameFaults": [{"frame": 40, "fromThenOn": true, "missing": true}]}]})")};
+    ProgramRun const run = runIacq(
+        {"capture", "0", "-o", folder.path("%02d.png"), "-n", "40", "--buffers", "12"}, camera);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(folder.names().size(), 41u);
+    EXPECT_EQ(readPng(folder.read("40.png")).width, 1280u);
+}
+
 TEST(CaptureCommand, GivesUpOnCorruptedFramesInTheEnd)
 {
     ScratchFolder const folder;

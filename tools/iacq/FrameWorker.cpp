@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#include "FrameWorker.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Iacq
+{
+
+FrameWorker::FrameWorker(std::size_t mostBytes, Work work)
+    : m_mostBytes(mostBytes), m_work(std::move(work))
+{
+    m_thread = std::thread([this] { run(); });
+    // Only now, for a thread inherits what is held back.
+    m_held.emplace();
+}
+
+FrameWorker::~FrameWorker()
+{
+    {
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        m_waiting.clear();
+    }
+    join();
+}
+
+bool FrameWorker::take(unsigned char const* bytes, std::size_t size)
+{
+    {
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        if (m_failure) {
+            std::rethrow_exception(m_failure);
+        }
+        if (m_bytes != 0 && size > m_mostBytes - std::min(m_bytes, m_mostBytes)) {
+            return false;
+        }
+    }
+    // Nobody else adds any, so there is still room after copying.
+    std::vector<unsigned char> copy(bytes, bytes + size);
+    {
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        m_waiting.push_back(std::move(copy));
+        m_bytes += size;
+    }
+    m_changed.notify_one();
+    return true;
+}
+
+void FrameWorker::finish()
+{
+    join();
+    if (m_failure) {
+        std::rethrow_exception(m_failure);
+    }
+}
+
+void FrameWorker::join()
+{
+    {
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        m_ending = true;
+    }
+    m_changed.notify_one();
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
+}
+
+void FrameWorker::run()
+{
+    sigset_t ownMask;
+    pthread_sigmask(SIG_SETMASK, nullptr, &ownMask);
+    for (std::vector<unsigned char> bytes; waitForFrame(bytes);) {
+        workOn(bytes);
+        // Libraries that hold signals back in calls of their own, as umockdev does, may now and
+        // then give this thread the other's mask; then nothing could end the tool.
+        pthread_sigmask(SIG_SETMASK, &ownMask, nullptr);
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        m_bytes -= bytes.size();
+    }
+}
+
+bool FrameWorker::waitForFrame(std::vector<unsigned char>& bytes)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_ending || !m_waiting.empty(); });
+    if (m_waiting.empty()) {
+        return false;
+    }
+    bytes = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    return true;
+}
+
+/// Once it failed, the thread only waits for its end: signals are still its own.
+void FrameWorker::workOn(std::vector<unsigned char> const& bytes)
+{
+    {
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        if (m_failure) {
+            return;
+        }
+    }
+    try {
+        m_work(++m_number, bytes);
+    } catch (...) {
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        m_failure = std::current_exception();
+    }
+}
+
+} // namespace Iacq
