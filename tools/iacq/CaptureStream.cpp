@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CaptureStream.h"
 
+#include "TerminalText.h"
+
 #include <IDevice.h>
 #include <IFrame.h>
 
@@ -8,7 +10,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <thread>
 
 namespace Iacq
@@ -134,7 +135,7 @@ void CaptureStream::nextFrame(std::function<void(IFrame const&)> const& use)
             use(*frame);
             return;
         }
-        std::fprintf(stderr, "iacq: frame %llu is corrupted, taking the next\n", frame->counter());
+        tell("frame " + std::to_string(frame->counter()) + " is corrupted, taking the next");
     }
     throw Failure(NoFrame, "the camera delivers corrupted frames only");
 }

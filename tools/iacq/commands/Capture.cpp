@@ -8,12 +8,12 @@
 #include "../ImageEncoding.h"
 #include "../Progress.h"
 #include "../Selection.h"
+#include "../TerminalText.h"
 #include "Commands.h"
 
 #include <IDevice.h>
 #include <IFrame.h>
 
-#include <cstdio>
 #include <utility>
 
 namespace Iacq
@@ -119,10 +119,10 @@ void record(IBlockingCamera& camera, CaptureOptions const& options, FrameWorker:
     worker.finish();
 }
 
-void tell(LossCount const& losses)
+void tellLosses(LossCount const& losses)
 {
     if (!losses.text().empty()) {
-        std::fprintf(stderr, "iacq: %s\n", losses.text().c_str());
+        tell(losses.text());
     }
 }
 
@@ -148,10 +148,10 @@ void capture(CaptureOptions const& options)
             losses);
         sink.close();
     } catch (...) {
-        tell(losses);
+        tellLosses(losses);
         throw;
     }
-    tell(losses);
+    tellLosses(losses);
 }
 
 } // namespace Iacq
