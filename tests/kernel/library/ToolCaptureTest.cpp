@@ -71,7 +71,7 @@ TEST_F(ToolCaptures, BecomePicturesWhateverTheFormat)
         for (unsigned const number : {0U, 1U}) {
             Bytes const picture = fileBytes("/tmp/as-" + std::to_string(number + 1) + ".ppm");
             ASSERT_EQ(picture.size(), header.size() + 320 * 240 * 3);
-            EXPECT_EQ(std::string(picture.begin(), picture.begin() + header.size()), header);
+            EXPECT_EQ(header, std::string(picture.begin(), picture.begin() + header.size()));
             EXPECT_EQ(numberInPicture(picture, header, 320), number);
         }
     }

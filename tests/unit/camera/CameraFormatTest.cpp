@@ -45,9 +45,9 @@ protected:
 
 TEST_F(CameraFormat, ListsTheFormats)
 {
-    ASSERT_EQ(2, camera.formatNumber());
-    EXPECT_STREQ("YUYV", camera.format(0)->name());
-    EXPECT_STREQ("MJPG", camera.format(1)->name());
+    ASSERT_EQ(camera.formatNumber(), 2);
+    EXPECT_STREQ(camera.format(0)->name(), "YUYV");
+    EXPECT_STREQ(camera.format(1)->name(), "MJPG");
     EXPECT_EQ(IImageFormat::invalid(), camera.format(-1));
     EXPECT_EQ(IImageFormat::invalid(), camera.format(2));
 }
@@ -66,7 +66,7 @@ TEST_F(CameraFormat, SelectsByNameAndValue)
 {
     EXPECT_TRUE(camera.setCurrentImageFormat("YUYV", 320, 240, 1, 60));
     EXPECT_EQ(camera.format(0)->frameSize(1), camera.currentFrameSize());
-    EXPECT_EQ(60u, camera.currentFrameInterval()->denominator());
+    EXPECT_EQ(camera.currentFrameInterval()->denominator(), 60u);
     EXPECT_FALSE(camera.setCurrentImageFormat("YUYV", 320, 240, 1, 30));
     EXPECT_FALSE(camera.setCurrentImageFormat("NV12", 320, 240, 1, 60));
     EXPECT_FALSE(camera.setCurrentImageFormat(nullptr, 320, 240, 1, 60));
@@ -77,14 +77,14 @@ TEST_F(CameraFormat, RefusesNegativePositionsWithoutAskingTheDevice)
     EXPECT_FALSE(camera.setCurrentImageFormat(0, -1, 0));
     EXPECT_FALSE(camera.setCurrentImageFormat(-1, 0, 0));
     EXPECT_FALSE(camera.setCurrentImageFormat(0, 0, -1));
-    EXPECT_EQ(0u, virtualCamera.countOf(Call::Ioctl));
+    EXPECT_EQ(virtualCamera.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(CameraFormat, RefusesPositionsThatAreTooLarge)
 {
     EXPECT_FALSE(camera.setCurrentImageFormat(2, 0, 0));
     EXPECT_FALSE(camera.setCurrentImageFormat(0, 2, 0));
-    EXPECT_EQ(0u, virtualCamera.countOf(Call::Ioctl));
+    EXPECT_EQ(virtualCamera.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(CameraFormat, LetsTheDeviceChooseForAnIntervalPositionThatIsTooLarge)
@@ -125,10 +125,10 @@ TEST_F(CameraFormat, StaysSafeWhenTheDeviceStopsAnsweringInBetween)
 {
     for (unsigned int answers = 1; answers <= 3; ++answers) {
         virtualCamera.failFrom(VIDIOC_G_FMT, ENODEV, answers);
-        EXPECT_NE(nullptr, camera.currentFrameSize());
+        EXPECT_NE(camera.currentFrameSize(), nullptr);
         virtualCamera.stopFailing();
         virtualCamera.failFrom(VIDIOC_G_FMT, ENODEV, answers);
-        EXPECT_NE(nullptr, camera.currentFrameInterval());
+        EXPECT_NE(camera.currentFrameInterval(), nullptr);
         virtualCamera.stopFailing();
     }
 }

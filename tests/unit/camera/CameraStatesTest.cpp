@@ -26,22 +26,22 @@ protected:
     void reachSetUp()
     {
         reachInitialised();
-        ASSERT_EQ(0, camera.setup(3));
+        ASSERT_EQ(camera.setup(3), 0);
     }
     void reachCapturing()
     {
         reachSetUp();
-        ASSERT_EQ(0, camera.startCapture());
+        ASSERT_EQ(camera.startCapture(), 0);
     }
     void reachStopped()
     {
         reachCapturing();
-        ASSERT_EQ(0, camera.stopCapture());
+        ASSERT_EQ(camera.stopCapture(), 0);
     }
     void reachCleanedUp()
     {
         reachStopped();
-        ASSERT_EQ(0, camera.cleanup());
+        ASSERT_EQ(camera.cleanup(), 0);
     }
     void TearDown() override
     {
@@ -52,9 +52,9 @@ protected:
     void expectControlsWork()
     {
         auto* const gain = dynamic_cast<ICameraControlNumeric<int>*>(camera.gainControl());
-        ASSERT_NE(nullptr, gain);
+        ASSERT_NE(gain, nullptr);
         EXPECT_TRUE(gain->setValue(7));
-        EXPECT_EQ(7, gain->value());
+        EXPECT_EQ(gain->value(), 7);
     }
 
     void expectNoFrame() { EXPECT_TRUE(camera.acquireFrame()->isInvalid()); }
@@ -75,20 +75,20 @@ protected:
 
 TEST_F(CameraStates, ConstructedKnowsItsRecordAndNothingElse)
 {
-    EXPECT_STREQ("/dev/video0", camera.device()->systemName());
-    EXPECT_EQ(0, camera.controlNumber());
-    EXPECT_EQ(0, camera.formatNumber());
+    EXPECT_STREQ(camera.device()->systemName(), "/dev/video0");
+    EXPECT_EQ(camera.controlNumber(), 0);
+    EXPECT_EQ(camera.formatNumber(), 0);
     EXPECT_EQ(IImageFormat::invalid(), camera.format(0));
     EXPECT_EQ(IImageFormat::invalid(), camera.currentImageFormat());
     EXPECT_FALSE(camera.setCurrentImageFormat(0, 0, 0));
     EXPECT_FALSE(camera.softwareReset());
-    EXPECT_EQ(-1, camera.setup(3));
-    EXPECT_EQ(-1, camera.startCapture());
+    EXPECT_EQ(camera.setup(3), -1);
+    EXPECT_EQ(camera.startCapture(), -1);
     expectNoFrame();
-    EXPECT_EQ(-1, camera.releaseFrame(nullptr));
-    EXPECT_EQ(-1, camera.stopCapture());
-    EXPECT_EQ(-1, camera.cleanup());
-    EXPECT_EQ(0u, virtualCamera.countOf(VirtualCamera::Call::Ioctl));
+    EXPECT_EQ(camera.releaseFrame(nullptr), -1);
+    EXPECT_EQ(camera.stopCapture(), -1);
+    EXPECT_EQ(camera.cleanup(), -1);
+    EXPECT_EQ(virtualCamera.countOf(VirtualCamera::Call::Ioctl), 0u);
 }
 
 TEST_F(CameraStates, InitialisedSelectsFormatsAndSetsControlsButDoesNotCapture)
@@ -96,13 +96,13 @@ TEST_F(CameraStates, InitialisedSelectsFormatsAndSetsControlsButDoesNotCapture)
     reachInitialised();
     expectControlsWork();
     EXPECT_TRUE(camera.setCurrentImageFormat(0, 1, 0));
-    EXPECT_EQ(32u, camera.currentFrameSize()->width());
-    EXPECT_EQ(-1, camera.startCapture());
+    EXPECT_EQ(camera.currentFrameSize()->width(), 32u);
+    EXPECT_EQ(camera.startCapture(), -1);
     expectNoFrame();
-    EXPECT_EQ(-1, camera.releaseFrame(nullptr));
-    EXPECT_EQ(0, camera.releaseFrame(IFrame::invalid()));
-    EXPECT_EQ(0, camera.cleanup());
-    EXPECT_EQ(0, camera.setup(3));
+    EXPECT_EQ(camera.releaseFrame(nullptr), -1);
+    EXPECT_EQ(camera.releaseFrame(IFrame::invalid()), 0);
+    EXPECT_EQ(camera.cleanup(), 0);
+    EXPECT_EQ(camera.setup(3), 0);
 }
 
 TEST_F(CameraStates, SetUpStartsButKeepsItsFormatAndHasNoFrames)
@@ -110,10 +110,10 @@ TEST_F(CameraStates, SetUpStartsButKeepsItsFormatAndHasNoFrames)
     reachSetUp();
     expectControlsWork();
     EXPECT_FALSE(camera.setCurrentImageFormat(0, 1, 0));
-    EXPECT_EQ(64u, camera.currentFrameSize()->width());
+    EXPECT_EQ(camera.currentFrameSize()->width(), 64u);
     expectNoFrame();
-    EXPECT_EQ(-1, camera.releaseFrame(nullptr));
-    EXPECT_EQ(0, camera.startCapture());
+    EXPECT_EQ(camera.releaseFrame(nullptr), -1);
+    EXPECT_EQ(camera.startCapture(), 0);
 }
 
 TEST_F(CameraStates, CapturingDeliversFramesAndKeepsItsFormat)
@@ -122,16 +122,16 @@ TEST_F(CameraStates, CapturingDeliversFramesAndKeepsItsFormat)
     expectControlsWork();
     IFrame* const frame = camera.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
-    EXPECT_EQ(0, camera.releaseFrame(frame));
-    EXPECT_EQ(-1, camera.releaseFrame(nullptr));
+    EXPECT_EQ(camera.releaseFrame(frame), 0);
+    EXPECT_EQ(camera.releaseFrame(nullptr), -1);
     EXPECT_FALSE(camera.setCurrentImageFormat(0, 1, 0));
-    EXPECT_EQ(64u, camera.currentFrameSize()->width());
-    EXPECT_EQ(-1, camera.startCapture()) << "the buffers are the driver's already";
-    EXPECT_EQ(-1, camera.setup(3));
+    EXPECT_EQ(camera.currentFrameSize()->width(), 64u);
+    EXPECT_EQ(camera.startCapture(), -1) << "the buffers are the driver's already";
+    EXPECT_EQ(camera.setup(3), -1);
     IFrame* const later = camera.acquireFrame();
     EXPECT_FALSE(later->isInvalid()) << "calls that failed changed nothing";
-    EXPECT_EQ(0, camera.releaseFrame(later));
-    EXPECT_EQ(0, camera.stopCapture());
+    EXPECT_EQ(camera.releaseFrame(later), 0);
+    EXPECT_EQ(camera.stopCapture(), 0);
 }
 
 TEST_F(CameraStates, StoppedTakesFramesBackButDeliversNoneUntilItIsSetUpAgain)
@@ -140,23 +140,23 @@ TEST_F(CameraStates, StoppedTakesFramesBackButDeliversNoneUntilItIsSetUpAgain)
     IFrame* const frame = camera.acquireFrame();
     ASSERT_FALSE(frame->isInvalid());
     unsigned char const* const bytes = frame->bytePtr();
-    ASSERT_EQ(0, camera.stopCapture());
+    ASSERT_EQ(camera.stopCapture(), 0);
     expectControlsWork();
-    EXPECT_EQ(bytes, frame->bytePtr()) << "a borrowed frame stays good until cleanup";
-    EXPECT_LT(0, bytes[0] + bytes[1]);
+    EXPECT_EQ(frame->bytePtr(), bytes) << "a borrowed frame stays good until cleanup";
+    EXPECT_GT(bytes[0] + bytes[1], 0);
     expectNoFrame();
-    EXPECT_EQ(0, camera.releaseFrame(frame));
+    EXPECT_EQ(camera.releaseFrame(frame), 0);
     EXPECT_FALSE(camera.setCurrentImageFormat(0, 1, 0));
-    EXPECT_EQ(0, camera.stopCapture()) << "stopping twice does no harm";
-    EXPECT_EQ(0, camera.cleanup());
+    EXPECT_EQ(camera.stopCapture(), 0) << "stopping twice does no harm";
+    EXPECT_EQ(camera.cleanup(), 0);
 }
 
 TEST_F(CameraStates, StoppedDoesNotDeliverWhenItIsStartedWithoutCleanup)
 {
     reachStopped();
-    EXPECT_EQ(0, camera.startCapture());
+    EXPECT_EQ(camera.startCapture(), 0);
     expectNoFrame();
-    EXPECT_EQ(0, camera.stopCapture());
+    EXPECT_EQ(camera.stopCapture(), 0);
 }
 
 TEST_F(CameraStates, StartedWithoutCleanupDeliversFramesThatAreAlreadyFilled)
@@ -177,21 +177,21 @@ TEST_F(CameraStates, StartedWithoutCleanupDeliversFramesThatAreAlreadyFilled)
 TEST_F(CameraStates, CleanedUpIsLikeInitialised)
 {
     reachCleanedUp();
-    EXPECT_EQ(0, virtualCamera.accounting().liveMappings);
-    EXPECT_EQ(0, virtualCamera.accounting().allocatedBuffers);
+    EXPECT_EQ(virtualCamera.accounting().liveMappings, 0);
+    EXPECT_EQ(virtualCamera.accounting().allocatedBuffers, 0);
     expectControlsWork();
     expectNoFrame();
-    EXPECT_EQ(-1, camera.releaseFrame(nullptr));
-    EXPECT_EQ(-1, camera.startCapture());
-    EXPECT_EQ(0, camera.cleanup());
+    EXPECT_EQ(camera.releaseFrame(nullptr), -1);
+    EXPECT_EQ(camera.startCapture(), -1);
+    EXPECT_EQ(camera.cleanup(), 0);
     EXPECT_TRUE(camera.setCurrentImageFormat(0, 1, 0));
-    EXPECT_EQ(0, camera.setup(2));
-    EXPECT_EQ(0, camera.startCapture());
+    EXPECT_EQ(camera.setup(2), 0);
+    EXPECT_EQ(camera.startCapture(), 0);
     IFrame* const frame = camera.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
-    EXPECT_EQ(32u * 24u * 2u, frame->size());
-    EXPECT_EQ(0, camera.releaseFrame(frame));
-    EXPECT_EQ(0, camera.stopCapture());
+    EXPECT_EQ(frame->size(), 32u * 24u * 2u);
+    EXPECT_EQ(camera.releaseFrame(frame), 0);
+    EXPECT_EQ(camera.stopCapture(), 0);
 }
 
 } // namespace

@@ -30,8 +30,8 @@ TEST(StopCapture, EndsAWaitOfAnotherThread)
 {
     auto const virtualCamera = smallCamera().withoutFrames().install();
     auto const camera = openedCamera();
-    ASSERT_EQ(0, camera->setup(3));
-    ASSERT_EQ(0, camera->startCapture());
+    ASSERT_EQ(camera->setup(3), 0);
+    ASSERT_EQ(camera->startCapture(), 0);
     bool invalid = false;
     double waited = 0;
     WatchedThread capture([&] {
@@ -41,12 +41,12 @@ TEST(StopCapture, EndsAWaitOfAnotherThread)
     });
     ASSERT_TRUE(capture.awaitSelect());
     Stopwatch const watch;
-    EXPECT_EQ(0, camera->stopCapture());
+    EXPECT_EQ(camera->stopCapture(), 0);
     capture.join();
     EXPECT_LT(watch.seconds(), 1);
     EXPECT_LT(waited, 1.9);
     EXPECT_TRUE(invalid);
-    EXPECT_EQ(0, camera->cleanup());
+    EXPECT_EQ(camera->cleanup(), 0);
     EXPECT_TRUE(virtualCamera.accounting().liveMappings == 0);
 }
 
@@ -55,8 +55,8 @@ TEST(StopCapture, EndsACaptureLoopOfAnotherThread)
     auto const virtualCamera = smallCamera().install();
     auto const camera = openedCamera();
     for (int round = 0; round < 20; ++round) {
-        ASSERT_EQ(0, camera->setup(3));
-        ASSERT_EQ(0, camera->startCapture());
+        ASSERT_EQ(camera->setup(3), 0);
+        ASSERT_EQ(camera->startCapture(), 0);
         std::atomic<int> frames{0};
         WatchedThread capture([&] {
             for (;;) {
@@ -72,11 +72,11 @@ TEST(StopCapture, EndsACaptureLoopOfAnotherThread)
         while (frames < 5) {
             std::this_thread::yield();
         }
-        EXPECT_EQ(0, camera->stopCapture());
+        EXPECT_EQ(camera->stopCapture(), 0);
         capture.join();
-        EXPECT_EQ(0, camera->cleanup());
-        EXPECT_EQ(0, virtualCamera.accounting().liveMappings);
-        EXPECT_EQ(0, virtualCamera.accounting().allocatedBuffers);
+        EXPECT_EQ(camera->cleanup(), 0);
+        EXPECT_EQ(virtualCamera.accounting().liveMappings, 0);
+        EXPECT_EQ(virtualCamera.accounting().allocatedBuffers, 0);
     }
 }
 
@@ -84,13 +84,13 @@ TEST(StopCapture, IsNotForgottenWhenItComesBeforeTheWait)
 {
     auto const virtualCamera = smallCamera().withoutFrames().install();
     auto const camera = openedCamera();
-    ASSERT_EQ(0, camera->setup(3));
-    ASSERT_EQ(0, camera->startCapture());
-    EXPECT_EQ(0, camera->stopCapture());
+    ASSERT_EQ(camera->setup(3), 0);
+    ASSERT_EQ(camera->startCapture(), 0);
+    EXPECT_EQ(camera->stopCapture(), 0);
     Stopwatch const watch;
     EXPECT_TRUE(camera->acquireFrame()->isInvalid());
     EXPECT_LT(watch.seconds(), 1);
-    EXPECT_EQ(0, camera->cleanup());
+    EXPECT_EQ(camera->cleanup(), 0);
 }
 
 TEST(StopCapture, LeavesOtherCamerasAlone)
@@ -107,15 +107,15 @@ TEST(StopCapture, LeavesOtherCamerasAlone)
     std::unique_ptr<IBlockingCamera> const second(
         ICameraFactory::getUniqueInstance().createBlockingCamera(&device));
     for (auto* const camera : {first.get(), second.get()}) {
-        ASSERT_EQ(0, camera->setup(3));
-        ASSERT_EQ(0, camera->startCapture());
+        ASSERT_EQ(camera->setup(3), 0);
+        ASSERT_EQ(camera->startCapture(), 0);
     }
     WatchedThread capture([&] { first->acquireFrame(); });
     ASSERT_TRUE(capture.awaitSelect());
-    EXPECT_EQ(0, first->stopCapture());
+    EXPECT_EQ(first->stopCapture(), 0);
     capture.join();
     EXPECT_FALSE(second->acquireFrame()->isInvalid());
-    EXPECT_EQ(0, second->stopCapture());
+    EXPECT_EQ(second->stopCapture(), 0);
     first->cleanup();
     second->cleanup();
 }

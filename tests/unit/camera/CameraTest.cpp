@@ -40,8 +40,8 @@ TEST(Camera, OpensNothingWhenItIsConstructed)
     auto const virtualCamera = smallCamera().install();
     DeviceStub const device;
     Camera const camera(&device);
-    EXPECT_EQ(-1, camera.fileDescriptor());
-    EXPECT_EQ(0u, virtualCamera.accounting().totalOpens);
+    EXPECT_EQ(camera.fileDescriptor(), -1);
+    EXPECT_EQ(virtualCamera.accounting().totalOpens, 0u);
 }
 
 TEST(Camera, OpensItsNodeForReadingAndWritingWithoutBlocking)
@@ -51,10 +51,10 @@ TEST(Camera, OpensItsNodeForReadingAndWritingWithoutBlocking)
     device.node = "/dev/video7";
     Camera camera(&device);
     EXPECT_TRUE(camera.init());
-    EXPECT_NE(-1, camera.fileDescriptor());
+    EXPECT_NE(camera.fileDescriptor(), -1);
     auto const opened = virtualCamera.calls(Call::Open);
-    ASSERT_EQ(1u, opened.size());
-    EXPECT_EQ(O_RDWR | O_NONBLOCK, opened.front().openFlags);
+    ASSERT_EQ(opened.size(), 1u);
+    EXPECT_EQ(opened.front().openFlags, O_RDWR | O_NONBLOCK);
 }
 
 TEST(Camera, ClosesItsNodeWithItself)
@@ -64,10 +64,10 @@ TEST(Camera, ClosesItsNodeWithItself)
     {
         Camera camera(&device);
         camera.init();
-        EXPECT_EQ(1, virtualCamera.accounting().openDescriptors);
+        EXPECT_EQ(virtualCamera.accounting().openDescriptors, 1);
     }
-    EXPECT_EQ(0, virtualCamera.accounting().openDescriptors);
-    EXPECT_EQ(2u, virtualCamera.countOf(Call::Close));
+    EXPECT_EQ(virtualCamera.accounting().openDescriptors, 0);
+    EXPECT_EQ(virtualCamera.countOf(Call::Close), 2u);
 }
 
 TEST(Camera, ClosesNothingWhenItWasNeverOpened)
@@ -77,7 +77,7 @@ TEST(Camera, ClosesNothingWhenItWasNeverOpened)
     {
         Camera const camera(&device);
     }
-    EXPECT_EQ(0u, virtualCamera.countOf(Call::Close));
+    EXPECT_EQ(virtualCamera.countOf(Call::Close), 0u);
 }
 
 TEST(Camera, KeepsItsOwnCopyOfTheRecord)
@@ -87,7 +87,7 @@ TEST(Camera, KeepsItsOwnCopyOfTheRecord)
     Camera const camera(device.get());
     ASSERT_NE(static_cast<IDevice const*>(device.get()), camera.device());
     device.reset();
-    EXPECT_STREQ("Original", camera.device()->name());
+    EXPECT_STREQ(camera.device()->name(), "Original");
 }
 
 TEST(Camera, FindsControlsThenFormatsThenTheWayToTransfer)
@@ -106,11 +106,11 @@ TEST(Camera, FindsControlsThenFormatsThenTheWayToTransfer)
     auto const first = [&order](CallId const& call) {
         return std::find(order.begin(), order.end(), call) - order.begin();
     };
-    EXPECT_EQ(0, first(Call::Open));
+    EXPECT_EQ(first(Call::Open), 0);
     EXPECT_LT(first(VIDIOC_QUERYCTRL), first(VIDIOC_ENUM_FMT));
     EXPECT_LT(first(VIDIOC_ENUM_FMT), first(VIDIOC_REQBUFS));
     EXPECT_LT(first(VIDIOC_REQBUFS), static_cast<std::ptrdiff_t>(order.size()));
-    EXPECT_EQ(0u, virtualCamera.countOf(UVCIOC_CTRL_MAP)) << "not one of the vendor's";
+    EXPECT_EQ(virtualCamera.countOf(UVCIOC_CTRL_MAP), 0u) << "not one of the vendor's";
 }
 
 TEST(Camera, InstallsTheVendorsControlsBeforeItListsControls)
@@ -120,7 +120,7 @@ TEST(Camera, InstallsTheVendorsControlsBeforeItListsControls)
     Camera camera(&device);
     ASSERT_TRUE(camera.init());
     auto const calls = virtualCamera.calls();
-    ASSERT_LT(1u, calls.size());
+    ASSERT_GT(calls.size(), 1u);
     EXPECT_EQ(CallId(UVCIOC_CTRL_MAP), calls[1].call);
     auto const lastMapping = std::find_if(calls.rbegin(), calls.rend(), [](auto const& record) {
         return record.call == CallId(UVCIOC_CTRL_MAP);
@@ -137,17 +137,17 @@ TEST(Camera, InitialisesEmptyWhenItsNodeHasVanished)
     device.node = absentNode;
     Camera camera(&device);
     EXPECT_TRUE(camera.init());
-    EXPECT_EQ(-1, camera.fileDescriptor());
-    EXPECT_EQ(0, camera.controlNumber());
-    EXPECT_EQ(0, camera.formatNumber());
+    EXPECT_EQ(camera.fileDescriptor(), -1);
+    EXPECT_EQ(camera.controlNumber(), 0);
+    EXPECT_EQ(camera.formatNumber(), 0);
     EXPECT_EQ(IImageFormat::invalid(), camera.format(0));
     ICameraControl* const invalid = camera.invalidControl();
-    ASSERT_NE(nullptr, invalid);
-    EXPECT_EQ(ICameraControl::Invalid, invalid->type());
-    EXPECT_EQ(invalid, camera.control(0));
-    EXPECT_EQ(invalid, camera.control("Brightness"));
-    EXPECT_EQ(invalid, camera.brightnessControl());
-    EXPECT_EQ(invalid, camera.lightModeControl());
+    ASSERT_NE(invalid, nullptr);
+    EXPECT_EQ(invalid->type(), ICameraControl::Invalid);
+    EXPECT_EQ(camera.control(0), invalid);
+    EXPECT_EQ(camera.control("Brightness"), invalid);
+    EXPECT_EQ(camera.brightnessControl(), invalid);
+    EXPECT_EQ(camera.lightModeControl(), invalid);
 }
 
 TEST(Camera, FailsItsCaptureCallsWhenItsNodeHasVanished)
@@ -158,15 +158,15 @@ TEST(Camera, FailsItsCaptureCallsWhenItsNodeHasVanished)
     {
         Camera camera(&device);
         ASSERT_TRUE(camera.init());
-        EXPECT_EQ(-1, camera.setup(4));
-        EXPECT_EQ(-1, camera.startCapture());
+        EXPECT_EQ(camera.setup(4), -1);
+        EXPECT_EQ(camera.startCapture(), -1);
         EXPECT_TRUE(camera.acquireFrame()->isInvalid());
-        EXPECT_EQ(-1, camera.stopCapture());
-        EXPECT_EQ(0, camera.cleanup());
+        EXPECT_EQ(camera.stopCapture(), -1);
+        EXPECT_EQ(camera.cleanup(), 0);
         EXPECT_FALSE(camera.setCurrentImageFormat(0, 0, 0));
         EXPECT_FALSE(camera.setCurrentImageFormat("YUYV", 640, 480, 1, 30));
     }
-    EXPECT_EQ(before, openDescriptors());
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST(Camera, InitialisesEmptyWhenItsNodeCannotBeOpened)
@@ -176,10 +176,10 @@ TEST(Camera, InitialisesEmptyWhenItsNodeCannotBeOpened)
         DeviceStub const device;
         Camera camera(&device);
         EXPECT_TRUE(camera.init());
-        EXPECT_EQ(0, camera.formatNumber());
-        EXPECT_EQ(-1, camera.setup(4));
-        EXPECT_EQ(1u, virtualCamera.countOf(Call::Open));
-        EXPECT_EQ(0u, virtualCamera.countOf(Call::Ioctl));
+        EXPECT_EQ(camera.formatNumber(), 0);
+        EXPECT_EQ(camera.setup(4), -1);
+        EXPECT_EQ(virtualCamera.countOf(Call::Open), 1u);
+        EXPECT_EQ(virtualCamera.countOf(Call::Ioctl), 0u);
     }
 }
 
@@ -192,8 +192,8 @@ TEST(Camera, SendsAResetOnlyToTheVendorsCameras)
     int const before = openDescriptors();
     unsigned const calls = virtualCamera.countOf(Call::Ioctl);
     EXPECT_FALSE(camera.softwareReset());
-    EXPECT_EQ(calls, virtualCamera.countOf(Call::Ioctl));
-    EXPECT_EQ(before, openDescriptors());
+    EXPECT_EQ(virtualCamera.countOf(Call::Ioctl), calls);
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 /// A camera whose steps are recorded and may be made to fail.
@@ -220,9 +220,9 @@ TEST(Camera, FailsToInitialiseWhenASubclassCannotBuildItsControls)
     ObservedCamera camera(&device);
     camera.controlsSucceed = false;
     EXPECT_FALSE(camera.init());
-    EXPECT_EQ(1, camera.formatNumber()) << "the other steps are taken all the same";
-    EXPECT_NE(nullptr, camera.invalidControl());
-    EXPECT_NE(nullptr, camera.inputMethod());
+    EXPECT_EQ(camera.formatNumber(), 1) << "the other steps are taken all the same";
+    EXPECT_NE(camera.invalidControl(), nullptr);
+    EXPECT_NE(camera.inputMethod(), nullptr);
 }
 
 TEST(Camera, BuildsNoControlsWhenItsNodeCannotBeOpened)
@@ -232,7 +232,7 @@ TEST(Camera, BuildsNoControlsWhenItsNodeCannotBeOpened)
     ObservedCamera camera(&device);
     camera.controlsSucceed = false;
     EXPECT_TRUE(camera.init());
-    EXPECT_EQ("", camera.steps);
+    EXPECT_EQ(camera.steps, "");
 }
 
 } // namespace

@@ -43,28 +43,28 @@ CameraBuilder offering(bool mapping, bool userPointers)
 
 TEST(CameraTransfer, PrefersMemoryMappingToUserPointersToRead)
 {
-    EXPECT_EQ(InputMethod::MemoryMapping, chosen(offering(true, true), true, true));
-    EXPECT_EQ(InputMethod::MemoryMapping, chosen(offering(true, false), true, true));
-    EXPECT_EQ(InputMethod::UserPointers, chosen(offering(false, true), true, true));
-    EXPECT_EQ(InputMethod::Read, chosen(offering(false, false), true, true));
+    EXPECT_EQ(chosen(offering(true, true), true, true), InputMethod::MemoryMapping);
+    EXPECT_EQ(chosen(offering(true, false), true, true), InputMethod::MemoryMapping);
+    EXPECT_EQ(chosen(offering(false, true), true, true), InputMethod::UserPointers);
+    EXPECT_EQ(chosen(offering(false, false), true, true), InputMethod::Read);
 }
 
 TEST(CameraTransfer, DoesNotStreamFromADeviceThatDoesNotSayThatItCan)
 {
-    EXPECT_EQ(InputMethod::Read, chosen(offering(true, true), false, true));
-    EXPECT_EQ(std::nullopt, chosen(offering(true, true), false, false));
+    EXPECT_EQ(chosen(offering(true, true), false, true), InputMethod::Read);
+    EXPECT_EQ(chosen(offering(true, true), false, false), std::nullopt);
 }
 
 TEST(CameraTransfer, HasNoWayWhenTheDeviceOffersNone)
 {
-    EXPECT_EQ(std::nullopt, chosen(offering(false, false), true, false));
-    EXPECT_EQ(std::nullopt, chosen(offering(false, false), false, false));
+    EXPECT_EQ(chosen(offering(false, false), true, false), std::nullopt);
+    EXPECT_EQ(chosen(offering(false, false), false, false), std::nullopt);
 }
 
 TEST(CameraTransfer, CountsABusyDeviceAsSupportingMemoryMapping)
 {
-    EXPECT_EQ(InputMethod::MemoryMapping,
-              chosen(offering(false, true).failing(VIDIOC_REQBUFS, EBUSY), true, true));
+    EXPECT_EQ(chosen(offering(false, true).failing(VIDIOC_REQBUFS, EBUSY), true, true),
+              InputMethod::MemoryMapping);
 }
 
 TEST(CameraTransfer, AsksTheDriverWhatItSupports)
@@ -85,14 +85,14 @@ TEST(CameraTransfer, FailsEveryCallWithoutAWay)
     Camera camera(&device);
     ASSERT_TRUE(camera.init());
     unsigned const before = virtualCamera.countOf(Call::Ioctl);
-    EXPECT_EQ(-1, camera.setup(4));
-    EXPECT_EQ(-1, camera.startCapture());
+    EXPECT_EQ(camera.setup(4), -1);
+    EXPECT_EQ(camera.startCapture(), -1);
     EXPECT_EQ(IFrame::invalid(), camera.acquireFrame());
-    EXPECT_EQ(-1, camera.releaseFrame(IFrame::invalid()));
-    EXPECT_EQ(-1, camera.releaseFrame(nullptr));
-    EXPECT_EQ(-1, camera.stopCapture());
-    EXPECT_EQ(-1, camera.cleanup());
-    EXPECT_EQ(before, virtualCamera.countOf(Call::Ioctl));
+    EXPECT_EQ(camera.releaseFrame(IFrame::invalid()), -1);
+    EXPECT_EQ(camera.releaseFrame(nullptr), -1);
+    EXPECT_EQ(camera.stopCapture(), -1);
+    EXPECT_EQ(camera.cleanup(), -1);
+    EXPECT_EQ(virtualCamera.countOf(Call::Ioctl), before);
 }
 
 TEST(CameraTransfer, CapturesThroughMappedBuffers)
@@ -101,20 +101,20 @@ TEST(CameraTransfer, CapturesThroughMappedBuffers)
     DeviceStub const device;
     Camera camera(&device);
     ASSERT_TRUE(camera.init());
-    ASSERT_EQ(0, camera.setup(3));
-    EXPECT_EQ(3, virtualCamera.accounting().liveMappings);
-    ASSERT_EQ(0, camera.startCapture());
+    ASSERT_EQ(camera.setup(3), 0);
+    EXPECT_EQ(virtualCamera.accounting().liveMappings, 3);
+    ASSERT_EQ(camera.startCapture(), 0);
     for (unsigned int number = 0; number < 20; ++number) {
         IFrame* const frame = camera.acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
-        EXPECT_EQ(number, frame->counter());
-        EXPECT_EQ(smallImageSize, frame->size());
-        EXPECT_EQ(0, camera.releaseFrame(frame));
+        EXPECT_EQ(frame->counter(), number);
+        EXPECT_EQ(frame->size(), smallImageSize);
+        EXPECT_EQ(camera.releaseFrame(frame), 0);
     }
-    EXPECT_EQ(0, camera.stopCapture());
-    EXPECT_EQ(0, camera.cleanup());
-    EXPECT_EQ(0, virtualCamera.accounting().liveMappings);
-    EXPECT_EQ(0, virtualCamera.accounting().allocatedBuffers);
+    EXPECT_EQ(camera.stopCapture(), 0);
+    EXPECT_EQ(camera.cleanup(), 0);
+    EXPECT_EQ(virtualCamera.accounting().liveMappings, 0);
+    EXPECT_EQ(virtualCamera.accounting().allocatedBuffers, 0);
 }
 
 TEST(CameraTransfer, SizesItsOwnBuffersForTheFormatThatIsSetNow)
@@ -136,15 +136,15 @@ TEST(CameraTransfer, SizesItsOwnBuffersForTheFormatThatIsSetNow)
         ASSERT_TRUE(camera.setCurrentImageFormat(0, 1, 0));
         {
             DescriptorLimit const none;
-            ASSERT_EQ(0, camera.setup(2));
+            ASSERT_EQ(camera.setup(2), 0);
         }
-        ASSERT_EQ(0, camera.startCapture());
+        ASSERT_EQ(camera.startCapture(), 0);
         IFrame* const frame = camera.acquireFrame();
         EXPECT_FALSE(frame->isInvalid());
-        EXPECT_EQ(32u * 24u * 2u, frame->allocSize());
-        EXPECT_EQ(0, camera.releaseFrame(frame));
-        EXPECT_EQ(0, camera.stopCapture());
-        EXPECT_EQ(0, camera.cleanup());
+        EXPECT_EQ(frame->allocSize(), 32u * 24u * 2u);
+        EXPECT_EQ(camera.releaseFrame(frame), 0);
+        EXPECT_EQ(camera.stopCapture(), 0);
+        EXPECT_EQ(camera.cleanup(), 0);
     }
 }
 
@@ -174,9 +174,9 @@ TEST(CameraTransfer, FailsToSetUpReadAndUserPointersWhereAPipeCanBeMade)
         DeviceStub const device;
         Camera camera(&device);
         ASSERT_TRUE(camera.init());
-        EXPECT_EQ(-1, camera.setup(2));
+        EXPECT_EQ(camera.setup(2), -1);
         EXPECT_TRUE(camera.acquireFrame()->isInvalid());
-        EXPECT_EQ(0, camera.cleanup());
+        EXPECT_EQ(camera.cleanup(), 0);
     }
 }
 

@@ -39,12 +39,12 @@ TEST_F(SoftwareReset, SendsTheVendorsRequest)
     auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
     EXPECT_TRUE(camera.softwareReset());
     auto const requests = usb.requests();
-    ASSERT_EQ(1u, requests.size());
-    EXPECT_EQ(0xC0, requests[0].requestType);
-    EXPECT_EQ(0xE0, requests[0].request);
-    EXPECT_EQ(0, requests[0].value);
-    EXPECT_EQ(0, requests[0].index);
-    EXPECT_EQ(16, requests[0].length);
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].requestType, 0xC0);
+    EXPECT_EQ(requests[0].request, 0xE0);
+    EXPECT_EQ(requests[0].value, 0);
+    EXPECT_EQ(requests[0].index, 0);
+    EXPECT_EQ(requests[0].length, 16);
 }
 
 TEST_F(SoftwareReset, DoesNotNeedTheVideoNode)
@@ -52,14 +52,14 @@ TEST_F(SoftwareReset, DoesNotNeedTheVideoNode)
     auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
     auto const& node = machine.add(0, usb);
     EXPECT_TRUE(camera.softwareReset());
-    EXPECT_EQ(0u, node.accounting().totalOpens);
+    EXPECT_EQ(node.accounting().totalOpens, 0u);
 }
 
 TEST_F(SoftwareReset, CountsAsSentWhateverTheCameraAnswers)
 {
     auto const usb = machine.plug(vendorUsbDevice().stallingFirmwareRequests());
     EXPECT_TRUE(camera.softwareReset());
-    EXPECT_EQ(1, usb.resetRequests());
+    EXPECT_EQ(usb.resetRequests(), 1);
 }
 
 TEST_F(SoftwareReset, SendsNothingToOtherCameras)
@@ -122,7 +122,7 @@ TEST_F(SoftwareReset, ThrowsForMalformedIdsAndReleasesLibusb)
     EXPECT_THROW(mistaken.softwareReset(), std::invalid_argument);
     mistaken.mistaken.vendor = "fffffffffffffffff";
     EXPECT_THROW(mistaken.softwareReset(), std::out_of_range);
-    EXPECT_EQ(before, openDescriptors());
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 } // namespace

@@ -76,11 +76,11 @@ TEST_F(CameraControlFactoryTest, EachDriverTypeBecomesItsTypedControl)
 {
     for (Row const& row : table) {
         std::unique_ptr<ICameraControl> const control = create(recordOf(row.driverType));
-        ASSERT_NE(nullptr, control) << row.driverType;
-        EXPECT_EQ(row.type, control->type()) << row.driverType;
-        EXPECT_STREQ(row.text, control->typeString());
+        ASSERT_NE(control, nullptr) << row.driverType;
+        EXPECT_EQ(control->type(), row.type) << row.driverType;
+        EXPECT_STREQ(control->typeString(), row.text);
         for (Row const& other : table) {
-            EXPECT_EQ(other.type == row.type, other.offersItsInterface(control.get()))
+            EXPECT_EQ(other.offersItsInterface(control.get()), other.type == row.type)
                 << row.text << " as " << other.text;
         }
     }
@@ -97,9 +97,9 @@ TEST_F(CameraControlFactoryTest, MenusAlsoOfferWhatTheyHaveInCommon)
 TEST_F(CameraControlFactoryTest, ClassHeadingsAndUnknownTypesBecomeNothing)
 {
     for (unsigned int const type : {6u, 0u, 10u, 0xFFu, 0x0103u, 0x0104u, 0x0106u, 0xFFFFFFFFu}) {
-        EXPECT_EQ(nullptr, create(recordOf(type))) << type;
+        EXPECT_EQ(create(recordOf(type)), nullptr) << type;
     }
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(CameraControlFactoryTest, UnknownTypesAreNotWarnedOf)
@@ -108,7 +108,7 @@ TEST_F(CameraControlFactoryTest, UnknownTypesAreNotWarnedOf)
     v4l2_queryctrl heading = recordOf(V4L2_CTRL_TYPE_CTRL_CLASS);
     heading.id = V4L2_CID_USER_CLASS;
     create(heading);
-    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(CameraControlFactoryTest, ControlTakesIdNameFlagsAndFamilyFromTheRecord)
@@ -116,12 +116,12 @@ TEST_F(CameraControlFactoryTest, ControlTakesIdNameFlagsAndFamilyFromTheRecord)
     v4l2_queryctrl record = recordOf(V4L2_CTRL_TYPE_INTEGER, "Gain, Analogue");
     record.flags = V4L2_CTRL_FLAG_SLIDER | V4L2_CTRL_FLAG_VOLATILE;
     std::unique_ptr<ICameraControl> const control = create(record);
-    EXPECT_EQ(0x00980913u, control->id());
-    EXPECT_STREQ("Gain, Analogue", control->name());
+    EXPECT_EQ(control->id(), 0x00980913u);
+    EXPECT_STREQ(control->name(), "Gain, Analogue");
     EXPECT_TRUE(control->bestAsSlider());
     EXPECT_TRUE(control->isVolatile());
     EXPECT_FALSE(control->isReadOnly());
-    EXPECT_EQ(ICameraControl::Advanced, control->family());
+    EXPECT_EQ(control->family(), ICameraControl::Advanced);
 }
 
 TEST_F(CameraControlFactoryTest, NameThatFillsItsFieldIsNotReadPastIt)
@@ -129,25 +129,25 @@ TEST_F(CameraControlFactoryTest, NameThatFillsItsFieldIsNotReadPastIt)
     v4l2_queryctrl record = recordOf(V4L2_CTRL_TYPE_INTEGER);
     std::memset(record.name, 'n', sizeof record.name);
     record.minimum = 0x41414141; // What follows the name in the record.
-    EXPECT_EQ(std::string(32, 'n'), create(record)->name());
+    EXPECT_EQ(create(record)->name(), std::string(32, 'n'));
 }
 
 TEST_F(CameraControlFactoryTest, ControlIsInitialisedOnce)
 {
     std::unique_ptr<ICameraControl> const menu = create(recordOf(V4L2_CTRL_TYPE_MENU));
-    EXPECT_EQ(3u, opened.node.countOf(VIDIOC_QUERYMENU));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_QUERYMENU), 3u);
 }
 
 TEST_F(CameraControlFactoryTest, InvalidControlIsRecognisable)
 {
     std::unique_ptr<ICameraControl> const control(
         CameraControlFactory::createInvalidControl(opened.camera));
-    EXPECT_EQ(0xFFFFFFFFu, control->id());
-    EXPECT_STREQ("Invalid control", control->name());
-    EXPECT_EQ(ICameraControl::Invalid, control->type());
-    EXPECT_STREQ("UnknownType", control->typeString());
-    EXPECT_EQ(ICameraControl::Unknown, control->family());
-    EXPECT_STREQ("Unknown", control->familyString());
+    EXPECT_EQ(control->id(), 0xFFFFFFFFu);
+    EXPECT_STREQ(control->name(), "Invalid control");
+    EXPECT_EQ(control->type(), ICameraControl::Invalid);
+    EXPECT_STREQ(control->typeString(), "UnknownType");
+    EXPECT_EQ(control->family(), ICameraControl::Unknown);
+    EXPECT_STREQ(control->familyString(), "Unknown");
     EXPECT_FALSE(control->isDisabled());
     EXPECT_FALSE(control->isGrabbed());
     EXPECT_FALSE(control->isReadOnly());
@@ -174,6 +174,6 @@ TEST_F(CameraControlFactoryTest, InvalidControlIsMadeInSilence)
     testing::internal::CaptureStderr();
     std::unique_ptr<ICameraControl> const control(
         CameraControlFactory::createInvalidControl(opened.camera));
-    EXPECT_EQ("", testing::internal::GetCapturedStderr());
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }

@@ -24,9 +24,9 @@ ControlScript integer(std::int64_t lowest, std::int64_t highest, std::int64_t st
 template <typename T>
 void expectRange(ICameraControlNumeric<T> const& control, T minimum, T maximum, T step)
 {
-    EXPECT_EQ(minimum, control.minimum());
-    EXPECT_EQ(maximum, control.maximum());
-    EXPECT_EQ(step, control.step());
+    EXPECT_EQ(control.minimum(), minimum);
+    EXPECT_EQ(control.maximum(), maximum);
+    EXPECT_EQ(control.step(), step);
 }
 
 /// A control of its own, initialised with a driver's record.
@@ -93,10 +93,10 @@ TEST(CameraControlNumericTest, RangeOfOneValueHasStepZeroAndSendsIt)
     auto& control = opened.as<ICameraControlNumeric<int>>(id);
     expectRange(control, 5, 5, 0);
     EXPECT_TRUE(control.setValue(5));
-    EXPECT_EQ(5, opened.node.lastControlValueSent(id));
+    EXPECT_EQ(opened.node.lastControlValueSent(id), 5);
     EXPECT_FALSE(control.setValue(4));
     EXPECT_FALSE(control.setValue(6));
-    EXPECT_EQ(1u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 1u);
 }
 
 TEST(CameraControlNumericTest, NegativeOrZeroStepIsSmallerThanAnyWidthAndStays)
@@ -129,7 +129,7 @@ TEST(CameraControlNumericTest, WidestRangeIsSettableFromEndToEnd)
     auto& control = opened.as<ICameraControlNumeric<int>>(id);
     for (int const value : {INT_MIN, -1, 0, INT_MAX}) {
         EXPECT_TRUE(control.setValue(value));
-        EXPECT_EQ(value, control.value());
+        EXPECT_EQ(control.value(), value);
     }
 }
 
@@ -137,7 +137,7 @@ TEST(CameraControlNumericTest, ValuesBetweenStepsAreSentAsTheyAre)
 {
     CameraWithControls const opened({integer(0, 100, 10)});
     EXPECT_TRUE(opened.as<ICameraControlNumeric<int>>(id).setValue(15));
-    EXPECT_EQ(15, opened.node.lastControlValueSent(id));
+    EXPECT_EQ(opened.node.lastControlValueSent(id), 15);
 }
 
 TEST(CameraControlNumericTest, ValuesOutsideTheRangeAreNotSent)
@@ -147,10 +147,10 @@ TEST(CameraControlNumericTest, ValuesOutsideTheRangeAreNotSent)
     for (int const value : {101, -1, INT_MAX, INT_MIN}) {
         EXPECT_FALSE(control.setValue(value)) << value;
     }
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
     EXPECT_TRUE(control.setValue(0));
     EXPECT_TRUE(control.setValue(100));
-    EXPECT_EQ(2u, opened.node.countOf(VIDIOC_S_CTRL));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 2u);
 }
 
 TEST(CameraControlNumericTest, RangeIsNotAskedForAgain)
@@ -160,7 +160,7 @@ TEST(CameraControlNumericTest, RangeIsNotAskedForAgain)
     control.setValue(1);
     control.updateState();
     expectRange(control, 0, 100, 1);
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_QUERYCTRL)); // Of updateState(), for the flags.
+    EXPECT_EQ(opened.node.countOf(VIDIOC_QUERYCTRL), 1u); // Of updateState(), for the flags.
 }
 
 TEST(CameraControlNumericTest, WriteOnlyReadsZeroWithoutAsking)
@@ -169,9 +169,9 @@ TEST(CameraControlNumericTest, WriteOnlyReadsZeroWithoutAsking)
         integer(0, 100).byDefault(50).withFlags(V4L2_CTRL_FLAG_WRITE_ONLY),
         unsigned16Control(V4L2_CID_GAIN, "Gain").byDefault(9).withFlags(V4L2_CTRL_FLAG_WRITE_ONLY),
     });
-    EXPECT_EQ(0, opened.as<ICameraControlNumeric<int>>(id).value());
-    EXPECT_EQ(0, opened.as<ICameraControlNumeric<unsigned short>>(V4L2_CID_GAIN).value());
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.as<ICameraControlNumeric<int>>(id).value(), 0);
+    EXPECT_EQ(opened.as<ICameraControlNumeric<unsigned short>>(V4L2_CID_GAIN).value(), 0);
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST(CameraControlNumericTest, FailuresAreZeroAndFalse)
@@ -180,10 +180,10 @@ TEST(CameraControlNumericTest, FailuresAreZeroAndFalse)
         integer(0, 9).byDefault(5).refusingReads(EIO).refusingWrites(EIO),
         unsigned8Control(V4L2_CID_GAIN, "Gain").byDefault(5).refusingReads(EIO).refusingWrites(EIO),
     });
-    EXPECT_EQ(0, opened.as<ICameraControlNumeric<int>>(id).value());
+    EXPECT_EQ(opened.as<ICameraControlNumeric<int>>(id).value(), 0);
     EXPECT_FALSE(opened.as<ICameraControlNumeric<int>>(id).setValue(1));
     auto& gain = opened.as<ICameraControlNumeric<unsigned char>>(V4L2_CID_GAIN);
-    EXPECT_EQ(0, gain.value());
+    EXPECT_EQ(gain.value(), 0);
     EXPECT_FALSE(gain.setValue(1));
 }
 
@@ -191,11 +191,11 @@ TEST(CameraControlNumericTest, ThirtyTwoBitControlTravelsPlainly)
 {
     CameraWithControls const opened({integer(-100, 100).byDefault(-7)});
     auto& control = opened.as<ICameraControlNumeric<int>>(id);
-    EXPECT_EQ(-7, control.value());
+    EXPECT_EQ(control.value(), -7);
     EXPECT_TRUE(control.setValue(-8));
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_G_CTRL));
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_S_CTRL));
-    EXPECT_EQ(2u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_G_CTRL), 1u);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 1u);
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 2u);
 }
 
 TEST(CameraControlNumericTest, RangesAreCutToTheWidthOfTheirType)
@@ -220,9 +220,9 @@ TEST(CameraControlNumericTest, UnsignedRangesAreComparedUnsigned)
 
 TEST(CameraControlNumericTest, EachInstantiationReportsItsOwnType)
 {
-    EXPECT_EQ(ICameraControl::Int32, Initialised<int>(0, 1, 1).control.type());
-    EXPECT_EQ(ICameraControl::Int64, Initialised<long long>(0, 1, 1).control.type());
-    EXPECT_EQ(ICameraControl::UInt8, Initialised<unsigned char>(0, 1, 1).control.type());
-    EXPECT_EQ(ICameraControl::UInt16, Initialised<unsigned short>(0, 1, 1).control.type());
-    EXPECT_EQ(ICameraControl::UInt32, Initialised<unsigned int>(0, 1, 1).control.type());
+    EXPECT_EQ(Initialised<int>(0, 1, 1).control.type(), ICameraControl::Int32);
+    EXPECT_EQ(Initialised<long long>(0, 1, 1).control.type(), ICameraControl::Int64);
+    EXPECT_EQ(Initialised<unsigned char>(0, 1, 1).control.type(), ICameraControl::UInt8);
+    EXPECT_EQ(Initialised<unsigned short>(0, 1, 1).control.type(), ICameraControl::UInt16);
+    EXPECT_EQ(Initialised<unsigned int>(0, 1, 1).control.type(), ICameraControl::UInt32);
 }

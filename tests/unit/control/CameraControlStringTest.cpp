@@ -34,37 +34,37 @@ protected:
 
 TEST_F(CameraControlStringTest, LengthsAreTheDriversEvenInTheWrongOrder)
 {
-    EXPECT_EQ(0, control().minLength());
-    EXPECT_EQ(31, control().maxLength());
+    EXPECT_EQ(control().minLength(), 0);
+    EXPECT_EQ(control().maxLength(), 31);
     CameraWithControls const odd(aCamera("/dev/video1").withControl(text().range(8, 4, 3)));
-    EXPECT_EQ(8, odd.as<ICameraControlString>(id).minLength());
-    EXPECT_EQ(4, odd.as<ICameraControlString>(id).maxLength());
-    EXPECT_EQ(3, dynamic_cast<CameraControlString&>(odd.control(id)).step());
+    EXPECT_EQ(odd.as<ICameraControlString>(id).minLength(), 8);
+    EXPECT_EQ(odd.as<ICameraControlString>(id).maxLength(), 4);
+    EXPECT_EQ(dynamic_cast<CameraControlString&>(odd.control(id)).step(), 3);
 }
 
 TEST_F(CameraControlStringTest, SizeIsWhatTheDriverNames)
 {
-    EXPECT_EQ(4u, control().stringSize());
+    EXPECT_EQ(control().stringSize(), 4u);
     CallRecord const call = opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), call.call);
-    EXPECT_EQ(ENOSPC, call.error);
-    EXPECT_EQ(0x00980000u, call.controlClass);
-    ASSERT_EQ(1u, call.controls.size());
+    EXPECT_EQ(call.error, ENOSPC);
+    EXPECT_EQ(call.controlClass, 0x00980000u);
+    ASSERT_EQ(call.controls.size(), 1u);
     EXPECT_EQ(id, call.controls[0].id);
-    EXPECT_EQ(0u, call.controls[0].size);
-    EXPECT_EQ(0, call.controls[0].value); // A buffer of nothing, at address nothing.
+    EXPECT_EQ(call.controls[0].size, 0u);
+    EXPECT_EQ(call.controls[0].value, 0); // A buffer of nothing, at address nothing.
 }
 
 TEST_F(CameraControlStringTest, KernelNamesTheSizeOfTheLongestText)
 {
     CameraWithControls const kernel(aCamera("/dev/video1").withControl(text()));
-    EXPECT_EQ(32u, kernel.as<ICameraControlString>(id).stringSize());
+    EXPECT_EQ(kernel.as<ICameraControlString>(id).stringSize(), 32u);
 }
 
 TEST_F(CameraControlStringTest, SizeIsZeroWhenTheDriverNamesNone)
 {
     opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
-    EXPECT_EQ(0u, control().stringSize());
+    EXPECT_EQ(control().stringSize(), 0u);
 }
 
 TEST_F(CameraControlStringTest, ReadsIntoABufferOfTheNamedSize)
@@ -72,13 +72,13 @@ TEST_F(CameraControlStringTest, ReadsIntoABufferOfTheNamedSize)
     char buffer[8];
     std::memset(buffer, '#', sizeof buffer);
     EXPECT_TRUE(control().getValue(buffer, 4));
-    EXPECT_STREQ("abc", buffer);
-    EXPECT_EQ('#', buffer[4]);
+    EXPECT_STREQ(buffer, "abc");
+    EXPECT_EQ(buffer[4], '#');
     CallRecord const call = opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), call.call);
-    EXPECT_EQ(0x00980000u, call.controlClass);
-    ASSERT_EQ(1u, call.controls.size());
-    EXPECT_EQ(4u, call.controls[0].size);
+    EXPECT_EQ(call.controlClass, 0x00980000u);
+    ASSERT_EQ(call.controls.size(), 1u);
+    EXPECT_EQ(call.controls[0].size, 4u);
 }
 
 TEST_F(CameraControlStringTest, BufferThatIsTooSmallIsRefused)
@@ -96,7 +96,7 @@ TEST_F(CameraControlStringTest, NegativeSizeAndNullBufferAreRefusedWithoutAsking
     EXPECT_FALSE(control().getValue(buffer, INT_MIN));
     EXPECT_FALSE(control().getValue(nullptr, 8));
     EXPECT_FALSE(control().getValue(nullptr, 0));
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(CameraControlStringTest, WriteOnlyIsRefusedWithoutAsking)
@@ -105,7 +105,7 @@ TEST_F(CameraControlStringTest, WriteOnlyIsRefusedWithoutAsking)
         aCamera("/dev/video1").withControl(text().withFlags(V4L2_CTRL_FLAG_WRITE_ONLY)));
     char buffer[32];
     EXPECT_FALSE(silent.as<ICameraControlString>(id).getValue(buffer, 32));
-    EXPECT_EQ(0u, silent.node.countOf(Call::Ioctl));
+    EXPECT_EQ(silent.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(CameraControlStringTest, WritesTheTextAndItsZeroWithoutNamingAClass)
@@ -113,19 +113,19 @@ TEST_F(CameraControlStringTest, WritesTheTextAndItsZeroWithoutNamingAClass)
     EXPECT_TRUE(control().setValue("hello"));
     CallRecord const call = opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_S_EXT_CTRLS), call.call);
-    EXPECT_EQ(0u, call.controlClass);
-    ASSERT_EQ(1u, call.controls.size());
+    EXPECT_EQ(call.controlClass, 0u);
+    ASSERT_EQ(call.controls.size(), 1u);
     EXPECT_EQ(id, call.controls[0].id);
-    EXPECT_EQ(6u, call.controls[0].size);
-    EXPECT_EQ("hello", call.controls[0].text);
-    EXPECT_EQ("hello", opened.node.controlText(id));
+    EXPECT_EQ(call.controls[0].size, 6u);
+    EXPECT_EQ(call.controls[0].text, "hello");
+    EXPECT_EQ(opened.node.controlText(id), "hello");
 }
 
 TEST_F(CameraControlStringTest, EmptyTextIsSentAsItsZero)
 {
     EXPECT_TRUE(control().setValue(""));
-    EXPECT_EQ(1u, opened.onlyCall().controls.at(0).size);
-    EXPECT_EQ("", opened.node.controlText(id));
+    EXPECT_EQ(opened.onlyCall().controls.at(0).size, 1u);
+    EXPECT_EQ(opened.node.controlText(id), "");
 }
 
 TEST_F(CameraControlStringTest, TextThatIsTooLongIsSentAndRefused)
@@ -133,23 +133,23 @@ TEST_F(CameraControlStringTest, TextThatIsTooLongIsSentAndRefused)
     std::string const longText(40, 'x');
     EXPECT_FALSE(control().setValue(longText.c_str()));
     CallRecord const call = opened.onlyCall();
-    EXPECT_EQ(ERANGE, call.error);
-    EXPECT_EQ(41u, call.controls.at(0).size);
-    EXPECT_EQ(longText, call.controls.at(0).text);
-    EXPECT_EQ("abc", opened.node.controlText(id));
+    EXPECT_EQ(call.error, ERANGE);
+    EXPECT_EQ(call.controls.at(0).size, 41u);
+    EXPECT_EQ(call.controls.at(0).text, longText);
+    EXPECT_EQ(opened.node.controlText(id), "abc");
 }
 
 TEST_F(CameraControlStringTest, TextThatIsTooShortIsSentAndRefused)
 {
     CameraWithControls const strict(aCamera("/dev/video1").withControl(text().range(2, 4)));
     EXPECT_FALSE(strict.as<ICameraControlString>(id).setValue("x"));
-    EXPECT_EQ(1u, strict.node.countOf(VIDIOC_S_EXT_CTRLS));
+    EXPECT_EQ(strict.node.countOf(VIDIOC_S_EXT_CTRLS), 1u);
 }
 
 TEST_F(CameraControlStringTest, NullTextIsRefusedWithoutAsking)
 {
     EXPECT_FALSE(control().setValue(nullptr));
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(CameraControlStringTest, ClientsTextIsNotTouchedByTheDriver)
@@ -169,7 +169,7 @@ TEST_F(CameraControlStringTest, RefusedTransfersAreFalseAndSilent)
     testing::internal::CaptureStderr();
     EXPECT_FALSE(control().setValue("x"));
     EXPECT_FALSE(control().getValue(buffer, 32));
-    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(CameraControlStringTest, PresentTextIsAlwaysTheDrivers)
@@ -177,9 +177,9 @@ TEST_F(CameraControlStringTest, PresentTextIsAlwaysTheDrivers)
     char buffer[32];
     opened.node.setControlText(id, "one");
     EXPECT_TRUE(control().getValue(buffer, 32));
-    EXPECT_STREQ("one", buffer);
+    EXPECT_STREQ(buffer, "one");
     opened.node.setControlText(id, "another");
-    EXPECT_EQ(8u, control().stringSize());
+    EXPECT_EQ(control().stringSize(), 8u);
     EXPECT_TRUE(control().getValue(buffer, 32));
-    EXPECT_STREQ("another", buffer);
+    EXPECT_STREQ(buffer, "another");
 }

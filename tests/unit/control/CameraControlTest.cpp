@@ -70,10 +70,10 @@ TEST_F(CameraControlTest, KeepsWhatItWasBuiltWith)
     std::string name = "Sharpness, or so";
     CameraControl const control(ICameraControl::Boolean, opened.camera, 0x0098091B, name.c_str());
     name.clear();
-    EXPECT_EQ(0x0098091Bu, control.id());
-    EXPECT_EQ(ICameraControl::Boolean, control.type());
-    EXPECT_STREQ("Sharpness, or so", control.name());
-    EXPECT_STREQ("Boolean", control.typeString());
+    EXPECT_EQ(control.id(), 0x0098091Bu);
+    EXPECT_EQ(control.type(), ICameraControl::Boolean);
+    EXPECT_STREQ(control.name(), "Sharpness, or so");
+    EXPECT_STREQ(control.typeString(), "Boolean");
 }
 
 TEST_F(CameraControlTest, HasNeitherFlagsNorFamilyBeforeItIsInitialised)
@@ -82,8 +82,8 @@ TEST_F(CameraControlTest, HasNeitherFlagsNorFamilyBeforeItIsInitialised)
     for (FlagAndAccessor const& row : allFlags) {
         EXPECT_FALSE((control.*row.accessor)()) << row.flag;
     }
-    EXPECT_EQ(0x80000000u, control.family());
-    EXPECT_STREQ("Unknown", control.familyString());
+    EXPECT_EQ(control.family(), 0x80000000u);
+    EXPECT_STREQ(control.familyString(), "Unknown");
 }
 
 TEST_F(CameraControlTest, EachFlagSpeaksThroughItsOwnAccessorOnly)
@@ -92,7 +92,7 @@ TEST_F(CameraControlTest, EachFlagSpeaksThroughItsOwnAccessorOnly)
         CameraControl control(ICameraControl::Int32, opened.camera, V4L2_CID_BRIGHTNESS, "B");
         initWithFlags(control, set.flag);
         for (FlagAndAccessor const& asked : allFlags) {
-            EXPECT_EQ(asked.flag == set.flag, (control.*asked.accessor)())
+            EXPECT_EQ((control.*asked.accessor)(), asked.flag == set.flag)
                 << set.flag << " set, " << asked.flag << " asked";
         }
     }
@@ -104,24 +104,24 @@ TEST_F(CameraControlTest, FlagsOfAReadOnlySliderAreReadOnlyAndSlider)
     initWithFlags(control, 0x0024);
     for (FlagAndAccessor const& row : allFlags) {
         bool const wanted = row.flag == 0x0004 || row.flag == 0x0020;
-        EXPECT_EQ(wanted, (control.*row.accessor)()) << row.flag;
+        EXPECT_EQ((control.*row.accessor)(), wanted) << row.flag;
     }
 }
 
 TEST_F(CameraControlTest, BrightnessIsOfImageQualityWithTheTextAtItsNumber)
 {
-    EXPECT_EQ(ICameraControl::ImageQuality, opened.control(V4L2_CID_BRIGHTNESS).family());
-    EXPECT_STREQ("FM Rx", opened.control(V4L2_CID_BRIGHTNESS).familyString());
+    EXPECT_EQ(opened.control(V4L2_CID_BRIGHTNESS).family(), ICameraControl::ImageQuality);
+    EXPECT_STREQ(opened.control(V4L2_CID_BRIGHTNESS).familyString(), "FM Rx");
 }
 
 TEST_F(CameraControlTest, WarnsOnceOfAnIdWithoutFamily)
 {
     testing::internal::CaptureStderr();
     CameraWithControls const zooming({integerControl(V4L2_CID_ZOOM_ABSOLUTE, "Zoom")});
-    EXPECT_EQ("WARNING: Control with id 0x009a090d as no family\n",
-              testing::internal::GetCapturedStderr());
-    EXPECT_EQ(0x80000000u, zooming.control(0x009A090D).family());
-    EXPECT_STREQ("Unknown", zooming.control(0x009A090D).familyString());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "WARNING: Control with id 0x009a090d as no family\n");
+    EXPECT_EQ(zooming.control(0x009A090D).family(), 0x80000000u);
+    EXPECT_STREQ(zooming.control(0x009A090D).familyString(), "Unknown");
 }
 
 TEST_F(CameraControlTest, SaysNothingOfAnIdWithAFamily)
@@ -129,14 +129,14 @@ TEST_F(CameraControlTest, SaysNothingOfAnIdWithAFamily)
     testing::internal::CaptureStderr();
     CameraWithControls const second(
         aCamera("/dev/video1").withControl(integerControl(V4L2_CID_FOCUS_ABSOLUTE, "Focus")));
-    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(CameraControlTest, TextsFollowTheVirtualTypeAndFamily)
 {
     Disguised const control(ICameraControl::Int32, opened.camera, V4L2_CID_BRIGHTNESS, "B");
-    EXPECT_STREQ("String", control.typeString());
-    EXPECT_STREQ("Camera", static_cast<ICameraControl const&>(control).familyString());
+    EXPECT_STREQ(control.typeString(), "String");
+    EXPECT_STREQ(static_cast<ICameraControl const&>(control).familyString(), "Camera");
 }
 
 TEST_F(CameraControlTest, TypeOutsideTheTableIsAnUnknownType)
@@ -144,7 +144,7 @@ TEST_F(CameraControlTest, TypeOutsideTheTableIsAnUnknownType)
     for (int const number : {0, 12, -1}) {
         CameraControl const control(static_cast<ICameraControl::Type>(number), opened.camera, 1,
                                     "");
-        EXPECT_STREQ("UnknownType", control.typeString());
+        EXPECT_STREQ(control.typeString(), "UnknownType");
     }
 }
 
@@ -170,7 +170,7 @@ TEST_F(CameraControlTest, UpdateStateAsksForItsOwnIdWithAnOtherwiseEmptyRecord)
     v4l2_queryctrl wanted{};
     wanted.id = V4L2_CID_BRIGHTNESS;
     auto const sent = call.argument<v4l2_queryctrl>();
-    EXPECT_EQ(0, std::memcmp(&wanted, &sent, sizeof wanted));
+    EXPECT_EQ(std::memcmp(&wanted, &sent, sizeof wanted), 0);
 }
 
 TEST_F(CameraControlTest, UpdateStateKeepsTheOldFlagsWhenTheDriverDoesNotAnswer)
@@ -183,16 +183,16 @@ TEST_F(CameraControlTest, UpdateStateKeepsTheOldFlagsWhenTheDriverDoesNotAnswer)
     testing::internal::CaptureStderr();
     EXPECT_TRUE(control.updateState());
     EXPECT_TRUE(control.isInactive());
-    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(CameraControlTest, UpdateStateLeavesFamilyNameAndTypeAlone)
 {
     ICameraControl& control = opened.control(V4L2_CID_BRIGHTNESS);
     control.updateState();
-    EXPECT_EQ(ICameraControl::ImageQuality, control.family());
-    EXPECT_STREQ("Brightness", control.name());
-    EXPECT_EQ(ICameraControl::Int32, control.type());
+    EXPECT_EQ(control.family(), ICameraControl::ImageQuality);
+    EXPECT_STREQ(control.name(), "Brightness");
+    EXPECT_EQ(control.type(), ICameraControl::Int32);
 }
 
 TEST_F(CameraControlTest, ReadsAndWritesNeverAskForTheFlags)
@@ -201,17 +201,17 @@ TEST_F(CameraControlTest, ReadsAndWritesNeverAskForTheFlags)
     raw(V4L2_CID_BRIGHTNESS).inquireControlValue();
     raw(V4L2_CID_GAIN).setControlValueExt(1);
     raw(V4L2_CID_GAIN).inquireControlValueExt();
-    EXPECT_EQ(0u, opened.node.countOf(VIDIOC_QUERYCTRL));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_QUERYCTRL), 0u);
 }
 
 TEST_F(CameraControlTest, PlainReadSendsIdAndZero)
 {
     opened.node.setControlValue(V4L2_CID_BRIGHTNESS, -42);
-    EXPECT_EQ(-42, raw(V4L2_CID_BRIGHTNESS).inquireControlValue());
+    EXPECT_EQ(raw(V4L2_CID_BRIGHTNESS).inquireControlValue(), -42);
     CallRecord const call = opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_G_CTRL), call.call);
-    EXPECT_EQ(V4L2_CID_BRIGHTNESS, call.argument<v4l2_control>().id);
-    EXPECT_EQ(0, call.argument<v4l2_control>().value);
+    EXPECT_EQ(call.argument<v4l2_control>().id, V4L2_CID_BRIGHTNESS);
+    EXPECT_EQ(call.argument<v4l2_control>().value, 0);
     EXPECT_EQ(opened.camera.fileDescriptor(), call.descriptor);
 }
 
@@ -219,13 +219,13 @@ TEST_F(CameraControlTest, PlainReadIsNeverAnsweredFromMemory)
 {
     for (int const value : {3, 4, 5}) {
         opened.node.setControlValue(V4L2_CID_BRIGHTNESS, value);
-        EXPECT_EQ(value, raw(V4L2_CID_BRIGHTNESS).inquireControlValue());
+        EXPECT_EQ(raw(V4L2_CID_BRIGHTNESS).inquireControlValue(), value);
     }
 }
 
 TEST_F(CameraControlTest, FailedPlainReadGivesZero)
 {
-    EXPECT_EQ(0, raw(V4L2_CID_CONTRAST).inquireControlValue());
+    EXPECT_EQ(raw(V4L2_CID_CONTRAST).inquireControlValue(), 0);
     EXPECT_EQ(CallId(VIDIOC_G_CTRL), opened.onlyCall().call);
 }
 
@@ -234,41 +234,41 @@ TEST_F(CameraControlTest, PlainWriteSendsIdAndValue)
     EXPECT_TRUE(raw(V4L2_CID_BRIGHTNESS).setControlValue(-99));
     CallRecord const call = opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_S_CTRL), call.call);
-    EXPECT_EQ(V4L2_CID_BRIGHTNESS, call.argument<v4l2_control>().id);
-    EXPECT_EQ(-99, call.argument<v4l2_control>().value);
-    EXPECT_EQ(-99, opened.node.controlValue(V4L2_CID_BRIGHTNESS));
+    EXPECT_EQ(call.argument<v4l2_control>().id, V4L2_CID_BRIGHTNESS);
+    EXPECT_EQ(call.argument<v4l2_control>().value, -99);
+    EXPECT_EQ(opened.node.controlValue(V4L2_CID_BRIGHTNESS), -99);
 }
 
 TEST_F(CameraControlTest, RefusedPlainWriteIsFalseAndLeavesErrno)
 {
     errno = 0;
     EXPECT_FALSE(raw(V4L2_CID_CONTRAST).setControlValue(1));
-    EXPECT_EQ(EBUSY, errno);
-    EXPECT_EQ(1u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(errno, EBUSY);
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 1u);
 }
 
 TEST_F(CameraControlTest, InterruptedTransfersAreRepeated)
 {
     opened.node.setControlValue(V4L2_CID_BRIGHTNESS, 12);
     opened.node.fail(VIDIOC_G_CTRL, EINTR);
-    EXPECT_EQ(12, raw(V4L2_CID_BRIGHTNESS).inquireControlValue());
-    EXPECT_EQ(2u, opened.node.countOf(VIDIOC_G_CTRL));
+    EXPECT_EQ(raw(V4L2_CID_BRIGHTNESS).inquireControlValue(), 12);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_G_CTRL), 2u);
     opened.node.fail(VIDIOC_S_EXT_CTRLS, EINTR);
     EXPECT_TRUE(raw(V4L2_CID_GAIN).setControlValueExt(13));
-    EXPECT_EQ(2u, opened.node.countOf(VIDIOC_S_EXT_CTRLS));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_EXT_CTRLS), 2u);
 }
 
 TEST_F(CameraControlTest, ExtendedReadNamesTheClassAndGivesSixtyFourBits)
 {
     opened.node.setControlValue(V4L2_CID_GAIN, -0x123456789ALL);
-    EXPECT_EQ(-0x123456789ALL, raw(V4L2_CID_GAIN).inquireControlValueExt());
+    EXPECT_EQ(raw(V4L2_CID_GAIN).inquireControlValueExt(), -0x123456789ALL);
     CallRecord const call = opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), call.call);
-    EXPECT_EQ(0x00980000u, call.controlClass);
-    ASSERT_EQ(1u, call.controls.size());
-    EXPECT_EQ(V4L2_CID_GAIN, call.controls[0].id);
-    EXPECT_EQ(0u, call.controls[0].size);
-    EXPECT_EQ(0, call.controls[0].value);
+    EXPECT_EQ(call.controlClass, 0x00980000u);
+    ASSERT_EQ(call.controls.size(), 1u);
+    EXPECT_EQ(call.controls[0].id, V4L2_CID_GAIN);
+    EXPECT_EQ(call.controls[0].size, 0u);
+    EXPECT_EQ(call.controls[0].value, 0);
 }
 
 TEST_F(CameraControlTest, ExtendedWriteNamesNoClass)
@@ -276,12 +276,12 @@ TEST_F(CameraControlTest, ExtendedWriteNamesNoClass)
     EXPECT_TRUE(raw(V4L2_CID_GAIN).setControlValueExt(0x6543210FEDLL));
     CallRecord const call = opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_S_EXT_CTRLS), call.call);
-    EXPECT_EQ(0u, call.controlClass);
-    ASSERT_EQ(1u, call.controls.size());
-    EXPECT_EQ(V4L2_CID_GAIN, call.controls[0].id);
-    EXPECT_EQ(0u, call.controls[0].size);
-    EXPECT_EQ(0x6543210FEDLL, call.controls[0].value);
-    EXPECT_EQ(0x6543210FEDLL, opened.node.controlValue(V4L2_CID_GAIN));
+    EXPECT_EQ(call.controlClass, 0u);
+    ASSERT_EQ(call.controls.size(), 1u);
+    EXPECT_EQ(call.controls[0].id, V4L2_CID_GAIN);
+    EXPECT_EQ(call.controls[0].size, 0u);
+    EXPECT_EQ(call.controls[0].value, 0x6543210FEDLL);
+    EXPECT_EQ(opened.node.controlValue(V4L2_CID_GAIN), 0x6543210FEDLL);
 }
 
 TEST_F(CameraControlTest, ExtendedRecordsAreEmptyBesidesTheirOneControl)
@@ -290,10 +290,10 @@ TEST_F(CameraControlTest, ExtendedRecordsAreEmptyBesidesTheirOneControl)
     raw(V4L2_CID_GAIN).setControlValueExt(1);
     for (CallRecord const& call : opened.node.calls()) {
         auto const sent = call.argument<v4l2_ext_controls>();
-        EXPECT_EQ(1u, sent.count);
-        EXPECT_EQ(0u, sent.error_idx);
-        EXPECT_EQ(0, sent.request_fd);
-        EXPECT_EQ(0u, sent.reserved[0]);
+        EXPECT_EQ(sent.count, 1u);
+        EXPECT_EQ(sent.error_idx, 0u);
+        EXPECT_EQ(sent.request_fd, 0);
+        EXPECT_EQ(sent.reserved[0], 0u);
     }
 }
 
@@ -301,18 +301,18 @@ TEST_F(CameraControlTest, FailedExtendedTransfersGiveZeroAndFalse)
 {
     opened.node.setControlValue(V4L2_CID_GAIN, 77);
     opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
-    EXPECT_EQ(0, raw(V4L2_CID_GAIN).inquireControlValueExt());
+    EXPECT_EQ(raw(V4L2_CID_GAIN).inquireControlValueExt(), 0);
     opened.node.fail(VIDIOC_S_EXT_CTRLS, ENOSPC);
     errno = 0;
     EXPECT_FALSE(raw(V4L2_CID_GAIN).setControlValueExt(78));
-    EXPECT_EQ(ENOSPC, errno);
+    EXPECT_EQ(errno, ENOSPC);
 }
 
 TEST_F(CameraControlTest, ExtendedTransferOfAStandardIdIsNotAskedAgainWhenInvalid)
 {
     opened.node.fail(VIDIOC_G_EXT_CTRLS, EINVAL);
     opened.node.fail(VIDIOC_S_EXT_CTRLS, EINVAL);
-    EXPECT_EQ(0, raw(V4L2_CID_GAIN).inquireControlValueExt());
+    EXPECT_EQ(raw(V4L2_CID_GAIN).inquireControlValueExt(), 0);
     EXPECT_FALSE(raw(V4L2_CID_GAIN).setControlValueExt(1));
-    EXPECT_EQ(2u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 2u);
 }

@@ -51,7 +51,7 @@ TEST(ControlLookupTest, PositionIsHeldAgainstTheVirtualCount)
     Miscounting camera(&record);
     ASSERT_TRUE(camera.init());
     camera.claimed = 1;
-    EXPECT_STREQ("A", camera.control(0)->name());
+    EXPECT_STREQ(camera.control(0)->name(), "A");
     EXPECT_EQ(camera.invalidControl(), camera.control(1));
 }
 
@@ -60,7 +60,7 @@ TEST(ControlLookupTest, ClassHeadingsAreLeftOut)
     CameraBuilder builder = CameraWithControls::builderOf(
         {integer(V4L2_CID_GAIN, "Gain"), integer(V4L2_CID_EXPOSURE_ABSOLUTE, "Exposure")});
     CameraWithControls const opened(builder.withClassHeadings());
-    EXPECT_EQ((std::vector<std::string>{"Exposure", "Gain"}), namesOf(opened.camera));
+    EXPECT_EQ(namesOf(opened.camera), (std::vector<std::string>{"Exposure", "Gain"}));
 }
 
 TEST(ControlLookupTest, LookupsAskTheDriverNothing)
@@ -69,5 +69,5 @@ TEST(ControlLookupTest, LookupsAskTheDriverNothing)
     opened.camera.control("Gain");
     opened.camera.control(0);
     opened.camera.gainControl();
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }

@@ -31,26 +31,26 @@ TEST(ControlTextsTest, EachTypeHasItsNumberAndText)
         {8, "UInt16"},      {9, "UInt32"},  {10, "String"},   {11, "StringMenu"},
     };
     for (NumberAndText const& row : table) {
-        EXPECT_STREQ(row.text, controlTypeText(static_cast<ICameraControl::Type>(row.number)));
+        EXPECT_STREQ(controlTypeText(static_cast<ICameraControl::Type>(row.number)), row.text);
     }
-    EXPECT_EQ(0, ICameraControl::Invalid);
-    EXPECT_EQ(1, ICameraControl::BitMask);
-    EXPECT_EQ(2, ICameraControl::Boolean);
-    EXPECT_EQ(3, ICameraControl::Button);
-    EXPECT_EQ(4, ICameraControl::Int32);
-    EXPECT_EQ(5, ICameraControl::Int64);
-    EXPECT_EQ(6, ICameraControl::Int64Menu);
-    EXPECT_EQ(7, ICameraControl::UInt8);
-    EXPECT_EQ(8, ICameraControl::UInt16);
-    EXPECT_EQ(9, ICameraControl::UInt32);
-    EXPECT_EQ(10, ICameraControl::String);
-    EXPECT_EQ(11, ICameraControl::StringMenu);
+    EXPECT_EQ(ICameraControl::Invalid, 0);
+    EXPECT_EQ(ICameraControl::BitMask, 1);
+    EXPECT_EQ(ICameraControl::Boolean, 2);
+    EXPECT_EQ(ICameraControl::Button, 3);
+    EXPECT_EQ(ICameraControl::Int32, 4);
+    EXPECT_EQ(ICameraControl::Int64, 5);
+    EXPECT_EQ(ICameraControl::Int64Menu, 6);
+    EXPECT_EQ(ICameraControl::UInt8, 7);
+    EXPECT_EQ(ICameraControl::UInt16, 8);
+    EXPECT_EQ(ICameraControl::UInt32, 9);
+    EXPECT_EQ(ICameraControl::String, 10);
+    EXPECT_EQ(ICameraControl::StringMenu, 11);
 }
 
 TEST(ControlTextsTest, NumbersThatAreNoTypeAreUnknown)
 {
     for (int const number : {12, 13, 100, -1, -2147483647}) {
-        EXPECT_STREQ("UnknownType", controlTypeText(static_cast<ICameraControl::Type>(number)))
+        EXPECT_STREQ(controlTypeText(static_cast<ICameraControl::Type>(number)), "UnknownType")
             << number;
     }
 }
@@ -62,7 +62,7 @@ TEST(ControlTextsTest, FamilyTextsAreIndexedByTheNumberOfTheFamily)
                                  "FM Rx", "RF Tuner", "Detect",       "Unknown"};
     unsigned int number = 0;
     for (char const* const text : table) {
-        EXPECT_STREQ(text, controlFamilyText(static_cast<ICameraControl::Family>(number)))
+        EXPECT_STREQ(controlFamilyText(static_cast<ICameraControl::Family>(number)), text)
             << number;
         ++number;
     }
@@ -70,11 +70,11 @@ TEST(ControlTextsTest, FamilyTextsAreIndexedByTheNumberOfTheFamily)
 
 TEST(ControlTextsTest, FamiliesShowTheTextAtTheirNumberAndNotTheirMeaning)
 {
-    EXPECT_STREQ("MPEG", ICameraControl::familyString(ICameraControl::Focus));
-    EXPECT_STREQ("Camera", ICameraControl::familyString(ICameraControl::AutoControl));
-    EXPECT_STREQ("Flash", ICameraControl::familyString(ICameraControl::ImageGeometry));
-    EXPECT_STREQ("FM Rx", ICameraControl::familyString(ICameraControl::ImageQuality));
-    EXPECT_STREQ("FM Rx", CameraControl::familyString(ICameraControl::ImageQuality));
+    EXPECT_STREQ(ICameraControl::familyString(ICameraControl::Focus), "MPEG");
+    EXPECT_STREQ(ICameraControl::familyString(ICameraControl::AutoControl), "Camera");
+    EXPECT_STREQ(ICameraControl::familyString(ICameraControl::ImageGeometry), "Flash");
+    EXPECT_STREQ(ICameraControl::familyString(ICameraControl::ImageQuality), "FM Rx");
+    EXPECT_STREQ(CameraControl::familyString(ICameraControl::ImageQuality), "FM Rx");
 }
 
 TEST(ControlTextsTest, FamiliesBeyondTheTextsAreUnknown)
@@ -82,23 +82,23 @@ TEST(ControlTextsTest, FamiliesBeyondTheTextsAreUnknown)
     for (ICameraControl::Family const family :
          {ICameraControl::Debug, ICameraControl::Lighting, ICameraControl::Connection,
           ICameraControl::Status, ICameraControl::Advanced, ICameraControl::Unknown}) {
-        EXPECT_STREQ("Unknown", ICameraControl::familyString(family)) << family;
+        EXPECT_STREQ(ICameraControl::familyString(family), "Unknown") << family;
     }
-    EXPECT_STREQ("Unknown", ICameraControl::familyString(static_cast<ICameraControl::Family>(12)));
+    EXPECT_STREQ(ICameraControl::familyString(static_cast<ICameraControl::Family>(12)), "Unknown");
 }
 
 TEST(ControlTextsTest, FamiliesAreSingleBits)
 {
-    EXPECT_EQ(0x00000001u, ICameraControl::Focus);
-    EXPECT_EQ(0x00000002u, ICameraControl::AutoControl);
-    EXPECT_EQ(0x00000004u, ICameraControl::ImageGeometry);
-    EXPECT_EQ(0x00000008u, ICameraControl::ImageQuality);
-    EXPECT_EQ(0x00000010u, ICameraControl::Debug);
-    EXPECT_EQ(0x00000020u, ICameraControl::Lighting);
-    EXPECT_EQ(0x00000040u, ICameraControl::Connection);
-    EXPECT_EQ(0x00000080u, ICameraControl::Status);
-    EXPECT_EQ(0x00000100u, ICameraControl::Advanced);
-    EXPECT_EQ(0x80000000u, ICameraControl::Unknown);
+    EXPECT_EQ(ICameraControl::Focus, 0x00000001u);
+    EXPECT_EQ(ICameraControl::AutoControl, 0x00000002u);
+    EXPECT_EQ(ICameraControl::ImageGeometry, 0x00000004u);
+    EXPECT_EQ(ICameraControl::ImageQuality, 0x00000008u);
+    EXPECT_EQ(ICameraControl::Debug, 0x00000010u);
+    EXPECT_EQ(ICameraControl::Lighting, 0x00000020u);
+    EXPECT_EQ(ICameraControl::Connection, 0x00000040u);
+    EXPECT_EQ(ICameraControl::Status, 0x00000080u);
+    EXPECT_EQ(ICameraControl::Advanced, 0x00000100u);
+    EXPECT_EQ(ICameraControl::Unknown, 0x80000000u);
 }
 
 TEST(ControlTextsTest, EachKnownIdHasItsFamily)
@@ -117,7 +117,7 @@ TEST(ControlTextsTest, EachKnownIdHasItsFamily)
         {0x0800001A, 0x001}, {0x0800001B, 0x008}, {0x0800001C, 0x100},
     };
     for (IdAndFamily const& row : table) {
-        EXPECT_EQ(row.family, controlFamilyOf(row.id)) << std::hex << row.id;
+        EXPECT_EQ(controlFamilyOf(row.id), row.family) << std::hex << row.id;
     }
 }
 
@@ -127,6 +127,6 @@ TEST(ControlTextsTest, AnyOtherIdHasNoFamily)
          {0u, 0x009808FFu, 0x00980904u, 0x0098090Bu, 0x0098090Du, 0x0098090Fu, 0x00980911u,
           0x00980912u, 0x00980914u, 0x00980918u, 0x0098091Cu, 0x009A0900u, 0x009A0903u, 0x009A0909u,
           0x009A090Bu, 0x009A090Du, 0x07FFFFFFu, 0x0800001Du, 0xFFFFFFFFu}) {
-        EXPECT_EQ(ICameraControl::Unknown, controlFamilyOf(id)) << std::hex << id;
+        EXPECT_EQ(controlFamilyOf(id), ICameraControl::Unknown) << std::hex << id;
     }
 }

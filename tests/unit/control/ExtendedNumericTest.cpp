@@ -23,19 +23,19 @@ void expectExtendedTransfers(ControlScript const& script, T inDriver, T written)
     CameraWithControls opened({script});
     auto& control = opened.as<ICameraControlNumeric<T>>(id);
     opened.node.setControlValue(id, static_cast<std::int64_t>(inDriver));
-    EXPECT_EQ(inDriver, control.value());
+    EXPECT_EQ(control.value(), inDriver);
     EXPECT_TRUE(control.setValue(written));
     EXPECT_EQ(static_cast<std::int64_t>(written), opened.node.controlValue(id));
 
     std::vector<CallRecord> const calls = opened.node.calls();
-    ASSERT_EQ(2u, calls.size());
+    ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), calls[0].call);
-    EXPECT_EQ(0x009A0000u, calls[0].controlClass);
+    EXPECT_EQ(calls[0].controlClass, 0x009A0000u);
     EXPECT_EQ(CallId(VIDIOC_S_EXT_CTRLS), calls[1].call);
-    EXPECT_EQ(0u, calls[1].controlClass);
-    ASSERT_EQ(1u, calls[1].controls.size());
+    EXPECT_EQ(calls[1].controlClass, 0u);
+    ASSERT_EQ(calls[1].controls.size(), 1u);
     EXPECT_EQ(id, calls[1].controls[0].id);
-    EXPECT_EQ(0u, calls[1].controls[0].size);
+    EXPECT_EQ(calls[1].controls[0].size, 0u);
     EXPECT_EQ(static_cast<std::int64_t>(written), calls[1].controls[0].value);
 }
 
@@ -68,7 +68,7 @@ TEST(ExtendedNumericTest, SixtyFourBitValuesAreReadWhole)
     for (std::int64_t const value : {INT64_MIN, INT64_MAX, std::int64_t{0x123456789ABCDEF},
                                      std::int64_t{0xFFFFFFFF}, -std::int64_t{0x100000000}}) {
         opened.node.setControlValue(id, value);
-        EXPECT_EQ(value, opened.as<SixtyFour>(id).value());
+        EXPECT_EQ(opened.as<SixtyFour>(id).value(), value);
     }
 }
 
@@ -77,43 +77,43 @@ TEST(ExtendedNumericTest, InquiredValueKeepsItsThirtyTwoBits)
     CameraWithControls opened({integer64Control(id, "Widest").range(INT64_MIN, INT64_MAX)});
     opened.node.setControlValue(id, 0x500000007);
     auto const& control = dynamic_cast<CameraControl const&>(opened.control(id));
-    EXPECT_EQ(7, control.inquireControlValue());
-    EXPECT_EQ(0x500000007, control.inquireControlValueExt());
-    EXPECT_EQ(0u, opened.node.countOf(VIDIOC_G_CTRL));
+    EXPECT_EQ(control.inquireControlValue(), 7);
+    EXPECT_EQ(control.inquireControlValueExt(), 0x500000007);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_G_CTRL), 0u);
 }
 
 TEST(ExtendedNumericTest, KernelShowsNoRangeOfSixtyFourBitsSoOnlyZeroIsAccepted)
 {
     CameraWithControls const opened({integer64Control(id, "Widest").range(-1000, 1000)});
     auto& control = opened.as<SixtyFour>(id);
-    EXPECT_EQ(0, control.minimum());
-    EXPECT_EQ(0, control.maximum());
-    EXPECT_EQ(0, control.step());
+    EXPECT_EQ(control.minimum(), 0);
+    EXPECT_EQ(control.maximum(), 0);
+    EXPECT_EQ(control.step(), 0);
     EXPECT_FALSE(control.setValue(1));
     EXPECT_FALSE(control.setValue(-1));
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
     EXPECT_TRUE(control.setValue(0));
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_S_EXT_CTRLS));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_EXT_CTRLS), 1u);
 }
 
 TEST(ExtendedNumericTest, ThirtyTwoBitRangeIsCutToItsLowSixteenBits)
 {
     CameraWithControls const opened({unsigned32Control(id, "Wider").range(0, 70000)});
     auto& control = opened.as<Sixteen>(id);
-    EXPECT_STREQ("UInt16", control.typeString());
-    EXPECT_EQ(4464, control.maximum());
+    EXPECT_STREQ(control.typeString(), "UInt16");
+    EXPECT_EQ(control.maximum(), 4464);
     EXPECT_FALSE(control.setValue(4465));
     EXPECT_FALSE(control.setValue(65535));
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
     EXPECT_TRUE(control.setValue(4464));
-    EXPECT_EQ(4464, opened.node.lastControlValueSent(id));
+    EXPECT_EQ(opened.node.lastControlValueSent(id), 4464);
 }
 
 TEST(ExtendedNumericTest, ThirtyTwoBitValuesAreCutToo)
 {
     CameraWithControls opened({unsigned32Control(id, "Wider").range(0, 70000)});
     opened.node.setControlValue(id, 70001);
-    EXPECT_EQ(4465, opened.as<Sixteen>(id).value());
+    EXPECT_EQ(opened.as<Sixteen>(id).value(), 4465);
 }
 
 TEST(ExtendedNumericTest, FullThirtyTwoBitsAreReachedByTheInstantiationForThem)
@@ -123,6 +123,6 @@ TEST(ExtendedNumericTest, FullThirtyTwoBitsAreReachedByTheInstantiationForThem)
     CameraControlNumeric<unsigned int> control(opened.camera, id, "Wider");
     control.setMinMaxStep(0, 0xFFFFFFFF, 1);
     EXPECT_TRUE(control.setValue(0xFFFFFFFE));
-    EXPECT_EQ(0xFFFFFFFE, opened.node.lastControlValueSent(id));
-    EXPECT_EQ(0xFFFFFFFEu, control.value());
+    EXPECT_EQ(opened.node.lastControlValueSent(id), 0xFFFFFFFE);
+    EXPECT_EQ(control.value(), 0xFFFFFFFEu);
 }

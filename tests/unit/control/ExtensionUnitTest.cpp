@@ -25,8 +25,8 @@ std::string fieldText(__u8 const (&field)[size])
 {
     std::string const whole(reinterpret_cast<char const*>(field), size);
     std::size_t const end = whole.find('\0');
-    EXPECT_NE(std::string::npos, end) << "no zero in the field";
-    EXPECT_EQ(std::string::npos, whole.find_first_not_of('\0', end)) << "something after the zero";
+    EXPECT_NE(end, std::string::npos) << "no zero in the field";
+    EXPECT_EQ(whole.find_first_not_of('\0', end), std::string::npos) << "something after the zero";
     return whole.substr(0, end);
 }
 
@@ -35,22 +35,22 @@ void expectMapping(ExpectedMapping const& expected, ControlMapping const& receiv
     SCOPED_TRACE(expected.name);
     uvc_xu_control_mapping const& mapping = received.mapping;
     __u8 const guid[16] = {1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
-    EXPECT_EQ(expected.id, mapping.id);
-    EXPECT_EQ(expected.name, fieldText(mapping.name));
-    EXPECT_EQ(0, std::memcmp(guid, mapping.entity, sizeof guid));
-    EXPECT_EQ(expected.selector, mapping.selector);
-    EXPECT_EQ(expected.size, mapping.size);
-    EXPECT_EQ(expected.offset, mapping.offset);
-    EXPECT_EQ(expected.v4l2Type, mapping.v4l2_type);
-    EXPECT_EQ(expected.dataType, mapping.data_type);
+    EXPECT_EQ(mapping.id, expected.id);
+    EXPECT_EQ(fieldText(mapping.name), expected.name);
+    EXPECT_EQ(std::memcmp(guid, mapping.entity, sizeof guid), 0);
+    EXPECT_EQ(mapping.selector, expected.selector);
+    EXPECT_EQ(mapping.size, expected.size);
+    EXPECT_EQ(mapping.offset, expected.offset);
+    EXPECT_EQ(mapping.v4l2_type, expected.v4l2Type);
+    EXPECT_EQ(mapping.data_type, expected.dataType);
     for (__u32 const reserved : mapping.reserved) {
-        EXPECT_EQ(0u, reserved);
+        EXPECT_EQ(reserved, 0u);
     }
     EXPECT_EQ(expected.menu.size(), mapping.menu_count);
     ASSERT_EQ(expected.menu.size(), received.menu.size());
     for (std::size_t item = 0; item < expected.menu.size(); ++item) {
-        EXPECT_EQ(expected.menu[item].value, received.menu[item].value);
-        EXPECT_EQ(expected.menu[item].name, fieldText(received.menu[item].name));
+        EXPECT_EQ(received.menu[item].value, expected.menu[item].value);
+        EXPECT_EQ(fieldText(received.menu[item].name), expected.menu[item].name);
     }
 }
 
@@ -61,11 +61,11 @@ TEST(ExtensionUnitTest, DriverReceivesAllMappingsInOrderFieldByField)
     CameraWithControls const opened(aVendorCamera(), CameraWithControls::Maker::Vendor);
     std::vector<ControlMapping> const mappings = opened.node.mappings();
     std::vector<ExpectedMapping> const& table = expectedMappings();
-    ASSERT_EQ(29u, table.size());
+    ASSERT_EQ(table.size(), 29u);
     ASSERT_EQ(table.size(), mappings.size());
     for (std::size_t row = 0; row < table.size(); ++row) {
         expectMapping(table[row], mappings[row]);
-        EXPECT_EQ(0, mappings[row].error) << table[row].name;
+        EXPECT_EQ(mappings[row].error, 0) << table[row].name;
     }
 }
 
@@ -78,7 +78,7 @@ TEST(ExtensionUnitTest, MappingsWithoutMenuPointToNone)
     Camera camera(&record);
     ASSERT_TRUE(camera.init());
     std::vector<CallRecord> const calls = node.calls(UVCIOC_CTRL_MAP);
-    ASSERT_EQ(29u, calls.size());
+    ASSERT_EQ(calls.size(), 29u);
     for (CallRecord const& call : calls) {
         auto const sent = call.argument<uvc_xu_control_mapping>();
         EXPECT_EQ(sent.menu_count != 0, sent.menu_info != nullptr) << sent.name;
@@ -106,7 +106,7 @@ TEST(ExtensionUnitTest, CamerasOfOtherMakersGetNoMappings)
 {
     CameraWithControls const opened(aVendorCamera());
     EXPECT_TRUE(opened.node.mappings().empty());
-    EXPECT_EQ(0, opened.camera.controlNumber());
+    EXPECT_EQ(opened.camera.controlNumber(), 0);
 }
 
 TEST(ExtensionUnitTest, SecondRoundIsRefusedByTheDriverAndSaysNothing)
@@ -114,11 +114,11 @@ TEST(ExtensionUnitTest, SecondRoundIsRefusedByTheDriverAndSaysNothing)
     CameraWithControls const opened(aVendorCamera(), CameraWithControls::Maker::Vendor);
     testing::internal::CaptureStderr();
     Unit const second(opened.camera.fileDescriptor());
-    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     std::vector<ControlMapping> const mappings = opened.node.mappings();
-    ASSERT_EQ(58u, mappings.size());
+    ASSERT_EQ(mappings.size(), 58u);
     for (std::size_t row = 29; row < mappings.size(); ++row) {
-        EXPECT_EQ(EEXIST, mappings[row].error);
+        EXPECT_EQ(mappings[row].error, EEXIST);
         expectMapping(expectedMappings()[row - 29], mappings[row]);
     }
 }
@@ -131,8 +131,8 @@ TEST(ExtensionUnitTest, CameraOpenedAgainHasItsControlsStill)
     record.product = IMAGEACQUISITION_PRODUCT_ID;
     Camera second(&record);
     ASSERT_TRUE(second.init());
-    EXPECT_EQ(29, second.controlNumber());
-    EXPECT_EQ(0x08000000u, second.lightModeControl()->id());
+    EXPECT_EQ(second.controlNumber(), 29);
+    EXPECT_EQ(second.lightModeControl()->id(), 0x08000000u);
 }
 
 TEST(ExtensionUnitTest, RefusedMappingsLeaveAWorkingCamera)
@@ -140,9 +140,9 @@ TEST(ExtensionUnitTest, RefusedMappingsLeaveAWorkingCamera)
     CameraBuilder builder = aCamera().withFormat("YUYV").withSize(640, 480).withInterval(1, 30);
     builder.withControl(integerControl(V4L2_CID_BRIGHTNESS, "Brightness").range(0, 9));
     CameraWithControls const opened(builder, CameraWithControls::Maker::Vendor);
-    EXPECT_EQ(29u, opened.node.mappings().size());
-    EXPECT_EQ(1, opened.camera.controlNumber());
-    EXPECT_EQ(1, opened.camera.formatNumber());
+    EXPECT_EQ(opened.node.mappings().size(), 29u);
+    EXPECT_EQ(opened.camera.controlNumber(), 1);
+    EXPECT_EQ(opened.camera.formatNumber(), 1);
     EXPECT_EQ(opened.camera.invalidControl(), opened.camera.lightModeControl());
 }
 
@@ -151,10 +151,10 @@ TEST(ExtensionUnitTest, OneRefusedMappingDoesNotStopTheOthers)
     CameraBuilder builder = aVendorCamera();
     builder.failing(UVCIOC_CTRL_MAP, EIO, 1).failing(UVCIOC_CTRL_MAP, ENOENT, 12);
     CameraWithControls const opened(builder, CameraWithControls::Maker::Vendor);
-    EXPECT_EQ(27, opened.camera.controlNumber());
-    EXPECT_EQ(0xFFFFFFFFu, opened.camera.lightModeControl()->id());
-    EXPECT_EQ(0xFFFFFFFFu, opened.camera.focusWindowY1Control()->id());
-    EXPECT_EQ(0x0800001Cu, opened.camera.autoGammaControl()->id());
+    EXPECT_EQ(opened.camera.controlNumber(), 27);
+    EXPECT_EQ(opened.camera.lightModeControl()->id(), 0xFFFFFFFFu);
+    EXPECT_EQ(opened.camera.focusWindowY1Control()->id(), 0xFFFFFFFFu);
+    EXPECT_EQ(opened.camera.autoGammaControl()->id(), 0x0800001Cu);
 }
 
 TEST(ExtensionUnitTest, InterruptedMappingIsRepeated)
@@ -162,7 +162,7 @@ TEST(ExtensionUnitTest, InterruptedMappingIsRepeated)
     CameraBuilder builder = aVendorCamera();
     builder.failing(UVCIOC_CTRL_MAP, EINTR, 5);
     CameraWithControls const opened(builder, CameraWithControls::Maker::Vendor);
-    EXPECT_EQ(29, opened.camera.controlNumber());
+    EXPECT_EQ(opened.camera.controlNumber(), 29);
 }
 
 TEST(ExtensionUnitTest, AddedControlGivesTheDriversAnswer)
@@ -176,8 +176,8 @@ TEST(ExtensionUnitTest, AddedControlGivesTheDriversAnswer)
     mapping.size = 8;
     mapping.v4l2_type = V4L2_CTRL_TYPE_INTEGER;
     mapping.data_type = UVC_CTRL_DATA_TYPE_UNSIGNED;
-    EXPECT_EQ(0, unit.addControl(mapping));
-    EXPECT_EQ(-1, unit.addControl(mapping));
+    EXPECT_EQ(unit.addControl(mapping), 0);
+    EXPECT_EQ(unit.addControl(mapping), -1);
 }
 
 TEST(ExtensionUnitTest, DescriptorStaysOpenWhenTheUnitIsGone)
@@ -186,10 +186,10 @@ TEST(ExtensionUnitTest, DescriptorStaysOpenWhenTheUnitIsGone)
     {
         Unit unit(opened.camera.fileDescriptor());
         unit.cleanup();
-        EXPECT_STREQ("ZorvaneExtensionUnit", unit.name());
+        EXPECT_STREQ(unit.name(), "ZorvaneExtensionUnit");
     }
-    EXPECT_EQ(1, opened.node.accounting().openDescriptors);
-    EXPECT_EQ(0u, opened.node.countOf(Call::Close));
+    EXPECT_EQ(opened.node.accounting().openDescriptors, 1);
+    EXPECT_EQ(opened.node.countOf(Call::Close), 0u);
 }
 
 TEST(ExtensionUnitTest, EachIdOfTheTableHasItsSelector)
@@ -206,7 +206,7 @@ TEST(ExtensionUnitTest, OtherIdsHaveNoSelector)
     for (unsigned int const id : {0x0800001Du, 0x07FFFFFFu, 0u, 0xFFFFFFFFu}) {
         auto selector = Unit::AutoGammaSelector;
         EXPECT_FALSE(Unit::idToSelector(static_cast<Unit::ExtensionUnitId>(id), selector)) << id;
-        EXPECT_EQ(Unit::AutoGammaSelector, selector);
+        EXPECT_EQ(selector, Unit::AutoGammaSelector);
     }
 }
 
@@ -246,5 +246,5 @@ TEST(ExtensionUnitTest, IdsRunFromThePrivateBaseInTheirOrder)
         EXPECT_EQ(id, one);
         ++id;
     }
-    EXPECT_EQ(0x0800001Du, id);
+    EXPECT_EQ(id, 0x0800001Du);
 }

@@ -48,27 +48,27 @@ TEST(CameraControlStringMenuTest, ClosesTheHolesOfTheDriversMenu)
 {
     CameraWithControls opened({menuWithHoles()});
     auto& menu = opened.as<ICameraControlStringMenu>(id);
-    EXPECT_EQ(2, menu.count());
-    EXPECT_STREQ("Auto", menu.string(0));
-    EXPECT_STREQ("Aperture Priority", menu.string(1));
+    EXPECT_EQ(menu.count(), 2);
+    EXPECT_STREQ(menu.string(0), "Auto");
+    EXPECT_STREQ(menu.string(1), "Aperture Priority");
     EXPECT_TRUE(menu.setCurrentIndex(1));
-    EXPECT_EQ(3, opened.node.lastControlValueSent(id));
+    EXPECT_EQ(opened.node.lastControlValueSent(id), 3);
     opened.node.setControlValue(id, 3);
-    EXPECT_EQ(1, menu.currentIndex());
-    EXPECT_STREQ("Aperture Priority", menu.currentString());
+    EXPECT_EQ(menu.currentIndex(), 1);
+    EXPECT_STREQ(menu.currentString(), "Aperture Priority");
 }
 
 TEST(CameraControlStringMenuTest, TransfersPlainlyAndNeverFromMemory)
 {
     CameraWithControls opened({menuWithHoles()});
     auto& menu = opened.as<ICameraControlStringMenu>(id);
-    EXPECT_EQ(0, menu.currentIndex());
+    EXPECT_EQ(menu.currentIndex(), 0);
     opened.node.setControlValue(id, 3);
-    EXPECT_EQ(1, menu.currentIndex());
+    EXPECT_EQ(menu.currentIndex(), 1);
     EXPECT_TRUE(menu.setCurrentIndex(0));
-    EXPECT_EQ(2u, opened.node.countOf(VIDIOC_G_CTRL));
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_S_CTRL));
-    EXPECT_EQ(3u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_G_CTRL), 2u);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 1u);
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 3u);
 }
 
 TEST(CameraControlStringMenuTest, ValueInAHoleHasNoPosition)
@@ -76,7 +76,7 @@ TEST(CameraControlStringMenuTest, ValueInAHoleHasNoPosition)
     CameraWithControls opened({menuWithHoles()});
     opened.node.setControlValue(id, 1);
     auto const& menu = opened.as<ICameraControlStringMenu>(id);
-    EXPECT_EQ(-1, menu.currentIndex());
+    EXPECT_EQ(menu.currentIndex(), -1);
     EXPECT_THROW(menu.currentString(), std::out_of_range);
 }
 
@@ -96,32 +96,32 @@ TEST(CameraControlStringMenuTest, PositionOutsideTheListIsSentAsMinusOne)
     for (int const position : {5, 2, -1, INT_MIN}) {
         EXPECT_FALSE(menu.setCurrentIndex(position));
         auto const sent = opened.node.calls().back().argument<v4l2_control>();
-        EXPECT_EQ(noItem, static_cast<unsigned int>(sent.value)) << position;
+        EXPECT_EQ(static_cast<unsigned int>(sent.value), noItem) << position;
     }
-    EXPECT_EQ(4u, opened.node.countOf(VIDIOC_S_CTRL));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 4u);
 }
 
 TEST(CameraControlStringMenuTest, DefaultIsAPositionToo)
 {
     CameraWithControls const opened({menuWithHoles().byDefault(3)});
     auto const& menu = opened.as<ICameraControlStringMenu>(id);
-    EXPECT_EQ(1, menu.defaultIndex());
-    EXPECT_STREQ("Aperture Priority", menu.defaultString());
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(menu.defaultIndex(), 1);
+    EXPECT_STREQ(menu.defaultString(), "Aperture Priority");
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST(CameraControlStringMenuTest, DefaultInAHoleHasNoPosition)
 {
     CameraWithControls const opened({menuWithHoles().byDefault(2)});
     auto const& menu = opened.as<ICameraControlStringMenu>(id);
-    EXPECT_EQ(-1, menu.defaultIndex());
+    EXPECT_EQ(menu.defaultIndex(), -1);
     EXPECT_THROW(menu.defaultString(), std::out_of_range);
 }
 
 TEST(CameraControlStringMenuTest, FailedReadCountsAsItemZero)
 {
     CameraWithControls const opened({menuWithHoles().currently(3).refusingReads(EIO)});
-    EXPECT_EQ(0, opened.as<ICameraControlStringMenu>(id).currentIndex());
+    EXPECT_EQ(opened.as<ICameraControlStringMenu>(id).currentIndex(), 0);
 }
 
 TEST(CameraControlStringMenuTest, FailedReadHasNoPositionWhereItemZeroIsAHole)
@@ -146,9 +146,9 @@ TEST(CameraControlStringMenuTest, WriteOnlyHasNoPositionAndIsNotRead)
 {
     CameraWithControls const opened({menuWithHoles().withFlags(V4L2_CTRL_FLAG_WRITE_ONLY)});
     auto const& menu = opened.as<ICameraControlStringMenu>(id);
-    EXPECT_EQ(-1, menu.currentIndex());
+    EXPECT_EQ(menu.currentIndex(), -1);
     EXPECT_THROW(menu.currentString(), std::out_of_range);
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST(CameraControlStringMenuTest, EachNumberBetweenTheBoundsIsAskedForOnce)
@@ -157,16 +157,16 @@ TEST(CameraControlStringMenuTest, EachNumberBetweenTheBoundsIsAskedForOnce)
     CameraControlStringMenu menu(opened.camera, id, "Auto Exposure");
     menu.init(bounds(0, 4));
     std::vector<CallRecord> const calls = opened.node.calls();
-    ASSERT_EQ(5u, calls.size());
+    ASSERT_EQ(calls.size(), 5u);
     for (unsigned int index = 0; index < calls.size(); ++index) {
         EXPECT_EQ(CallId(VIDIOC_QUERYMENU), calls[index].call);
         v4l2_querymenu wanted{};
         wanted.id = id;
         wanted.index = index;
         auto const sent = calls[index].argument<v4l2_querymenu>();
-        EXPECT_EQ(0, std::memcmp(&wanted, &sent, sizeof wanted)) << index;
+        EXPECT_EQ(std::memcmp(&wanted, &sent, sizeof wanted), 0) << index;
     }
-    EXPECT_EQ(2, menu.count());
+    EXPECT_EQ(menu.count(), 2);
 }
 
 TEST(CameraControlStringMenuTest, BoundsInTheWrongOrderMakeAnEmptyMenu)
@@ -174,12 +174,12 @@ TEST(CameraControlStringMenuTest, BoundsInTheWrongOrderMakeAnEmptyMenu)
     CameraWithControls opened({menuWithHoles()});
     CameraControlStringMenu menu(opened.camera, id, "Auto Exposure");
     menu.init(bounds(4, 3));
-    EXPECT_EQ(0, menu.count());
-    EXPECT_EQ(-1, menu.defaultIndex());
+    EXPECT_EQ(menu.count(), 0);
+    EXPECT_EQ(menu.defaultIndex(), -1);
     EXPECT_THROW(menu.string(0), std::out_of_range);
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
     EXPECT_FALSE(menu.setCurrentIndex(0));
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_S_CTRL));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 1u);
 }
 
 TEST(CameraControlStringMenuTest, ProbingEndsAtTheLargestNumber)
@@ -187,8 +187,8 @@ TEST(CameraControlStringMenuTest, ProbingEndsAtTheLargestNumber)
     CameraWithControls opened({menuWithHoles()});
     CameraControlStringMenu menu(opened.camera, id, "Auto Exposure");
     menu.init(bounds(INT_MAX - 1, INT_MAX));
-    EXPECT_EQ(2u, opened.node.countOf(VIDIOC_QUERYMENU));
-    EXPECT_EQ(0, menu.count());
+    EXPECT_EQ(opened.node.countOf(VIDIOC_QUERYMENU), 2u);
+    EXPECT_EQ(menu.count(), 0);
 }
 
 TEST(CameraControlStringMenuTest, BoundsAreSigned)
@@ -196,8 +196,8 @@ TEST(CameraControlStringMenuTest, BoundsAreSigned)
     CameraWithControls opened({menuWithHoles()});
     CameraControlStringMenu menu(opened.camera, id, "Auto Exposure");
     menu.init(bounds(-2, 0));
-    EXPECT_EQ(3u, opened.node.countOf(VIDIOC_QUERYMENU));
-    EXPECT_EQ(1, menu.count());
+    EXPECT_EQ(opened.node.countOf(VIDIOC_QUERYMENU), 3u);
+    EXPECT_EQ(menu.count(), 1);
 }
 
 TEST(CameraControlStringMenuTest, ItemsAreAskedForOnceInALifetime)
@@ -207,7 +207,7 @@ TEST(CameraControlStringMenuTest, ItemsAreAskedForOnceInALifetime)
     menu.updateState();
     menu.currentString();
     menu.setCurrentIndex(1);
-    EXPECT_EQ(0u, opened.node.countOf(VIDIOC_QUERYMENU));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_QUERYMENU), 0u);
 }
 
 TEST(CameraControlStringMenuTest, InitialisingAnewForgetsTheOldItems)
@@ -216,37 +216,37 @@ TEST(CameraControlStringMenuTest, InitialisingAnewForgetsTheOldItems)
     CameraControlStringMenu menu(opened.camera, id, "Auto Exposure");
     menu.init(bounds(0, 3));
     menu.init(bounds(3, 3));
-    EXPECT_EQ(1, menu.count());
-    EXPECT_STREQ("Aperture Priority", menu.string(0));
-    EXPECT_EQ(3u, menu.directIndexMapping(0));
+    EXPECT_EQ(menu.count(), 1);
+    EXPECT_STREQ(menu.string(0), "Aperture Priority");
+    EXPECT_EQ(menu.directIndexMapping(0), 3u);
 }
 
 TEST(CameraControlBaseMenuTest, MapsBothWays)
 {
     CameraWithControls const opened({menuWithHoles()});
     auto const& menu = dynamic_cast<CameraControlBaseMenu const&>(opened.control(id));
-    EXPECT_EQ(0u, menu.directIndexMapping(0));
-    EXPECT_EQ(3u, menu.directIndexMapping(1));
-    EXPECT_EQ(noItem, menu.directIndexMapping(2));
-    EXPECT_EQ(noItem, menu.directIndexMapping(-1));
-    EXPECT_EQ(0, menu.reverseIndexMapping(0));
-    EXPECT_EQ(1, menu.reverseIndexMapping(3));
-    EXPECT_EQ(-1, menu.reverseIndexMapping(1));
-    EXPECT_EQ(-1, menu.reverseIndexMapping(noItem));
+    EXPECT_EQ(menu.directIndexMapping(0), 0u);
+    EXPECT_EQ(menu.directIndexMapping(1), 3u);
+    EXPECT_EQ(menu.directIndexMapping(2), noItem);
+    EXPECT_EQ(menu.directIndexMapping(-1), noItem);
+    EXPECT_EQ(menu.reverseIndexMapping(0), 0);
+    EXPECT_EQ(menu.reverseIndexMapping(3), 1);
+    EXPECT_EQ(menu.reverseIndexMapping(1), -1);
+    EXPECT_EQ(menu.reverseIndexMapping(noItem), -1);
 }
 
 TEST(CameraControlInt64MenuTest, KeepsNoValuesButHasPositions)
 {
     CameraWithControls opened({integerMenu().byDefault(1)});
     auto& menu = opened.as<ICameraControlInt64Menu>(id);
-    EXPECT_EQ(0, menu.count());
+    EXPECT_EQ(menu.count(), 0);
     for (std::int64_t const value : {0, 1, 2}) {
         opened.node.setControlValue(id, value);
-        EXPECT_EQ(value, menu.currentIndex());
+        EXPECT_EQ(menu.currentIndex(), value);
     }
-    EXPECT_EQ(1, menu.defaultIndex());
+    EXPECT_EQ(menu.defaultIndex(), 1);
     EXPECT_TRUE(menu.setCurrentIndex(0));
-    EXPECT_EQ(0, opened.node.lastControlValueSent(id));
+    EXPECT_EQ(opened.node.lastControlValueSent(id), 0);
 }
 
 TEST(CameraControlInt64MenuTest, ValuesThrowForEveryPosition)
@@ -267,17 +267,17 @@ TEST(CameraControlInt64MenuTest, ClosesHolesToo)
                                    .withItem(7, std::int64_t{20})
                                    .byDefault(7)});
     auto& menu = opened.as<ICameraControlInt64Menu>(id);
-    EXPECT_EQ(1, menu.currentIndex());
+    EXPECT_EQ(menu.currentIndex(), 1);
     EXPECT_TRUE(menu.setCurrentIndex(0));
-    EXPECT_EQ(2, opened.node.lastControlValueSent(id));
+    EXPECT_EQ(opened.node.lastControlValueSent(id), 2);
     EXPECT_FALSE(menu.setCurrentIndex(2));
     opened.node.setControlValue(id, 5);
-    EXPECT_EQ(-1, menu.currentIndex());
+    EXPECT_EQ(menu.currentIndex(), -1);
 }
 
 TEST(CameraControlInt64MenuTest, WriteOnlyHasNoPosition)
 {
     CameraWithControls const opened({integerMenu().withFlags(V4L2_CTRL_FLAG_WRITE_ONLY)});
-    EXPECT_EQ(-1, opened.as<ICameraControlInt64Menu>(id).currentIndex());
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.as<ICameraControlInt64Menu>(id).currentIndex(), -1);
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }

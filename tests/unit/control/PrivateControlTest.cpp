@@ -33,17 +33,17 @@ CameraBuilder withPrivateInteger()
 TEST(PrivateControlTest, RefusedPlainReadIsMadeOnceMoreAsAnExtendedOne)
 {
     CameraWithControls const opened(withPrivateInteger());
-    EXPECT_EQ(5, opened.as<Integer>(firstPrivate + 1).value());
+    EXPECT_EQ(opened.as<Integer>(firstPrivate + 1).value(), 5);
     std::vector<CallRecord> const calls = opened.node.calls();
-    ASSERT_EQ(2u, calls.size());
+    ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(CallId(VIDIOC_G_CTRL), calls[0].call);
-    EXPECT_EQ(EINVAL, calls[0].error);
+    EXPECT_EQ(calls[0].error, EINVAL);
     EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), calls[1].call);
-    EXPECT_EQ(0x08000000u, calls[1].controlClass);
-    ASSERT_EQ(1u, calls[1].controls.size());
+    EXPECT_EQ(calls[1].controlClass, 0x08000000u);
+    ASSERT_EQ(calls[1].controls.size(), 1u);
     EXPECT_EQ(firstPrivate + 1, calls[1].controls[0].id);
-    EXPECT_EQ(0u, calls[1].controls[0].size);
-    EXPECT_EQ(0, calls[1].controls[0].value);
+    EXPECT_EQ(calls[1].controls[0].size, 0u);
+    EXPECT_EQ(calls[1].controls[0].value, 0);
 }
 
 TEST(PrivateControlTest, RefusedPlainWriteIsMadeOnceMoreAsAnExtendedOne)
@@ -51,29 +51,29 @@ TEST(PrivateControlTest, RefusedPlainWriteIsMadeOnceMoreAsAnExtendedOne)
     CameraWithControls const opened(withPrivateInteger());
     EXPECT_TRUE(opened.as<Integer>(firstPrivate + 1).setValue(-321));
     std::vector<CallRecord> const calls = opened.node.calls();
-    ASSERT_EQ(2u, calls.size());
+    ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(CallId(VIDIOC_S_CTRL), calls[0].call);
-    EXPECT_EQ(-321, calls[0].argument<v4l2_control>().value);
-    EXPECT_EQ(EINVAL, calls[0].error);
+    EXPECT_EQ(calls[0].argument<v4l2_control>().value, -321);
+    EXPECT_EQ(calls[0].error, EINVAL);
     EXPECT_EQ(CallId(VIDIOC_S_EXT_CTRLS), calls[1].call);
-    EXPECT_EQ(0u, calls[1].controlClass);
-    ASSERT_EQ(1u, calls[1].controls.size());
-    EXPECT_EQ(0u, calls[1].controls[0].size);
+    EXPECT_EQ(calls[1].controlClass, 0u);
+    ASSERT_EQ(calls[1].controls.size(), 1u);
+    EXPECT_EQ(calls[1].controls[0].size, 0u);
     // A 32-bit value in a field of 64 bits whose other half is empty.
-    EXPECT_EQ(static_cast<std::int64_t>(static_cast<std::uint32_t>(-321)),
-              calls[1].controls[0].value);
-    EXPECT_EQ(-321, opened.node.controlValue(firstPrivate + 1));
-    EXPECT_EQ(-321, opened.as<Integer>(firstPrivate + 1).value());
+    EXPECT_EQ(calls[1].controls[0].value,
+              static_cast<std::int64_t>(static_cast<std::uint32_t>(-321)));
+    EXPECT_EQ(opened.node.controlValue(firstPrivate + 1), -321);
+    EXPECT_EQ(opened.as<Integer>(firstPrivate + 1).value(), -321);
 }
 
 TEST(PrivateControlTest, PlainTransferThatSucceedsStands)
 {
     CameraWithControls const opened(withPrivateInteger().withPlainPrivateControls());
-    EXPECT_EQ(5, opened.as<Integer>(firstPrivate + 1).value());
+    EXPECT_EQ(opened.as<Integer>(firstPrivate + 1).value(), 5);
     EXPECT_TRUE(opened.as<Integer>(firstPrivate + 1).setValue(6));
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_G_CTRL));
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_S_CTRL));
-    EXPECT_EQ(2u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_G_CTRL), 1u);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 1u);
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 2u);
 }
 
 TEST(PrivateControlTest, PlainTransferThatFailsOtherwiseStands)
@@ -82,11 +82,11 @@ TEST(PrivateControlTest, PlainTransferThatFailsOtherwiseStands)
         CameraWithControls opened(withPrivateInteger());
         opened.node.fail(VIDIOC_G_CTRL, error);
         opened.node.fail(VIDIOC_S_CTRL, error);
-        EXPECT_EQ(0, opened.as<Integer>(firstPrivate + 1).value());
+        EXPECT_EQ(opened.as<Integer>(firstPrivate + 1).value(), 0);
         errno = 0;
         EXPECT_FALSE(opened.as<Integer>(firstPrivate + 1).setValue(6));
         EXPECT_EQ(error, errno);
-        EXPECT_EQ(2u, opened.node.countOf(Call::Ioctl)) << error;
+        EXPECT_EQ(opened.node.countOf(Call::Ioctl), 2u) << error;
     }
 }
 
@@ -94,12 +94,12 @@ TEST(PrivateControlTest, FailureOfTheSecondTransferIsTheAnswer)
 {
     CameraWithControls opened(withPrivateInteger());
     opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
-    EXPECT_EQ(0, opened.as<Integer>(firstPrivate + 1).value());
+    EXPECT_EQ(opened.as<Integer>(firstPrivate + 1).value(), 0);
     opened.node.fail(VIDIOC_S_EXT_CTRLS, ERANGE);
     errno = 0;
     EXPECT_FALSE(opened.as<Integer>(firstPrivate + 1).setValue(6));
-    EXPECT_EQ(ERANGE, errno);
-    EXPECT_EQ(4u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(errno, ERANGE);
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 4u);
 }
 
 TEST(PrivateControlTest, InvalidSecondTransferIsNotMadeAThirdTime)
@@ -107,9 +107,9 @@ TEST(PrivateControlTest, InvalidSecondTransferIsNotMadeAThirdTime)
     CameraWithControls opened(withPrivateInteger());
     opened.node.failFrom(VIDIOC_G_EXT_CTRLS, EINVAL);
     opened.node.failFrom(VIDIOC_S_EXT_CTRLS, EINVAL);
-    EXPECT_EQ(0, opened.as<Integer>(firstPrivate + 1).value());
+    EXPECT_EQ(opened.as<Integer>(firstPrivate + 1).value(), 0);
     EXPECT_FALSE(opened.as<Integer>(firstPrivate + 1).setValue(6));
-    EXPECT_EQ(4u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 4u);
 }
 
 TEST(PrivateControlTest, InterruptionIsNoRefusal)
@@ -117,8 +117,8 @@ TEST(PrivateControlTest, InterruptionIsNoRefusal)
     CameraWithControls opened(withPrivateInteger().withPlainPrivateControls());
     opened.node.fail(VIDIOC_S_CTRL, EINTR);
     EXPECT_TRUE(opened.as<Integer>(firstPrivate + 1).setValue(6));
-    EXPECT_EQ(2u, opened.node.countOf(VIDIOC_S_CTRL));
-    EXPECT_EQ(0u, opened.node.countOf(VIDIOC_S_EXT_CTRLS));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 2u);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_EXT_CTRLS), 0u);
 }
 
 TEST(PrivateControlTest, RangeBeginsExactlyAtThePrivateBase)
@@ -127,16 +127,16 @@ TEST(PrivateControlTest, RangeBeginsExactlyAtThePrivateBase)
         integerControl(lastBelow, "Below").range(0, 9).refusingReads(EINVAL).refusingWrites(EINVAL),
         integerControl(firstPrivate, "First").range(0, 9).byDefault(4),
     });
-    EXPECT_EQ(0, opened.as<Integer>(lastBelow).value());
+    EXPECT_EQ(opened.as<Integer>(lastBelow).value(), 0);
     EXPECT_FALSE(opened.as<Integer>(lastBelow).setValue(1));
-    EXPECT_EQ(2u, opened.node.countOf(Call::Ioctl));
-    EXPECT_EQ(0u, opened.node.countOf(VIDIOC_G_EXT_CTRLS));
-    EXPECT_EQ(0u, opened.node.countOf(VIDIOC_S_EXT_CTRLS));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 2u);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_G_EXT_CTRLS), 0u);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_EXT_CTRLS), 0u);
 
-    EXPECT_EQ(4, opened.as<Integer>(firstPrivate).value());
+    EXPECT_EQ(opened.as<Integer>(firstPrivate).value(), 4);
     EXPECT_TRUE(opened.as<Integer>(firstPrivate).setValue(3));
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_G_EXT_CTRLS));
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_S_EXT_CTRLS));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_G_EXT_CTRLS), 1u);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_EXT_CTRLS), 1u);
 }
 
 TEST(PrivateControlTest, StandardControlIsNeverAskedTwice)
@@ -152,10 +152,10 @@ TEST(PrivateControlTest, StandardControlIsNeverAskedTwice)
             .refusingWrites(EINVAL),
     });
     for (unsigned int const id : {V4L2_CID_BRIGHTNESS, V4L2_CID_EXPOSURE_ABSOLUTE}) {
-        EXPECT_EQ(0, opened.as<Integer>(id).value());
+        EXPECT_EQ(opened.as<Integer>(id).value(), 0);
         EXPECT_FALSE(opened.as<Integer>(id).setValue(1));
     }
-    EXPECT_EQ(4u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 4u);
 }
 
 TEST(PrivateControlTest, EveryTypeThatTravelsPlainlyReachesItsPrivateControl)
@@ -168,20 +168,20 @@ TEST(PrivateControlTest, EveryTypeThatTravelsPlainlyReachesItsPrivateControl)
     });
     EXPECT_TRUE(opened.as<ICameraControlBoolean>(firstPrivate + 5).value());
     EXPECT_TRUE(opened.as<ICameraControlBoolean>(firstPrivate + 5).setValue(false));
-    EXPECT_EQ(0, opened.node.controlValue(firstPrivate + 5));
+    EXPECT_EQ(opened.node.controlValue(firstPrivate + 5), 0);
 
     auto& mode = opened.as<ICameraControlStringMenu>(firstPrivate);
-    EXPECT_EQ(1, mode.currentIndex());
+    EXPECT_EQ(mode.currentIndex(), 1);
     EXPECT_TRUE(mode.setCurrentIndex(0));
-    EXPECT_EQ(0, opened.node.controlValue(firstPrivate));
+    EXPECT_EQ(opened.node.controlValue(firstPrivate), 0);
 
     auto& bits = opened.as<ICameraControlBitMask>(firstPrivate + 4);
-    EXPECT_EQ(0x80000001u, bits.value());
+    EXPECT_EQ(bits.value(), 0x80000001u);
     EXPECT_TRUE(bits.setValue(0xC0000000));
-    EXPECT_EQ(0xC0000000u, bits.value());
+    EXPECT_EQ(bits.value(), 0xC0000000u);
 
     EXPECT_TRUE(opened.as<ICameraControlButton>(firstPrivate + 8).clicked());
-    EXPECT_EQ(2u, opened.node.controlWrites(firstPrivate + 8)); // The refused one and the other.
+    EXPECT_EQ(opened.node.controlWrites(firstPrivate + 8), 2u); // The refused one and the other.
 }
 
 TEST(PrivateControlTest, ExtendedTypesMakeNoPlainAttempt)
@@ -189,9 +189,9 @@ TEST(PrivateControlTest, ExtendedTypesMakeNoPlainAttempt)
     CameraWithControls const opened(
         {unsigned8Control(firstPrivate + 1, "Narrow").range(0, 200).byDefault(99)});
     auto& narrow = opened.as<ICameraControlNumeric<unsigned char>>(firstPrivate + 1);
-    EXPECT_EQ(99, narrow.value());
+    EXPECT_EQ(narrow.value(), 99);
     EXPECT_TRUE(narrow.setValue(100));
-    EXPECT_EQ(0u, opened.node.countOf(VIDIOC_G_CTRL));
-    EXPECT_EQ(0u, opened.node.countOf(VIDIOC_S_CTRL));
-    EXPECT_EQ(2u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_G_CTRL), 0u);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 0u);
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 2u);
 }

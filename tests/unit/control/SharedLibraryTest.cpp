@@ -65,42 +65,42 @@ bool libraryExports(std::string const& symbol)
 
 TEST_F(SharedLibraryTest, NumbersAreReachedByCast)
 {
-    ASSERT_NE(nullptr, as<ICameraControlNumeric<int>>("Int32"));
-    EXPECT_EQ(4, as<ICameraControlNumeric<int>>("Int32")->value());
-    ASSERT_NE(nullptr, as<ICameraControlNumeric<long long>>("Int64"));
-    EXPECT_EQ(0x500000000, as<ICameraControlNumeric<long long>>("Int64")->value());
-    ASSERT_NE(nullptr, as<ICameraControlNumeric<unsigned char>>("UInt8"));
-    EXPECT_EQ(8, as<ICameraControlNumeric<unsigned char>>("UInt8")->value());
-    ASSERT_NE(nullptr, as<ICameraControlNumeric<unsigned short>>("UInt16"));
-    EXPECT_EQ(16, as<ICameraControlNumeric<unsigned short>>("UInt16")->value());
+    ASSERT_NE(as<ICameraControlNumeric<int>>("Int32"), nullptr);
+    EXPECT_EQ(as<ICameraControlNumeric<int>>("Int32")->value(), 4);
+    ASSERT_NE(as<ICameraControlNumeric<long long>>("Int64"), nullptr);
+    EXPECT_EQ(as<ICameraControlNumeric<long long>>("Int64")->value(), 0x500000000);
+    ASSERT_NE(as<ICameraControlNumeric<unsigned char>>("UInt8"), nullptr);
+    EXPECT_EQ(as<ICameraControlNumeric<unsigned char>>("UInt8")->value(), 8);
+    ASSERT_NE(as<ICameraControlNumeric<unsigned short>>("UInt16"), nullptr);
+    EXPECT_EQ(as<ICameraControlNumeric<unsigned short>>("UInt16")->value(), 16);
 }
 
 TEST_F(SharedLibraryTest, OtherTypesAreReachedByCast)
 {
-    ASSERT_NE(nullptr, as<ICameraControlBoolean>("Boolean"));
+    ASSERT_NE(as<ICameraControlBoolean>("Boolean"), nullptr);
     EXPECT_TRUE(as<ICameraControlBoolean>("Boolean")->value());
-    ASSERT_NE(nullptr, as<ICameraControlButton>("Button"));
+    ASSERT_NE(as<ICameraControlButton>("Button"), nullptr);
     EXPECT_TRUE(as<ICameraControlButton>("Button")->clicked());
-    ASSERT_NE(nullptr, as<ICameraControlBitMask>("BitMask"));
-    EXPECT_EQ(5u, as<ICameraControlBitMask>("BitMask")->value());
-    ASSERT_NE(nullptr, as<ICameraControlStringMenu>("StringMenu"));
-    EXPECT_STREQ("One", as<ICameraControlStringMenu>("StringMenu")->currentString());
-    ASSERT_NE(nullptr, as<ICameraControlInt64Menu>("Int64Menu"));
-    EXPECT_EQ(0, as<ICameraControlInt64Menu>("Int64Menu")->currentIndex());
-    ASSERT_NE(nullptr, as<ICameraControlBaseMenu>("Int64Menu"));
-    ASSERT_NE(nullptr, as<ICameraControlString>("String"));
+    ASSERT_NE(as<ICameraControlBitMask>("BitMask"), nullptr);
+    EXPECT_EQ(as<ICameraControlBitMask>("BitMask")->value(), 5u);
+    ASSERT_NE(as<ICameraControlStringMenu>("StringMenu"), nullptr);
+    EXPECT_STREQ(as<ICameraControlStringMenu>("StringMenu")->currentString(), "One");
+    ASSERT_NE(as<ICameraControlInt64Menu>("Int64Menu"), nullptr);
+    EXPECT_EQ(as<ICameraControlInt64Menu>("Int64Menu")->currentIndex(), 0);
+    ASSERT_NE(as<ICameraControlBaseMenu>("Int64Menu"), nullptr);
+    ASSERT_NE(as<ICameraControlString>("String"), nullptr);
     char buffer[16];
     EXPECT_TRUE(as<ICameraControlString>("String")->getValue(buffer, 16));
-    EXPECT_STREQ("text", buffer);
+    EXPECT_STREQ(buffer, "text");
 }
 
 TEST_F(SharedLibraryTest, CastToAnotherTypeGivesNull)
 {
-    EXPECT_EQ(nullptr, as<ICameraControlNumeric<long long>>("Int32"));
-    EXPECT_EQ(nullptr, as<ICameraControlNumeric<unsigned int>>("Int32"));
-    EXPECT_EQ(nullptr, as<ICameraControlNumeric<int>>("Boolean"));
-    EXPECT_EQ(nullptr, as<ICameraControlStringMenu>("Int64Menu"));
-    EXPECT_EQ(nullptr, as<ICameraControlNumeric<int>>("no such control"));
+    EXPECT_EQ(as<ICameraControlNumeric<long long>>("Int32"), nullptr);
+    EXPECT_EQ(as<ICameraControlNumeric<unsigned int>>("Int32"), nullptr);
+    EXPECT_EQ(as<ICameraControlNumeric<int>>("Boolean"), nullptr);
+    EXPECT_EQ(as<ICameraControlStringMenu>("Int64Menu"), nullptr);
+    EXPECT_EQ(as<ICameraControlNumeric<int>>("no such control"), nullptr);
 }
 
 TEST_F(SharedLibraryTest, OutOfRangeCanBeCaughtByTheClient)

@@ -58,10 +58,10 @@ TEST(CameraControlBooleanTest, SendsOneForTrueAndZeroForFalse)
 {
     CameraWithControls const opened({boolean()});
     EXPECT_TRUE(opened.as<ICameraControlBoolean>(id).setValue(true));
-    EXPECT_EQ(1, opened.node.lastControlValueSent(id));
+    EXPECT_EQ(opened.node.lastControlValueSent(id), 1);
     EXPECT_TRUE(opened.as<ICameraControlBoolean>(id).setValue(false));
-    EXPECT_EQ(0, opened.node.lastControlValueSent(id));
-    EXPECT_EQ(2u, opened.node.countOf(VIDIOC_S_CTRL));
+    EXPECT_EQ(opened.node.lastControlValueSent(id), 0);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 2u);
 }
 
 TEST(CameraControlBooleanTest, DefaultIsTrueUnlessZero)
@@ -70,14 +70,14 @@ TEST(CameraControlBooleanTest, DefaultIsTrueUnlessZero)
     EXPECT_TRUE(five.as<ICameraControlBoolean>(id).defaultValue());
     CameraWithControls const zero({boolean().byDefault(0).currently(1)});
     EXPECT_FALSE(zero.as<ICameraControlBoolean>(id).defaultValue());
-    EXPECT_EQ(0u, zero.node.countOf(Call::Ioctl));
+    EXPECT_EQ(zero.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST(CameraControlBooleanTest, WriteOnlyReadsFalseWithoutAsking)
 {
     CameraWithControls const opened({boolean().byDefault(1).withFlags(V4L2_CTRL_FLAG_WRITE_ONLY)});
     EXPECT_FALSE(opened.as<ICameraControlBoolean>(id).value());
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
     EXPECT_TRUE(opened.as<ICameraControlBoolean>(id).setValue(true));
 }
 
@@ -95,7 +95,7 @@ TEST(CameraControlBooleanTest, ReadOnlyIsRefusedAlsoWhenGrabbed)
          {V4L2_CTRL_FLAG_READ_ONLY, V4L2_CTRL_FLAG_READ_ONLY | V4L2_CTRL_FLAG_GRABBED}) {
         CameraWithControls const opened({boolean().withFlags(flags)});
         EXPECT_FALSE(opened.as<ICameraControlBoolean>(id).setValue(true));
-        EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+        EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
     }
 }
 
@@ -105,25 +105,25 @@ TEST(CameraControlButtonTest, SendsOneWithEachClick)
     EXPECT_TRUE(opened.as<ICameraControlButton>(id).clicked());
     EXPECT_TRUE(opened.as<ICameraControlButton>(id).clicked());
     std::vector<CallRecord> const calls = opened.node.calls();
-    ASSERT_EQ(2u, calls.size());
+    ASSERT_EQ(calls.size(), 2u);
     for (CallRecord const& call : calls) {
         EXPECT_EQ(CallId(VIDIOC_S_CTRL), call.call);
-        EXPECT_EQ(1, call.argument<v4l2_control>().value);
+        EXPECT_EQ(call.argument<v4l2_control>().value, 1);
     }
 }
 
 TEST(CameraControlButtonTest, HasNoValueToReadAndDoesNotAskForOne)
 {
     CameraWithControls const opened({button()});
-    EXPECT_EQ(0, dynamic_cast<CameraControlButton&>(opened.control(id)).inquireControlValue());
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(dynamic_cast<CameraControlButton&>(opened.control(id)).inquireControlValue(), 0);
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST(CameraControlButtonTest, RefusedClickIsFalse)
 {
     CameraWithControls const opened({button().refusingWrites(EIO)});
     EXPECT_FALSE(opened.as<ICameraControlButton>(id).clicked());
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_S_CTRL));
+    EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 1u);
 }
 
 TEST(CameraControlBitMaskTest, CarriesAllThirtyTwoBitsBothWays)
@@ -132,37 +132,37 @@ TEST(CameraControlBitMaskTest, CarriesAllThirtyTwoBitsBothWays)
     EXPECT_TRUE(opened.as<ICameraControlBitMask>(id).setValue(0x80000001u));
     CallRecord const call = opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_S_CTRL), call.call);
-    EXPECT_EQ(static_cast<int>(0x80000001u), call.argument<v4l2_control>().value);
+    EXPECT_EQ(call.argument<v4l2_control>().value, static_cast<int>(0x80000001u));
     opened.node.setControlValue(id, 0xF0F0F0F0);
-    EXPECT_EQ(0xF0F0F0F0u, opened.as<ICameraControlBitMask>(id).value());
-    EXPECT_EQ(1u, opened.node.countOf(VIDIOC_G_CTRL));
+    EXPECT_EQ(opened.as<ICameraControlBitMask>(id).value(), 0xF0F0F0F0u);
+    EXPECT_EQ(opened.node.countOf(VIDIOC_G_CTRL), 1u);
 }
 
 TEST(CameraControlBitMaskTest, SendsBitsOutsideTheMaskToo)
 {
     CameraWithControls const opened({bitMask().range(0, 0x0F)});
     EXPECT_TRUE(opened.as<ICameraControlBitMask>(id).setValue(0xFF));
-    EXPECT_EQ(0xFF, opened.node.lastControlValueSent(id));
+    EXPECT_EQ(opened.node.lastControlValueSent(id), 0xFF);
 }
 
 TEST(CameraControlBitMaskTest, DefaultMayHaveTheTopBit)
 {
     CameraWithControls const opened({bitMask().byDefault(0x80000002).currently(1)});
-    EXPECT_EQ(0x80000002u, opened.as<ICameraControlBitMask>(id).defaultValue());
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.as<ICameraControlBitMask>(id).defaultValue(), 0x80000002u);
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST(CameraControlBitMaskTest, WriteOnlyReadsZeroWithoutAsking)
 {
     CameraWithControls const opened({bitMask().byDefault(7).withFlags(V4L2_CTRL_FLAG_WRITE_ONLY)});
-    EXPECT_EQ(0u, opened.as<ICameraControlBitMask>(id).value());
-    EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl));
+    EXPECT_EQ(opened.as<ICameraControlBitMask>(id).value(), 0u);
+    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST(CameraControlBitMaskTest, FailuresAreZeroAndFalse)
 {
     CameraWithControls const opened(
         {bitMask().byDefault(7).refusingReads(EIO).refusingWrites(EIO)});
-    EXPECT_EQ(0u, opened.as<ICameraControlBitMask>(id).value());
+    EXPECT_EQ(opened.as<ICameraControlBitMask>(id).value(), 0u);
     EXPECT_FALSE(opened.as<ICameraControlBitMask>(id).setValue(1));
 }

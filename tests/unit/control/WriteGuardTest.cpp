@@ -111,7 +111,7 @@ TEST_P(WriteGuardTest, EachOfFourFlagsRefusesWritesWithoutAsking)
                                     V4L2_CTRL_FLAG_INACTIVE, V4L2_CTRL_FLAG_GRABBED}) {
         CameraWithControls const opened = withFlags(flag);
         EXPECT_FALSE(GetParam().set(opened.control(id))) << flag;
-        EXPECT_EQ(0u, opened.node.countOf(Call::Ioctl)) << flag;
+        EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u) << flag;
     }
 }
 
@@ -122,8 +122,8 @@ TEST_P(WriteGuardTest, NoOtherFlagRefusesWrites)
           V4L2_CTRL_FLAG_VOLATILE, V4L2_CTRL_FLAG_EXECUTE_ON_WRITE}) {
         CameraWithControls const opened = withFlags(flag);
         EXPECT_TRUE(GetParam().set(opened.control(id))) << flag;
-        EXPECT_EQ(1u, opened.node.controlWrites(id)) << flag;
-        EXPECT_EQ(1u, opened.node.countOf(Call::Ioctl)) << flag;
+        EXPECT_EQ(opened.node.controlWrites(id), 1u) << flag;
+        EXPECT_EQ(opened.node.countOf(Call::Ioctl), 1u) << flag;
     }
 }
 
@@ -133,17 +133,17 @@ TEST_P(WriteGuardTest, GoesByTheFlagsThatWereAskedForLast)
     ICameraControl& control = opened.control(id);
     opened.node.setControlFlags(id, V4L2_CTRL_FLAG_INACTIVE);
     EXPECT_FALSE(GetParam().set(control)); // Refused by the driver, to which it was sent.
-    EXPECT_EQ(1u, opened.node.controlWrites(id));
+    EXPECT_EQ(opened.node.controlWrites(id), 1u);
 
     control.updateState();
     EXPECT_FALSE(GetParam().set(control));
-    EXPECT_EQ(1u, opened.node.controlWrites(id));
+    EXPECT_EQ(opened.node.controlWrites(id), 1u);
 
     opened.node.setControlFlags(id, 0);
     EXPECT_FALSE(GetParam().set(control));
     control.updateState();
     EXPECT_TRUE(GetParam().set(control));
-    EXPECT_EQ(2u, opened.node.controlWrites(id));
+    EXPECT_EQ(opened.node.controlWrites(id), 2u);
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryType, WriteGuardTest, testing::ValuesIn(kinds),
@@ -160,6 +160,6 @@ TEST(WriteGuardOrderTest, FlagsAreTestedInTheirOrderUntilOneRefuses)
         control.questions.clear();
         control.refusing = order[refusing];
         EXPECT_FALSE(control.setValue(true));
-        EXPECT_EQ(refusing + 1, control.questions.size());
+        EXPECT_EQ(control.questions.size(), refusing + 1);
     }
 }

@@ -45,10 +45,10 @@ protected:
 
 TEST_F(DeviceEnumeration, FindsNothingOnAMachineWithoutNodes)
 {
-    EXPECT_EQ(0, listed());
-    EXPECT_EQ(nullptr, describe("video0"));
-    EXPECT_EQ(nullptr, describe(nullptr));
-    EXPECT_EQ(nullptr, describe(""));
+    EXPECT_EQ(listed(), 0);
+    EXPECT_EQ(describe("video0"), nullptr);
+    EXPECT_EQ(describe(nullptr), nullptr);
+    EXPECT_EQ(describe(""), nullptr);
 }
 
 TEST_F(DeviceEnumeration, NumbersDevicesByTheirPositionInTheList)
@@ -56,11 +56,11 @@ TEST_F(DeviceEnumeration, NumbersDevicesByTheirPositionInTheList)
     auto const usb = machine.plug(aUsbDevice());
     machine.add(0, usb);
     machine.add(2, usb);
-    ASSERT_EQ(2, listed());
-    EXPECT_EQ(0, list.at(0)->index());
-    EXPECT_STREQ("/dev/video0", list.at(0)->systemName());
-    EXPECT_EQ(1, list.at(1)->index());
-    EXPECT_STREQ("/dev/video2", list.at(1)->systemName());
+    ASSERT_EQ(listed(), 2);
+    EXPECT_EQ(list.at(0)->index(), 0);
+    EXPECT_STREQ(list.at(0)->systemName(), "/dev/video0");
+    EXPECT_EQ(list.at(1)->index(), 1);
+    EXPECT_STREQ(list.at(1)->systemName(), "/dev/video2");
 }
 
 TEST_F(DeviceEnumeration, WalksToNode64AndNoFurther)
@@ -68,8 +68,8 @@ TEST_F(DeviceEnumeration, WalksToNode64AndNoFurther)
     auto const usb = machine.plug(aUsbDevice());
     machine.add(64, usb);
     machine.add(65, usb);
-    ASSERT_EQ(1, listed());
-    EXPECT_STREQ("/dev/video64", list.at(0)->systemName());
+    ASSERT_EQ(listed(), 1);
+    EXPECT_STREQ(list.at(0)->systemName(), "/dev/video64");
 }
 
 TEST_F(DeviceEnumeration, DescribesASingleNodeOfAnyNumberWithIndexZero)
@@ -78,20 +78,20 @@ TEST_F(DeviceEnumeration, DescribesASingleNodeOfAnyNumberWithIndexZero)
     machine.add(3, usb);
     machine.add(65, usb);
     auto const device = describe("video65");
-    ASSERT_NE(nullptr, device);
-    EXPECT_EQ(0, device->index());
-    EXPECT_STREQ("/dev/video65", device->systemName());
-    EXPECT_EQ(0, describe("video3")->index());
+    ASSERT_NE(device, nullptr);
+    EXPECT_EQ(device->index(), 0);
+    EXPECT_STREQ(device->systemName(), "/dev/video65");
+    EXPECT_EQ(describe("video3")->index(), 0);
 }
 
 TEST_F(DeviceEnumeration, ForgetsWhatTheListHeldBefore)
 {
     auto const usb = machine.plug(aUsbDevice());
     machine.add(0, usb);
-    EXPECT_EQ(1, listed());
-    EXPECT_EQ(1, listed());
+    EXPECT_EQ(listed(), 1);
+    EXPECT_EQ(listed(), 1);
     machine.testbed.removeVideoNode("video0");
-    EXPECT_EQ(0, listed());
+    EXPECT_EQ(listed(), 0);
 }
 
 TEST_F(DeviceEnumeration, SkipsNodesThatDoNotCapture)
@@ -112,12 +112,12 @@ TEST_F(DeviceEnumeration, SkipsNodesThatDoNotCapture)
             machine.add(number, usb,
                         aCamera(Machine::nodeOf(number))
                             .withCapabilities(node.capabilities, node.deviceCapabilities));
-        EXPECT_EQ(nullptr, describe(("video" + std::to_string(number)).c_str()));
-        EXPECT_EQ(1u, camera.countOf(VIDIOC_QUERYCAP));
-        EXPECT_EQ(0, camera.accounting().openDescriptors);
+        EXPECT_EQ(describe(("video" + std::to_string(number)).c_str()), nullptr);
+        EXPECT_EQ(camera.countOf(VIDIOC_QUERYCAP), 1u);
+        EXPECT_EQ(camera.accounting().openDescriptors, 0);
         ++number;
     }
-    EXPECT_EQ(0, listed());
+    EXPECT_EQ(listed(), 0);
 }
 
 TEST_F(DeviceEnumeration, ListsANodeThatCapturesMultiPlanarAsWell)
@@ -125,7 +125,7 @@ TEST_F(DeviceEnumeration, ListsANodeThatCapturesMultiPlanarAsWell)
     auto const usb = machine.plug(aUsbDevice());
     constexpr unsigned int both = V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_VIDEO_CAPTURE_MPLANE;
     machine.add(0, usb, aCamera().withCapabilities(both, both));
-    ASSERT_EQ(1, listed());
+    ASSERT_EQ(listed(), 1);
     EXPECT_TRUE(list.at(0)->supportsMultiplane());
     EXPECT_TRUE(list.at(0)->supportsVideoCapture());
 }
@@ -158,11 +158,11 @@ TEST_F(DeviceEnumeration, TakesEachFlagFromItsOwnBit)
                 .install();
         machine.testbed.addVideoNode("video0", usb);
         auto const device = describe("video0");
-        ASSERT_NE(nullptr, device);
-        EXPECT_EQ(one.asynchIO, device->supportsAsynchIO());
-        EXPECT_EQ(one.multiplane, device->supportsMultiplane());
-        EXPECT_EQ(one.readWrite, device->supportsReadWrite());
-        EXPECT_EQ(one.streaming, device->supportsStreaming());
+        ASSERT_NE(device, nullptr);
+        EXPECT_EQ(device->supportsAsynchIO(), one.asynchIO);
+        EXPECT_EQ(device->supportsMultiplane(), one.multiplane);
+        EXPECT_EQ(device->supportsReadWrite(), one.readWrite);
+        EXPECT_EQ(device->supportsStreaming(), one.streaming);
         EXPECT_TRUE(device->supportsVideoCapture());
         machine.testbed.removeVideoNode("video0");
     }
@@ -177,23 +177,23 @@ TEST_F(DeviceEnumeration, TakesTheTextsOfTheDriver)
                     .withDriver("uvcvideo", 0x00060100)
                     .withBusInfo("usb-0000:00:14.0-1"));
     auto const device = describe("video0");
-    ASSERT_NE(nullptr, device);
-    EXPECT_STREQ("Kamera", device->name());
-    EXPECT_STREQ("uvcvideo", device->driverName());
-    EXPECT_STREQ("usb-0000:00:14.0-1", device->busInfo());
-    EXPECT_STREQ("6.1.0", device->driverVersion());
-    EXPECT_EQ(0x00060100u, dynamic_cast<Device&>(*device).driverVersionCode());
+    ASSERT_NE(device, nullptr);
+    EXPECT_STREQ(device->name(), "Kamera");
+    EXPECT_STREQ(device->driverName(), "uvcvideo");
+    EXPECT_STREQ(device->busInfo(), "usb-0000:00:14.0-1");
+    EXPECT_STREQ(device->driverVersion(), "6.1.0");
+    EXPECT_EQ(dynamic_cast<Device&>(*device).driverVersionCode(), 0x00060100u);
 }
 
 TEST_F(DeviceEnumeration, OpensTheNodeForTheCapabilityQueryAlone)
 {
     auto const usb = machine.plug(aUsbDevice());
     auto const& camera = machine.add(0, usb);
-    ASSERT_NE(nullptr, describe("video0"));
+    ASSERT_NE(describe("video0"), nullptr);
     auto const calls = camera.calls();
-    ASSERT_EQ(3u, calls.size());
+    ASSERT_EQ(calls.size(), 3u);
     EXPECT_EQ(CallId(Call::Open), calls[0].call);
-    EXPECT_EQ(O_RDWR | O_NONBLOCK, calls[0].openFlags);
+    EXPECT_EQ(calls[0].openFlags, O_RDWR | O_NONBLOCK);
     EXPECT_EQ(CallId(VIDIOC_QUERYCAP), calls[1].call);
     EXPECT_EQ(CallId(Call::Close), calls[2].call);
 }
@@ -202,8 +202,8 @@ TEST_F(DeviceEnumeration, SkipsANodeThatIsNotThere)
 {
     // The driver would answer, but the file is missing.
     auto const camera = aCamera().install();
-    EXPECT_EQ(nullptr, describe("video0"));
-    EXPECT_EQ(0u, camera.countOf(Call::Open));
+    EXPECT_EQ(describe("video0"), nullptr);
+    EXPECT_EQ(camera.countOf(Call::Open), 0u);
 }
 
 TEST_F(DeviceEnumeration, SkipsNodesThatFailAndFindsTheOthers)
@@ -213,11 +213,11 @@ TEST_F(DeviceEnumeration, SkipsNodesThatFailAndFindsTheOthers)
     auto const& silent =
         machine.add(1, usb, aCamera("/dev/video1").failing(VIDIOC_QUERYCAP, ENODEV));
     machine.add(2, usb);
-    ASSERT_EQ(1, listed());
-    EXPECT_STREQ("/dev/video2", list.at(0)->systemName());
-    EXPECT_EQ(0, unopened.accounting().openDescriptors);
-    EXPECT_EQ(0, silent.accounting().openDescriptors);
-    EXPECT_EQ(1u, silent.countOf(Call::Close));
+    ASSERT_EQ(listed(), 1);
+    EXPECT_STREQ(list.at(0)->systemName(), "/dev/video2");
+    EXPECT_EQ(unopened.accounting().openDescriptors, 0);
+    EXPECT_EQ(silent.accounting().openDescriptors, 0);
+    EXPECT_EQ(silent.countOf(Call::Close), 1u);
 }
 
 TEST_F(DeviceEnumeration, AsksAgainWhenASignalInterruptsIt)
@@ -225,9 +225,9 @@ TEST_F(DeviceEnumeration, AsksAgainWhenASignalInterruptsIt)
     auto const usb = machine.plug(aUsbDevice());
     auto const& camera =
         machine.add(0, usb, aCamera().failing(VIDIOC_QUERYCAP, EINTR).failing(Call::Close, EINTR));
-    EXPECT_NE(nullptr, describe("video0"));
-    EXPECT_EQ(2u, camera.countOf(VIDIOC_QUERYCAP));
-    EXPECT_EQ(2u, camera.countOf(Call::Close));
+    EXPECT_NE(describe("video0"), nullptr);
+    EXPECT_EQ(camera.countOf(VIDIOC_QUERYCAP), 2u);
+    EXPECT_EQ(camera.countOf(Call::Close), 2u);
 }
 
 } // namespace

@@ -35,9 +35,9 @@ struct CountedDevice : public DeviceStub
 TEST(DeviceList, StartsEmpty)
 {
     DeviceList const list;
-    EXPECT_EQ(0, list.size());
-    EXPECT_EQ(nullptr, list.at(0));
-    EXPECT_EQ(nullptr, list.deviceByName("Camera"));
+    EXPECT_EQ(list.size(), 0);
+    EXPECT_EQ(list.at(0), nullptr);
+    EXPECT_EQ(list.deviceByName("Camera"), nullptr);
 }
 
 TEST(DeviceList, KeepsTheOrderOfAppending)
@@ -47,19 +47,19 @@ TEST(DeviceList, KeepsTheOrderOfAppending)
     IDevice const* const second = named(1, "B");
     list.append(const_cast<IDevice*>(first));
     list.append(const_cast<IDevice*>(second));
-    ASSERT_EQ(2, list.size());
-    EXPECT_EQ(first, list.at(0));
-    EXPECT_EQ(second, list.at(1));
+    ASSERT_EQ(list.size(), 2);
+    EXPECT_EQ(list.at(0), first);
+    EXPECT_EQ(list.at(1), second);
 }
 
 TEST(DeviceList, GivesNullOutsideItsPositions)
 {
     DeviceList list;
     list.append(named(0, "A"));
-    EXPECT_EQ(nullptr, list.at(-1));
-    EXPECT_EQ(nullptr, list.at(list.size()));
-    EXPECT_EQ(nullptr, list.at(2147483647));
-    EXPECT_EQ(nullptr, list.at(-2147483647 - 1));
+    EXPECT_EQ(list.at(-1), nullptr);
+    EXPECT_EQ(list.at(list.size()), nullptr);
+    EXPECT_EQ(list.at(2147483647), nullptr);
+    EXPECT_EQ(list.at(-2147483647 - 1), nullptr);
 }
 
 TEST(DeviceList, FindsTheFirstOfTwoDevicesThatShareAName)
@@ -68,30 +68,30 @@ TEST(DeviceList, FindsTheFirstOfTwoDevicesThatShareAName)
     list.append(named(0, "Other"));
     list.append(named(1, "Twin"));
     list.append(named(2, "Twin"));
-    ASSERT_NE(nullptr, list.deviceByName("Twin"));
-    EXPECT_EQ(1, list.deviceByName("Twin")->index());
+    ASSERT_NE(list.deviceByName("Twin"), nullptr);
+    EXPECT_EQ(list.deviceByName("Twin")->index(), 1);
 }
 
 TEST(DeviceList, ComparesNamesToTheLetter)
 {
     DeviceList list;
     list.append(named(0, "Camera"));
-    EXPECT_NE(nullptr, list.deviceByName("Camera"));
-    EXPECT_EQ(nullptr, list.deviceByName("camera"));
-    EXPECT_EQ(nullptr, list.deviceByName("Camer"));
-    EXPECT_EQ(nullptr, list.deviceByName("Camera "));
-    EXPECT_EQ(nullptr, list.deviceByName(""));
-    EXPECT_EQ(nullptr, list.deviceByName(nullptr));
+    EXPECT_NE(list.deviceByName("Camera"), nullptr);
+    EXPECT_EQ(list.deviceByName("camera"), nullptr);
+    EXPECT_EQ(list.deviceByName("Camer"), nullptr);
+    EXPECT_EQ(list.deviceByName("Camera "), nullptr);
+    EXPECT_EQ(list.deviceByName(""), nullptr);
+    EXPECT_EQ(list.deviceByName(nullptr), nullptr);
 }
 
 TEST(DeviceList, FindsANodePathOnlyWhereACardIsCalledSo)
 {
     DeviceList list;
     list.append(named(0, "Camera"));
-    EXPECT_EQ(nullptr, list.deviceByName("/dev/video0"));
+    EXPECT_EQ(list.deviceByName("/dev/video0"), nullptr);
     list.append(named(1, "/dev/video0"));
-    ASSERT_NE(nullptr, list.deviceByName("/dev/video0"));
-    EXPECT_EQ(1, list.deviceByName("/dev/video0")->index());
+    ASSERT_NE(list.deviceByName("/dev/video0"), nullptr);
+    EXPECT_EQ(list.deviceByName("/dev/video0")->index(), 1);
 }
 
 TEST(DeviceList, DestroysItsDevicesWhenItIsCleared)
@@ -100,10 +100,10 @@ TEST(DeviceList, DestroysItsDevicesWhenItIsCleared)
     DeviceList list;
     list.append(new CountedDevice(alive));
     list.append(new CountedDevice(alive));
-    ASSERT_EQ(2, alive);
+    ASSERT_EQ(alive, 2);
     list.clear();
-    EXPECT_EQ(0, list.size());
-    EXPECT_EQ(0, alive);
+    EXPECT_EQ(list.size(), 0);
+    EXPECT_EQ(alive, 0);
 }
 
 TEST(DeviceList, DestroysItsDevicesWithItself)
@@ -114,16 +114,16 @@ TEST(DeviceList, DestroysItsDevicesWithItself)
         auto list = std::make_unique<DeviceList>();
         list->append(new CountedDevice(alive));
         owner = std::move(list);
-        ASSERT_EQ(1, alive);
+        ASSERT_EQ(alive, 1);
     }
-    EXPECT_EQ(0, alive);
+    EXPECT_EQ(alive, 0);
 }
 
 TEST(DeviceList, IgnoresANullDevice)
 {
     DeviceList list;
     list.append(nullptr);
-    EXPECT_EQ(0, list.size());
+    EXPECT_EQ(list.size(), 0);
 }
 
 } // namespace

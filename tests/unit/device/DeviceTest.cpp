@@ -25,13 +25,13 @@ std::string upperCase(std::string text)
 TEST(Device, StartsWithItsIndexAndTheDefaults)
 {
     Device const device(3);
-    EXPECT_EQ(3, device.index());
-    EXPECT_STREQ("Unknown Device", device.name());
-    EXPECT_STREQ("Unknown", device.systemName());
+    EXPECT_EQ(device.index(), 3);
+    EXPECT_STREQ(device.name(), "Unknown Device");
+    EXPECT_STREQ(device.systemName(), "Unknown");
     for (char const* const text : {device.driverName(), device.driverVersion(), device.busInfo(),
                                    device.vendorId(), device.productId(), device.manufacturer(),
                                    device.product(), device.serial(), device.firmwareVersion()}) {
-        EXPECT_STREQ("", text);
+        EXPECT_STREQ(text, "");
     }
     EXPECT_FALSE(device.supportsAsynchIO());
     EXPECT_FALSE(device.supportsMultiplane());
@@ -39,25 +39,25 @@ TEST(Device, StartsWithItsIndexAndTheDefaults)
     EXPECT_FALSE(device.supportsStreaming());
     EXPECT_FALSE(device.supportsVideoCapture());
     EXPECT_FALSE(device.isaZorvaneDevice());
-    EXPECT_EQ(0u, device.driverVersionCode());
-    EXPECT_EQ(0, device.usbRevision());
-    EXPECT_EQ(UsbSpeedUnknown, device.usbSpeed());
+    EXPECT_EQ(device.driverVersionCode(), 0u);
+    EXPECT_EQ(device.usbRevision(), 0);
+    EXPECT_EQ(device.usbSpeed(), UsbSpeedUnknown);
 }
 
 TEST(Device, SpellsTheDriverVersionOutByteByByte)
 {
     Device device(0);
     device.setDriverVersion(0x00030d05);
-    EXPECT_STREQ("3.13.5", device.driverVersion());
-    EXPECT_EQ(0x00030d05u, device.driverVersionCode());
+    EXPECT_STREQ(device.driverVersion(), "3.13.5");
+    EXPECT_EQ(device.driverVersionCode(), 0x00030d05u);
 }
 
 TEST(Device, DropsTheTopByteOfTheDriverVersion)
 {
     Device device(0);
     device.setDriverVersion(0xff010203);
-    EXPECT_STREQ("1.2.3", device.driverVersion());
-    EXPECT_EQ(0xff010203u, device.driverVersionCode());
+    EXPECT_STREQ(device.driverVersion(), "1.2.3");
+    EXPECT_EQ(device.driverVersionCode(), 0xff010203u);
 }
 
 TEST(Device, KeepsATextWhenItIsSetToNull)
@@ -76,7 +76,7 @@ TEST(Device, KeepsATextWhenItIsSetToNull)
          {device.vendorId(), device.productId(), device.manufacturer(), device.product(),
           device.serial(), device.driverName(), device.busInfo(), device.name(),
           device.systemName(), device.firmwareVersion()}) {
-        EXPECT_STREQ("A1", text);
+        EXPECT_STREQ(text, "A1");
     }
 }
 
@@ -86,7 +86,7 @@ TEST(Device, CopiesTheTextsThatItIsGiven)
     std::string text = "first";
     device.setName(text.c_str());
     text = "other";
-    EXPECT_STREQ("first", device.name());
+    EXPECT_STREQ(device.name(), "first");
 }
 
 TEST(Device, CopiesARecordField)
@@ -98,24 +98,24 @@ TEST(Device, CopiesARecordField)
     other.speed = UsbSpeedSuper;
     other.revision = 0x0310;
     Device const copy(&other);
-    EXPECT_EQ(7, copy.index());
-    EXPECT_STREQ(other.card, copy.name());
-    EXPECT_STREQ(other.node, copy.systemName());
-    EXPECT_STREQ(other.driver, copy.driverName());
-    EXPECT_STREQ(other.version, copy.driverVersion());
-    EXPECT_STREQ(other.bus, copy.busInfo());
-    EXPECT_STREQ(other.vendor, copy.vendorId());
-    EXPECT_STREQ(other.product, copy.productId());
-    EXPECT_STREQ(other.maker, copy.manufacturer());
-    EXPECT_STREQ(other.serialNumber, copy.serial());
-    EXPECT_STREQ(other.firmware, copy.firmwareVersion());
+    EXPECT_EQ(copy.index(), 7);
+    EXPECT_STREQ(copy.name(), other.card);
+    EXPECT_STREQ(copy.systemName(), other.node);
+    EXPECT_STREQ(copy.driverName(), other.driver);
+    EXPECT_STREQ(copy.driverVersion(), other.version);
+    EXPECT_STREQ(copy.busInfo(), other.bus);
+    EXPECT_STREQ(copy.vendorId(), other.vendor);
+    EXPECT_STREQ(copy.productId(), other.product);
+    EXPECT_STREQ(copy.manufacturer(), other.maker);
+    EXPECT_STREQ(copy.serial(), other.serialNumber);
+    EXPECT_STREQ(copy.firmwareVersion(), other.firmware);
     EXPECT_TRUE(copy.supportsAsynchIO());
     EXPECT_TRUE(copy.supportsMultiplane());
     EXPECT_TRUE(copy.supportsReadWrite());
     EXPECT_TRUE(copy.supportsStreaming());
     EXPECT_TRUE(copy.supportsVideoCapture());
-    EXPECT_EQ(0x0310, copy.usbRevision());
-    EXPECT_EQ(UsbSpeedSuper, copy.usbSpeed());
+    EXPECT_EQ(copy.usbRevision(), 0x0310);
+    EXPECT_EQ(copy.usbSpeed(), UsbSpeedSuper);
 }
 
 TEST(Device, CopiesEachFlagFromItsOwn)
@@ -136,7 +136,7 @@ TEST(Device, CopiesEachFlagFromItsOwn)
         }
         Device const copy(&other);
         for (auto const& flag : flags) {
-            EXPECT_EQ(flag.member == set.member, (copy.*flag.accessor)());
+            EXPECT_EQ((copy.*flag.accessor)(), flag.member == set.member);
         }
     }
 }
@@ -148,9 +148,9 @@ TEST(Device, ReportsTheCardNameAsTheProductOfACopy)
     source.setProduct("Product");
     source.setDriverVersion(0x010203);
     Device const copy(&source);
-    EXPECT_STREQ("Card", copy.product());
-    EXPECT_STREQ("1.2.3", copy.driverVersion());
-    EXPECT_EQ(0u, copy.driverVersionCode());
+    EXPECT_STREQ(copy.product(), "Card");
+    EXPECT_STREQ(copy.driverVersion(), "1.2.3");
+    EXPECT_EQ(copy.driverVersionCode(), 0u);
 }
 
 TEST(Device, KeepsTheDefaultsForNullTextsOfAnApplicationsRecord)
@@ -159,12 +159,12 @@ TEST(Device, KeepsTheDefaultsForNullTextsOfAnApplicationsRecord)
     other.card = other.node = other.driver = other.bus = other.version = nullptr;
     other.vendor = other.product = other.maker = other.serialNumber = other.firmware = nullptr;
     Device const copy(&other);
-    EXPECT_STREQ("Unknown Device", copy.name());
-    EXPECT_STREQ("Unknown", copy.systemName());
+    EXPECT_STREQ(copy.name(), "Unknown Device");
+    EXPECT_STREQ(copy.systemName(), "Unknown");
     for (char const* const text : {copy.driverName(), copy.driverVersion(), copy.busInfo(),
                                    copy.vendorId(), copy.productId(), copy.manufacturer(),
                                    copy.product(), copy.serial(), copy.firmwareVersion()}) {
-        EXPECT_STREQ("", text);
+        EXPECT_STREQ(text, "");
     }
 }
 
@@ -217,11 +217,11 @@ TEST(Device, DecidesByIdsWhetherACopyIsTheVendors)
 
 TEST(UsbSpeed, HasTheNumbersOfLibusb)
 {
-    EXPECT_EQ(0, UsbSpeedUnknown);
-    EXPECT_EQ(1, UsbSpeedLow);
-    EXPECT_EQ(2, UsbSpeedFull);
-    EXPECT_EQ(3, UsbSpeedHigh);
-    EXPECT_EQ(4, UsbSpeedSuper);
+    EXPECT_EQ(UsbSpeedUnknown, 0);
+    EXPECT_EQ(UsbSpeedLow, 1);
+    EXPECT_EQ(UsbSpeedFull, 2);
+    EXPECT_EQ(UsbSpeedHigh, 3);
+    EXPECT_EQ(UsbSpeedSuper, 4);
 }
 
 } // namespace

@@ -38,16 +38,16 @@ TEST_F(FirmwareQuery, AsksOnceWithTheVendorsRequest)
     auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.4"));
     machine.add(0, usb);
     std::unique_ptr<IDevice> const device(DeviceEnumerator::createDevice("video0"));
-    ASSERT_NE(nullptr, device);
+    ASSERT_NE(device, nullptr);
     EXPECT_TRUE(device->isaZorvaneDevice());
-    EXPECT_STREQ("TJ8-1.2.4", device->firmwareVersion());
+    EXPECT_STREQ(device->firmwareVersion(), "TJ8-1.2.4");
     auto const requests = usb.requests();
-    ASSERT_EQ(1u, requests.size());
-    EXPECT_EQ(0xC0, requests[0].requestType);
-    EXPECT_EQ(0xB0, requests[0].request);
-    EXPECT_EQ(0, requests[0].value);
-    EXPECT_EQ(0, requests[0].index);
-    EXPECT_EQ(32, requests[0].length);
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].requestType, 0xC0);
+    EXPECT_EQ(requests[0].request, 0xB0);
+    EXPECT_EQ(requests[0].value, 0);
+    EXPECT_EQ(requests[0].index, 0);
+    EXPECT_EQ(requests[0].length, 32);
 }
 
 TEST_F(FirmwareQuery, DoesNotAskOtherCameras)
@@ -55,51 +55,52 @@ TEST_F(FirmwareQuery, DoesNotAskOtherCameras)
     auto const usb = machine.plug(aUsbDevice().withFirmware("TJ8-1.2.4"));
     machine.add(0, usb);
     std::unique_ptr<IDevice> const device(DeviceEnumerator::createDevice("video0"));
-    EXPECT_STREQ("", device->firmwareVersion());
+    EXPECT_STREQ(device->firmwareVersion(), "");
     EXPECT_TRUE(usb.requests().empty());
 }
 
 TEST_F(FirmwareQuery, IgnoresAReplyOfThreeBytes)
 {
-    EXPECT_EQ("", firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8'})));
+    EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8'})), "");
 }
 
 TEST_F(FirmwareQuery, TakesAReplyOfFourBytes)
 {
-    EXPECT_EQ("TJ8-", firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8', '-'})));
+    EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8', '-'})), "TJ8-");
 }
 
 TEST_F(FirmwareQuery, ReadsAReplyWithoutAnEndNoFurtherThanItCame)
 {
-    EXPECT_EQ("TJ8-1.3.0", firmwareOf(vendorUsbDevice().withFirmwareBytes(
-                               {'T', 'J', '8', '-', '1', '.', '3', '.', '0'})));
+    EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes(
+                  {'T', 'J', '8', '-', '1', '.', '3', '.', '0'})),
+              "TJ8-1.3.0");
 }
 
 TEST_F(FirmwareQuery, ReadsAFullReplyWithoutAnEndNoFurtherThanItsBuffer)
 {
     std::string const text = "TJ8-1.2.3 and 22 bytes of more..";
-    ASSERT_EQ(32u, text.size());
-    EXPECT_EQ(text, firmwareOf(vendorUsbDevice().withFirmwareBytes({text.begin(), text.end()})));
+    ASSERT_EQ(text.size(), 32u);
+    EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes({text.begin(), text.end()})), text);
 }
 
 TEST_F(FirmwareQuery, EndsTheTextAtItsZero)
 {
-    EXPECT_EQ("TJ8", firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8', 0, 'x'})));
+    EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8', 0, 'x'})), "TJ8");
 }
 
 TEST_F(FirmwareQuery, LeavesTheTextEmptyWhenTheRequestFails)
 {
-    EXPECT_EQ("", firmwareOf(vendorUsbDevice().stallingFirmwareRequests()));
+    EXPECT_EQ(firmwareOf(vendorUsbDevice().stallingFirmwareRequests()), "");
 }
 
 TEST_F(FirmwareQuery, LeavesTheTextEmptyWhenTheReplyIsEmpty)
 {
-    EXPECT_EQ("", firmwareOf(vendorUsbDevice().withFirmwareBytes({})));
+    EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes({})), "");
 }
 
 TEST_F(FirmwareQuery, LeavesTheTextEmptyWhenTheUsbDeviceCannotBeOpened)
 {
-    EXPECT_EQ("", firmwareOf(vendorUsbDevice().withFirmware("TJ8-1.2.4").refusingOpen()));
+    EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmware("TJ8-1.2.4").refusingOpen()), "");
 }
 
 TEST_F(FirmwareQuery, KeepsAnEarlierTextWhenItFails)
@@ -109,7 +110,7 @@ TEST_F(FirmwareQuery, KeepsAnEarlierTextWhenItFails)
     device.setIdProduct(IMAGEACQUISITION_PRODUCT_ID);
     device.setFirmwareVersion("earlier");
     DeviceEnumerator::getFirmwareRevision(&device);
-    EXPECT_STREQ("earlier", device.firmwareVersion());
+    EXPECT_STREQ(device.firmwareVersion(), "earlier");
 }
 
 } // namespace

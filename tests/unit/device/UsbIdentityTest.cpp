@@ -40,12 +40,12 @@ TEST_F(UsbIdentity, ComesFromTheUsbDeviceBehindTheNode)
                                     .withProduct("Product")
                                     .withSerial("S123")));
     auto const device = describe();
-    ASSERT_NE(nullptr, device);
-    EXPECT_STREQ("046d", device->vendorId());
-    EXPECT_STREQ("0825", device->productId());
-    EXPECT_STREQ("Maker", device->manufacturer());
-    EXPECT_STREQ("Product", device->product());
-    EXPECT_STREQ("S123", device->serial());
+    ASSERT_NE(device, nullptr);
+    EXPECT_STREQ(device->vendorId(), "046d");
+    EXPECT_STREQ(device->productId(), "0825");
+    EXPECT_STREQ(device->manufacturer(), "Maker");
+    EXPECT_STREQ(device->product(), "Product");
+    EXPECT_STREQ(device->serial(), "S123");
     EXPECT_FALSE(device->isaZorvaneDevice());
 }
 
@@ -53,16 +53,16 @@ TEST_F(UsbIdentity, LeavesTextsEmptyThatTheDeviceDoesNotHave)
 {
     machine.add(0, machine.plug(aUsbDevice()));
     auto const device = describe();
-    ASSERT_NE(nullptr, device);
-    EXPECT_STREQ("", device->manufacturer());
-    EXPECT_STREQ("", device->product());
-    EXPECT_STREQ("", device->serial());
+    ASSERT_NE(device, nullptr);
+    EXPECT_STREQ(device->manufacturer(), "");
+    EXPECT_STREQ(device->product(), "");
+    EXPECT_STREQ(device->serial(), "");
 }
 
 TEST_F(UsbIdentity, IncludesTheRevision)
 {
     machine.add(0, machine.plug(aUsbDevice().withUsbRevision(0x0310)));
-    EXPECT_EQ(0x0310, describe()->usbRevision());
+    EXPECT_EQ(describe()->usbRevision(), 0x0310);
 }
 
 TEST_F(UsbIdentity, IncludesTheSpeedOfTheLink)
@@ -79,20 +79,20 @@ TEST_F(UsbIdentity, IncludesTheSpeedOfTheLink)
     for (auto const& one : cases) {
         auto const usb = machine.plug(aUsbDevice().withSpeed(one.megabits));
         machine.add(0, usb);
-        EXPECT_EQ(one.speed, describe()->usbSpeed()) << one.megabits;
+        EXPECT_EQ(describe()->usbSpeed(), one.speed) << one.megabits;
         machine.testbed.unplug(usb);
     }
 }
 
 TEST(UsbSpeedConversion, KnowsTheSpeedsUpToSuperSpeed)
 {
-    EXPECT_EQ(UsbSpeedUnknown, DeviceEnumerator::convertSpeed(0));
-    EXPECT_EQ(UsbSpeedLow, DeviceEnumerator::convertSpeed(1));
-    EXPECT_EQ(UsbSpeedFull, DeviceEnumerator::convertSpeed(2));
-    EXPECT_EQ(UsbSpeedHigh, DeviceEnumerator::convertSpeed(3));
-    EXPECT_EQ(UsbSpeedSuper, DeviceEnumerator::convertSpeed(4));
+    EXPECT_EQ(DeviceEnumerator::convertSpeed(0), UsbSpeedUnknown);
+    EXPECT_EQ(DeviceEnumerator::convertSpeed(1), UsbSpeedLow);
+    EXPECT_EQ(DeviceEnumerator::convertSpeed(2), UsbSpeedFull);
+    EXPECT_EQ(DeviceEnumerator::convertSpeed(3), UsbSpeedHigh);
+    EXPECT_EQ(DeviceEnumerator::convertSpeed(4), UsbSpeedSuper);
     for (int const other : {5, 6, -1, 2147483647}) {
-        EXPECT_EQ(UsbSpeedUnknown, DeviceEnumerator::convertSpeed(other));
+        EXPECT_EQ(DeviceEnumerator::convertSpeed(other), UsbSpeedUnknown);
     }
 }
 
@@ -114,9 +114,9 @@ TEST_F(UsbIdentity, IsToldApartByBothIds)
     machine.add(0, machine.plug(aUsbDevice("1-1").withIds("1111", "2222").withSpeed("12")));
     machine.add(1, machine.plug(aUsbDevice("1-2").withIds("1111", "3333").withSpeed("480")));
     machine.add(2, machine.plug(aUsbDevice("1-3").withIds("4444", "3333").withSpeed("1.5")));
-    EXPECT_EQ(UsbSpeedFull, describe("video0")->usbSpeed());
-    EXPECT_EQ(UsbSpeedHigh, describe("video1")->usbSpeed());
-    EXPECT_EQ(UsbSpeedLow, describe("video2")->usbSpeed());
+    EXPECT_EQ(describe("video0")->usbSpeed(), UsbSpeedFull);
+    EXPECT_EQ(describe("video1")->usbSpeed(), UsbSpeedHigh);
+    EXPECT_EQ(describe("video2")->usbSpeed(), UsbSpeedLow);
 }
 
 TEST_F(UsbIdentity, HasNoRevisionAndSpeedWhenLibusbDoesNotKnowTheIds)
@@ -130,8 +130,8 @@ TEST_F(UsbIdentity, HasNoRevisionAndSpeedWhenLibusbDoesNotKnowTheIds)
         device.setUsbRevision(7);
         device.setUsbSpeed(UsbSpeedLow);
         DeviceEnumerator::getUsbDescriptor(&device);
-        EXPECT_EQ(0, device.usbRevision());
-        EXPECT_EQ(UsbSpeedUnknown, device.usbSpeed());
+        EXPECT_EQ(device.usbRevision(), 0);
+        EXPECT_EQ(device.usbSpeed(), UsbSpeedUnknown);
     }
 }
 
@@ -142,7 +142,7 @@ TEST_F(UsbIdentity, HasNoRevisionAndSpeedOnAMachineWithoutUsb)
     device.setIdProduct("2222");
     device.setUsbSpeed(UsbSpeedLow);
     DeviceEnumerator::getUsbDescriptor(&device);
-    EXPECT_EQ(UsbSpeedUnknown, device.usbSpeed());
+    EXPECT_EQ(device.usbSpeed(), UsbSpeedUnknown);
 }
 
 TEST_F(UsbIdentity, HasNoRevisionAndSpeedWithoutLibusb)
@@ -157,9 +157,9 @@ TEST_F(UsbIdentity, HasNoRevisionAndSpeedWithoutLibusb)
         EXPECT_NO_THROW(DeviceEnumerator::getUsbDescriptor(&device));
         EXPECT_NO_THROW(DeviceEnumerator::getFirmwareRevision(&device));
     }
-    EXPECT_EQ(0, device.usbRevision());
-    EXPECT_EQ(UsbSpeedUnknown, device.usbSpeed());
-    EXPECT_STREQ("", device.firmwareVersion());
+    EXPECT_EQ(device.usbRevision(), 0);
+    EXPECT_EQ(device.usbSpeed(), UsbSpeedUnknown);
+    EXPECT_STREQ(device.firmwareVersion(), "");
 }
 
 TEST_F(UsbIdentity, LeavesNoDescriptorBehind)
@@ -191,15 +191,15 @@ TEST_F(UsbIdentity, ThatIsMissingThrowsOutOfTheEnumeration)
 {
     auto const& without = machine.addWithoutUsb(1);
     auto const& with = machine.add(0, machine.plug(aUsbDevice()));
-    EXPECT_EQ("stoul", whatOf<std::invalid_argument>([] { describe("video1"); }));
-    EXPECT_EQ(0, without.accounting().openDescriptors);
-    EXPECT_NE(nullptr, describe("video0"));
+    EXPECT_EQ(whatOf<std::invalid_argument>([] { describe("video1"); }), "stoul");
+    EXPECT_EQ(without.accounting().openDescriptors, 0);
+    EXPECT_NE(describe("video0"), nullptr);
     DeviceList list;
-    EXPECT_EQ("stoul",
-              whatOf<std::invalid_argument>([&list] { DeviceEnumerator::fillDeviceList(&list); }));
-    EXPECT_EQ(0, without.accounting().openDescriptors);
-    EXPECT_EQ(0, with.accounting().openDescriptors);
-    EXPECT_EQ(1, list.size()) << "those that came before stay in the list";
+    EXPECT_EQ(whatOf<std::invalid_argument>([&list] { DeviceEnumerator::fillDeviceList(&list); }),
+              "stoul");
+    EXPECT_EQ(without.accounting().openDescriptors, 0);
+    EXPECT_EQ(with.accounting().openDescriptors, 0);
+    EXPECT_EQ(list.size(), 1) << "those that came before stay in the list";
 }
 
 TEST_F(UsbIdentity, OutOfRangeThrowsToo)
@@ -207,11 +207,12 @@ TEST_F(UsbIdentity, OutOfRangeThrowsToo)
     Device device(0);
     device.setIdVendor("fffffffffffffffff");
     device.setIdProduct("2222");
-    EXPECT_EQ("stoul", whatOf<std::out_of_range>(
-                           [&device] { DeviceEnumerator::getUsbDescriptor(&device); }));
+    EXPECT_EQ(whatOf<std::out_of_range>([&device] { DeviceEnumerator::getUsbDescriptor(&device); }),
+              "stoul");
     device.setIdVendor("xyz");
-    EXPECT_EQ("stoul", whatOf<std::invalid_argument>(
-                           [&device] { DeviceEnumerator::getUsbDescriptor(&device); }));
+    EXPECT_EQ(
+        whatOf<std::invalid_argument>([&device] { DeviceEnumerator::getUsbDescriptor(&device); }),
+        "stoul");
 }
 
 TEST_F(UsbIdentity, ThrowsFromTheFirmwareQueryWithoutLosingDescriptors)
@@ -220,10 +221,10 @@ TEST_F(UsbIdentity, ThrowsFromTheFirmwareQueryWithoutLosingDescriptors)
     device.setIdVendor("xyz");
     auto const query = [&device] { DeviceEnumerator::getFirmwareRevision(&device); };
     // The first query leaves open what the made-up system itself needs.
-    EXPECT_EQ("stoul", whatOf<std::invalid_argument>(query));
+    EXPECT_EQ(whatOf<std::invalid_argument>(query), "stoul");
     int const before = openDescriptors();
-    EXPECT_EQ("stoul", whatOf<std::invalid_argument>(query));
-    EXPECT_EQ(before, openDescriptors());
+    EXPECT_EQ(whatOf<std::invalid_argument>(query), "stoul");
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 } // namespace

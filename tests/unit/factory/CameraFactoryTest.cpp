@@ -42,7 +42,7 @@ TEST(CameraFactory, IsOneForAllThreads)
     for (auto& thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(1u, std::set<ICameraFactory*>(seen.begin(), seen.end()).size());
+    EXPECT_EQ(std::set<ICameraFactory*>(seen.begin(), seen.end()).size(), 1u);
     EXPECT_EQ(&CameraFactory::getUniqueInstance(), &factory());
 }
 
@@ -50,22 +50,22 @@ TEST(CameraFactory, MakesAnEmptyEvent)
 {
     std::unique_ptr<ICameraEvent> const first(factory().createEvent());
     std::unique_ptr<ICameraEvent> const second(factory().createEvent());
-    ASSERT_NE(nullptr, first);
+    ASSERT_NE(first, nullptr);
     EXPECT_NE(first, second);
-    EXPECT_EQ(0, first->type());
-    EXPECT_STREQ("", first->deviceSystemName());
-    EXPECT_STREQ("", first->subSystemName());
+    EXPECT_EQ(first->type(), 0);
+    EXPECT_STREQ(first->deviceSystemName(), "");
+    EXPECT_STREQ(first->subSystemName(), "");
 }
 
 TEST(CameraFactory, MakesMonitorsThatAreNotStarted)
 {
     std::unique_ptr<IBlockingCameraMonitor> const blocking(factory().createBlockingCameraMonitor());
-    ASSERT_NE(nullptr, blocking);
+    ASSERT_NE(blocking, nullptr);
     std::unique_ptr<ICameraEvent> const event(factory().createEvent());
     EXPECT_FALSE(blocking->getEvent(event.get()));
     std::unique_ptr<IContinuousCameraMonitor> const continuous(
         factory().createContinuousCameraMonitor());
-    ASSERT_NE(nullptr, continuous);
+    ASSERT_NE(continuous, nullptr);
     EXPECT_FALSE(continuous->stopMonitoring());
 }
 
@@ -105,26 +105,26 @@ TEST_F(CameraFactoryOnMachine, GivesNullForNull)
 {
     auto const usb = machine.plug(aUsbDevice());
     auto const& camera = machine.add(0, usb);
-    EXPECT_EQ(nullptr, factory().createDevice(nullptr));
-    EXPECT_EQ(nullptr, factory().createBlockingCamera(nullptr));
-    EXPECT_EQ(0u, camera.accounting().totalOpens);
+    EXPECT_EQ(factory().createDevice(nullptr), nullptr);
+    EXPECT_EQ(factory().createBlockingCamera(nullptr), nullptr);
+    EXPECT_EQ(camera.accounting().totalOpens, 0u);
 }
 
 TEST_F(CameraFactoryOnMachine, DescribesOneNode)
 {
     machine.add(3, machine.plug(aUsbDevice()));
     std::unique_ptr<IDevice> const device(factory().createDevice("video3"));
-    ASSERT_NE(nullptr, device);
-    EXPECT_STREQ("/dev/video3", device->systemName());
-    EXPECT_EQ(nullptr, factory().createDevice("video0"));
-    EXPECT_EQ(nullptr, factory().createDevice("/dev/video3")) << "a path is no short name";
+    ASSERT_NE(device, nullptr);
+    EXPECT_STREQ(device->systemName(), "/dev/video3");
+    EXPECT_EQ(factory().createDevice("video0"), nullptr);
+    EXPECT_EQ(factory().createDevice("/dev/video3"), nullptr) << "a path is no short name";
 }
 
 TEST_F(CameraFactoryOnMachine, GivesAnEmptyListForAMachineWithoutCameras)
 {
     std::unique_ptr<IDeviceList> const list(factory().createDeviceList());
-    ASSERT_NE(nullptr, list);
-    EXPECT_EQ(0, list->size());
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->size(), 0);
 }
 
 TEST_F(CameraFactoryOnMachine, ListsOrdinaryCamerasAndTheVendors)
@@ -132,10 +132,10 @@ TEST_F(CameraFactoryOnMachine, ListsOrdinaryCamerasAndTheVendors)
     machine.add(0, machine.plug(aUsbDevice("1-1").withIds("046d", "0825")));
     machine.add(1, machine.plug(vendorUsbDevice("1-2").withFirmware("TJ8-1.2.9")));
     std::unique_ptr<IDeviceList> const list(factory().createDeviceList());
-    ASSERT_EQ(2, list->size());
+    ASSERT_EQ(list->size(), 2);
     EXPECT_FALSE(list->at(0)->isaZorvaneDevice());
     EXPECT_TRUE(list->at(1)->isaZorvaneDevice());
-    EXPECT_STREQ("TJ8-1.2.9", list->at(1)->firmwareVersion());
+    EXPECT_STREQ(list->at(1)->firmwareVersion(), "TJ8-1.2.9");
 }
 
 TEST_F(CameraFactoryOnMachine, LetsExceptionsOfTheEnumerationThrough)
@@ -143,7 +143,7 @@ TEST_F(CameraFactoryOnMachine, LetsExceptionsOfTheEnumerationThrough)
     auto const& camera = machine.addWithoutUsb(0);
     EXPECT_THROW(factory().createDevice("video0"), std::invalid_argument);
     EXPECT_THROW(factory().createDeviceList(), std::invalid_argument);
-    EXPECT_EQ(0, camera.accounting().openDescriptors);
+    EXPECT_EQ(camera.accounting().openDescriptors, 0);
 }
 
 int countOf(char const* target)
@@ -172,11 +172,11 @@ TEST_F(CameraFactoryOnMachine, OpensACameraThatOutlivesItsList)
 {
     machine.add(0, machine.plug(aUsbDevice().withSerial("S1")));
     std::unique_ptr<IDeviceList> list(factory().createDeviceList());
-    ASSERT_EQ(1, list->size());
+    ASSERT_EQ(list->size(), 1);
     std::unique_ptr<IBlockingCamera> const camera(factory().createBlockingCamera(list->at(0)));
     list.reset();
-    ASSERT_NE(nullptr, camera);
-    EXPECT_STREQ("S1", camera->device()->serial());
+    ASSERT_NE(camera, nullptr);
+    EXPECT_STREQ(camera->device()->serial(), "S1");
 }
 
 TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForOldOrUnknownFirmware)
@@ -186,10 +186,10 @@ TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForOldOrUnknownFirmware)
     char const* const texts[] = {"TJ8-1.2.9", "", "TJ8-", "1.3.0", nullptr};
     for (char const* const firmware : texts) {
         auto const camera = open(vendorRecord(firmware));
-        ASSERT_NE(nullptr, camera);
+        ASSERT_NE(camera, nullptr);
         EXPECT_TRUE(isGeneric(camera.get()));
     }
-    EXPECT_EQ(0, usb.resetRequests());
+    EXPECT_EQ(usb.resetRequests(), 0);
 }
 
 TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForAnyOtherDevice)
@@ -208,9 +208,9 @@ TEST_F(CameraFactoryOnMachine, TriesTheSerialLinkOfNewerFirmwareAndResetsTheCame
     int resets = 0;
     for (char const* const firmware :
          {"TJ8-1.3.0", "TJ8-0.13.0", "TJ8-2.0.0", "TJ8-99999999999999999999.0.0"}) {
-        EXPECT_EQ(nullptr, open(vendorRecord(firmware))) << firmware;
-        EXPECT_EQ(++resets, usb.resetRequests()) << firmware;
-        EXPECT_EQ(0, camera.accounting().openDescriptors);
+        EXPECT_EQ(open(vendorRecord(firmware)), nullptr) << firmware;
+        EXPECT_EQ(usb.resetRequests(), ++resets) << firmware;
+        EXPECT_EQ(camera.accounting().openDescriptors, 0);
     }
 }
 

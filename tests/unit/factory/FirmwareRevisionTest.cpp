@@ -15,9 +15,9 @@ constexpr long long largestInt = 2147483647;
 
 TEST(FirmwareRevision, RanksMajorMinorAndPatchWithTheWeights100And10And1)
 {
-    EXPECT_EQ(129, firmwareRank("TJ8-1.2.9"));
-    EXPECT_EQ(130, firmwareRank("TJ8-1.3.0"));
-    EXPECT_EQ(3010, firmwareRank("TJ8-30.0.10"));
+    EXPECT_EQ(firmwareRank("TJ8-1.2.9"), 129);
+    EXPECT_EQ(firmwareRank("TJ8-1.3.0"), 130);
+    EXPECT_EQ(firmwareRank("TJ8-30.0.10"), 3010);
 }
 
 TEST(FirmwareRevision, LetsAMinorNumberOfTenOrMoreOverlapTheMajorNumber)
@@ -34,52 +34,52 @@ TEST(FirmwareRevision, HasSerialControlsFromRank130On)
 
 TEST(FirmwareRevision, CountsNumbersThatTheTextLacksAsZero)
 {
-    EXPECT_EQ(100, firmwareRank("TJ8-1"));
-    EXPECT_EQ(100, firmwareRank("TJ8-1."));
-    EXPECT_EQ(130, firmwareRank("TJ8-1.3"));
-    EXPECT_EQ(130, firmwareRank("TJ8-1.3."));
-    EXPECT_EQ(130, firmwareRank("TJ8-1.3.beta"));
-    EXPECT_EQ(100, firmwareRank("TJ8-1..9"));
-    EXPECT_EQ(100, firmwareRank("TJ8-1-3.9"));
+    EXPECT_EQ(firmwareRank("TJ8-1"), 100);
+    EXPECT_EQ(firmwareRank("TJ8-1."), 100);
+    EXPECT_EQ(firmwareRank("TJ8-1.3"), 130);
+    EXPECT_EQ(firmwareRank("TJ8-1.3."), 130);
+    EXPECT_EQ(firmwareRank("TJ8-1.3.beta"), 130);
+    EXPECT_EQ(firmwareRank("TJ8-1..9"), 100);
+    EXPECT_EQ(firmwareRank("TJ8-1-3.9"), 100);
 }
 
 TEST(FirmwareRevision, IgnoresWhatFollowsThePatchNumber)
 {
-    EXPECT_EQ(134, firmwareRank("TJ8-1.3.4-rc2"));
-    EXPECT_EQ(134, firmwareRank("TJ8-1.3.4.9"));
+    EXPECT_EQ(firmwareRank("TJ8-1.3.4-rc2"), 134);
+    EXPECT_EQ(firmwareRank("TJ8-1.3.4.9"), 134);
 }
 
 TEST(FirmwareRevision, GivesRankZeroToTextsOfAnotherForm)
 {
-    EXPECT_EQ(0, firmwareRank(""));
-    EXPECT_EQ(0, firmwareRank(nullptr));
-    EXPECT_EQ(0, firmwareRank("TJ8"));
-    EXPECT_EQ(0, firmwareRank("TJ8-"));
-    EXPECT_EQ(0, firmwareRank("tj8-1.3.0"));
-    EXPECT_EQ(0, firmwareRank("1.3.0"));
-    EXPECT_EQ(0, firmwareRank(" TJ8-1.3.0"));
+    EXPECT_EQ(firmwareRank(""), 0);
+    EXPECT_EQ(firmwareRank(nullptr), 0);
+    EXPECT_EQ(firmwareRank("TJ8"), 0);
+    EXPECT_EQ(firmwareRank("TJ8-"), 0);
+    EXPECT_EQ(firmwareRank("tj8-1.3.0"), 0);
+    EXPECT_EQ(firmwareRank("1.3.0"), 0);
+    EXPECT_EQ(firmwareRank(" TJ8-1.3.0"), 0);
 }
 
 // Numbers are read as scanf reads them, which takes spaces and signs in front of them.
 TEST(FirmwareRevision, AcceptsSpacesAndSignsInFrontOfANumber)
 {
-    EXPECT_EQ(134, firmwareRank("TJ8- 1. 3.+4"));
-    EXPECT_EQ(-100, firmwareRank("TJ8--1.0.0"));
+    EXPECT_EQ(firmwareRank("TJ8- 1. 3.+4"), 134);
+    EXPECT_EQ(firmwareRank("TJ8--1.0.0"), -100);
 }
 
 TEST(FirmwareRevision, SaturatesNumbersThatDoNotFitAnInt)
 {
-    EXPECT_EQ(largestInt * 100, firmwareRank("TJ8-2147483648.0.0"));
-    EXPECT_EQ(largestInt * 100, firmwareRank("TJ8-99999999999999999999999.0.0"));
-    EXPECT_EQ(largestInt * 100 + 5, firmwareRank("TJ8-99999999999999999999999.0.5"));
+    EXPECT_EQ(firmwareRank("TJ8-2147483648.0.0"), largestInt * 100);
+    EXPECT_EQ(firmwareRank("TJ8-99999999999999999999999.0.0"), largestInt * 100);
+    EXPECT_EQ(firmwareRank("TJ8-99999999999999999999999.0.5"), largestInt * 100 + 5);
     EXPECT_EQ((-largestInt - 1) * 100, firmwareRank("TJ8--99999999999999999999999.0.0"));
 }
 
 TEST(FirmwareRevision, AddsUpTheLargestNumbersWithoutOverflow)
 {
     std::string const largest = std::to_string(largestInt);
-    EXPECT_EQ(largestInt * 111,
-              firmwareRank(("TJ8-" + largest + "." + largest + "." + largest).c_str()));
+    EXPECT_EQ(firmwareRank(("TJ8-" + largest + "." + largest + "." + largest).c_str()),
+              largestInt * 111);
 }
 
 } // namespace

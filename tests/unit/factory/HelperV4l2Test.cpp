@@ -40,10 +40,10 @@ TEST(HelperV4l2, HandsTheRequestOnWithoutItsSign)
         seen = request;
         return 0;
     });
-    EXPECT_EQ(0, HelperV4l2::xioctl(3, static_cast<int>(VIDIOC_QUERYCAP), nullptr));
-    EXPECT_EQ(VIDIOC_QUERYCAP, seen);
-    EXPECT_EQ(0, HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr));
-    EXPECT_EQ(VIDIOC_QUERYCAP, seen);
+    EXPECT_EQ(HelperV4l2::xioctl(3, static_cast<int>(VIDIOC_QUERYCAP), nullptr), 0);
+    EXPECT_EQ(seen, VIDIOC_QUERYCAP);
+    EXPECT_EQ(HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr), 0);
+    EXPECT_EQ(seen, VIDIOC_QUERYCAP);
 }
 
 TEST(HelperV4l2, RepeatsAnIoctlThatASignalInterrupted)
@@ -51,16 +51,16 @@ TEST(HelperV4l2, RepeatsAnIoctlThatASignalInterrupted)
     auto const camera = aCamera().failing(VIDIOC_QUERYCAP, EINTR, 1).install();
     OpenNode const node;
     v4l2_capability capability{};
-    EXPECT_EQ(0, HelperV4l2::xioctl(node.fd(), VIDIOC_QUERYCAP, &capability));
-    EXPECT_EQ(2u, camera.countOf(VIDIOC_QUERYCAP));
+    EXPECT_EQ(HelperV4l2::xioctl(node.fd(), VIDIOC_QUERYCAP, &capability), 0);
+    EXPECT_EQ(camera.countOf(VIDIOC_QUERYCAP), 2u);
 }
 
 TEST(HelperV4l2, RepeatsAnIoctlForAsLongAsItIsInterrupted)
 {
     Answers answers{{-1, -1, -1, 0}, {EINTR, EINTR, EINTR, 0}};
     V4l2Hook const hook([&answers](int, unsigned long, void*) { return answers.next(); });
-    EXPECT_EQ(0, HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr));
-    EXPECT_EQ(4u, answers.used);
+    EXPECT_EQ(HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr), 0);
+    EXPECT_EQ(answers.used, 4u);
 }
 
 TEST(HelperV4l2, ReturnsAnyOtherFailureOfAnIoctlAtOnce)
@@ -68,7 +68,7 @@ TEST(HelperV4l2, ReturnsAnyOtherFailureOfAnIoctlAtOnce)
     for (int const error : {EINVAL, EAGAIN, ENODEV, EBUSY, EIO, EBADF}) {
         Answers answers{{-1}, {error}};
         V4l2Hook const hook([&answers](int, unsigned long, void*) { return answers.next(); });
-        EXPECT_EQ(-1, HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr));
+        EXPECT_EQ(HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr), -1);
         EXPECT_EQ(error, errno);
     }
 }
@@ -77,32 +77,32 @@ TEST(HelperV4l2, ReturnsAPositiveResultOfAnIoctl)
 {
     Answers answers{{7}, {EINTR}};
     V4l2Hook const hook([&answers](int, unsigned long, void*) { return answers.next(); });
-    EXPECT_EQ(7, HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr));
+    EXPECT_EQ(HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr), 7);
 }
 
 TEST(HelperV4l2, RepeatsACloseThatASignalInterrupted)
 {
     auto const camera = aCamera().failing(Call::Close, EINTR, 1).install();
     int const fd = v4l2_open("/dev/video0", O_RDWR | O_NONBLOCK);
-    EXPECT_EQ(0, HelperV4l2::close(fd));
-    EXPECT_EQ(2u, camera.countOf(Call::Close));
-    EXPECT_EQ(0, camera.accounting().openDescriptors);
+    EXPECT_EQ(HelperV4l2::close(fd), 0);
+    EXPECT_EQ(camera.countOf(Call::Close), 2u);
+    EXPECT_EQ(camera.accounting().openDescriptors, 0);
 }
 
 TEST(HelperV4l2, ReturnsAnyOtherFailureOfACloseAtOnce)
 {
     Answers answers{{-1}, {EIO}};
     V4l2Hook const hook([&answers](int) { return answers.next(); });
-    EXPECT_EQ(-1, HelperV4l2::close(3));
-    EXPECT_EQ(EIO, errno);
+    EXPECT_EQ(HelperV4l2::close(3), -1);
+    EXPECT_EQ(errno, EIO);
 }
 
 TEST(HelperV4l2, RepeatsACloseWithAResultThatIsNeitherSuccessNorFailure)
 {
     Answers answers{{1, -2, -1, 0}, {EIO, EIO, EINTR, 0}};
     V4l2Hook const hook([&answers](int) { return answers.next(); });
-    EXPECT_EQ(0, HelperV4l2::close(3));
-    EXPECT_EQ(4u, answers.used);
+    EXPECT_EQ(HelperV4l2::close(3), 0);
+    EXPECT_EQ(answers.used, 4u);
 }
 
 } // namespace

@@ -13,7 +13,7 @@ using ImageAcquisition::kernelText;
 TEST(KernelText, EndsAtTheFirstZero)
 {
     unsigned char const field[8] = {'a', 'b', 0, 'c', 0, 0, 0, 0};
-    EXPECT_EQ("ab", kernelText(field));
+    EXPECT_EQ(kernelText(field), "ab");
 }
 
 TEST(KernelText, EndsWithTheFieldWhenThereIsNoZero)
@@ -25,19 +25,19 @@ TEST(KernelText, EndsWithTheFieldWhenThereIsNoZero)
     } record;
     std::memcpy(record.field, "full", 4);
     std::memcpy(record.behind, "more", 4);
-    EXPECT_EQ("full", kernelText(record.field));
+    EXPECT_EQ(kernelText(record.field), "full");
 }
 
 TEST(KernelText, IsEmptyForAnEmptyField)
 {
     char const field[4] = {};
-    EXPECT_EQ("", kernelText(field));
+    EXPECT_EQ(kernelText(field), "");
 }
 
 TEST(KernelText, KeepsBytesAbove127)
 {
     unsigned char const field[4] = {0xc3, 0xa4, 0, 0};
-    EXPECT_EQ("\xc3\xa4", kernelText(field));
+    EXPECT_EQ(kernelText(field), "\xc3\xa4");
 }
 
 } // namespace

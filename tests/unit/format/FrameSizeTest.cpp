@@ -21,8 +21,8 @@ TEST(FramePeriod, KeepsTheTwoNumbersAsTheyAre)
 {
     FramePeriod const period({2, 60});
     EXPECT_FALSE(period.isInvalid());
-    EXPECT_EQ(2u, period.numerator());
-    EXPECT_EQ(60u, period.denominator());
+    EXPECT_EQ(period.numerator(), 2u);
+    EXPECT_EQ(period.denominator(), 60u);
 }
 
 TEST(FrameSize, KeepsWidthAndHeight)
@@ -31,8 +31,8 @@ TEST(FrameSize, KeepsWidthAndHeight)
     OpenNode const node;
     FrameSize const size(node.fd(), yuyv, 640, 480);
     EXPECT_FALSE(size.isInvalid());
-    EXPECT_EQ(640u, size.width());
-    EXPECT_EQ(480u, size.height());
+    EXPECT_EQ(size.width(), 640u);
+    EXPECT_EQ(size.height(), 480u);
 }
 
 TEST(FrameSize, ListsTheIntervalsInTheDriversOrder)
@@ -46,11 +46,11 @@ TEST(FrameSize, ListsTheIntervalsInTheDriversOrder)
                             .install();
     OpenNode const node;
     FrameSize const size(node.fd(), yuyv, 640, 480);
-    ASSERT_EQ(3, size.periodNumber());
-    EXPECT_EQ(15u, size.period(0)->denominator());
-    EXPECT_EQ(30u, size.period(1)->denominator());
-    EXPECT_EQ(2u, size.period(2)->numerator());
-    EXPECT_EQ(15u, size.period(2)->denominator());
+    ASSERT_EQ(size.periodNumber(), 3);
+    EXPECT_EQ(size.period(0)->denominator(), 15u);
+    EXPECT_EQ(size.period(1)->denominator(), 30u);
+    EXPECT_EQ(size.period(2)->numerator(), 2u);
+    EXPECT_EQ(size.period(2)->denominator(), 15u);
 }
 
 TEST(FrameSize, AsksForTheIntervalsOfItsOwnFormatAndSize)
@@ -67,14 +67,14 @@ TEST(FrameSize, AsksForTheIntervalsOfItsOwnFormatAndSize)
                             .install();
     OpenNode const node;
     FrameSize const size(node.fd(), yuyv, 320, 240);
-    ASSERT_EQ(1, size.periodNumber());
-    EXPECT_EQ(7u, size.period(0)->denominator());
+    ASSERT_EQ(size.periodNumber(), 1);
+    EXPECT_EQ(size.period(0)->denominator(), 7u);
     auto const asked =
         camera.calls(VIDIOC_ENUM_FRAMEINTERVALS).front().argument<v4l2_frmivalenum>();
-    EXPECT_EQ(0u, asked.index);
+    EXPECT_EQ(asked.index, 0u);
     EXPECT_EQ(yuyv, asked.pixel_format);
-    EXPECT_EQ(320u, asked.width);
-    EXPECT_EQ(240u, asked.height);
+    EXPECT_EQ(asked.width, 320u);
+    EXPECT_EQ(asked.height, 240u);
 }
 
 TEST(FrameSize, GivesTheInvalidPeriodOutsideItsList)
@@ -105,9 +105,9 @@ TEST(FrameSize, MakesUpNoListFromARangeOfIntervals)
         auto const camera = builder.install();
         OpenNode const node(one.node);
         FrameSize const size(node.fd(), yuyv, 640, 480);
-        EXPECT_EQ(0, size.periodNumber());
+        EXPECT_EQ(size.periodNumber(), 0);
         EXPECT_EQ(IFramePeriod::invalid(), size.period(0));
-        EXPECT_EQ(1u, camera.countOf(VIDIOC_ENUM_FRAMEINTERVALS));
+        EXPECT_EQ(camera.countOf(VIDIOC_ENUM_FRAMEINTERVALS), 1u);
     }
 }
 
@@ -121,7 +121,7 @@ TEST(FrameSize, HasNoIntervalsWhenTheDriverListsNone)
                             .install();
     OpenNode const node;
     FrameSize const size(node.fd(), yuyv, 640, 480);
-    EXPECT_EQ(0, size.periodNumber());
+    EXPECT_EQ(size.periodNumber(), 0);
     EXPECT_EQ(IFramePeriod::invalid(), size.period(0));
 }
 
@@ -135,7 +135,7 @@ TEST(FrameSize, EndsTheListWhereTheDriverFails)
                             .failing(VIDIOC_ENUM_FRAMEINTERVALS, EIO, 2)
                             .install();
     OpenNode const node;
-    EXPECT_EQ(1, FrameSize(node.fd(), yuyv, 640, 480).periodNumber());
+    EXPECT_EQ(FrameSize(node.fd(), yuyv, 640, 480).periodNumber(), 1);
 }
 
 TEST(FrameSize, LooksAtTheTypeOfTheFirstAnswerOnly)
@@ -152,8 +152,8 @@ TEST(FrameSize, LooksAtTheTypeOfTheFirstAnswerOnly)
         return 0;
     });
     FrameSize const size(3, yuyv, 640, 480);
-    ASSERT_EQ(3, size.periodNumber());
-    EXPECT_EQ(12u, size.period(2)->denominator());
+    ASSERT_EQ(size.periodNumber(), 3);
+    EXPECT_EQ(size.period(2)->denominator(), 12u);
 }
 
 TEST(FrameSize, EndsTheListOfADriverThatNeverDoes)
@@ -162,7 +162,7 @@ TEST(FrameSize, EndsTheListOfADriverThatNeverDoes)
         static_cast<v4l2_frmivalenum*>(argument)->type = V4L2_FRMIVAL_TYPE_DISCRETE;
         return 0;
     });
-    EXPECT_EQ(4096, FrameSize(3, yuyv, 640, 480).periodNumber());
+    EXPECT_EQ(FrameSize(3, yuyv, 640, 480).periodNumber(), 4096);
 }
 
 TEST(FrameSize, FindsAnIntervalByBothItsNumbers)
@@ -176,12 +176,12 @@ TEST(FrameSize, FindsAnIntervalByBothItsNumbers)
                             .install();
     OpenNode const node;
     FrameSize const size(node.fd(), yuyv, 640, 480);
-    EXPECT_EQ(0, size.intervalIndex({1, 30}));
-    EXPECT_EQ(1, size.intervalIndex({2, 15}));
-    EXPECT_EQ(2, size.intervalIndex({1, 15}));
-    EXPECT_EQ(-1, size.intervalIndex({2, 60}));
-    EXPECT_EQ(-1, size.intervalIndex({2, 30}));
-    EXPECT_EQ(-1, size.intervalIndex({0, 1}));
+    EXPECT_EQ(size.intervalIndex({1, 30}), 0);
+    EXPECT_EQ(size.intervalIndex({2, 15}), 1);
+    EXPECT_EQ(size.intervalIndex({1, 15}), 2);
+    EXPECT_EQ(size.intervalIndex({2, 60}), -1);
+    EXPECT_EQ(size.intervalIndex({2, 30}), -1);
+    EXPECT_EQ(size.intervalIndex({0, 1}), -1);
 }
 
 TEST(FrameSize, FindsTheFirstOfTwoEqualIntervals)
@@ -194,7 +194,7 @@ TEST(FrameSize, FindsTheFirstOfTwoEqualIntervals)
                             .withInterval(1, 30)
                             .install();
     OpenNode const node;
-    EXPECT_EQ(1, FrameSize(node.fd(), yuyv, 640, 480).intervalIndex({1, 30}));
+    EXPECT_EQ(FrameSize(node.fd(), yuyv, 640, 480).intervalIndex({1, 30}), 1);
 }
 
 TEST(FrameSize, ReportsTheLineLengthOfTheFormatThatIsSetNow)
@@ -203,7 +203,7 @@ TEST(FrameSize, ReportsTheLineLengthOfTheFormatThatIsSetNow)
         aCamera().withFormat("YUYV").withSize(640, 480).withSize(320, 240).install();
     OpenNode const node;
     FrameSize const size(node.fd(), yuyv, 320, 240);
-    EXPECT_EQ(1280, size.bytesPerLine());
+    EXPECT_EQ(size.bytesPerLine(), 1280);
 }
 
 TEST(FrameSize, HasNoLineLengthWhenTheDeviceDoesNotAnswer)
@@ -212,7 +212,7 @@ TEST(FrameSize, HasNoLineLengthWhenTheDeviceDoesNotAnswer)
     OpenNode const node;
     FrameSize const size(node.fd(), yuyv, 640, 480);
     camera.failFrom(VIDIOC_G_FMT, EIO);
-    EXPECT_EQ(-1, size.bytesPerLine());
+    EXPECT_EQ(size.bytesPerLine(), -1);
 }
 
 } // namespace

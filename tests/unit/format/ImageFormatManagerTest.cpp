@@ -45,12 +45,12 @@ protected:
 TEST(ImageFormatManager, IsEmptyBeforeInit)
 {
     ImageFormatManager const manager;
-    EXPECT_EQ(0, manager.formatNumber());
+    EXPECT_EQ(manager.formatNumber(), 0);
     EXPECT_TRUE(manager.invariants());
-    EXPECT_EQ(-1, manager.currentFormat());
-    EXPECT_EQ(-1, manager.currentFrameSize());
-    EXPECT_EQ(-1, manager.currentFrameInterval());
-    EXPECT_EQ(0u, manager.currentSizeImage());
+    EXPECT_EQ(manager.currentFormat(), -1);
+    EXPECT_EQ(manager.currentFrameSize(), -1);
+    EXPECT_EQ(manager.currentFrameInterval(), -1);
+    EXPECT_EQ(manager.currentSizeImage(), 0u);
 }
 
 TEST(ImageFormatManager, StaysEmptyWhenTheDeviceListsNoFormats)
@@ -59,9 +59,9 @@ TEST(ImageFormatManager, StaysEmptyWhenTheDeviceListsNoFormats)
     OpenNode const node;
     ImageFormatManager manager;
     manager.init(node.fd());
-    EXPECT_EQ(0, manager.formatNumber());
+    EXPECT_EQ(manager.formatNumber(), 0);
     EXPECT_EQ(IImageFormat::invalid(), manager.format(0));
-    EXPECT_EQ(nullptr, manager.formatPtr("YUYV"));
+    EXPECT_EQ(manager.formatPtr("YUYV"), nullptr);
     EXPECT_THROW(manager.formatPtr(0), std::out_of_range);
     EXPECT_TRUE(manager.invariants());
 }
@@ -76,9 +76,9 @@ TEST(ImageFormatManager, KeepsAFormatThatIsListedTwiceButFindsTheFirst)
     OpenNode const node;
     ImageFormatManager manager;
     manager.init(node.fd());
-    ASSERT_EQ(3, manager.formatNumber());
-    EXPECT_EQ(1, manager.formatIndexByPixelFormat(V4L2_PIX_FMT_YUYV));
-    EXPECT_STREQ("second", manager.format(2)->description());
+    ASSERT_EQ(manager.formatNumber(), 3);
+    EXPECT_EQ(manager.formatIndexByPixelFormat(V4L2_PIX_FMT_YUYV), 1);
+    EXPECT_STREQ(manager.format(2)->description(), "second");
     EXPECT_EQ(manager.format(1), manager.formatPtr("YUYV"));
     EXPECT_FALSE(manager.invariants());
 }
@@ -91,7 +91,7 @@ TEST(ImageFormatManager, EndsTheListOfADriverThatNeverDoes)
     });
     ImageFormatManager manager;
     manager.init(3);
-    EXPECT_EQ(4096, manager.formatNumber());
+    EXPECT_EQ(manager.formatNumber(), 4096);
 }
 
 /// How many formats, sizes and intervals there are in all.
@@ -178,10 +178,10 @@ TEST(ImageFormatManager, KeepsACatalogueOfJustTheLargestSizeWhole)
 
 TEST_F(ImageFormatManagerWithCamera, ListsTheFormatsInTheDriversOrder)
 {
-    ASSERT_EQ(2, manager.formatNumber());
-    EXPECT_STREQ("YUYV", manager.format(0)->name());
-    EXPECT_STREQ("MJPG", manager.format(1)->name());
-    EXPECT_EQ(2, manager.format(0)->sizeNumber());
+    ASSERT_EQ(manager.formatNumber(), 2);
+    EXPECT_STREQ(manager.format(0)->name(), "YUYV");
+    EXPECT_STREQ(manager.format(1)->name(), "MJPG");
+    EXPECT_EQ(manager.format(0)->sizeNumber(), 2);
     EXPECT_EQ(manager.format(1), manager.formatPtr(1));
     EXPECT_TRUE(manager.invariants());
 }
@@ -197,43 +197,43 @@ TEST_F(ImageFormatManagerWithCamera, GivesTheInvalidFormatOutsideItsList)
 TEST_F(ImageFormatManagerWithCamera, FindsAFormatByItsNameToTheLetter)
 {
     EXPECT_EQ(manager.formatPtr(1), manager.formatPtr("MJPG"));
-    EXPECT_EQ(nullptr, manager.formatPtr("mjpg"));
-    EXPECT_EQ(nullptr, manager.formatPtr("MJP"));
-    EXPECT_EQ(nullptr, manager.formatPtr("MJPG "));
-    EXPECT_EQ(nullptr, manager.formatPtr(""));
+    EXPECT_EQ(manager.formatPtr("mjpg"), nullptr);
+    EXPECT_EQ(manager.formatPtr("MJP"), nullptr);
+    EXPECT_EQ(manager.formatPtr("MJPG "), nullptr);
+    EXPECT_EQ(manager.formatPtr(""), nullptr);
 }
 
 TEST_F(ImageFormatManagerWithCamera, FindsAFormatByItsCode)
 {
-    EXPECT_EQ(1, manager.formatIndexByPixelFormat(V4L2_PIX_FMT_MJPEG));
-    EXPECT_EQ(-1, manager.formatIndexByPixelFormat(V4L2_PIX_FMT_NV12));
+    EXPECT_EQ(manager.formatIndexByPixelFormat(V4L2_PIX_FMT_MJPEG), 1);
+    EXPECT_EQ(manager.formatIndexByPixelFormat(V4L2_PIX_FMT_NV12), -1);
 }
 
 TEST_F(ImageFormatManagerWithCamera, SelectsByPosition)
 {
     EXPECT_TRUE(manager.setCurrentFormat(0, 1, 0));
-    EXPECT_EQ(0, manager.currentFormat());
-    EXPECT_EQ(1, manager.currentFrameSize());
-    EXPECT_EQ(0, manager.currentFrameInterval());
+    EXPECT_EQ(manager.currentFormat(), 0);
+    EXPECT_EQ(manager.currentFrameSize(), 1);
+    EXPECT_EQ(manager.currentFrameInterval(), 0);
     EXPECT_TRUE(manager.setCurrentFormat(0, 0, 1));
-    EXPECT_EQ(0, manager.currentFrameSize());
-    EXPECT_EQ(1, manager.currentFrameInterval());
+    EXPECT_EQ(manager.currentFrameSize(), 0);
+    EXPECT_EQ(manager.currentFrameInterval(), 1);
     EXPECT_TRUE(manager.setCurrentFormat(1, 0, 0));
-    EXPECT_EQ(1, manager.currentFormat());
+    EXPECT_EQ(manager.currentFormat(), 1);
 }
 
 TEST_F(ImageFormatManagerWithCamera, SelectsByNameAndValue)
 {
     EXPECT_TRUE(manager.setCurrentFormat("YUYV", 640, 480, 1, 15));
-    EXPECT_EQ(0, manager.currentFormat());
-    EXPECT_EQ(0, manager.currentFrameSize());
-    EXPECT_EQ(1, manager.currentFrameInterval());
+    EXPECT_EQ(manager.currentFormat(), 0);
+    EXPECT_EQ(manager.currentFrameSize(), 0);
+    EXPECT_EQ(manager.currentFrameInterval(), 1);
 }
 
 TEST_F(ImageFormatManagerWithCamera, RefusesAFormatPositionThatIsTooLargeWithoutAskingTheDevice)
 {
     EXPECT_FALSE(manager.setCurrentFormat(manager.formatNumber(), 0, 0));
-    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+    EXPECT_EQ(camera.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(ImageFormatManagerWithCamera, ThrowsForANegativeFormatPosition)
@@ -245,46 +245,46 @@ TEST_F(ImageFormatManagerWithCamera, RefusesNamesThatNoFormatHas)
 {
     EXPECT_FALSE(manager.setCurrentFormat(nullptr, 640, 480, 1, 30));
     EXPECT_FALSE(manager.setCurrentFormat("NV12", 640, 480, 1, 30));
-    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+    EXPECT_EQ(camera.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(ImageFormatManagerWithCamera, ReportsTheImageSizeOfTheFormatThatIsSetNow)
 {
-    EXPECT_EQ(640u * 480u * 2u, manager.currentSizeImage());
+    EXPECT_EQ(manager.currentSizeImage(), 640u * 480u * 2u);
     EXPECT_TRUE(manager.setCurrentFormat(0, 1, 0));
-    EXPECT_EQ(320u * 240u * 2u, manager.currentSizeImage());
+    EXPECT_EQ(manager.currentSizeImage(), 320u * 240u * 2u);
 }
 
 TEST_F(ImageFormatManagerWithCamera, ReadsWhatAnotherProgramSelected)
 {
     camera.setCurrentFormat("YUYV", 320, 240);
     camera.setCurrentInterval(1, 60);
-    EXPECT_EQ(0, manager.currentFormat());
-    EXPECT_EQ(1, manager.currentFrameSize());
-    EXPECT_EQ(0, manager.currentFrameInterval());
+    EXPECT_EQ(manager.currentFormat(), 0);
+    EXPECT_EQ(manager.currentFrameSize(), 1);
+    EXPECT_EQ(manager.currentFrameInterval(), 0);
 }
 
 TEST_F(ImageFormatManagerWithCamera, FindsNoSizeWhenTheDevicesSizeIsNotInTheList)
 {
     camera.setCurrentFormat("MJPG", 1000, 700);
-    EXPECT_EQ(1, manager.currentFormat());
-    EXPECT_EQ(-1, manager.currentFrameSize());
+    EXPECT_EQ(manager.currentFormat(), 1);
+    EXPECT_EQ(manager.currentFrameSize(), -1);
     camera.clearLog();
-    EXPECT_EQ(-1, manager.currentFrameInterval());
-    EXPECT_EQ(0u, camera.countOf(VIDIOC_G_PARM));
+    EXPECT_EQ(manager.currentFrameInterval(), -1);
+    EXPECT_EQ(camera.countOf(VIDIOC_G_PARM), 0u);
 }
 
 TEST_F(ImageFormatManagerWithCamera, FindsNoIntervalWhenTheDevicesIntervalIsNotInTheList)
 {
     camera.setCurrentInterval(2, 60);
-    EXPECT_EQ(0, manager.currentFrameSize());
-    EXPECT_EQ(-1, manager.currentFrameInterval());
+    EXPECT_EQ(manager.currentFrameSize(), 0);
+    EXPECT_EQ(manager.currentFrameInterval(), -1);
 }
 
 TEST_F(ImageFormatManagerWithCamera, ThrowsWhenTheDevicesFormatIsNotInTheCatalogue)
 {
     camera.setCurrentFormat("NV12", 640, 480);
-    EXPECT_EQ(-1, manager.currentFormat());
+    EXPECT_EQ(manager.currentFormat(), -1);
     EXPECT_THROW(manager.currentFrameSize(), std::out_of_range);
     EXPECT_THROW(manager.currentFrameInterval(), std::out_of_range);
 }
@@ -292,17 +292,17 @@ TEST_F(ImageFormatManagerWithCamera, ThrowsWhenTheDevicesFormatIsNotInTheCatalog
 TEST_F(ImageFormatManagerWithCamera, KnowsNothingOfADeviceThatDoesNotAnswer)
 {
     camera.failFrom(VIDIOC_G_FMT, EIO);
-    EXPECT_EQ(-1, manager.currentFormat());
-    EXPECT_EQ(-1, manager.currentFrameSize());
-    EXPECT_EQ(-1, manager.currentFrameInterval());
-    EXPECT_EQ(0u, manager.currentSizeImage());
+    EXPECT_EQ(manager.currentFormat(), -1);
+    EXPECT_EQ(manager.currentFrameSize(), -1);
+    EXPECT_EQ(manager.currentFrameInterval(), -1);
+    EXPECT_EQ(manager.currentSizeImage(), 0u);
 }
 
 TEST_F(ImageFormatManagerWithCamera, KnowsNoIntervalWhenTheDeviceDoesNotTell)
 {
     camera.failFrom(VIDIOC_G_PARM, EIO);
-    EXPECT_EQ(0, manager.currentFrameSize());
-    EXPECT_EQ(-1, manager.currentFrameInterval());
+    EXPECT_EQ(manager.currentFrameSize(), 0);
+    EXPECT_EQ(manager.currentFrameInterval(), -1);
 }
 
 } // namespace

@@ -48,15 +48,15 @@ TEST_F(ImageFormatSelection, TriesAndSetsTheFormatThenTheInterval)
     camera.clearLog();
     EXPECT_TRUE(format.setToDevice(0, 1));
     auto const calls = camera.calls();
-    ASSERT_EQ(4u, calls.size());
+    ASSERT_EQ(calls.size(), 4u);
     EXPECT_EQ(VirtualCamera::CallId(VIDIOC_TRY_FMT), calls[0].call);
     EXPECT_EQ(VirtualCamera::CallId(VIDIOC_S_FMT), calls[1].call);
     EXPECT_EQ(VirtualCamera::CallId(VIDIOC_G_PARM), calls[2].call);
     EXPECT_EQ(VirtualCamera::CallId(VIDIOC_S_PARM), calls[3].call);
     auto const set = calls[3].argument<v4l2_streamparm>();
-    EXPECT_EQ(1u, set.parm.capture.timeperframe.numerator);
-    EXPECT_EQ(15u, set.parm.capture.timeperframe.denominator);
-    EXPECT_EQ(static_cast<__u32>(V4L2_BUF_TYPE_VIDEO_CAPTURE), set.type);
+    EXPECT_EQ(set.parm.capture.timeperframe.numerator, 1u);
+    EXPECT_EQ(set.parm.capture.timeperframe.denominator, 15u);
+    EXPECT_EQ(set.type, static_cast<__u32>(V4L2_BUF_TYPE_VIDEO_CAPTURE));
 }
 
 TEST_F(ImageFormatSelection, LeavesAllOtherMembersOfTheFormatZero)
@@ -69,7 +69,7 @@ TEST_F(ImageFormatSelection, LeavesAllOtherMembersOfTheFormatZero)
     expected.fmt.pix.width = 320;
     expected.fmt.pix.height = 240;
     expected.fmt.pix.pixelformat = V4L2_PIX_FMT_MJPEG;
-    EXPECT_EQ(0, std::memcmp(&expected, &sent, sizeof sent));
+    EXPECT_EQ(std::memcmp(&expected, &sent, sizeof sent), 0);
 }
 
 TEST_F(ImageFormatSelection, SetsTheFormatAsTheDriverLeftItAfterTrying)
@@ -78,17 +78,17 @@ TEST_F(ImageFormatSelection, SetsTheFormatAsTheDriverLeftItAfterTrying)
     EXPECT_TRUE(format.setToDevice(0, 0));
     auto const tried = camera.calls(VIDIOC_TRY_FMT).front().answer<v4l2_format>();
     auto const set = camera.calls(VIDIOC_S_FMT).front().argument<v4l2_format>();
-    EXPECT_NE(0u, tried.fmt.pix.sizeimage);
-    EXPECT_EQ(0, std::memcmp(&tried, &set, sizeof set));
+    EXPECT_NE(tried.fmt.pix.sizeimage, 0u);
+    EXPECT_EQ(std::memcmp(&tried, &set, sizeof set), 0);
 }
 
 TEST_F(ImageFormatSelection, LeavesTheFrameRateAloneForASizeWithoutIntervals)
 {
     camera.clearLog();
     EXPECT_TRUE(format.setToDevice(1, 7));
-    EXPECT_EQ(1u, camera.countOf(VIDIOC_S_FMT));
-    EXPECT_EQ(1u, camera.countOf(VIDIOC_G_PARM));
-    EXPECT_EQ(0u, camera.countOf(VIDIOC_S_PARM));
+    EXPECT_EQ(camera.countOf(VIDIOC_S_FMT), 1u);
+    EXPECT_EQ(camera.countOf(VIDIOC_G_PARM), 1u);
+    EXPECT_EQ(camera.countOf(VIDIOC_S_PARM), 0u);
 }
 
 TEST_F(ImageFormatSelection, RefusesASizePositionThatIsTooLargeWithoutAskingTheDevice)
@@ -96,14 +96,14 @@ TEST_F(ImageFormatSelection, RefusesASizePositionThatIsTooLargeWithoutAskingTheD
     camera.clearLog();
     EXPECT_FALSE(format.setToDevice(format.sizeNumber(), 0));
     EXPECT_FALSE(format.setToDevice(2147483647, 0));
-    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+    EXPECT_EQ(camera.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(ImageFormatSelection, ThrowsForANegativeSizePosition)
 {
     camera.clearLog();
     EXPECT_THROW(format.setToDevice(-1, 0), std::out_of_range);
-    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+    EXPECT_EQ(camera.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(ImageFormatSelection, SendsTheInvalidPeriodForAnIntervalPositionOutsideTheList)
@@ -112,8 +112,8 @@ TEST_F(ImageFormatSelection, SendsTheInvalidPeriodForAnIntervalPositionOutsideTh
         camera.clearLog();
         EXPECT_TRUE(format.setToDevice(0, position));
         auto const set = camera.calls(VIDIOC_S_PARM).front().argument<v4l2_streamparm>();
-        EXPECT_EQ(0u, set.parm.capture.timeperframe.numerator);
-        EXPECT_EQ(1u, set.parm.capture.timeperframe.denominator);
+        EXPECT_EQ(set.parm.capture.timeperframe.numerator, 0u);
+        EXPECT_EQ(set.parm.capture.timeperframe.denominator, 1u);
     }
 }
 
@@ -129,7 +129,7 @@ TEST_F(ImageFormatSelection, FailsWithAnyCallThatFails)
         camera.clearLog();
         camera.fail(one.request, EIO);
         EXPECT_FALSE(format.setToDevice(0, 0)) << VirtualCamera::callName(one.request);
-        EXPECT_EQ(one.callsBefore + 1, camera.countOf(Call::Ioctl));
+        EXPECT_EQ(camera.countOf(Call::Ioctl), one.callsBefore + 1);
         camera.stopFailing();
     }
 }
@@ -140,9 +140,9 @@ TEST_F(ImageFormatSelection, KeepsTheNewFormatWhenOnlyTheIntervalIsRefused)
     EXPECT_FALSE(format.setToDevice(0, 1));
     v4l2_format present{};
     present.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
-    ASSERT_EQ(0, v4l2_ioctl(node.fd(), VIDIOC_G_FMT, &present));
-    EXPECT_EQ(static_cast<__u32>(V4L2_PIX_FMT_MJPEG), present.fmt.pix.pixelformat);
-    EXPECT_EQ(640u, present.fmt.pix.width);
+    ASSERT_EQ(v4l2_ioctl(node.fd(), VIDIOC_G_FMT, &present), 0);
+    EXPECT_EQ(present.fmt.pix.pixelformat, static_cast<__u32>(V4L2_PIX_FMT_MJPEG));
+    EXPECT_EQ(present.fmt.pix.width, 640u);
 }
 
 TEST_F(ImageFormatSelection, TakesSizeAndIntervalByValueToo)
@@ -150,7 +150,7 @@ TEST_F(ImageFormatSelection, TakesSizeAndIntervalByValueToo)
     camera.clearLog();
     EXPECT_TRUE(format.setToDevice(640, 480, 1, 15));
     auto const set = camera.calls(VIDIOC_S_PARM).front().argument<v4l2_streamparm>();
-    EXPECT_EQ(15u, set.parm.capture.timeperframe.denominator);
+    EXPECT_EQ(set.parm.capture.timeperframe.denominator, 15u);
 }
 
 TEST_F(ImageFormatSelection, RefusesValuesThatAreNotInTheLists)
@@ -162,7 +162,7 @@ TEST_F(ImageFormatSelection, RefusesValuesThatAreNotInTheLists)
     EXPECT_FALSE(format.setToDevice(640, 480, 1, 29));
     EXPECT_FALSE(format.setToDevice(-640, 480, 1, 30));
     EXPECT_FALSE(format.setToDevice(640, 480, -1, -30));
-    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+    EXPECT_EQ(camera.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(ImageFormatSelection, CannotSetASizeWithoutIntervalsByValue)
@@ -170,7 +170,7 @@ TEST_F(ImageFormatSelection, CannotSetASizeWithoutIntervalsByValue)
     camera.clearLog();
     EXPECT_FALSE(format.setToDevice(320, 240, 1, 30));
     EXPECT_FALSE(format.setToDevice(320, 240, 0, 1));
-    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+    EXPECT_EQ(camera.countOf(Call::Ioctl), 0u);
     EXPECT_TRUE(format.setToDevice(1, 0));
 }
 

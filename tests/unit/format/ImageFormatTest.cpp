@@ -32,27 +32,27 @@ v4l2_fmtdesc const yuyv = describe(V4L2_PIX_FMT_YUYV, 0, "YUYV 4:2:2");
 
 TEST(FourCharacterCode, ListsTheBytesFromTheLowestUp)
 {
-    EXPECT_EQ("YUYV", fourCharacterCode(0x56595559));
-    EXPECT_EQ("MJPG", fourCharacterCode(V4L2_PIX_FMT_MJPEG));
-    EXPECT_EQ("Y16 ", fourCharacterCode(V4L2_PIX_FMT_Y16));
+    EXPECT_EQ(fourCharacterCode(0x56595559), "YUYV");
+    EXPECT_EQ(fourCharacterCode(V4L2_PIX_FMT_MJPEG), "MJPG");
+    EXPECT_EQ(fourCharacterCode(V4L2_PIX_FMT_Y16), "Y16 ");
     // Big-endian formats have the top bit set, and a code may hold zeros.
-    EXPECT_EQ("Y16\xa0", fourCharacterCode(V4L2_PIX_FMT_Y16_BE));
-    EXPECT_EQ(std::string("A\0\0\0", 4), fourCharacterCode('A'));
+    EXPECT_EQ(fourCharacterCode(V4L2_PIX_FMT_Y16_BE), "Y16\xa0");
+    EXPECT_EQ(fourCharacterCode('A'), std::string("A\0\0\0", 4));
 }
 
 TEST(ImageFormat, IsNamedByItsCodeAndDescribedByTheDriver)
 {
     ImageFormat const format(-1, yuyv);
     EXPECT_FALSE(format.isInvalid());
-    EXPECT_STREQ("YUYV", format.name());
-    EXPECT_STREQ("YUYV 4:2:2", format.description());
+    EXPECT_STREQ(format.name(), "YUYV");
+    EXPECT_STREQ(format.description(), "YUYV 4:2:2");
 }
 
 TEST(ImageFormat, ReadsADescriptionWithoutAnEndNoFurtherThanItsField)
 {
     std::string const text(sizeof(v4l2_fmtdesc::description), 'd');
     ImageFormat const format(-1, describe(V4L2_PIX_FMT_YUYV, 0, text.c_str()));
-    EXPECT_EQ(text, format.description());
+    EXPECT_EQ(format.description(), text);
 }
 
 TEST(ImageFormat, TellsCompressedFromEmulated)
@@ -69,8 +69,8 @@ TEST(ImageFormat, TellsCompressedFromEmulated)
                        {0xfffffffc, false, false}};
     for (auto const& one : cases) {
         ImageFormat const format(-1, describe(V4L2_PIX_FMT_MJPEG, one.flags));
-        EXPECT_EQ(one.compressed, format.isCompressed()) << one.flags;
-        EXPECT_EQ(one.emulated, format.isEmulated()) << one.flags;
+        EXPECT_EQ(format.isCompressed(), one.compressed) << one.flags;
+        EXPECT_EQ(format.isEmulated(), one.emulated) << one.flags;
     }
 }
 
@@ -86,13 +86,13 @@ TEST(ImageFormat, ListsTheSizesInTheDriversOrder)
                             .install();
     OpenNode const node;
     ImageFormat const format(node.fd(), yuyv);
-    ASSERT_EQ(2, format.sizeNumber());
-    EXPECT_EQ(320u, format.frameSize(0)->width());
-    EXPECT_EQ(240u, format.frameSize(0)->height());
-    EXPECT_EQ(1, format.frameSize(0)->periodNumber());
-    EXPECT_EQ(1280u, format.frameSize(1)->width());
-    EXPECT_EQ(720u, format.frameSize(1)->height());
-    EXPECT_EQ(2, format.frameSize(1)->periodNumber());
+    ASSERT_EQ(format.sizeNumber(), 2);
+    EXPECT_EQ(format.frameSize(0)->width(), 320u);
+    EXPECT_EQ(format.frameSize(0)->height(), 240u);
+    EXPECT_EQ(format.frameSize(0)->periodNumber(), 1);
+    EXPECT_EQ(format.frameSize(1)->width(), 1280u);
+    EXPECT_EQ(format.frameSize(1)->height(), 720u);
+    EXPECT_EQ(format.frameSize(1)->periodNumber(), 2);
 }
 
 TEST(ImageFormat, GivesTheInvalidSizeOutsideItsList)
@@ -117,12 +117,12 @@ TEST(ImageFormat, MakesUpNoListFromARangeOfSizes)
         auto const camera = builder.install();
         OpenNode const node;
         ImageFormat const format(node.fd(), yuyv);
-        EXPECT_EQ(0, format.sizeNumber());
+        EXPECT_EQ(format.sizeNumber(), 0);
         for (int const index : {-1, 0, 1}) {
             EXPECT_TRUE(format.frameSize(index)->isInvalid());
         }
-        EXPECT_EQ(1u, camera.countOf(VIDIOC_ENUM_FRAMESIZES));
-        EXPECT_EQ(0u, camera.countOf(VIDIOC_ENUM_FRAMEINTERVALS));
+        EXPECT_EQ(camera.countOf(VIDIOC_ENUM_FRAMESIZES), 1u);
+        EXPECT_EQ(camera.countOf(VIDIOC_ENUM_FRAMEINTERVALS), 0u);
     }
 }
 
@@ -134,7 +134,7 @@ TEST(ImageFormat, HasNoSizesWhenTheDriverListsNone)
                             .failing(VIDIOC_ENUM_FRAMESIZES, EINVAL)
                             .install();
     OpenNode const node;
-    EXPECT_EQ(0, ImageFormat(node.fd(), yuyv).sizeNumber());
+    EXPECT_EQ(ImageFormat(node.fd(), yuyv).sizeNumber(), 0);
 }
 
 TEST(ImageFormat, EndsTheListWhereTheDriverFails)
@@ -146,7 +146,7 @@ TEST(ImageFormat, EndsTheListWhereTheDriverFails)
                             .failing(VIDIOC_ENUM_FRAMESIZES, EIO, 2)
                             .install();
     OpenNode const node;
-    EXPECT_EQ(1, ImageFormat(node.fd(), yuyv).sizeNumber());
+    EXPECT_EQ(ImageFormat(node.fd(), yuyv).sizeNumber(), 1);
 }
 
 TEST(ImageFormat, LooksAtTheTypeOfTheFirstAnswerOnly)
@@ -162,8 +162,8 @@ TEST(ImageFormat, LooksAtTheTypeOfTheFirstAnswerOnly)
         return 0;
     });
     ImageFormat const format(3, yuyv);
-    ASSERT_EQ(2, format.sizeNumber());
-    EXPECT_EQ(101u, format.frameSize(1)->width());
+    ASSERT_EQ(format.sizeNumber(), 2);
+    EXPECT_EQ(format.frameSize(1)->width(), 101u);
 }
 
 TEST(ImageFormat, EndsTheListOfADriverThatNeverDoes)
@@ -176,7 +176,7 @@ TEST(ImageFormat, EndsTheListOfADriverThatNeverDoes)
         static_cast<v4l2_frmsizeenum*>(argument)->type = V4L2_FRMSIZE_TYPE_DISCRETE;
         return 0;
     });
-    EXPECT_EQ(4096, ImageFormat(3, yuyv).sizeNumber());
+    EXPECT_EQ(ImageFormat(3, yuyv).sizeNumber(), 4096);
 }
 
 TEST(ImageFormat, FindsASizeByWidthAndHeight)
@@ -190,11 +190,11 @@ TEST(ImageFormat, FindsASizeByWidthAndHeight)
                             .install();
     OpenNode const node;
     ImageFormat const format(node.fd(), yuyv);
-    EXPECT_EQ(0, format.frameSizeIndex(640, 480));
-    EXPECT_EQ(1, format.frameSizeIndex(640, 360)) << "the first of two equal sizes";
-    EXPECT_EQ(2, format.frameSizeIndex(320, 480));
-    EXPECT_EQ(-1, format.frameSizeIndex(480, 640));
-    EXPECT_EQ(-1, format.frameSizeIndex(0, 0));
+    EXPECT_EQ(format.frameSizeIndex(640, 480), 0);
+    EXPECT_EQ(format.frameSizeIndex(640, 360), 1) << "the first of two equal sizes";
+    EXPECT_EQ(format.frameSizeIndex(320, 480), 2);
+    EXPECT_EQ(format.frameSizeIndex(480, 640), -1);
+    EXPECT_EQ(format.frameSizeIndex(0, 0), -1);
 }
 
 } // namespace

@@ -31,18 +31,18 @@ TEST(InvalidFramePeriod, IsZeroOverOne)
 {
     IFramePeriod const* const period = IFramePeriod::invalid();
     EXPECT_TRUE(period->isInvalid());
-    EXPECT_EQ(0u, period->numerator());
-    EXPECT_EQ(1u, period->denominator());
+    EXPECT_EQ(period->numerator(), 0u);
+    EXPECT_EQ(period->denominator(), 1u);
 }
 
 TEST(InvalidFrameSize, IsZeroInEveryRespect)
 {
     IFrameSize const* const size = IFrameSize::invalid();
     EXPECT_TRUE(size->isInvalid());
-    EXPECT_EQ(0u, size->width());
-    EXPECT_EQ(0u, size->height());
-    EXPECT_EQ(0, size->bytesPerLine());
-    EXPECT_EQ(0, size->periodNumber());
+    EXPECT_EQ(size->width(), 0u);
+    EXPECT_EQ(size->height(), 0u);
+    EXPECT_EQ(size->bytesPerLine(), 0);
+    EXPECT_EQ(size->periodNumber(), 0);
     for (int const index : {-1, 0, 1}) {
         EXPECT_EQ(IFramePeriod::invalid(), size->period(index));
     }
@@ -54,9 +54,9 @@ TEST(InvalidImageFormat, IsCalledInvalidAndHasNoSizes)
     EXPECT_TRUE(format->isInvalid());
     EXPECT_FALSE(format->isCompressed());
     EXPECT_FALSE(format->isEmulated());
-    EXPECT_STREQ("Invalid", format->name());
-    EXPECT_STREQ("Invalid", format->description());
-    EXPECT_EQ(0, format->sizeNumber());
+    EXPECT_STREQ(format->name(), "Invalid");
+    EXPECT_STREQ(format->description(), "Invalid");
+    EXPECT_EQ(format->sizeNumber(), 0);
     for (int const index : {-1, 0, 1}) {
         EXPECT_EQ(IFrameSize::invalid(), format->frameSize(index));
     }
@@ -67,16 +67,16 @@ TEST(InvalidObjects, AreThoseOfTheirClasses)
     InvalidFramePeriod const& period = InvalidFramePeriod::getUniqueInstance();
     InvalidFrameSize const& size = InvalidFrameSize::getUniqueInstance();
     InvalidImageFormat const& format = InvalidImageFormat::getUniqueInstance();
-    EXPECT_EQ(&period, IFramePeriod::invalid());
-    EXPECT_EQ(&size, IFrameSize::invalid());
-    EXPECT_EQ(&format, IImageFormat::invalid());
+    EXPECT_EQ(IFramePeriod::invalid(), &period);
+    EXPECT_EQ(IFrameSize::invalid(), &size);
+    EXPECT_EQ(IImageFormat::invalid(), &format);
 }
 
 TEST(InvalidObjects, AreOneOfEachKindForAllThreads)
 {
-    EXPECT_EQ(1u, instancesOfManyThreads(&IFramePeriod::invalid).size());
-    EXPECT_EQ(1u, instancesOfManyThreads(&IFrameSize::invalid).size());
-    EXPECT_EQ(1u, instancesOfManyThreads(&IImageFormat::invalid).size());
+    EXPECT_EQ(instancesOfManyThreads(&IFramePeriod::invalid).size(), 1u);
+    EXPECT_EQ(instancesOfManyThreads(&IFrameSize::invalid).size(), 1u);
+    EXPECT_EQ(instancesOfManyThreads(&IImageFormat::invalid).size(), 1u);
 }
 
 } // namespace

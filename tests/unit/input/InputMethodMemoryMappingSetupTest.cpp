@@ -32,14 +32,14 @@ TEST(InputMethodMemoryMapping, AsksForMappedCaptureBuffers)
     OpenNode const node;
     v4l2_requestbuffers request;
     std::memset(&request, 0xff, sizeof request);
-    EXPECT_EQ(0, InputMethodMemoryMapping::requestBuffers(node.fd(), 3, request));
-    EXPECT_EQ(3u, request.count);
+    EXPECT_EQ(InputMethodMemoryMapping::requestBuffers(node.fd(), 3, request), 0);
+    EXPECT_EQ(request.count, 3u);
     v4l2_requestbuffers expected{};
     expected.count = 3;
     expected.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
     expected.memory = V4L2_MEMORY_MMAP;
     v4l2_requestbuffers const sent = lastRequest(camera);
-    EXPECT_EQ(0, std::memcmp(&expected, &sent, sizeof sent));
+    EXPECT_EQ(std::memcmp(&expected, &sent, sizeof sent), 0);
 }
 
 TEST(InputMethodMemoryMapping, ReportsTheErrorOfARefusedRequest)
@@ -47,7 +47,7 @@ TEST(InputMethodMemoryMapping, ReportsTheErrorOfARefusedRequest)
     auto const camera = smallCamera().failing(VIDIOC_REQBUFS, EBUSY).install();
     OpenNode const node;
     v4l2_requestbuffers request;
-    EXPECT_EQ(EBUSY, InputMethodMemoryMapping::requestBuffers(node.fd(), 3, request));
+    EXPECT_EQ(InputMethodMemoryMapping::requestBuffers(node.fd(), 3, request), EBUSY);
 }
 
 TEST(InputMethodMemoryMapping, IsSupportedByADriverThatGrantsBuffers)
@@ -56,9 +56,9 @@ TEST(InputMethodMemoryMapping, IsSupportedByADriverThatGrantsBuffers)
     OpenNode const node;
     EXPECT_TRUE(InputMethodMemoryMapping::supported(node.fd()));
     auto const calls = camera.calls(VIDIOC_REQBUFS);
-    ASSERT_EQ(2u, calls.size());
-    EXPECT_EQ(4u, calls[0].argument<v4l2_requestbuffers>().count);
-    EXPECT_EQ(0u, calls[1].argument<v4l2_requestbuffers>().count);
+    ASSERT_EQ(calls.size(), 2u);
+    EXPECT_EQ(calls[0].argument<v4l2_requestbuffers>().count, 4u);
+    EXPECT_EQ(calls[1].argument<v4l2_requestbuffers>().count, 0u);
     EXPECT_TRUE(camera.accounting().allocatedBuffers == 0);
 }
 
@@ -67,7 +67,7 @@ TEST(InputMethodMemoryMapping, IsNotSupportedByADriverThatAnswersEinval)
     auto const camera = smallCamera().offeringMmap(false).install();
     OpenNode const node;
     EXPECT_FALSE(InputMethodMemoryMapping::supported(node.fd()));
-    EXPECT_EQ(1u, camera.countOf(VIDIOC_REQBUFS));
+    EXPECT_EQ(camera.countOf(VIDIOC_REQBUFS), 1u);
 }
 
 TEST(InputMethodMemoryMapping, CountsAnyOtherErrorAsSupport)
@@ -76,8 +76,8 @@ TEST(InputMethodMemoryMapping, CountsAnyOtherErrorAsSupport)
         auto const camera = smallCamera().failing(VIDIOC_REQBUFS, error).install();
         OpenNode const node;
         EXPECT_TRUE(InputMethodMemoryMapping::supported(node.fd())) << error;
-        EXPECT_EQ(2u, camera.countOf(VIDIOC_REQBUFS));
-        EXPECT_EQ(0u, lastRequest(camera).count);
+        EXPECT_EQ(camera.countOf(VIDIOC_REQBUFS), 2u);
+        EXPECT_EQ(lastRequest(camera).count, 0u);
     }
 }
 
@@ -94,17 +94,17 @@ TEST(InputMethodMemoryMapping, MapsEveryBufferThatTheDriverGrants)
             smallCamera().grantingAtMost(one.most).grantingAtLeast(one.fewest).install();
         OpenNode const node;
         InputMethodMemoryMapping method(node.fd());
-        ASSERT_EQ(0, method.setup(4, smallImageSize));
-        EXPECT_EQ(one.expected, camera.accounting().liveMappings);
-        ASSERT_EQ(0, method.startCapture());
+        ASSERT_EQ(method.setup(4, smallImageSize), 0);
+        EXPECT_EQ(camera.accounting().liveMappings, one.expected);
+        ASSERT_EQ(method.startCapture(), 0);
         EXPECT_EQ(static_cast<unsigned>(one.expected), camera.countOf(VIDIOC_QBUF));
         IFrame* const frame = method.acquireFrame();
         EXPECT_FALSE(frame->isInvalid());
-        EXPECT_EQ(0, method.releaseFrame(frame));
-        EXPECT_EQ(0, method.stopCapture());
-        EXPECT_EQ(0, method.cleanup());
-        EXPECT_EQ(0, camera.accounting().liveMappings);
-        EXPECT_EQ(0, camera.accounting().allocatedBuffers);
+        EXPECT_EQ(method.releaseFrame(frame), 0);
+        EXPECT_EQ(method.stopCapture(), 0);
+        EXPECT_EQ(method.cleanup(), 0);
+        EXPECT_EQ(camera.accounting().liveMappings, 0);
+        EXPECT_EQ(camera.accounting().allocatedBuffers, 0);
     }
 }
 
@@ -149,13 +149,13 @@ TEST(InputMethodMemoryMapping, MapsForReadingAndWritingAtTheDriversOffsets)
     auto const camera = smallCamera().install();
     OpenNode const node;
     InputMethodMemoryMapping method(node.fd());
-    ASSERT_EQ(0, method.setup(2, 1));
+    ASSERT_EQ(method.setup(2, 1), 0);
     auto const maps = camera.calls(Call::Mmap);
     auto const queries = camera.calls(VIDIOC_QUERYBUF);
-    ASSERT_EQ(2u, maps.size());
-    ASSERT_EQ(2u, queries.size());
+    ASSERT_EQ(maps.size(), 2u);
+    ASSERT_EQ(queries.size(), 2u);
     for (std::size_t i = 0; i < 2; ++i) {
-        EXPECT_EQ(i, queries[i].argument<v4l2_buffer>().index);
+        EXPECT_EQ(queries[i].argument<v4l2_buffer>().index, i);
         auto const described = queries[i].answer<v4l2_buffer>();
         EXPECT_EQ(described.length, maps[i].length);
         EXPECT_EQ(described.m.offset, maps[i].offset);
@@ -168,7 +168,7 @@ TEST(InputMethodMemoryMapping, FailsToSetUpWhenTheDriverGrantsNothing)
     auto const camera = smallCamera().grantingAtMost(0).install();
     OpenNode const node;
     InputMethodMemoryMapping method(node.fd());
-    EXPECT_EQ(-1, method.setup(4, smallImageSize));
+    EXPECT_EQ(method.setup(4, smallImageSize), -1);
     EXPECT_TRUE(method.acquireFrame()->isInvalid());
 }
 
@@ -177,8 +177,8 @@ TEST(InputMethodMemoryMapping, FailsToSetUpWhenTheDriverRefuses)
     auto const camera = smallCamera().failing(VIDIOC_REQBUFS, EBUSY).install();
     OpenNode const node;
     InputMethodMemoryMapping method(node.fd());
-    EXPECT_EQ(-1, method.setup(4, smallImageSize));
-    EXPECT_EQ(0u, camera.countOf(VIDIOC_QUERYBUF));
+    EXPECT_EQ(method.setup(4, smallImageSize), -1);
+    EXPECT_EQ(camera.countOf(VIDIOC_QUERYBUF), 0u);
 }
 
 TEST(InputMethodMemoryMapping, FailsToSetUpWithoutAPipeBeforeItTouchesTheDevice)
@@ -188,9 +188,9 @@ TEST(InputMethodMemoryMapping, FailsToSetUpWithoutAPipeBeforeItTouchesTheDevice)
     InputMethodMemoryMapping method(node.fd());
     {
         DescriptorLimit const none;
-        EXPECT_EQ(-1, method.setup(4, smallImageSize));
+        EXPECT_EQ(method.setup(4, smallImageSize), -1);
     }
-    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+    EXPECT_EQ(camera.countOf(Call::Ioctl), 0u);
 }
 
 TEST(InputMethodMemoryMapping, PassesANegativeCountOnToTheDriver)
@@ -198,9 +198,9 @@ TEST(InputMethodMemoryMapping, PassesANegativeCountOnToTheDriver)
     auto const camera = smallCamera().grantingAtMost(3).install();
     OpenNode const node;
     InputMethodMemoryMapping method(node.fd());
-    EXPECT_EQ(0, method.setup(-1, smallImageSize));
-    EXPECT_EQ(0xffffffffu, lastRequest(camera).count);
-    EXPECT_EQ(3, camera.accounting().liveMappings);
+    EXPECT_EQ(method.setup(-1, smallImageSize), 0);
+    EXPECT_EQ(lastRequest(camera).count, 0xffffffffu);
+    EXPECT_EQ(camera.accounting().liveMappings, 3);
     method.cleanup();
 }
 
@@ -216,11 +216,11 @@ TEST(InputMethodMemoryMapping, GivesEverythingBackWhenABufferCannotBeHad)
         auto const camera = smallCamera().failing(one.call, ENOMEM, one.use).install();
         OpenNode const node;
         InputMethodMemoryMapping method(node.fd());
-        EXPECT_EQ(-1, method.setup(4, smallImageSize));
-        EXPECT_EQ(0, camera.accounting().liveMappings);
-        EXPECT_EQ(0, camera.accounting().allocatedBuffers);
-        EXPECT_EQ(0u, lastRequest(camera).count);
-        EXPECT_EQ(0, method.setup(4, smallImageSize)) << "it works once the driver does";
+        EXPECT_EQ(method.setup(4, smallImageSize), -1);
+        EXPECT_EQ(camera.accounting().liveMappings, 0);
+        EXPECT_EQ(camera.accounting().allocatedBuffers, 0);
+        EXPECT_EQ(lastRequest(camera).count, 0u);
+        EXPECT_EQ(method.setup(4, smallImageSize), 0) << "it works once the driver does";
         method.cleanup();
     }
 }
@@ -230,10 +230,10 @@ TEST(InputMethodMemoryMapping, ReleasesBuffersInTheOrderThatDriversNeed)
     auto const camera = smallCamera().install();
     OpenNode const node;
     InputMethodMemoryMapping method(node.fd());
-    ASSERT_EQ(0, method.setup(2, smallImageSize));
-    EXPECT_EQ(0, method.cleanup());
+    ASSERT_EQ(method.setup(2, smallImageSize), 0);
+    EXPECT_EQ(method.cleanup(), 0);
     auto const calls = camera.calls();
-    ASSERT_LE(3u, calls.size());
+    ASSERT_GE(calls.size(), 3u);
     EXPECT_EQ(VirtualCamera::CallId(Call::Munmap), calls[calls.size() - 3].call);
     EXPECT_EQ(VirtualCamera::CallId(Call::Munmap), calls[calls.size() - 2].call);
     EXPECT_EQ(VirtualCamera::CallId(VIDIOC_REQBUFS), calls[calls.size() - 1].call);
@@ -245,11 +245,11 @@ TEST(InputMethodMemoryMapping, IgnoresFailuresOfCleaningUp)
     auto camera = smallCamera().install();
     OpenNode const node;
     InputMethodMemoryMapping method(node.fd());
-    ASSERT_EQ(0, method.setup(2, smallImageSize));
+    ASSERT_EQ(method.setup(2, smallImageSize), 0);
     camera.fail(VIDIOC_REQBUFS, EIO);
-    EXPECT_EQ(0, method.cleanup());
-    EXPECT_EQ(0, method.cleanup()) << "and may be repeated";
-    EXPECT_EQ(0, camera.accounting().liveMappings);
+    EXPECT_EQ(method.cleanup(), 0);
+    EXPECT_EQ(method.cleanup(), 0) << "and may be repeated";
+    EXPECT_EQ(camera.accounting().liveMappings, 0);
 }
 
 TEST(InputMethodMemoryMapping, KeepsItsBuffersWhenTheDriverRefusesASecondSetup)
@@ -257,11 +257,11 @@ TEST(InputMethodMemoryMapping, KeepsItsBuffersWhenTheDriverRefusesASecondSetup)
     auto const camera = smallCamera().install();
     OpenNode const node;
     InputMethodMemoryMapping method(node.fd());
-    ASSERT_EQ(0, method.setup(2, smallImageSize));
-    EXPECT_EQ(-1, method.setup(2, smallImageSize));
-    EXPECT_EQ(2, camera.accounting().liveMappings);
-    EXPECT_EQ(0, method.cleanup());
-    EXPECT_EQ(0, camera.accounting().liveMappings);
+    ASSERT_EQ(method.setup(2, smallImageSize), 0);
+    EXPECT_EQ(method.setup(2, smallImageSize), -1);
+    EXPECT_EQ(camera.accounting().liveMappings, 2);
+    EXPECT_EQ(method.cleanup(), 0);
+    EXPECT_EQ(camera.accounting().liveMappings, 0);
 }
 
 TEST(InputMethodMemoryMapping, UnmapsItsBuffersWhenTheDriverAllowsASecondSetup)
@@ -269,17 +269,17 @@ TEST(InputMethodMemoryMapping, UnmapsItsBuffersWhenTheDriverAllowsASecondSetup)
     auto const camera = smallCamera().install();
     OpenNode const node;
     InputMethodMemoryMapping method(node.fd());
-    ASSERT_EQ(0, method.setup(2, smallImageSize));
+    ASSERT_EQ(method.setup(2, smallImageSize), 0);
     {
         // Newer kernels let go of buffers that are still mapped.
         V4l2Hook const hook([](int fd, unsigned long request, void* argument) {
             return request == VIDIOC_REQBUFS ? 0 : V4l2Hook::realIoctl(fd, request, argument);
         });
-        EXPECT_EQ(0, method.setup(2, smallImageSize));
+        EXPECT_EQ(method.setup(2, smallImageSize), 0);
     }
-    EXPECT_EQ(2, camera.accounting().liveMappings);
-    EXPECT_EQ(0, method.cleanup());
-    EXPECT_EQ(0, camera.accounting().liveMappings);
+    EXPECT_EQ(camera.accounting().liveMappings, 2);
+    EXPECT_EQ(method.cleanup(), 0);
+    EXPECT_EQ(camera.accounting().liveMappings, 0);
 }
 
 TEST(InputMethodMemoryMapping, LeavesMappingsToCleanupAndNotToItsDestruction)
@@ -288,9 +288,9 @@ TEST(InputMethodMemoryMapping, LeavesMappingsToCleanupAndNotToItsDestruction)
     OpenNode const node;
     {
         InputMethodMemoryMapping method(node.fd());
-        ASSERT_EQ(0, method.setup(2, smallImageSize));
+        ASSERT_EQ(method.setup(2, smallImageSize), 0);
     }
-    EXPECT_EQ(2, camera.accounting().liveMappings);
+    EXPECT_EQ(camera.accounting().liveMappings, 2);
 }
 
 } // namespace

@@ -41,7 +41,7 @@ public:
     {
         EXPECT_TRUE(_setUp);
         method.cleanup();
-        EXPECT_EQ(0, camera.accounting().liveMappings);
+        EXPECT_EQ(camera.accounting().liveMappings, 0);
     }
 
     InstalledCamera camera;
@@ -56,17 +56,17 @@ TEST(MappedStream, QueuesAllBuffersInOrderAndStarts)
 {
     Stream stream(smallCamera());
     auto const queued = stream.camera.calls(VIDIOC_QBUF);
-    ASSERT_EQ(3u, queued.size());
+    ASSERT_EQ(queued.size(), 3u);
     for (unsigned int i = 0; i < 3; ++i) {
         auto const buffer = queued[i].argument<v4l2_buffer>();
         EXPECT_EQ(i, buffer.index);
-        EXPECT_EQ(static_cast<__u32>(V4L2_BUF_TYPE_VIDEO_CAPTURE), buffer.type);
-        EXPECT_EQ(static_cast<__u32>(V4L2_MEMORY_MMAP), buffer.memory);
+        EXPECT_EQ(buffer.type, static_cast<__u32>(V4L2_BUF_TYPE_VIDEO_CAPTURE));
+        EXPECT_EQ(buffer.memory, static_cast<__u32>(V4L2_MEMORY_MMAP));
     }
-    EXPECT_EQ(static_cast<int>(V4L2_BUF_TYPE_VIDEO_CAPTURE),
-              stream.camera.calls(VIDIOC_STREAMON).front().argument<int>());
+    EXPECT_EQ(stream.camera.calls(VIDIOC_STREAMON).front().argument<int>(),
+              static_cast<int>(V4L2_BUF_TYPE_VIDEO_CAPTURE));
     EXPECT_TRUE(stream.camera.accounting().streaming);
-    EXPECT_EQ(InputMethod::MemoryMapping, stream.method.type());
+    EXPECT_EQ(stream.method.type(), InputMethod::MemoryMapping);
 }
 
 TEST(MappedStream, DoesNotStartWhenABufferIsRefused)
@@ -74,10 +74,10 @@ TEST(MappedStream, DoesNotStartWhenABufferIsRefused)
     auto const camera = smallCamera().failing(VIDIOC_QBUF, EIO, 2).install();
     OpenNode const node;
     InputMethodMemoryMapping method(node.fd());
-    ASSERT_EQ(0, method.setup(3, smallImageSize));
-    EXPECT_EQ(-1, method.startCapture());
-    EXPECT_EQ(2u, camera.countOf(VIDIOC_QBUF));
-    EXPECT_EQ(0u, camera.countOf(VIDIOC_STREAMON));
+    ASSERT_EQ(method.setup(3, smallImageSize), 0);
+    EXPECT_EQ(method.startCapture(), -1);
+    EXPECT_EQ(camera.countOf(VIDIOC_QBUF), 2u);
+    EXPECT_EQ(camera.countOf(VIDIOC_STREAMON), 0u);
     method.cleanup();
 }
 
@@ -86,8 +86,8 @@ TEST(MappedStream, DoesNotStartWhenTheDriverRefuses)
     auto const camera = smallCamera().failing(VIDIOC_STREAMON, EIO).install();
     OpenNode const node;
     InputMethodMemoryMapping method(node.fd());
-    ASSERT_EQ(0, method.setup(3, smallImageSize));
-    EXPECT_EQ(-1, method.startCapture());
+    ASSERT_EQ(method.setup(3, smallImageSize), 0);
+    EXPECT_EQ(method.startCapture(), -1);
     method.cleanup();
 }
 
@@ -114,9 +114,9 @@ TEST(MappedStream, OnlyStartsWhenItHasNoBuffers)
     auto const camera = smallCamera().install();
     OpenNode const node;
     InputMethodMemoryMapping method(node.fd());
-    EXPECT_EQ(-1, method.startCapture()) << "the driver has no buffers either";
-    EXPECT_EQ(0u, camera.countOf(VIDIOC_QBUF));
-    EXPECT_EQ(1u, camera.countOf(VIDIOC_STREAMON));
+    EXPECT_EQ(method.startCapture(), -1) << "the driver has no buffers either";
+    EXPECT_EQ(camera.countOf(VIDIOC_QBUF), 0u);
+    EXPECT_EQ(camera.countOf(VIDIOC_STREAMON), 1u);
 }
 
 TEST(MappedStream, DeliversThePicturesInOrder)
@@ -127,20 +127,20 @@ TEST(MappedStream, DeliversThePicturesInOrder)
         stream.camera.deliverFrames(1);
         IFrame* const frame = stream.method.acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
-        EXPECT_EQ(number, frame->counter());
-        EXPECT_EQ(smallImageSize, frame->bytesUsed());
-        EXPECT_EQ(smallImageSize, frame->size());
-        EXPECT_EQ(smallImageSize, frame->allocSize());
+        EXPECT_EQ(frame->counter(), number);
+        EXPECT_EQ(frame->bytesUsed(), smallImageSize);
+        EXPECT_EQ(frame->size(), smallImageSize);
+        EXPECT_EQ(frame->allocSize(), smallImageSize);
         EXPECT_FALSE(frame->isCorrupted());
         std::int64_t const time =
             frame->timeStamp().seconds * 1000000 + frame->timeStamp().microseconds;
         EXPECT_LE(earlier, time);
-        EXPECT_LT(0, time);
+        EXPECT_GT(time, 0);
         earlier = time;
         auto const expected = VirtualCamera::testPattern(V4L2_PIX_FMT_YUYV, 64, 48, number);
-        ASSERT_EQ(smallImageSize, expected.size());
+        ASSERT_EQ(expected.size(), smallImageSize);
         EXPECT_TRUE(std::equal(expected.begin(), expected.end(), frame->bytePtr()));
-        EXPECT_EQ(0, stream.method.releaseFrame(frame));
+        EXPECT_EQ(stream.method.releaseFrame(frame), 0);
     }
 }
 
@@ -156,7 +156,7 @@ TEST(MappedStream, ShowsTheDriversOwnMemory)
     stream.method.releaseFrame(first);
     stream.camera.deliverFrames(1);
     IFrame* const second = stream.method.acquireFrame();
-    EXPECT_EQ(bytes, second->bytePtr());
+    EXPECT_EQ(second->bytePtr(), bytes);
     EXPECT_NE(bytes + second->bytesUsed(),
               std::find_if(bytes, bytes + second->bytesUsed(), [](auto b) { return b != 0; }));
 }
@@ -164,17 +164,17 @@ TEST(MappedStream, ShowsTheDriversOwnMemory)
 TEST(MappedStream, GapsInTheCounterTellOfLostFrames)
 {
     Stream stream(smallCamera().withMissingFrame(1));
-    EXPECT_EQ(0u, stream.method.acquireFrame()->counter());
-    EXPECT_EQ(2u, stream.method.acquireFrame()->counter());
+    EXPECT_EQ(stream.method.acquireFrame()->counter(), 0u);
+    EXPECT_EQ(stream.method.acquireFrame()->counter(), 2u);
 }
 
 TEST(MappedStream, ReportsShortFramesByTheirBytes)
 {
     Stream stream(smallCamera().withShortFrame(0, 100));
     IFrame* const frame = stream.method.acquireFrame();
-    EXPECT_EQ(100u, frame->bytesUsed());
-    EXPECT_EQ(100u, frame->size());
-    EXPECT_EQ(smallImageSize, frame->allocSize());
+    EXPECT_EQ(frame->bytesUsed(), 100u);
+    EXPECT_EQ(frame->size(), 100u);
+    EXPECT_EQ(frame->allocSize(), smallImageSize);
 }
 
 TEST(MappedStream, HandsOutDamagedFramesMarked)
@@ -183,9 +183,9 @@ TEST(MappedStream, HandsOutDamagedFramesMarked)
     IFrame* const frame = stream.method.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
     EXPECT_TRUE(frame->isCorrupted());
-    EXPECT_EQ(0, stream.camera.accounting().queuedBuffers);
-    EXPECT_EQ(0, stream.method.releaseFrame(frame));
-    EXPECT_EQ(1, stream.camera.accounting().queuedBuffers);
+    EXPECT_EQ(stream.camera.accounting().queuedBuffers, 0);
+    EXPECT_EQ(stream.method.releaseFrame(frame), 0);
+    EXPECT_EQ(stream.camera.accounting().queuedBuffers, 1);
     EXPECT_FALSE(stream.method.acquireFrame()->isCorrupted());
 }
 
@@ -194,9 +194,9 @@ TEST(MappedStream, GivesBackTheBufferAsItWasDequeued)
     Stream stream(smallCamera());
     IFrame* const frame = stream.method.acquireFrame();
     auto const dequeued = stream.camera.calls(VIDIOC_DQBUF).back().answer<v4l2_buffer>();
-    EXPECT_EQ(0, stream.method.releaseFrame(frame));
+    EXPECT_EQ(stream.method.releaseFrame(frame), 0);
     auto const queued = stream.camera.calls(VIDIOC_QBUF).back().argument<v4l2_buffer>();
-    EXPECT_EQ(0, std::memcmp(&dequeued, &queued, sizeof queued));
+    EXPECT_EQ(std::memcmp(&dequeued, &queued, sizeof queued), 0);
 }
 
 TEST(MappedStream, ReportsThatTheDriverRefusedAFrame)
@@ -204,8 +204,8 @@ TEST(MappedStream, ReportsThatTheDriverRefusedAFrame)
     Stream stream(smallCamera());
     IFrame* const frame = stream.method.acquireFrame();
     stream.camera.fail(VIDIOC_QBUF, EIO);
-    EXPECT_EQ(-1, stream.method.releaseFrame(frame));
-    EXPECT_EQ(0, stream.method.releaseFrame(frame));
+    EXPECT_EQ(stream.method.releaseFrame(frame), -1);
+    EXPECT_EQ(stream.method.releaseFrame(frame), 0);
 }
 
 TEST(MappedStream, TakesInvalidFramesBackWithoutTheDriver)
@@ -218,10 +218,10 @@ TEST(MappedStream, TakesInvalidFramesBackWithoutTheDriver)
     ASSERT_NE(IFrame::invalid(), own);
     InputMethod::InvalidFrame other(5);
     unsigned const before = stream.camera.countOf(Call::Ioctl);
-    EXPECT_EQ(0, stream.method.releaseFrame(own));
-    EXPECT_EQ(0, stream.method.releaseFrame(IFrame::invalid()));
-    EXPECT_EQ(0, stream.method.releaseFrame(&other));
-    EXPECT_EQ(before, stream.camera.countOf(Call::Ioctl));
+    EXPECT_EQ(stream.method.releaseFrame(own), 0);
+    EXPECT_EQ(stream.method.releaseFrame(IFrame::invalid()), 0);
+    EXPECT_EQ(stream.method.releaseFrame(&other), 0);
+    EXPECT_EQ(stream.camera.countOf(Call::Ioctl), before);
 }
 
 TEST(MappedStream, RefusesNullAndForeignFramesWithoutTheDriver)
@@ -229,9 +229,9 @@ TEST(MappedStream, RefusesNullAndForeignFramesWithoutTheDriver)
     Stream stream(smallCamera());
     InputMethodRead::Frame foreign(10);
     unsigned const before = stream.camera.countOf(Call::Ioctl);
-    EXPECT_EQ(-1, stream.method.releaseFrame(nullptr));
-    EXPECT_EQ(-1, stream.method.releaseFrame(&foreign));
-    EXPECT_EQ(before, stream.camera.countOf(Call::Ioctl));
+    EXPECT_EQ(stream.method.releaseFrame(nullptr), -1);
+    EXPECT_EQ(stream.method.releaseFrame(&foreign), -1);
+    EXPECT_EQ(stream.camera.countOf(Call::Ioctl), before);
 }
 
 TEST(MappedStream, GivesUpAfterTwoSecondsWithoutAFrame)
@@ -242,8 +242,8 @@ TEST(MappedStream, GivesUpAfterTwoSecondsWithoutAFrame)
     EXPECT_GE(watch.seconds(), 1.99);
     EXPECT_LT(watch.seconds(), 3);
     EXPECT_TRUE(frame->isInvalid());
-    EXPECT_EQ(0u, stream.camera.countOf(VIDIOC_DQBUF));
-    EXPECT_EQ(smallImageSize, frame->allocSize());
+    EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 0u);
+    EXPECT_EQ(frame->allocSize(), smallImageSize);
     EXPECT_TRUE(std::all_of(frame->bytePtr(), frame->bytePtr() + frame->allocSize(),
                             [](unsigned char byte) { return byte == 0; }));
 }
@@ -253,7 +253,7 @@ TEST(MappedStream, TriesTenTimesWhenTheDriverSaysAgain)
     Stream stream(smallCamera());
     stream.camera.failFrom(VIDIOC_DQBUF, EAGAIN);
     EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
-    EXPECT_EQ(10u, stream.camera.countOf(VIDIOC_DQBUF));
+    EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 10u);
 }
 
 TEST(MappedStream, TakesTheFrameOfATenthAttempt)
@@ -263,7 +263,7 @@ TEST(MappedStream, TakesTheFrameOfATenthAttempt)
         stream.camera.fail(VIDIOC_DQBUF, EAGAIN, use);
     }
     EXPECT_FALSE(stream.method.acquireFrame()->isInvalid());
-    EXPECT_EQ(10u, stream.camera.countOf(VIDIOC_DQBUF));
+    EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 10u);
 }
 
 TEST(MappedStream, GivesUpAtOnceForAnyOtherError)
@@ -273,7 +273,7 @@ TEST(MappedStream, GivesUpAtOnceForAnyOtherError)
         stream.camera.failFrom(VIDIOC_DQBUF, error);
         Stopwatch const watch;
         EXPECT_TRUE(stream.method.acquireFrame()->isInvalid()) << error;
-        EXPECT_EQ(1u, stream.camera.countOf(VIDIOC_DQBUF));
+        EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 1u);
         EXPECT_LT(watch.seconds(), 1);
     }
 }
@@ -290,7 +290,7 @@ TEST(MappedStream, GivesUpForABufferIndexThatItDoesNotHave)
     for (unsigned int const index : {3u, 4u, 0x7fffffffu, 0xffffffffu}) {
         Stream stream(smallCamera().withWrongIndex(0, index));
         EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
-        EXPECT_EQ(1u, stream.camera.countOf(VIDIOC_DQBUF));
+        EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 1u);
     }
 }
 
@@ -302,8 +302,8 @@ TEST(MappedStream, GivesUpAtOnceWhenTheCameraVanishes)
     Stopwatch const watch;
     EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
     EXPECT_LT(watch.seconds(), 1);
-    EXPECT_EQ(-1, stream.method.stopCapture());
-    EXPECT_EQ(0, stream.method.cleanup());
+    EXPECT_EQ(stream.method.stopCapture(), -1);
+    EXPECT_EQ(stream.method.cleanup(), 0);
 }
 
 TEST(MappedStream, HandsOutAnInvalidFrameBeforeSetupAndAfterCleanup)
@@ -313,18 +313,18 @@ TEST(MappedStream, HandsOutAnInvalidFrameBeforeSetupAndAfterCleanup)
     InputMethodMemoryMapping method(node.fd());
     Stopwatch const watch;
     EXPECT_EQ(IFrame::invalid(), method.acquireFrame());
-    ASSERT_EQ(0, method.setup(2, smallImageSize));
-    ASSERT_EQ(0, method.cleanup());
+    ASSERT_EQ(method.setup(2, smallImageSize), 0);
+    ASSERT_EQ(method.cleanup(), 0);
     EXPECT_EQ(IFrame::invalid(), method.acquireFrame());
     EXPECT_LT(watch.seconds(), 1);
-    EXPECT_EQ(0u, camera.countOf(VIDIOC_DQBUF));
+    EXPECT_EQ(camera.countOf(VIDIOC_DQBUF), 0u);
 }
 
 TEST(MappedStream, StopsStreamingAfterItWokeTheWaiter)
 {
     Stream stream(smallCamera());
     Stopwatch const watch;
-    EXPECT_EQ(0, stream.method.stopCapture());
+    EXPECT_EQ(stream.method.stopCapture(), 0);
     EXPECT_GE(watch.seconds(), 0.01);
     EXPECT_FALSE(stream.camera.accounting().streaming);
     EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
@@ -334,8 +334,8 @@ TEST(MappedStream, ReportsThatTheDriverDidNotStop)
 {
     Stream stream(smallCamera());
     stream.camera.fail(VIDIOC_STREAMOFF, EIO);
-    EXPECT_EQ(-1, stream.method.stopCapture());
-    EXPECT_EQ(0, stream.method.stopCapture());
+    EXPECT_EQ(stream.method.stopCapture(), -1);
+    EXPECT_EQ(stream.method.stopCapture(), 0);
 }
 
 TEST(MappedStream, LeavesABlockedWaitWhenAnotherThreadStopsIt)
@@ -349,7 +349,7 @@ TEST(MappedStream, LeavesABlockedWaitWhenAnotherThreadStopsIt)
         waited = watch.seconds();
     });
     ASSERT_TRUE(waiter.awaitSelect());
-    EXPECT_EQ(0, stream.method.stopCapture());
+    EXPECT_EQ(stream.method.stopCapture(), 0);
     waiter.join();
     EXPECT_TRUE(invalid);
     EXPECT_LT(waited, 1.9);
@@ -361,11 +361,11 @@ TEST(MappedStream, WorksAgainAfterCleanupAndSetup)
     for (int round = 0; round < 3; ++round) {
         IFrame* const frame = stream.method.acquireFrame();
         ASSERT_FALSE(frame->isInvalid()) << round;
-        EXPECT_EQ(0u, frame->counter()) << "counted from the start of streaming";
-        EXPECT_EQ(0, stream.method.stopCapture());
-        EXPECT_EQ(0, stream.method.cleanup());
-        ASSERT_EQ(0, stream.method.setup(2, smallImageSize));
-        ASSERT_EQ(0, stream.method.startCapture());
+        EXPECT_EQ(frame->counter(), 0u) << "counted from the start of streaming";
+        EXPECT_EQ(stream.method.stopCapture(), 0);
+        EXPECT_EQ(stream.method.cleanup(), 0);
+        ASSERT_EQ(stream.method.setup(2, smallImageSize), 0);
+        ASSERT_EQ(stream.method.startCapture(), 0);
     }
 }
 

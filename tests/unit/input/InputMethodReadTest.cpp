@@ -37,8 +37,8 @@ public:
         : camera(builder.install()), method(node.fd())
     {
         DescriptorLimit const none;
-        EXPECT_EQ(0, method.setup(buffers, smallImageSize));
-        EXPECT_EQ(0, method.startCapture());
+        EXPECT_EQ(method.setup(buffers, smallImageSize), 0);
+        EXPECT_EQ(method.startCapture(), 0);
     }
 
     InstalledCamera camera;
@@ -51,19 +51,19 @@ TEST(InputMethodRead, FailsToSetUpWithAPipeAndKeepsItsPool)
     auto const camera = readingCamera().install();
     OpenNode const node;
     InputMethodRead method(node.fd());
-    EXPECT_EQ(-1, method.setup(2, smallImageSize));
+    EXPECT_EQ(method.setup(2, smallImageSize), -1);
     EXPECT_EQ(IFrame::invalid(), method.acquireFrame());
     {
         DescriptorLimit const none;
         method.cleanup();
-        EXPECT_EQ(0, method.setup(1, smallImageSize));
+        EXPECT_EQ(method.setup(1, smallImageSize), 0);
     }
-    EXPECT_EQ(-1, method.setup(5, 1));
+    EXPECT_EQ(method.setup(5, 1), -1);
     IFrame* const frame = method.acquireFrame();
-    EXPECT_EQ(smallImageSize, frame->allocSize());
+    EXPECT_EQ(frame->allocSize(), smallImageSize);
     EXPECT_EQ(IFrame::invalid(), method.acquireFrame()) << "there is still one only";
-    EXPECT_EQ(0, method.releaseFrame(frame));
-    EXPECT_EQ(0, method.cleanup());
+    EXPECT_EQ(method.releaseFrame(frame), 0);
+    EXPECT_EQ(method.cleanup(), 0);
 }
 
 TEST(InputMethodRead, LosesNoDescriptorByFailingSetups)
@@ -73,18 +73,18 @@ TEST(InputMethodRead, LosesNoDescriptorByFailingSetups)
     int const before = openDescriptors();
     {
         InputMethodRead method(node.fd());
-        EXPECT_EQ(-1, method.setup(2, smallImageSize));
-        EXPECT_EQ(-1, method.setup(2, smallImageSize));
-        EXPECT_EQ(before + 2, openDescriptors());
+        EXPECT_EQ(method.setup(2, smallImageSize), -1);
+        EXPECT_EQ(method.setup(2, smallImageSize), -1);
+        EXPECT_EQ(openDescriptors(), before + 2);
     }
-    EXPECT_EQ(before, openDescriptors());
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST(InputMethodRead, StartsAndSetsUpWithoutTheDevice)
 {
     Reader reader(readingCamera());
-    EXPECT_EQ(0u, reader.camera.countOf(Call::Ioctl));
-    EXPECT_EQ(InputMethod::Read, reader.method.type());
+    EXPECT_EQ(reader.camera.countOf(Call::Ioctl), 0u);
+    EXPECT_EQ(reader.method.type(), InputMethod::Read);
 }
 
 TEST(InputMethodRead, EmptiesThePoolForACountBelowOne)
@@ -93,10 +93,10 @@ TEST(InputMethodRead, EmptiesThePoolForACountBelowOne)
         Reader reader(readingCamera());
         {
             DescriptorLimit const none;
-            EXPECT_EQ(0, reader.method.setup(count, smallImageSize));
+            EXPECT_EQ(reader.method.setup(count, smallImageSize), 0);
         }
         EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
-        EXPECT_EQ(0u, reader.camera.countOf(Call::Read));
+        EXPECT_EQ(reader.camera.countOf(Call::Read), 0u);
     }
 }
 
@@ -104,15 +104,15 @@ TEST(InputMethodRead, ReplacesItsFramesWhenItIsSetUpAgain)
 {
     Reader reader(readingCamera(), 1);
     DescriptorLimit const none;
-    EXPECT_EQ(0, reader.method.setup(2, 100));
+    EXPECT_EQ(reader.method.setup(2, 100), 0);
     IFrame* const frames[] = {reader.method.acquireFrame(), reader.method.acquireFrame()};
     for (IFrame* const frame : frames) {
-        EXPECT_EQ(100u, frame->allocSize());
+        EXPECT_EQ(frame->allocSize(), 100u);
         reader.method.releaseFrame(frame);
     }
-    EXPECT_EQ(0, reader.method.setup(1, smallImageSize));
+    EXPECT_EQ(reader.method.setup(1, smallImageSize), 0);
     IFrame* const frame = reader.method.acquireFrame();
-    EXPECT_EQ(smallImageSize, frame->allocSize());
+    EXPECT_EQ(frame->allocSize(), smallImageSize);
     EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
     reader.method.releaseFrame(frame);
 }
@@ -123,26 +123,26 @@ TEST(InputMethodRead, ReadsAWholePictureWithOneCall)
     IFrame* const frame = reader.method.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
     EXPECT_FALSE(frame->isCorrupted());
-    EXPECT_EQ(smallImageSize, frame->allocSize());
-    EXPECT_EQ(smallImageSize, frame->bytesUsed());
-    EXPECT_EQ(smallImageSize, frame->size());
-    EXPECT_EQ(0u, frame->counter());
-    EXPECT_EQ(0, frame->timeStamp().seconds);
-    EXPECT_EQ(0, frame->timeStamp().microseconds);
+    EXPECT_EQ(frame->allocSize(), smallImageSize);
+    EXPECT_EQ(frame->bytesUsed(), smallImageSize);
+    EXPECT_EQ(frame->size(), smallImageSize);
+    EXPECT_EQ(frame->counter(), 0u);
+    EXPECT_EQ(frame->timeStamp().seconds, 0);
+    EXPECT_EQ(frame->timeStamp().microseconds, 0);
     auto const expected = VirtualCamera::testPattern(V4L2_PIX_FMT_YUYV, 64, 48, 0);
     EXPECT_TRUE(std::equal(expected.begin(), expected.end(), frame->bytePtr()));
     auto const reads = reader.camera.calls(Call::Read);
-    EXPECT_EQ(smallImageSize, reads.back().length);
-    EXPECT_EQ(0, reader.method.releaseFrame(frame));
+    EXPECT_EQ(reads.back().length, smallImageSize);
+    EXPECT_EQ(reader.method.releaseFrame(frame), 0);
 }
 
 TEST(InputMethodRead, DoesNotRecordHowMuchCame)
 {
     Reader reader(readingCamera().withShortFrame(0, 100));
     IFrame* const frame = reader.method.acquireFrame();
-    EXPECT_EQ(100, reader.camera.calls(Call::Read).back().result);
-    EXPECT_EQ(smallImageSize, frame->bytesUsed());
-    EXPECT_EQ(smallImageSize, frame->allocSize());
+    EXPECT_EQ(reader.camera.calls(Call::Read).back().result, 100);
+    EXPECT_EQ(frame->bytesUsed(), smallImageSize);
+    EXPECT_EQ(frame->allocSize(), smallImageSize);
     reader.method.releaseFrame(frame);
 }
 
@@ -153,12 +153,12 @@ TEST(InputMethodRead, HandsOutTheFrameThatWasReleasedLastFirst)
     IFrame* const b = reader.method.acquireFrame();
     IFrame* const c = reader.method.acquireFrame();
     EXPECT_TRUE(a != b && b != c && a != c);
-    EXPECT_EQ(0, reader.method.releaseFrame(a));
-    EXPECT_EQ(0, reader.method.releaseFrame(c));
-    EXPECT_EQ(0, reader.method.releaseFrame(b));
-    EXPECT_EQ(b, reader.method.acquireFrame());
-    EXPECT_EQ(c, reader.method.acquireFrame());
-    EXPECT_EQ(a, reader.method.acquireFrame());
+    EXPECT_EQ(reader.method.releaseFrame(a), 0);
+    EXPECT_EQ(reader.method.releaseFrame(c), 0);
+    EXPECT_EQ(reader.method.releaseFrame(b), 0);
+    EXPECT_EQ(reader.method.acquireFrame(), b);
+    EXPECT_EQ(reader.method.acquireFrame(), c);
+    EXPECT_EQ(reader.method.acquireFrame(), a);
     for (IFrame* const frame : {a, b, c}) {
         reader.method.releaseFrame(frame);
     }
@@ -170,9 +170,9 @@ TEST(InputMethodRead, HandsOutTheInvalidFrameWhenThePoolIsEmpty)
     IFrame* const only = reader.method.acquireFrame();
     unsigned const before = reader.camera.countOf(Call::Read);
     EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
-    EXPECT_EQ(before, reader.camera.countOf(Call::Read));
-    EXPECT_EQ(0, reader.method.releaseFrame(only));
-    EXPECT_EQ(only, reader.method.acquireFrame());
+    EXPECT_EQ(reader.camera.countOf(Call::Read), before);
+    EXPECT_EQ(reader.method.releaseFrame(only), 0);
+    EXPECT_EQ(reader.method.acquireFrame(), only);
     reader.method.releaseFrame(only);
 }
 
@@ -182,7 +182,7 @@ TEST(InputMethodRead, KeepsAnEmptyPlaceForWhatIsNoFrameOfItsKind)
     char bytes[10];
     InputMethodMemoryMapping::Frame foreign(sizeof bytes, bytes);
     for (IFrame* const nothing : {static_cast<IFrame*>(nullptr), static_cast<IFrame*>(&foreign)}) {
-        EXPECT_EQ(0, reader.method.releaseFrame(nothing));
+        EXPECT_EQ(reader.method.releaseFrame(nothing), 0);
         EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
         IFrame* const frame = reader.method.acquireFrame();
         EXPECT_FALSE(frame->isInvalid());
@@ -194,8 +194,8 @@ TEST(InputMethodRead, PutsNoInvalidFrameIntoThePool)
 {
     Reader reader(readingCamera(), 1);
     InputMethod::InvalidFrame other(5);
-    EXPECT_EQ(0, reader.method.releaseFrame(IFrame::invalid()));
-    EXPECT_EQ(0, reader.method.releaseFrame(&other));
+    EXPECT_EQ(reader.method.releaseFrame(IFrame::invalid()), 0);
+    EXPECT_EQ(reader.method.releaseFrame(&other), 0);
     IFrame* const frame = reader.method.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
     reader.method.releaseFrame(frame);
@@ -205,9 +205,9 @@ TEST(InputMethodRead, IgnoresAFrameThatIsReleasedTwice)
 {
     Reader reader(readingCamera(), 1);
     IFrame* const frame = reader.method.acquireFrame();
-    EXPECT_EQ(0, reader.method.releaseFrame(frame));
-    EXPECT_EQ(0, reader.method.releaseFrame(frame));
-    EXPECT_EQ(frame, reader.method.acquireFrame());
+    EXPECT_EQ(reader.method.releaseFrame(frame), 0);
+    EXPECT_EQ(reader.method.releaseFrame(frame), 0);
+    EXPECT_EQ(reader.method.acquireFrame(), frame);
     EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
     reader.method.releaseFrame(frame);
 }
@@ -216,11 +216,11 @@ TEST(InputMethodRead, TakesFramesBackAfterCleanup)
 {
     Reader reader(readingCamera(), 2);
     IFrame* const frame = reader.method.acquireFrame();
-    EXPECT_EQ(0, reader.method.cleanup());
+    EXPECT_EQ(reader.method.cleanup(), 0);
     frame->bytePtr()[0] = 1; // It belongs to whoever holds it.
-    EXPECT_EQ(0, reader.method.releaseFrame(frame));
-    EXPECT_EQ(0, reader.method.releaseFrame(frame));
-    EXPECT_EQ(0, reader.method.cleanup());
+    EXPECT_EQ(reader.method.releaseFrame(frame), 0);
+    EXPECT_EQ(reader.method.releaseFrame(frame), 0);
+    EXPECT_EQ(reader.method.cleanup(), 0);
     EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
 }
 
@@ -240,7 +240,7 @@ TEST(InputMethodRead, HandsOutTheFrameAsItWasWhenNothingCameForTwoSeconds)
     }
     IFrame* const frame = reader.method.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
-    EXPECT_EQ(42, frame->bytePtr()[5]);
+    EXPECT_EQ(frame->bytePtr()[5], 42);
     reader.method.releaseFrame(frame);
 }
 
@@ -250,8 +250,8 @@ TEST(InputMethodRead, HandsOutTheFrameAsItWasWhenTheReadFailed)
         Reader reader(readingCamera().failing(Call::Read, error), 1);
         IFrame* const frame = reader.method.acquireFrame();
         EXPECT_FALSE(frame->isInvalid()) << error;
-        EXPECT_EQ(1u, reader.camera.countOf(Call::Read));
-        EXPECT_EQ(0, frame->bytePtr()[0]);
+        EXPECT_EQ(reader.camera.countOf(Call::Read), 1u);
+        EXPECT_EQ(frame->bytePtr()[0], 0);
         reader.method.releaseFrame(frame);
     }
 }
@@ -263,7 +263,7 @@ TEST(InputMethodRead, TriesAsOftenAsTheDriverSaysAgain)
         reader.camera.fail(Call::Read, EAGAIN, use);
     }
     IFrame* const frame = reader.method.acquireFrame();
-    EXPECT_LT(50u, reader.camera.countOf(Call::Read));
+    EXPECT_GT(reader.camera.countOf(Call::Read), 50u);
     reader.method.releaseFrame(frame);
 }
 
@@ -278,7 +278,7 @@ TEST(InputMethodRead, TellsWhetherAnAttemptWasTheLast)
     } const cases[] = {{EAGAIN, false}, {EIO, true}, {EINTR, true}};
     for (auto const& one : cases) {
         reader.camera.fail(Call::Read, one.error);
-        EXPECT_EQ(one.last, reader.method.acquire(&frame)) << one.error;
+        EXPECT_EQ(reader.method.acquire(&frame), one.last) << one.error;
     }
     EXPECT_TRUE(reader.method.acquire(&frame));
 }
@@ -287,13 +287,13 @@ TEST(InputMethodRead, EndsTheAttemptsOnceAStopIsPending)
 {
     Reader reader(readingCamera());
     // A second setup leaves the pool alone, and opens the pipe that the first could not.
-    ASSERT_EQ(-1, reader.method.setup(2, smallImageSize));
+    ASSERT_EQ(reader.method.setup(2, smallImageSize), -1);
     reader.camera.failFrom(Call::Read, EAGAIN);
-    EXPECT_EQ(0, reader.method.stopCapture());
+    EXPECT_EQ(reader.method.stopCapture(), 0);
     Stopwatch const watch;
     IFrame* const frame = reader.method.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
-    EXPECT_EQ(1u, reader.camera.countOf(Call::Read));
+    EXPECT_EQ(reader.camera.countOf(Call::Read), 1u);
     EXPECT_LT(watch.seconds(), 1);
     reader.method.releaseFrame(frame);
 }
@@ -302,9 +302,9 @@ TEST(InputMethodRead, StopsWithoutTheDevice)
 {
     Reader reader(readingCamera());
     Stopwatch const watch;
-    EXPECT_EQ(0, reader.method.stopCapture());
+    EXPECT_EQ(reader.method.stopCapture(), 0);
     EXPECT_GE(watch.seconds(), 0.01);
-    EXPECT_EQ(0u, reader.camera.countOf(Call::Ioctl));
+    EXPECT_EQ(reader.camera.countOf(Call::Ioctl), 0u);
 }
 
 } // namespace

@@ -36,7 +36,7 @@ class InputMethodBase : public testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_EQ(0, pipe(_ends));
+        ASSERT_EQ(pipe(_ends), 0);
         method.emplace(_ends[0]);
     }
     void TearDown() override
@@ -47,7 +47,7 @@ protected:
     }
 
     int device() const { return _ends[0]; }
-    void deliver() const { ASSERT_EQ(1, write(_ends[1], "x", 1)); }
+    void deliver() const { ASSERT_EQ(write(_ends[1], "x", 1), 1); }
 
     /// Waits on a pipe that stands for the device.
     std::optional<PlainInputMethod> method;
@@ -58,15 +58,15 @@ private:
 
 TEST_F(InputMethodBase, NumbersTheMethods)
 {
-    EXPECT_EQ(0, InputMethod::Read);
-    EXPECT_EQ(1, InputMethod::MemoryMapping);
-    EXPECT_EQ(2, InputMethod::UserPointers);
-    EXPECT_EQ(InputMethod::Read, method->type());
+    EXPECT_EQ(InputMethod::Read, 0);
+    EXPECT_EQ(InputMethod::MemoryMapping, 1);
+    EXPECT_EQ(InputMethod::UserPointers, 2);
+    EXPECT_EQ(method->type(), InputMethod::Read);
 }
 
 TEST_F(InputMethodBase, WaitsAsLongAsItIsToldForADeviceThatDeliversNothing)
 {
-    ASSERT_EQ(0, method->setup(1, 1));
+    ASSERT_EQ(method->setup(1, 1), 0);
     Stopwatch const watch;
     EXPECT_FALSE(method->dataAvailable(2, 0));
     EXPECT_GE(watch.seconds(), 1.99);
@@ -83,7 +83,7 @@ TEST_F(InputMethodBase, TakesTheMicrosecondsOfAWaitIntoAccount)
 
 TEST_F(InputMethodBase, EndsAWaitWhenTheDeviceDelivers)
 {
-    ASSERT_EQ(0, method->setup(1, 1));
+    ASSERT_EQ(method->setup(1, 1), 0);
     deliver();
     Stopwatch const watch;
     EXPECT_TRUE(method->dataAvailable(2, 0));
@@ -92,16 +92,16 @@ TEST_F(InputMethodBase, EndsAWaitWhenTheDeviceDelivers)
 
 TEST_F(InputMethodBase, EndsEveryWaitAtOnceAfterAStopUntilCleanup)
 {
-    ASSERT_EQ(0, method->setup(1, 1));
+    ASSERT_EQ(method->setup(1, 1), 0);
     EXPECT_FALSE(method->stopPending());
-    EXPECT_EQ(0, method->stopCapture());
+    EXPECT_EQ(method->stopCapture(), 0);
     Stopwatch const watch;
     for (int i = 0; i < 5; ++i) {
         EXPECT_TRUE(method->dataAvailable(2, 0));
         EXPECT_TRUE(method->stopPending());
     }
     EXPECT_LT(watch.seconds(), 1);
-    EXPECT_EQ(0, method->cleanup());
+    EXPECT_EQ(method->cleanup(), 0);
     EXPECT_FALSE(method->dataAvailable(0, 0));
     EXPECT_FALSE(method->stopPending());
 }
@@ -109,7 +109,7 @@ TEST_F(InputMethodBase, EndsEveryWaitAtOnceAfterAStopUntilCleanup)
 TEST_F(InputMethodBase, GivesAWaiterTenMillisecondsToLeave)
 {
     Stopwatch const watch;
-    EXPECT_EQ(0, method->stopCapture());
+    EXPECT_EQ(method->stopCapture(), 0);
     EXPECT_GE(watch.seconds(), 0.01);
 }
 
@@ -132,7 +132,7 @@ TEST_F(InputMethodBase, WaitsForTheDeviceAloneWhileItHasNoPipe)
 TEST_F(InputMethodBase, DoesNotWaitForANegativeDevice)
 {
     PlainInputMethod without(-1);
-    ASSERT_EQ(0, without.setup(1, 1));
+    ASSERT_EQ(without.setup(1, 1), 0);
     Stopwatch const watch;
     EXPECT_FALSE(without.dataAvailable(2, 0));
     without.stopCapture();
@@ -165,13 +165,13 @@ TEST_F(InputMethodBase, WaitsForADescriptorBeyondAnFdSet)
 {
     constexpr int large = FD_SETSIZE + 500;
     rlimit earlier{};
-    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &earlier));
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &earlier), 0);
     rlimit raised = earlier;
     raised.rlim_cur = large + 1;
-    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &raised));
-    ASSERT_EQ(large, dup2(device(), large));
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &raised), 0);
+    ASSERT_EQ(dup2(device(), large), large);
     PlainInputMethod far(large);
-    ASSERT_EQ(0, far.setup(1, 1));
+    ASSERT_EQ(far.setup(1, 1), 0);
     EXPECT_FALSE(far.dataAvailable(0, 1000));
     deliver();
     EXPECT_TRUE(far.dataAvailable(2, 0));
@@ -182,26 +182,26 @@ TEST_F(InputMethodBase, WaitsForADescriptorBeyondAnFdSet)
 TEST_F(InputMethodBase, FailsToSetUpWithoutAPipe)
 {
     DescriptorLimit const none;
-    EXPECT_EQ(-1, method->setup(1, 1));
+    EXPECT_EQ(method->setup(1, 1), -1);
 }
 
 TEST_F(InputMethodBase, LosesNoDescriptorWhenItIsSetUpAgain)
 {
     int const before = openDescriptors();
     for (int i = 0; i < 3; ++i) {
-        ASSERT_EQ(0, method->setup(1, 1));
-        EXPECT_EQ(before + 2, openDescriptors());
+        ASSERT_EQ(method->setup(1, 1), 0);
+        EXPECT_EQ(openDescriptors(), before + 2);
     }
-    EXPECT_EQ(0, method->cleanup());
-    EXPECT_EQ(before, openDescriptors());
+    EXPECT_EQ(method->cleanup(), 0);
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST_F(InputMethodBase, ForgetsAStopWhenItIsSetUpAgain)
 {
-    ASSERT_EQ(0, method->setup(1, 1));
+    ASSERT_EQ(method->setup(1, 1), 0);
     method->stopCapture();
     method->cleanup();
-    ASSERT_EQ(0, method->setup(1, 1));
+    ASSERT_EQ(method->setup(1, 1), 0);
     EXPECT_FALSE(method->dataAvailable(0, 0));
 }
 
@@ -210,9 +210,9 @@ TEST_F(InputMethodBase, ClosesItsPipeWithItself)
     int const before = openDescriptors();
     {
         PlainInputMethod other(device());
-        ASSERT_EQ(0, other.setup(1, 1));
+        ASSERT_EQ(other.setup(1, 1), 0);
     }
-    EXPECT_EQ(before, openDescriptors());
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 } // namespace

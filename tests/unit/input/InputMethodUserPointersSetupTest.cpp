@@ -32,13 +32,13 @@ TEST(InputMethodUserPointers, AsksForUserPointerCaptureBuffers)
     OpenNode const node;
     v4l2_requestbuffers request;
     std::memset(&request, 0xff, sizeof request);
-    EXPECT_EQ(0, InputMethodUserPointers::requestBuffers(node.fd(), 3, request));
+    EXPECT_EQ(InputMethodUserPointers::requestBuffers(node.fd(), 3, request), 0);
     v4l2_requestbuffers expected{};
     expected.count = 3;
     expected.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
     expected.memory = V4L2_MEMORY_USERPTR;
     auto const sent = camera.calls(VIDIOC_REQBUFS).back().argument<v4l2_requestbuffers>();
-    EXPECT_EQ(0, std::memcmp(&expected, &sent, sizeof sent));
+    EXPECT_EQ(std::memcmp(&expected, &sent, sizeof sent), 0);
 }
 
 TEST(InputMethodUserPointers, ReportsTheErrorOfARefusedRequest)
@@ -46,7 +46,7 @@ TEST(InputMethodUserPointers, ReportsTheErrorOfARefusedRequest)
     auto const camera = userPointerCamera().failing(VIDIOC_REQBUFS, ENOMEM).install();
     OpenNode const node;
     v4l2_requestbuffers request;
-    EXPECT_EQ(ENOMEM, InputMethodUserPointers::requestBuffers(node.fd(), 3, request));
+    EXPECT_EQ(InputMethodUserPointers::requestBuffers(node.fd(), 3, request), ENOMEM);
 }
 
 TEST(InputMethodUserPointers, IsSupportedUnlessTheDriverAnswersEinval)
@@ -55,7 +55,7 @@ TEST(InputMethodUserPointers, IsSupportedUnlessTheDriverAnswersEinval)
         auto const camera = smallCamera().install();
         OpenNode const node;
         EXPECT_FALSE(InputMethodUserPointers::supported(node.fd()));
-        EXPECT_EQ(1u, camera.countOf(VIDIOC_REQBUFS));
+        EXPECT_EQ(camera.countOf(VIDIOC_REQBUFS), 1u);
     }
     for (int const error : {0, EBUSY, EIO, ENODEV, ENOTTY}) {
         auto camera = userPointerCamera().install();
@@ -65,10 +65,10 @@ TEST(InputMethodUserPointers, IsSupportedUnlessTheDriverAnswersEinval)
         OpenNode const node;
         EXPECT_TRUE(InputMethodUserPointers::supported(node.fd())) << error;
         auto const calls = camera.calls(VIDIOC_REQBUFS);
-        ASSERT_EQ(2u, calls.size());
-        EXPECT_EQ(4u, calls[0].argument<v4l2_requestbuffers>().count);
-        EXPECT_EQ(0u, calls[1].argument<v4l2_requestbuffers>().count);
-        EXPECT_EQ(0, camera.accounting().allocatedBuffers);
+        ASSERT_EQ(calls.size(), 2u);
+        EXPECT_EQ(calls[0].argument<v4l2_requestbuffers>().count, 4u);
+        EXPECT_EQ(calls[1].argument<v4l2_requestbuffers>().count, 0u);
+        EXPECT_EQ(camera.accounting().allocatedBuffers, 0);
     }
 }
 
@@ -77,10 +77,10 @@ TEST(InputMethodUserPointers, FailsToSetUpWithAPipeBeforeItTouchesTheDevice)
     auto const camera = userPointerCamera().install();
     OpenNode const node;
     InputMethodUserPointers method(node.fd());
-    EXPECT_EQ(-1, method.setup(3, smallImageSize));
-    EXPECT_EQ(0u, camera.countOf(Call::Ioctl));
+    EXPECT_EQ(method.setup(3, smallImageSize), -1);
+    EXPECT_EQ(camera.countOf(Call::Ioctl), 0u);
     EXPECT_EQ(IFrame::invalid(), method.acquireFrame());
-    EXPECT_EQ(0, method.cleanup());
+    EXPECT_EQ(method.cleanup(), 0);
 }
 
 TEST(InputMethodUserPointers, LosesNoDescriptorByFailingSetups)
@@ -91,11 +91,11 @@ TEST(InputMethodUserPointers, LosesNoDescriptorByFailingSetups)
     {
         InputMethodUserPointers method(node.fd());
         for (int i = 0; i < 3; ++i) {
-            EXPECT_EQ(-1, method.setup(3, smallImageSize));
-            EXPECT_EQ(before + 2, openDescriptors());
+            EXPECT_EQ(method.setup(3, smallImageSize), -1);
+            EXPECT_EQ(openDescriptors(), before + 2);
         }
     }
-    EXPECT_EQ(before, openDescriptors());
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST(InputMethodUserPointers, SetsUpWithoutAPipe)
@@ -105,11 +105,11 @@ TEST(InputMethodUserPointers, SetsUpWithoutAPipe)
     InputMethodUserPointers method(node.fd());
     {
         DescriptorLimit const none;
-        EXPECT_EQ(0, method.setup(3, smallImageSize));
+        EXPECT_EQ(method.setup(3, smallImageSize), 0);
     }
-    EXPECT_EQ(3, camera.accounting().allocatedBuffers);
-    EXPECT_EQ(0, method.cleanup());
-    EXPECT_EQ(0, camera.accounting().allocatedBuffers);
+    EXPECT_EQ(camera.accounting().allocatedBuffers, 3);
+    EXPECT_EQ(method.cleanup(), 0);
+    EXPECT_EQ(camera.accounting().allocatedBuffers, 0);
 }
 
 TEST(InputMethodUserPointers, MakesTheBuffersThatItAskedForWhateverWasGranted)
@@ -127,10 +127,10 @@ TEST(InputMethodUserPointers, MakesTheBuffersThatItAskedForWhateverWasGranted)
         InputMethodUserPointers method(node.fd());
         {
             DescriptorLimit const none;
-            ASSERT_EQ(0, method.setup(3, smallImageSize));
+            ASSERT_EQ(method.setup(3, smallImageSize), 0);
         }
-        EXPECT_EQ(one.started, method.startCapture());
-        EXPECT_EQ(3u, camera.countOf(VIDIOC_QBUF));
+        EXPECT_EQ(method.startCapture(), one.started);
+        EXPECT_EQ(camera.countOf(VIDIOC_QBUF), 3u);
         method.stopCapture();
         method.cleanup();
     }
@@ -144,12 +144,12 @@ TEST(InputMethodUserPointers, TakesANegativeCountForNone)
         InputMethodUserPointers method(node.fd());
         {
             DescriptorLimit const none;
-            EXPECT_EQ(0, method.setup(count, smallImageSize));
+            EXPECT_EQ(method.setup(count, smallImageSize), 0);
         }
         auto const sent = camera.calls(VIDIOC_REQBUFS).back().argument<v4l2_requestbuffers>();
-        EXPECT_EQ(0u, sent.count);
-        EXPECT_EQ(-1, method.startCapture());
-        EXPECT_EQ(0u, camera.countOf(VIDIOC_QBUF));
+        EXPECT_EQ(sent.count, 0u);
+        EXPECT_EQ(method.startCapture(), -1);
+        EXPECT_EQ(camera.countOf(VIDIOC_QBUF), 0u);
         method.cleanup();
     }
 }
@@ -161,13 +161,13 @@ TEST(InputMethodUserPointers, MakesItsInvalidFrameEvenWithoutBuffers)
     InputMethodUserPointers method(node.fd());
     {
         DescriptorLimit const none;
-        ASSERT_EQ(0, method.setup(0, smallImageSize));
+        ASSERT_EQ(method.setup(0, smallImageSize), 0);
     }
     IFrame* const frame = method.acquireFrame();
     EXPECT_TRUE(frame->isInvalid());
-    EXPECT_EQ(smallImageSize, frame->allocSize());
-    EXPECT_EQ(0, method.releaseFrame(frame));
-    EXPECT_EQ(0, method.cleanup());
+    EXPECT_EQ(frame->allocSize(), smallImageSize);
+    EXPECT_EQ(method.releaseFrame(frame), 0);
+    EXPECT_EQ(method.cleanup(), 0);
     EXPECT_EQ(IFrame::invalid(), method.acquireFrame());
 }
 
@@ -178,7 +178,7 @@ TEST(InputMethodUserPointers, FailsToSetUpWhenTheDriverRefuses)
         OpenNode const node;
         InputMethodUserPointers method(node.fd());
         DescriptorLimit const none;
-        EXPECT_EQ(-1, method.setup(3, smallImageSize));
+        EXPECT_EQ(method.setup(3, smallImageSize), -1);
     }
 }
 

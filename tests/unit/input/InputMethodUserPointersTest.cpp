@@ -47,7 +47,7 @@ public:
         EXPECT_TRUE(_setUp);
         method.stopCapture();
         method.cleanup();
-        EXPECT_EQ(0, camera.accounting().allocatedBuffers);
+        EXPECT_EQ(camera.accounting().allocatedBuffers, 0);
     }
 
     InstalledCamera camera;
@@ -62,19 +62,19 @@ TEST(UserPointerStream, LendsItsBuffersInOrderAndStarts)
 {
     UserPointerStream stream(userPointerCamera());
     auto const queued = stream.camera.calls(VIDIOC_QBUF);
-    ASSERT_EQ(3u, queued.size());
+    ASSERT_EQ(queued.size(), 3u);
     std::set<unsigned long> addresses;
     for (unsigned int i = 0; i < 3; ++i) {
         auto const buffer = queued[i].argument<v4l2_buffer>();
         EXPECT_EQ(i, buffer.index);
-        EXPECT_EQ(static_cast<__u32>(V4L2_BUF_TYPE_VIDEO_CAPTURE), buffer.type);
-        EXPECT_EQ(static_cast<__u32>(V4L2_MEMORY_USERPTR), buffer.memory);
-        EXPECT_EQ(smallImageSize, buffer.length);
+        EXPECT_EQ(buffer.type, static_cast<__u32>(V4L2_BUF_TYPE_VIDEO_CAPTURE));
+        EXPECT_EQ(buffer.memory, static_cast<__u32>(V4L2_MEMORY_USERPTR));
+        EXPECT_EQ(buffer.length, smallImageSize);
         addresses.insert(buffer.m.userptr);
     }
-    EXPECT_EQ(3u, addresses.size());
+    EXPECT_EQ(addresses.size(), 3u);
     EXPECT_TRUE(stream.camera.accounting().streaming);
-    EXPECT_EQ(InputMethod::UserPointers, stream.method.type());
+    EXPECT_EQ(stream.method.type(), InputMethod::UserPointers);
 }
 
 TEST(UserPointerStream, DoesNotStartWhenTheDriverRefuses)
@@ -90,9 +90,9 @@ TEST(UserPointerStream, DoesNotStartWhenTheDriverRefuses)
         InputMethodUserPointers method(node.fd());
         {
             DescriptorLimit const none;
-            ASSERT_EQ(0, method.setup(3, smallImageSize));
+            ASSERT_EQ(method.setup(3, smallImageSize), 0);
         }
-        EXPECT_EQ(-1, method.startCapture());
+        EXPECT_EQ(method.startCapture(), -1);
         EXPECT_FALSE(camera.accounting().streaming);
         method.cleanup();
     }
@@ -105,14 +105,14 @@ TEST(UserPointerStream, DeliversThePicturesInOrder)
         stream.camera.deliverFrames(1);
         IFrame* const frame = stream.method.acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
-        EXPECT_EQ(number, frame->counter());
-        EXPECT_EQ(smallImageSize, frame->size());
-        EXPECT_EQ(smallImageSize, frame->allocSize());
-        EXPECT_LT(0, frame->timeStamp().seconds * 1000000 + frame->timeStamp().microseconds);
+        EXPECT_EQ(frame->counter(), number);
+        EXPECT_EQ(frame->size(), smallImageSize);
+        EXPECT_EQ(frame->allocSize(), smallImageSize);
+        EXPECT_GT(frame->timeStamp().seconds * 1000000 + frame->timeStamp().microseconds, 0);
         EXPECT_FALSE(frame->isCorrupted());
         auto const expected = VirtualCamera::testPattern(V4L2_PIX_FMT_YUYV, 64, 48, number);
         EXPECT_TRUE(std::equal(expected.begin(), expected.end(), frame->bytePtr()));
-        EXPECT_EQ(0, stream.method.releaseFrame(frame));
+        EXPECT_EQ(stream.method.releaseFrame(frame), 0);
     }
 }
 
@@ -122,9 +122,9 @@ TEST(UserPointerStream, GivesBackTheBufferAsItWasDequeued)
     IFrame* const frame = stream.method.acquireFrame();
     auto const dequeued = stream.camera.calls(VIDIOC_DQBUF).back().answer<v4l2_buffer>();
     EXPECT_EQ(reinterpret_cast<unsigned long>(frame->bytePtr()), dequeued.m.userptr);
-    EXPECT_EQ(0, stream.method.releaseFrame(frame));
+    EXPECT_EQ(stream.method.releaseFrame(frame), 0);
     auto const queued = stream.camera.calls(VIDIOC_QBUF).back().argument<v4l2_buffer>();
-    EXPECT_EQ(0, std::memcmp(&dequeued, &queued, sizeof queued));
+    EXPECT_EQ(std::memcmp(&dequeued, &queued, sizeof queued), 0);
 }
 
 TEST(UserPointerStream, ReportsThatTheDriverRefusedAFrame)
@@ -132,7 +132,7 @@ TEST(UserPointerStream, ReportsThatTheDriverRefusedAFrame)
     UserPointerStream stream(userPointerCamera());
     IFrame* const frame = stream.method.acquireFrame();
     stream.camera.fail(VIDIOC_QBUF, EIO);
-    EXPECT_EQ(-1, stream.method.releaseFrame(frame));
+    EXPECT_EQ(stream.method.releaseFrame(frame), -1);
 }
 
 TEST(UserPointerStream, RefusesNullAndForeignFramesAndTakesInvalidOnes)
@@ -140,10 +140,10 @@ TEST(UserPointerStream, RefusesNullAndForeignFramesAndTakesInvalidOnes)
     UserPointerStream stream(userPointerCamera());
     InputMethodRead::Frame foreign(10);
     unsigned const before = stream.camera.countOf(Call::Ioctl);
-    EXPECT_EQ(-1, stream.method.releaseFrame(nullptr));
-    EXPECT_EQ(-1, stream.method.releaseFrame(&foreign));
-    EXPECT_EQ(0, stream.method.releaseFrame(IFrame::invalid()));
-    EXPECT_EQ(before, stream.camera.countOf(Call::Ioctl));
+    EXPECT_EQ(stream.method.releaseFrame(nullptr), -1);
+    EXPECT_EQ(stream.method.releaseFrame(&foreign), -1);
+    EXPECT_EQ(stream.method.releaseFrame(IFrame::invalid()), 0);
+    EXPECT_EQ(stream.camera.countOf(Call::Ioctl), before);
 }
 
 TEST(UserPointerStream, FindsTheFrameByItsAddressAndNotByTheIndex)
@@ -152,7 +152,7 @@ TEST(UserPointerStream, FindsTheFrameByItsAddressAndNotByTheIndex)
     IFrame* const frame = stream.method.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
     auto const dequeued = stream.camera.calls(VIDIOC_DQBUF).back().answer<v4l2_buffer>();
-    EXPECT_EQ(77u, dequeued.index);
+    EXPECT_EQ(dequeued.index, 77u);
     EXPECT_EQ(reinterpret_cast<unsigned long>(frame->bytePtr()), dequeued.m.userptr);
 }
 
@@ -169,8 +169,8 @@ TEST(UserPointerStream, GivesUpAtOnceForABufferThatIsNotItsOwn)
         Stopwatch const watch;
         IFrame* const frame = stream.method.acquireFrame();
         EXPECT_TRUE(frame->isInvalid());
-        EXPECT_EQ(smallImageSize, frame->allocSize());
-        EXPECT_EQ(1u, stream.camera.countOf(VIDIOC_DQBUF));
+        EXPECT_EQ(frame->allocSize(), smallImageSize);
+        EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 1u);
         EXPECT_LT(watch.seconds(), 1);
     }
 }
@@ -181,16 +181,16 @@ TEST(UserPointerStream, HandsOutDamagedFramesMarked)
     IFrame* const frame = stream.method.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
     EXPECT_TRUE(frame->isCorrupted());
-    EXPECT_EQ(0, stream.method.releaseFrame(frame));
+    EXPECT_EQ(stream.method.releaseFrame(frame), 0);
 }
 
 TEST(UserPointerStream, ReportsShortFramesByTheirBytes)
 {
     UserPointerStream stream(userPointerCamera().withShortFrame(0, 100));
     IFrame* const frame = stream.method.acquireFrame();
-    EXPECT_EQ(100u, frame->bytesUsed());
-    EXPECT_EQ(100u, frame->size());
-    EXPECT_EQ(smallImageSize, frame->allocSize());
+    EXPECT_EQ(frame->bytesUsed(), 100u);
+    EXPECT_EQ(frame->size(), 100u);
+    EXPECT_EQ(frame->allocSize(), smallImageSize);
 }
 
 TEST(UserPointerStream, GivesUpAfterTwoSecondsWithoutAFrame)
@@ -200,7 +200,7 @@ TEST(UserPointerStream, GivesUpAfterTwoSecondsWithoutAFrame)
     EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
     EXPECT_GE(watch.seconds(), 1.99);
     EXPECT_LT(watch.seconds(), 3);
-    EXPECT_EQ(0u, stream.camera.countOf(VIDIOC_DQBUF));
+    EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 0u);
 }
 
 TEST(UserPointerStream, TriesAsOftenAsTheDriverSaysAgain)
@@ -210,7 +210,7 @@ TEST(UserPointerStream, TriesAsOftenAsTheDriverSaysAgain)
         stream.camera.fail(VIDIOC_DQBUF, EAGAIN, use);
     }
     EXPECT_FALSE(stream.method.acquireFrame()->isInvalid());
-    EXPECT_EQ(51u, stream.camera.countOf(VIDIOC_DQBUF));
+    EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 51u);
 }
 
 TEST(UserPointerStream, GivesUpAtOnceForAnyOtherError)
@@ -219,7 +219,7 @@ TEST(UserPointerStream, GivesUpAtOnceForAnyOtherError)
         UserPointerStream stream(userPointerCamera());
         stream.camera.failFrom(VIDIOC_DQBUF, error);
         EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
-        EXPECT_EQ(1u, stream.camera.countOf(VIDIOC_DQBUF));
+        EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 1u);
     }
 }
 
@@ -227,20 +227,20 @@ TEST(UserPointerStream, EndsTheAttemptsOnceAStopIsPending)
 {
     UserPointerStream stream(userPointerCamera());
     // A second setup leaves the buffers alone, and opens the pipe that the first could not.
-    ASSERT_EQ(-1, stream.method.setup(3, smallImageSize));
+    ASSERT_EQ(stream.method.setup(3, smallImageSize), -1);
     stream.camera.failFrom(VIDIOC_DQBUF, EAGAIN);
     stream.camera.fail(VIDIOC_STREAMOFF, EIO);
-    EXPECT_EQ(-1, stream.method.stopCapture());
+    EXPECT_EQ(stream.method.stopCapture(), -1);
     Stopwatch const watch;
     EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
-    EXPECT_EQ(1u, stream.camera.countOf(VIDIOC_DQBUF));
+    EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 1u);
     EXPECT_LT(watch.seconds(), 1);
 }
 
 TEST(UserPointerStream, StopsStreaming)
 {
     UserPointerStream stream(userPointerCamera());
-    EXPECT_EQ(0, stream.method.stopCapture());
+    EXPECT_EQ(stream.method.stopCapture(), 0);
     EXPECT_FALSE(stream.camera.accounting().streaming);
 }
 

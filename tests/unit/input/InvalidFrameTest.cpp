@@ -15,29 +15,29 @@ TEST(InvalidFrame, OfTheProcessHasOneByteThatReadsZero)
     IFrame* const frame = IFrame::invalid();
     EXPECT_TRUE(frame->isInvalid());
     EXPECT_FALSE(frame->isCorrupted());
-    EXPECT_EQ(1u, frame->allocSize());
-    EXPECT_EQ(1u, frame->bytesUsed());
-    EXPECT_EQ(1u, frame->size());
-    EXPECT_EQ(0u, frame->counter());
-    EXPECT_EQ(0, frame->timeStamp().seconds);
-    EXPECT_EQ(0, frame->timeStamp().microseconds);
-    ASSERT_NE(nullptr, frame->bytePtr());
-    EXPECT_EQ(0, *frame->bytePtr());
+    EXPECT_EQ(frame->allocSize(), 1u);
+    EXPECT_EQ(frame->bytesUsed(), 1u);
+    EXPECT_EQ(frame->size(), 1u);
+    EXPECT_EQ(frame->counter(), 0u);
+    EXPECT_EQ(frame->timeStamp().seconds, 0);
+    EXPECT_EQ(frame->timeStamp().microseconds, 0);
+    ASSERT_NE(frame->bytePtr(), nullptr);
+    EXPECT_EQ(*frame->bytePtr(), 0);
 }
 
 TEST(InvalidFrame, OfTheProcessIsTheOneInstance)
 {
     InputMethod::InvalidFrame& instance = InputMethod::InvalidFrame::getUniqueInstance();
-    EXPECT_EQ(&instance, IFrame::invalid());
-    EXPECT_EQ(&instance, &InputMethod::InvalidFrame::getUniqueInstance());
+    EXPECT_EQ(IFrame::invalid(), &instance);
+    EXPECT_EQ(&InputMethod::InvalidFrame::getUniqueInstance(), &instance);
 }
 
 TEST(InvalidFrame, HasAZeroedBufferOfItsSize)
 {
     InputMethod::InvalidFrame frame(1000);
-    EXPECT_EQ(1000u, frame.allocSize());
-    EXPECT_EQ(1000u, frame.bytesUsed());
-    EXPECT_EQ(1000u, frame.size());
+    EXPECT_EQ(frame.allocSize(), 1000u);
+    EXPECT_EQ(frame.bytesUsed(), 1000u);
+    EXPECT_EQ(frame.size(), 1000u);
     EXPECT_TRUE(std::all_of(frame.bytePtr(), frame.bytePtr() + frame.allocSize(),
                             [](unsigned char byte) { return byte == 0; }));
     InputMethod::InvalidFrame const& asConst = frame;
@@ -48,7 +48,7 @@ TEST(InvalidFrame, MayBeEmpty)
 {
     InputMethod::InvalidFrame const frame(0);
     EXPECT_TRUE(frame.isInvalid());
-    EXPECT_EQ(0u, frame.size());
+    EXPECT_EQ(frame.size(), 0u);
 }
 
 } // namespace

@@ -35,37 +35,37 @@ protected:
 
 TEST_F(Client, CapturesThroughTheInterfaces)
 {
-    ASSERT_NE(nullptr, camera);
+    ASSERT_NE(camera, nullptr);
     EXPECT_TRUE(camera->setCurrentImageFormat("YUYV", 64, 48, 1, 30));
-    ASSERT_EQ(0, camera->setup(3));
-    ASSERT_EQ(0, camera->startCapture());
+    ASSERT_EQ(camera->setup(3), 0);
+    ASSERT_EQ(camera->startCapture(), 0);
     for (unsigned int number = 0; number < 5; ++number) {
         IFrame* const frame = camera->acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
-        EXPECT_EQ(number, frame->counter());
-        EXPECT_EQ(0, camera->releaseFrame(frame));
+        EXPECT_EQ(frame->counter(), number);
+        EXPECT_EQ(camera->releaseFrame(frame), 0);
     }
-    EXPECT_EQ(0, camera->stopCapture());
-    EXPECT_EQ(0, camera->cleanup());
+    EXPECT_EQ(camera->stopCapture(), 0);
+    EXPECT_EQ(camera->cleanup(), 0);
     camera.reset();
     EXPECT_TRUE(virtualCamera.accounting().nothingHeld());
 }
 
 TEST_F(Client, ReachesTypedControlsByDynamicCast)
 {
-    ASSERT_NE(nullptr, camera);
+    ASSERT_NE(camera, nullptr);
     auto* const gain = dynamic_cast<ICameraControlNumeric<int>*>(camera->gainControl());
-    ASSERT_NE(nullptr, gain);
+    ASSERT_NE(gain, nullptr);
     EXPECT_TRUE(gain->setValue(4));
-    EXPECT_EQ(4, virtualCamera.controlValue(V4L2_CID_GAIN));
-    EXPECT_EQ(nullptr, dynamic_cast<ICameraControlNumeric<long long>*>(camera->gainControl()));
-    EXPECT_NE(nullptr, dynamic_cast<ICameraControlBoolean*>(camera->autoHueControl()));
-    EXPECT_EQ(nullptr, dynamic_cast<ICameraControlNumeric<int>*>(camera->invalidControl()));
+    EXPECT_EQ(virtualCamera.controlValue(V4L2_CID_GAIN), 4);
+    EXPECT_EQ(dynamic_cast<ICameraControlNumeric<long long>*>(camera->gainControl()), nullptr);
+    EXPECT_NE(dynamic_cast<ICameraControlBoolean*>(camera->autoHueControl()), nullptr);
+    EXPECT_EQ(dynamic_cast<ICameraControlNumeric<int>*>(camera->invalidControl()), nullptr);
 }
 
 TEST_F(Client, IsHandedTheInvalidObjectsOfTheLibrary)
 {
-    ASSERT_NE(nullptr, camera);
+    ASSERT_NE(camera, nullptr);
     EXPECT_EQ(IImageFormat::invalid(), camera->format(-1));
     EXPECT_EQ(IFrameSize::invalid(), camera->format(0)->frameSize(-1));
     EXPECT_EQ(IFramePeriod::invalid(), camera->format(0)->frameSize(0)->period(-1));

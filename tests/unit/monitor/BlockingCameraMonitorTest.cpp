@@ -30,9 +30,9 @@ protected:
     void expectEvent(int type, std::string const& node)
     {
         ASSERT_TRUE(nextEvent(monitor, event));
-        EXPECT_EQ(type, event.type());
-        EXPECT_EQ(node, event.deviceSystemName());
-        EXPECT_STREQ("video4linux", event.subSystemName());
+        EXPECT_EQ(event.type(), type);
+        EXPECT_EQ(event.deviceSystemName(), node);
+        EXPECT_STREQ(event.subSystemName(), "video4linux");
     }
 
     BlockingCameraMonitor monitor;
@@ -93,7 +93,7 @@ TEST_F(BlockingCameraMonitorTest, ListensToUdevForVideoDevicesOfAnyType)
 {
     ASSERT_TRUE(monitor.startMonitoring());
     std::vector<std::string> const wanted = {"udev", "video4linux", "any"};
-    EXPECT_EQ(wanted, UdevHook::monitorArguments());
+    EXPECT_EQ(UdevHook::monitorArguments(), wanted);
 }
 
 TEST_F(BlockingCameraMonitorTest, OtherSubsystemsAreFilteredOut)
@@ -114,12 +114,12 @@ TEST_F(BlockingCameraMonitorTest, KeepsWhatUdevDoesNotTell)
     hook.answer(UdevHook::Text::DeviceType, "camera");
     machine.addVideoNode("video0");
     expectEvent(1, "/dev/video0");
-    EXPECT_STREQ("camera", event.deviceType());
+    EXPECT_STREQ(event.deviceType(), "camera");
 
     hook.answer(UdevHook::Text::DeviceType, std::nullopt);
     machine.addOtherDevice("video4linux", "v4l-without-node");
     expectEvent(1, "/dev/video0");
-    EXPECT_STREQ("camera", event.deviceType());
+    EXPECT_STREQ(event.deviceType(), "camera");
 
     hook.answer(UdevHook::Text::Subsystem, std::nullopt);
     machine.addVideoNode("video1");
@@ -128,7 +128,7 @@ TEST_F(BlockingCameraMonitorTest, KeepsWhatUdevDoesNotTell)
     hook.answer(UdevHook::Text::Subsystem, "other");
     machine.addVideoNode("video2");
     ASSERT_TRUE(nextEvent(monitor, event));
-    EXPECT_STREQ("other", event.subSystemName());
+    EXPECT_STREQ(event.subSystemName(), "other");
 }
 
 TEST_F(BlockingCameraMonitorTest, NoEventOfABurstIsLost)
@@ -155,8 +155,8 @@ TEST_F(BlockingCameraMonitorTest, EventEndsAWaitThatHasBegun)
     machine.addVideoNode("video0");
     waiter.join();
     EXPECT_TRUE(filled);
-    EXPECT_EQ(1, event.type());
-    EXPECT_STREQ("/dev/video0", event.deviceSystemName());
+    EXPECT_EQ(event.type(), 1);
+    EXPECT_STREQ(event.deviceSystemName(), "/dev/video0");
 }
 
 TEST_F(BlockingCameraMonitorTest, StopFromASecondThreadEndsTheWait)
@@ -168,10 +168,10 @@ TEST_F(BlockingCameraMonitorTest, StopFromASecondThreadEndsTheWait)
     ASSERT_TRUE(waiter.awaitSelect());
     EXPECT_TRUE(monitor.stopMonitoring());
     waiter.join();
-    EXPECT_EQ(receptions, UdevHook::receptions()); // Udev had nothing to give.
+    EXPECT_EQ(UdevHook::receptions(), receptions); // Udev had nothing to give.
     EXPECT_FALSE(filled);
-    EXPECT_EQ(0, event.type());
-    EXPECT_STREQ("", event.deviceSystemName());
+    EXPECT_EQ(event.type(), 0);
+    EXPECT_STREQ(event.deviceSystemName(), "");
 }
 
 TEST_F(BlockingCameraMonitorTest, SignalEndsTheWait)
@@ -224,7 +224,7 @@ TEST_F(BlockingCameraMonitorTest, IdleMonitorAnswersFalseAtOnce)
     machine.addVideoNode("video0");
     monitor.stopMonitoring();
     EXPECT_FALSE(monitor.getEvent(&event));
-    EXPECT_EQ(0, event.type());
+    EXPECT_EQ(event.type(), 0);
 }
 
 TEST_F(BlockingCameraMonitorTest, StopIsTrueAlsoWithoutStartAndTwice)
@@ -255,7 +255,7 @@ TEST_F(BlockingCameraMonitorTest, StartsAnewAfterAStop)
         expectEvent(1, "/dev/video0");
         machine.removeVideoNode("video0"); // Missed by the next round's monitor.
         EXPECT_TRUE(monitor.stopMonitoring());
-        EXPECT_EQ(0, UdevHook::monitors());
+        EXPECT_EQ(UdevHook::monitors(), 0);
     }
 }
 
@@ -265,8 +265,8 @@ TEST_F(BlockingCameraMonitorTest, StartWhileRunningReleasesWhatTheEarlierOneLeft
     int const descriptors = pipesAndSockets();
     machine.addVideoNode("video0"); // For the first monitor, which nobody asks any more.
     ASSERT_TRUE(monitor.startMonitoring());
-    EXPECT_EQ(1, UdevHook::monitors());
-    EXPECT_EQ(descriptors, pipesAndSockets());
+    EXPECT_EQ(UdevHook::monitors(), 1);
+    EXPECT_EQ(pipesAndSockets(), descriptors);
     machine.addVideoNode("video1");
     expectEvent(1, "/dev/video1");
 }
@@ -289,12 +289,12 @@ TEST_F(BlockingCameraMonitorTest, ContextLivesAsLongAsTheMonitor)
     int const contexts = UdevHook::contexts();
     {
         BlockingCameraMonitor second;
-        EXPECT_EQ(contexts + 1, UdevHook::contexts());
+        EXPECT_EQ(UdevHook::contexts(), contexts + 1);
         EXPECT_TRUE(second.startMonitoring());
         EXPECT_TRUE(second.stopMonitoring());
-        EXPECT_EQ(contexts + 1, UdevHook::contexts());
+        EXPECT_EQ(UdevHook::contexts(), contexts + 1);
     }
-    EXPECT_EQ(contexts, UdevHook::contexts());
+    EXPECT_EQ(UdevHook::contexts(), contexts);
 }
 
 TEST_F(BlockingCameraMonitorTest, ManyRoundsLeaveNoDescriptor)
@@ -304,6 +304,6 @@ TEST_F(BlockingCameraMonitorTest, ManyRoundsLeaveNoDescriptor)
         ASSERT_TRUE(monitor.startMonitoring()) << round;
         ASSERT_TRUE(monitor.stopMonitoring()) << round;
     }
-    EXPECT_EQ(descriptors, pipesAndSockets());
-    EXPECT_EQ(0, UdevHook::monitors());
+    EXPECT_EQ(pipesAndSockets(), descriptors);
+    EXPECT_EQ(UdevHook::monitors(), 0);
 }

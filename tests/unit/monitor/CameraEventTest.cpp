@@ -18,27 +18,27 @@ int typeOf(char const* action)
 TEST(CameraEvent, StartsEmpty)
 {
     CameraEvent const event;
-    EXPECT_EQ(0, event.type());
-    EXPECT_STREQ("", event.deviceSystemName());
-    EXPECT_STREQ("", event.subSystemName());
-    EXPECT_STREQ("", event.deviceType());
+    EXPECT_EQ(event.type(), 0);
+    EXPECT_STREQ(event.deviceSystemName(), "");
+    EXPECT_STREQ(event.subSystemName(), "");
+    EXPECT_STREQ(event.deviceType(), "");
 }
 
 TEST(CameraEvent, NumbersTheActionsOfUdev)
 {
-    EXPECT_EQ(1, typeOf("add"));
-    EXPECT_EQ(2, typeOf("remove"));
-    EXPECT_EQ(3, typeOf("change"));
-    EXPECT_EQ(4, typeOf("move"));
+    EXPECT_EQ(typeOf("add"), 1);
+    EXPECT_EQ(typeOf("remove"), 2);
+    EXPECT_EQ(typeOf("change"), 3);
+    EXPECT_EQ(typeOf("move"), 4);
 }
 
 TEST(CameraEvent, GivesZeroToOtherActions)
 {
     for (char const* const action :
          {"Add", "ADD", "REMOVE", "", "ad", "adds", " add", "bind", "unbind", "online"}) {
-        EXPECT_EQ(0, typeOf(action)) << action;
+        EXPECT_EQ(typeOf(action), 0) << action;
     }
-    EXPECT_EQ(0, typeOf(nullptr));
+    EXPECT_EQ(typeOf(nullptr), 0);
 }
 
 TEST(CameraEvent, ForgetsTheEarlierTypeForAnUnknownAction)
@@ -46,10 +46,10 @@ TEST(CameraEvent, ForgetsTheEarlierTypeForAnUnknownAction)
     CameraEvent event;
     event.setType("remove");
     event.setType("bind");
-    EXPECT_EQ(0, event.type());
+    EXPECT_EQ(event.type(), 0);
     event.setType("remove");
     event.setType(nullptr);
-    EXPECT_EQ(0, event.type());
+    EXPECT_EQ(event.type(), 0);
 }
 
 TEST(CameraEvent, KeepsTextsThatAreNotReported)
@@ -61,9 +61,9 @@ TEST(CameraEvent, KeepsTextsThatAreNotReported)
     event.setDeviceSystemName(nullptr);
     event.setSubSystemName(nullptr);
     event.setDeviceType(nullptr);
-    EXPECT_STREQ("/dev/video3", event.deviceSystemName());
-    EXPECT_STREQ("video4linux", event.subSystemName());
-    EXPECT_STREQ("type", event.deviceType());
+    EXPECT_STREQ(event.deviceSystemName(), "/dev/video3");
+    EXPECT_STREQ(event.subSystemName(), "video4linux");
+    EXPECT_STREQ(event.deviceType(), "type");
 }
 
 } // namespace

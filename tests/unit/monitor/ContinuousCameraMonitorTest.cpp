@@ -25,7 +25,7 @@ protected:
     void TearDown() override
     {
         monitor.stopMonitoring();
-        EXPECT_EQ(0, UdevHook::threads()) << "a thread was left";
+        EXPECT_EQ(UdevHook::threads(), 0) << "a thread was left";
         MonitoredMachine::TearDown();
     }
 
@@ -64,8 +64,8 @@ TEST_F(ContinuousCameraMonitorTest, DeliversEventsOnAThreadOfItsOwn)
     for (int number = 0; number < 3; ++number) {
         RecordingClient::Received const received = client.received(number);
         EXPECT_EQ((std::vector<int>{1, 3, 2})[static_cast<std::size_t>(number)], received.type);
-        EXPECT_EQ("/dev/video0", received.node);
-        EXPECT_EQ("video4linux", received.subsystem);
+        EXPECT_EQ(received.node, "/dev/video0");
+        EXPECT_EQ(received.subsystem, "video4linux");
         EXPECT_NE(std::this_thread::get_id(), received.thread);
         EXPECT_EQ(client.received(0).thread, received.thread);
     }
@@ -82,7 +82,7 @@ TEST_F(ContinuousCameraMonitorTest, EachEventIsAnObjectOfItsOwnThatTheClientKeep
     ASSERT_TRUE(client.awaitEvents(20));
     EXPECT_TRUE(monitor.stopMonitoring());
     std::vector<std::unique_ptr<ICameraEvent>> const events = client.takeEvents();
-    ASSERT_EQ(20u, events.size());
+    ASSERT_EQ(events.size(), 20u);
     for (std::size_t number = 0; number < events.size(); ++number) {
         // Later events have not overwritten earlier ones.
         EXPECT_EQ("/dev/video" + std::to_string(number), events[number]->deviceSystemName());
@@ -101,20 +101,20 @@ TEST_F(ContinuousCameraMonitorTest, EventsOfOtherSubsystemsDoNotEndTheListening)
     machine.addOtherDevice("usb", "9-1");
     machine.addVideoNode("video1");
     ASSERT_TRUE(client.awaitEvents(2));
-    EXPECT_EQ("/dev/video1", client.received(1).node);
+    EXPECT_EQ(client.received(1).node, "/dev/video1");
 }
 
 TEST_F(ContinuousCameraMonitorTest, StopJoinsTheThread)
 {
     ASSERT_TRUE(monitor.startMonitoring(client));
-    EXPECT_EQ(1, UdevHook::threads());
+    EXPECT_EQ(UdevHook::threads(), 1);
     Stopwatch const watch;
     EXPECT_TRUE(monitor.stopMonitoring());
     EXPECT_GE(watch.seconds(), 0.06);
-    EXPECT_EQ(0, UdevHook::threads());
-    EXPECT_EQ(0, UdevHook::monitors());
+    EXPECT_EQ(UdevHook::threads(), 0);
+    EXPECT_EQ(UdevHook::monitors(), 0);
     machine.addVideoNode("video0");
-    EXPECT_EQ(0, client.count());
+    EXPECT_EQ(client.count(), 0);
 }
 
 TEST_F(ContinuousCameraMonitorTest, StopTakesItsSixtyMillisecondsWhateverSignalsCome)
@@ -141,11 +141,11 @@ TEST_F(ContinuousCameraMonitorTest, StartWhileRunningIsFalseAndChangesNothing)
     ASSERT_TRUE(monitor.startMonitoring(client));
     int const descriptors = pipesAndSockets();
     EXPECT_FALSE(monitor.startMonitoring(second));
-    EXPECT_EQ(1, UdevHook::threads());
-    EXPECT_EQ(descriptors, pipesAndSockets());
+    EXPECT_EQ(UdevHook::threads(), 1);
+    EXPECT_EQ(pipesAndSockets(), descriptors);
     machine.addVideoNode("video0");
     EXPECT_TRUE(client.awaitEvents(1));
-    EXPECT_EQ(0, second.count());
+    EXPECT_EQ(second.count(), 0);
     EXPECT_TRUE(monitor.stopMonitoring());
 }
 
@@ -157,7 +157,7 @@ TEST_F(ContinuousCameraMonitorTest, StartsAnewWithAnotherClient)
     ASSERT_TRUE(monitor.startMonitoring(second));
     machine.addVideoNode("video0");
     EXPECT_TRUE(second.awaitEvents(1));
-    EXPECT_EQ(0, client.count());
+    EXPECT_EQ(client.count(), 0);
     EXPECT_TRUE(monitor.stopMonitoring());
 }
 
@@ -168,14 +168,14 @@ TEST_F(ContinuousCameraMonitorTest, StopFromWithinTheCallbackLeavesTheJoinToALat
     ASSERT_TRUE(monitor.startMonitoring(client));
     machine.addVideoNode("video0");
     ASSERT_TRUE(client.awaitEvents(1));
-    EXPECT_EQ(0, answer);
-    EXPECT_EQ(0, UdevHook::monitors());
+    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(UdevHook::monitors(), 0);
     EXPECT_FALSE(monitor.startMonitoring(client)); // Its thread is still to be joined.
     EXPECT_TRUE(monitor.stopMonitoring());
-    EXPECT_EQ(0, UdevHook::threads());
+    EXPECT_EQ(UdevHook::threads(), 0);
     EXPECT_FALSE(monitor.stopMonitoring());
     machine.addVideoNode("video1");
-    EXPECT_EQ(1, client.count());
+    EXPECT_EQ(client.count(), 1);
 }
 
 TEST_F(ContinuousCameraMonitorTest, CallbackThatComesBeforeStartReturnsMayStop)
@@ -187,8 +187,8 @@ TEST_F(ContinuousCameraMonitorTest, CallbackThatComesBeforeStartReturnsMayStop)
         client.awaitEvents(1);
     });
     EXPECT_TRUE(monitor.startMonitoring(client));
-    EXPECT_EQ(1, client.count());
-    EXPECT_EQ(0, answer);
+    EXPECT_EQ(client.count(), 1);
+    EXPECT_EQ(answer, 0);
     EXPECT_TRUE(monitor.stopMonitoring());
 }
 
@@ -201,8 +201,8 @@ TEST_F(ContinuousCameraMonitorTest, CallbackThatComesBeforeStartReturnsMayNotSta
         client.awaitEvents(1);
     });
     EXPECT_TRUE(monitor.startMonitoring(client));
-    EXPECT_EQ(0, answer);
-    EXPECT_EQ(1, UdevHook::threads());
+    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(UdevHook::threads(), 1);
     EXPECT_TRUE(monitor.stopMonitoring());
 }
 
@@ -241,7 +241,7 @@ TEST_F(ContinuousCameraMonitorTest, OneMonitorsCallbackMayStopAnother)
     ASSERT_TRUE(monitor.startMonitoring(client));
     machine.addVideoNode("video0");
     ASSERT_TRUE(client.awaitEvents(1));
-    EXPECT_EQ(1, answer);
+    EXPECT_EQ(answer, 1);
     EXPECT_TRUE(monitor.stopMonitoring());
 }
 
@@ -261,7 +261,7 @@ TEST_F(ContinuousCameraMonitorTest, EventAtTheMomentOfAStopIsNotDelivered)
     HeldThread::release();
     stopping.join();
     EXPECT_TRUE(stopped);
-    EXPECT_EQ(0, client.count());
+    EXPECT_EQ(client.count(), 0);
 }
 
 TEST_F(ContinuousCameraMonitorTest, WithoutUdevItDoesNotStartAndHasNoThread)
@@ -270,7 +270,7 @@ TEST_F(ContinuousCameraMonitorTest, WithoutUdevItDoesNotStartAndHasNoThread)
          {UdevHook::Call::NewMonitor, UdevHook::Call::EnableReceiving, UdevHook::Call::Pipe}) {
         hook.refuse(call);
         EXPECT_FALSE(monitor.startMonitoring(client));
-        EXPECT_EQ(0, UdevHook::threads());
+        EXPECT_EQ(UdevHook::threads(), 0);
         EXPECT_FALSE(monitor.stopMonitoring());
         hook.refuse(call, false);
     }
@@ -282,15 +282,15 @@ TEST_F(ContinuousCameraMonitorTest, WithoutThreadTheInnerMonitorStaysStartedUnti
 {
     hook.refuse(UdevHook::Call::CreateThread);
     EXPECT_FALSE(monitor.startMonitoring(client));
-    EXPECT_EQ(0, UdevHook::threads());
-    EXPECT_EQ(1, UdevHook::monitors());
+    EXPECT_EQ(UdevHook::threads(), 0);
+    EXPECT_EQ(UdevHook::monitors(), 1);
     EXPECT_FALSE(monitor.stopMonitoring());
-    EXPECT_EQ(0, UdevHook::monitors());
+    EXPECT_EQ(UdevHook::monitors(), 0);
 
     EXPECT_FALSE(monitor.startMonitoring(client));
     hook.refuse(UdevHook::Call::CreateThread, false);
     EXPECT_TRUE(monitor.startMonitoring(client));
-    EXPECT_EQ(1, UdevHook::monitors());
+    EXPECT_EQ(UdevHook::monitors(), 1);
     machine.addVideoNode("video0");
     EXPECT_TRUE(client.awaitEvents(1));
     EXPECT_TRUE(monitor.stopMonitoring());
@@ -311,9 +311,9 @@ TEST_F(ContinuousCameraMonitorTest, ContextsAreReleasedWithTheMonitor)
         ContinuousCameraMonitor stopped;
         EXPECT_TRUE(stopped.startMonitoring(client));
         EXPECT_TRUE(stopped.stopMonitoring());
-        EXPECT_EQ(contexts + 2, UdevHook::contexts());
+        EXPECT_EQ(UdevHook::contexts(), contexts + 2);
     }
-    EXPECT_EQ(contexts, UdevHook::contexts());
+    EXPECT_EQ(UdevHook::contexts(), contexts);
 }
 
 TEST_F(ContinuousCameraMonitorTest, ManyRoundsLeaveNeitherDescriptorNorThread)
@@ -327,6 +327,6 @@ TEST_F(ContinuousCameraMonitorTest, ManyRoundsLeaveNeitherDescriptorNorThread)
         ASSERT_TRUE(monitor.startMonitoring(client)) << round;
         ASSERT_TRUE(monitor.stopMonitoring()) << round;
     }
-    EXPECT_EQ(descriptors, pipesAndSockets());
+    EXPECT_EQ(pipesAndSockets(), descriptors);
     EXPECT_TRUE(awaitThreadCount(threads));
 }

@@ -39,7 +39,7 @@ public:
     }
 
     int readingEnd() const { return _reading; }
-    void fill() const { EXPECT_EQ(1, write(_writing, "x", 1)); }
+    void fill() const { EXPECT_EQ(write(_writing, "x", 1), 1); }
 
 private:
     int _reading = -1;
@@ -51,13 +51,13 @@ class LargeDescriptors : public testing::TestWithParam<int>
 protected:
     void SetUp() override
     {
-        ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &_earlier));
+        ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &_earlier), 0);
         rlimit raised = _earlier;
         raised.rlim_cur = static_cast<rlim_t>(GetParam()) + 16;
         if (raised.rlim_max < raised.rlim_cur) {
             GTEST_SKIP() << "the process may not have descriptor " << GetParam();
         }
-        ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &raised));
+        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &raised), 0);
     }
     void TearDown() override { setrlimit(RLIMIT_NOFILE, &_earlier); }
 
@@ -74,10 +74,10 @@ TEST_P(LargeDescriptors, AreWaitedFor)
     DescriptorSet set;
     set.add(pipe.readingEnd());
     timeval none = noTime();
-    EXPECT_EQ(0, set.waitReadable(&none));
+    EXPECT_EQ(set.waitReadable(&none), 0);
     EXPECT_FALSE(set.isReady(pipe.readingEnd()));
     pipe.fill();
-    EXPECT_EQ(1, set.waitReadable(&none));
+    EXPECT_EQ(set.waitReadable(&none), 1);
     EXPECT_TRUE(set.isReady(pipe.readingEnd()));
 }
 
@@ -94,7 +94,7 @@ TEST_P(LargeDescriptors, AreToldFromSmallOnesInTheSameSet)
             small.fill();
         }
         timeval none = noTime();
-        EXPECT_EQ(1, set.waitReadable(&none));
+        EXPECT_EQ(set.waitReadable(&none), 1);
         EXPECT_TRUE(set.isReady(small.readingEnd()));
         EXPECT_FALSE(set.isReady(large.readingEnd()));
     }
@@ -112,7 +112,7 @@ TEST(DescriptorSet, LeavesNegativeDescriptorsOut)
     set.add(pipe.readingEnd());
     pipe.fill();
     timeval none{};
-    EXPECT_EQ(1, set.waitReadable(&none));
+    EXPECT_EQ(set.waitReadable(&none), 1);
     EXPECT_FALSE(set.isReady(-1));
     EXPECT_TRUE(set.isReady(pipe.readingEnd()));
 }
@@ -122,7 +122,7 @@ TEST(DescriptorSet, WaitsForTheTimeAloneWhenItIsEmpty)
     DescriptorSet set;
     set.add(-1);
     timeval short_{0, 1000};
-    EXPECT_EQ(0, set.waitReadable(&short_));
+    EXPECT_EQ(set.waitReadable(&short_), 0);
 }
 
 TEST(DescriptorSet, CanBeWaitedForAgain)
@@ -131,10 +131,10 @@ TEST(DescriptorSet, CanBeWaitedForAgain)
     DescriptorSet set;
     set.add(pipe.readingEnd());
     timeval none{};
-    EXPECT_EQ(0, set.waitReadable(&none));
+    EXPECT_EQ(set.waitReadable(&none), 0);
     pipe.fill();
-    EXPECT_EQ(1, set.waitReadable(&none));
-    EXPECT_EQ(1, set.waitReadable(&none));
+    EXPECT_EQ(set.waitReadable(&none), 1);
+    EXPECT_EQ(set.waitReadable(&none), 1);
 }
 
 TEST(DescriptorSet, WaitsWithoutLimitWhenNoTimeIsGiven)
@@ -143,7 +143,7 @@ TEST(DescriptorSet, WaitsWithoutLimitWhenNoTimeIsGiven)
     pipe.fill();
     DescriptorSet set;
     set.add(pipe.readingEnd());
-    EXPECT_EQ(1, set.waitReadable(nullptr));
+    EXPECT_EQ(set.waitReadable(nullptr), 1);
 }
 
 TEST(DescriptorSet, ReportsAFailedWaitAndNothingReady)
@@ -157,8 +157,8 @@ TEST(DescriptorSet, ReportsAFailedWaitAndNothingReady)
     set.add(closed);
     timeval none{};
     errno = 0;
-    EXPECT_EQ(-1, set.waitReadable(&none));
-    EXPECT_EQ(EBADF, errno);
+    EXPECT_EQ(set.waitReadable(&none), -1);
+    EXPECT_EQ(errno, EBADF);
     EXPECT_FALSE(set.isReady(closed));
 }
 
@@ -171,7 +171,7 @@ TEST(DescriptorSet, KnowsNothingReadyThatWasNotAdded)
     DescriptorSet set;
     set.add(added.readingEnd());
     timeval none{};
-    EXPECT_EQ(1, set.waitReadable(&none));
+    EXPECT_EQ(set.waitReadable(&none), 1);
     EXPECT_FALSE(set.isReady(other.readingEnd()));
     EXPECT_FALSE(set.isReady(100000));
 }

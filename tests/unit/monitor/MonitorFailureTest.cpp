@@ -117,9 +117,9 @@ TEST_F(MonitoredMachine, RefusedReceptionDoesNotStopTheLaterSteps)
     int const descriptors = pipesAndSockets();
     hook.refuse(UdevHook::Call::EnableReceiving);
     EXPECT_FALSE(monitor.startMonitoring());
-    EXPECT_EQ(descriptors + 3, pipesAndSockets()); // The socket and the pipe.
+    EXPECT_EQ(pipesAndSockets(), descriptors + 3); // The socket and the pipe.
     EXPECT_TRUE(monitor.stopMonitoring());
-    EXPECT_EQ(descriptors, pipesAndSockets());
+    EXPECT_EQ(pipesAndSockets(), descriptors);
 }
 
 // A waiter that the scheduler keeps off the processor for longer than the fixed pause must find
@@ -148,9 +148,9 @@ TEST_P(HeldWaiterTest, IsWaitedForBeforeAnythingIsReleased)
     EXPECT_GE(watch.seconds(), 0.2);
     scheduler.join();
     waiter.join();
-    EXPECT_EQ(1, monitorsBeforeRelease);
+    EXPECT_EQ(monitorsBeforeRelease, 1);
     EXPECT_EQ(descriptors, descriptorsBeforeRelease);
-    EXPECT_EQ(0, UdevHook::monitors());
+    EXPECT_EQ(UdevHook::monitors(), 0);
 }
 
 TEST_P(HeldWaiterTest, IsWaitedForByANewStartToo)
@@ -171,7 +171,7 @@ TEST_P(HeldWaiterTest, IsWaitedForByANewStartToo)
     EXPECT_GE(watch.seconds(), 0.2);
     scheduler.join();
     waiter.join();
-    EXPECT_EQ(1, UdevHook::monitors());
+    EXPECT_EQ(UdevHook::monitors(), 1);
     EXPECT_TRUE(monitor.stopMonitoring());
 }
 
@@ -200,7 +200,7 @@ TEST_F(MonitoredMachine, StartsAndStopsUnderAThreadThatNeverStopsAsking)
         while (answers < before + 2 && std::chrono::steady_clock::now() < end) {
             std::this_thread::yield();
         }
-        EXPECT_EQ(before + 2, answers);
+        EXPECT_EQ(answers, before + 2);
         ASSERT_TRUE(monitor.stopMonitoring());
     }
     finished = true;

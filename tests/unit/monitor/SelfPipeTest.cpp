@@ -50,18 +50,18 @@ std::vector<int> endsOf(int end)
 TEST(SelfPipe, IsClosedUntilItIsOpened)
 {
     SelfPipe pipe;
-    EXPECT_EQ(-1, pipe.readingEnd());
+    EXPECT_EQ(pipe.readingEnd(), -1);
     ASSERT_TRUE(pipe.open());
-    EXPECT_NE(-1, fcntl(pipe.readingEnd(), F_GETFD));
+    EXPECT_NE(fcntl(pipe.readingEnd(), F_GETFD), -1);
     pipe.close();
-    EXPECT_EQ(-1, pipe.readingEnd());
+    EXPECT_EQ(pipe.readingEnd(), -1);
 }
 
 TEST(SelfPipe, MakesBothEndsNonBlocking)
 {
     SelfPipe pipe;
     ASSERT_TRUE(pipe.open());
-    EXPECT_NE(0, fcntl(pipe.readingEnd(), F_GETFL) & O_NONBLOCK);
+    EXPECT_NE(fcntl(pipe.readingEnd(), F_GETFL) & O_NONBLOCK, 0);
     // A writing end that blocks would hang here as soon as the pipe is full.
     for (int i = 0; i < 70000; ++i) {
         pipe.write();
@@ -73,7 +73,7 @@ TEST(SelfPipe, IsNotReadableBeforeItIsWrittenTo)
 {
     SelfPipe pipe;
     ASSERT_TRUE(pipe.open());
-    EXPECT_EQ(0, waitWithoutTime(pipe.readingEnd()));
+    EXPECT_EQ(waitWithoutTime(pipe.readingEnd()), 0);
     pipe.close();
 }
 
@@ -83,7 +83,7 @@ TEST(SelfPipe, StaysReadableOnceItWasWrittenTo)
     ASSERT_TRUE(pipe.open());
     pipe.write();
     for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ(1, waitWithoutTime(pipe.readingEnd()));
+        EXPECT_EQ(waitWithoutTime(pipe.readingEnd()), 1);
     }
     pipe.close();
 }
@@ -94,8 +94,8 @@ TEST(SelfPipe, WritesTheOneByteX)
     ASSERT_TRUE(pipe.open());
     pipe.write();
     char bytes[4] = {};
-    EXPECT_EQ(1, read(pipe.readingEnd(), bytes, sizeof bytes));
-    EXPECT_EQ('x', bytes[0]);
+    EXPECT_EQ(read(pipe.readingEnd(), bytes, sizeof bytes), 1);
+    EXPECT_EQ(bytes[0], 'x');
     pipe.close();
 }
 
@@ -106,7 +106,7 @@ TEST(SelfPipe, IsFreshAfterItWasOpenedAgain)
     pipe.write();
     pipe.close();
     ASSERT_TRUE(pipe.open());
-    EXPECT_EQ(0, waitWithoutTime(pipe.readingEnd()));
+    EXPECT_EQ(waitWithoutTime(pipe.readingEnd()), 0);
     pipe.close();
 }
 
@@ -116,10 +116,10 @@ TEST(SelfPipe, ClosesEndsThatAreOpenBeforeItOpensNewOnes)
     SelfPipe pipe;
     for (int i = 0; i < 3; ++i) {
         ASSERT_TRUE(pipe.open());
-        EXPECT_EQ(before + 2, openDescriptors());
+        EXPECT_EQ(openDescriptors(), before + 2);
     }
     pipe.close();
-    EXPECT_EQ(before, openDescriptors());
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST(SelfPipe, ReportsThatNoPipeCouldBeMade)
@@ -128,7 +128,7 @@ TEST(SelfPipe, ReportsThatNoPipeCouldBeMade)
     {
         DescriptorLimit const none;
         EXPECT_FALSE(pipe.open());
-        EXPECT_EQ(-1, pipe.readingEnd());
+        EXPECT_EQ(pipe.readingEnd(), -1);
     }
     EXPECT_TRUE(pipe.open());
     pipe.close();
@@ -141,7 +141,7 @@ TEST(SelfPipe, DoesNothingWhenItIsWrittenToOrClosedWhileClosed)
     pipe.write();
     pipe.close();
     pipe.close();
-    EXPECT_EQ(before, openDescriptors());
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST(SelfPipe, IsNotInheritedByProgramsThatTheProcessStarts)
@@ -230,17 +230,17 @@ TEST(SelfPipe, WritesToNothingOnceItIsClosed)
 TEST(SelfPipe, LeavesItsDescriptorsToItsOwner)
 {
     int const free = dup(STDERR_FILENO);
-    ASSERT_NE(-1, free);
+    ASSERT_NE(free, -1);
     close(free);
     {
         SelfPipe pipe;
         ASSERT_TRUE(pipe.open());
-        ASSERT_EQ(free, pipe.readingEnd());
+        ASSERT_EQ(pipe.readingEnd(), free);
     }
-    EXPECT_EQ(0, close(free));
+    EXPECT_EQ(close(free), 0);
     // The writing end is the next descriptor that was free.
     int next = free + 1;
-    EXPECT_EQ(0, close(next));
+    EXPECT_EQ(close(next), 0);
 }
 
 } // namespace

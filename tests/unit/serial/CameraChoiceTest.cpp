@@ -32,8 +32,8 @@ protected:
 
 TEST_F(CameraChoiceTest, MakesNothingOfNoRecord)
 {
-    EXPECT_EQ(nullptr, ICameraFactory::getUniqueInstance().createBlockingCamera(nullptr));
-    EXPECT_EQ(0U, m_video.accounting().totalOpens);
+    EXPECT_EQ(ICameraFactory::getUniqueInstance().createBlockingCamera(nullptr), nullptr);
+    EXPECT_EQ(m_video.accounting().totalOpens, 0U);
     EXPECT_FALSE(askedForTheKernelLog());
 }
 
@@ -43,18 +43,18 @@ TEST_F(CameraChoiceTest, MakesAGenericCameraForOlderAndUnknownFirmware)
          {"TJ8-1.2.9", "TJ8-0.12.9", "", "TJ8-", "TJ8-x.y.z", "9.9.9", "tj8-9.9.9", "\xff\xfe",
           "TJ8--9.9.9", "TJ8--99999999999999999999.0.0", static_cast<char const*>(nullptr)}) {
         auto const camera = create(firmware);
-        ASSERT_NE(nullptr, camera) << firmware;
-        EXPECT_EQ(nullptr, dynamic_cast<ZorvaneCamera*>(camera.get())) << firmware;
+        ASSERT_NE(camera, nullptr) << firmware;
+        EXPECT_EQ(dynamic_cast<ZorvaneCamera*>(camera.get()), nullptr) << firmware;
     }
     EXPECT_FALSE(askedForTheKernelLog());
-    EXPECT_EQ(0, m_usb.resetRequests());
+    EXPECT_EQ(m_usb.resetRequests(), 0);
 }
 
 TEST_F(CameraChoiceTest, MakesAGenericCameraForOtherDevicesWhateverTheirFirmware)
 {
     auto const camera = create("TJ8-9.9.9", false);
-    ASSERT_NE(nullptr, camera);
-    EXPECT_EQ(nullptr, dynamic_cast<ZorvaneCamera*>(camera.get()));
+    ASSERT_NE(camera, nullptr);
+    EXPECT_EQ(dynamic_cast<ZorvaneCamera*>(camera.get()), nullptr);
     EXPECT_FALSE(askedForTheKernelLog());
 }
 
@@ -67,11 +67,11 @@ class NewerFirmwareTest : public CameraChoiceTest, public testing::WithParamInte
 TEST_P(NewerFirmwareTest, MakesASerialLinkCameraAndResetsItWithoutALink)
 {
     m_tools.write("log", "");
-    EXPECT_EQ(nullptr, create(GetParam()));
-    EXPECT_EQ("dmesg \n", m_tools.read("calls"));
-    EXPECT_EQ(1, m_usb.resetRequests());
+    EXPECT_EQ(create(GetParam()), nullptr);
+    EXPECT_EQ(m_tools.read("calls"), "dmesg \n");
+    EXPECT_EQ(m_usb.resetRequests(), 1);
     EXPECT_TRUE(m_video.accounting().nothingHeld());
-    EXPECT_EQ(0, childrenOfThisProcess());
+    EXPECT_EQ(childrenOfThisProcess(), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, NewerFirmwareTest,
@@ -82,40 +82,40 @@ INSTANTIATE_TEST_SUITE_P(Texts, NewerFirmwareTest,
 TEST_F(CameraChoiceTest, ResetsACameraWhoseTtyIsBusy)
 {
     m_tools.inWorkingDirectory("fuser", "echo 4711");
-    EXPECT_EQ(nullptr, create("TJ8-1.3.0"));
-    EXPECT_EQ(1, m_usb.resetRequests());
+    EXPECT_EQ(create("TJ8-1.3.0"), nullptr);
+    EXPECT_EQ(m_usb.resetRequests(), 1);
     EXPECT_TRUE(m_firmware.packets().empty());
 }
 
 TEST_F(CameraChoiceTest, ResetsACameraOfWhichOneControlFails)
 {
     silence({VirtualCamera::GetInfo, 3, 9});
-    EXPECT_EQ(nullptr, create("TJ8-1.3.0"));
-    EXPECT_EQ(1, m_usb.resetRequests());
+    EXPECT_EQ(create("TJ8-1.3.0"), nullptr);
+    EXPECT_EQ(m_usb.resetRequests(), 1);
 }
 
 TEST_F(CameraChoiceTest, OpensASerialLinkCameraThroughThePublicInterface)
 {
     auto const camera = create("TJ8-1.3.0");
-    ASSERT_NE(nullptr, camera);
-    EXPECT_NE(nullptr, dynamic_cast<ZorvaneCamera*>(camera.get()));
-    EXPECT_EQ(39, camera->controlNumber());
-    EXPECT_EQ(0, m_usb.resetRequests());
-    EXPECT_EQ(1, camera->formatNumber());
+    ASSERT_NE(camera, nullptr);
+    EXPECT_NE(dynamic_cast<ZorvaneCamera*>(camera.get()), nullptr);
+    EXPECT_EQ(camera->controlNumber(), 39);
+    EXPECT_EQ(m_usb.resetRequests(), 0);
+    EXPECT_EQ(camera->formatNumber(), 1);
     // Nothing of the extension unit goes through the driver.
     EXPECT_TRUE(m_video.mappings().empty());
 
     auto* const light = dynamic_cast<ICameraControlStringMenu*>(camera->lightModeControl());
-    ASSERT_NE(nullptr, light);
-    EXPECT_STREQ("Continuous", light->currentString());
+    ASSERT_NE(light, nullptr);
+    EXPECT_STREQ(light->currentString(), "Continuous");
     EXPECT_TRUE(light->setCurrentIndex(0));
-    EXPECT_EQ((VirtualCamera::SerialBytes{0}), m_firmware.data(3, 1));
+    EXPECT_EQ(m_firmware.data(3, 1), (VirtualCamera::SerialBytes{0}));
     auto* const corner = dynamic_cast<ICameraControlNumeric<int>*>(camera->focusWindowX2Control());
-    ASSERT_NE(nullptr, corner);
-    EXPECT_EQ(2047, corner->maximum());
+    ASSERT_NE(corner, nullptr);
+    EXPECT_EQ(corner->maximum(), 2047);
     EXPECT_TRUE(corner->setValue(1234));
-    EXPECT_EQ((VirtualCamera::SerialBytes{100, 0, 0xd2, 0x04, 110, 0, 210, 0}),
-              m_firmware.data(3, 20));
+    EXPECT_EQ(m_firmware.data(3, 20),
+              (VirtualCamera::SerialBytes{100, 0, 0xd2, 0x04, 110, 0, 210, 0}));
 }
 
 } // namespace

@@ -61,17 +61,17 @@ TEST(ControlTable, MakesAControlOfTheRowsTypeForEachRow)
     for (std::size_t i = 0; i < rows.size(); ++i) {
         SCOPED_TRACE(rows[i].name);
         auto const control = camera.createControl(ZorvaneCamera::_controlMap[i]);
-        ASSERT_NE(nullptr, control);
-        EXPECT_STREQ(rows[i].name, control->name());
+        ASSERT_NE(control, nullptr);
+        EXPECT_STREQ(control->name(), rows[i].name);
         EXPECT_EQ(static_cast<unsigned int>(rows[i].selector), control->id());
-        EXPECT_EQ(rows[i].type, control->type());
+        EXPECT_EQ(control->type(), rows[i].type);
         EXPECT_EQ(static_cast<unsigned int>(rows[i].family), control->family());
         ICameraControl const* const base = control.get();
-        EXPECT_EQ(rows[i].type == 2, dynamic_cast<ICameraControlBoolean const*>(base) != nullptr);
-        EXPECT_EQ(rows[i].type == 4,
-                  dynamic_cast<ICameraControlNumeric<int> const*>(base) != nullptr);
-        EXPECT_EQ(rows[i].type == 11,
-                  dynamic_cast<ICameraControlStringMenu const*>(base) != nullptr);
+        EXPECT_EQ(dynamic_cast<ICameraControlBoolean const*>(base) != nullptr, rows[i].type == 2);
+        EXPECT_EQ(dynamic_cast<ICameraControlNumeric<int> const*>(base) != nullptr,
+                  rows[i].type == 4);
+        EXPECT_EQ(dynamic_cast<ICameraControlStringMenu const*>(base) != nullptr,
+                  rows[i].type == 11);
     }
 }
 
@@ -80,7 +80,7 @@ TEST(ControlTable, MakesNoControlOfATypeWithoutAClass)
     OpenedCamera camera;
     for (int const type : {-1, 0, 1, 3, 5, 6, 7, 8, 9, 10, 12}) {
         ZorvaneCamera::ControlStruct const row{"Name", 1, 3, type, 1, true, 0, 1};
-        EXPECT_EQ(nullptr, camera.createControl(row)) << type;
+        EXPECT_EQ(camera.createControl(row), nullptr) << type;
     }
 }
 
@@ -97,18 +97,18 @@ TEST(MenuTable, HoldsThreeMenusWithTheirValues)
             actual[name].emplace_back(setting.value, setting.label);
         }
     }
-    EXPECT_EQ(expected, actual);
-    EXPECT_EQ(3U, ZorvaneCamera::_stringMenuSettings.size());
+    EXPECT_EQ(actual, expected);
+    EXPECT_EQ(ZorvaneCamera::_stringMenuSettings.size(), 3U);
 }
 
 TEST(MenuTable, IsKeyedByTheVeryPointersOfTheControlTable)
 {
     for (ZorvaneCamera::ControlStruct const& row : ZorvaneCamera::_controlMap) {
-        EXPECT_EQ(row.type == ICameraControl::StringMenu,
-                  ZorvaneCamera::_stringMenuSettings.count(row.name) == 1)
+        EXPECT_EQ(ZorvaneCamera::_stringMenuSettings.count(row.name) == 1,
+                  row.type == ICameraControl::StringMenu)
             << row.name;
     }
-    EXPECT_EQ(2U, ZorvaneCamera::menuSettings(ZorvaneCamera::_lightModeControl).size());
+    EXPECT_EQ(ZorvaneCamera::menuSettings(ZorvaneCamera::_lightModeControl).size(), 2U);
 }
 
 TEST(MenuTable, FindsNoMenuForAnotherPointerToAnEqualText)
@@ -122,20 +122,20 @@ TEST(MenuTable, FindsNoMenuForAnotherPointerToAnEqualText)
     auto const control = camera.createControl(row);
     auto const* const menu =
         dynamic_cast<ICameraControlStringMenu const*>(static_cast<ICameraControl*>(control.get()));
-    ASSERT_NE(nullptr, menu);
-    EXPECT_EQ(0, menu->count());
+    ASSERT_NE(menu, nullptr);
+    EXPECT_EQ(menu->count(), 0);
 }
 
 TEST(NamedGetters, FindTheControlOfTheirRow)
 {
     UnlinkedCamera const camera;
-    ASSERT_EQ(39, camera.controlNumber());
+    ASSERT_EQ(camera.controlNumber(), 39);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         SCOPED_TRACE(rows[i].name);
         ICameraControl* const control = camera.control(static_cast<int>(i));
-        EXPECT_EQ(control, camera.control(rows[i].name));
+        EXPECT_EQ(camera.control(rows[i].name), control);
         if (rows[i].getter != nullptr) {
-            EXPECT_EQ(control, (camera.*rows[i].getter)());
+            EXPECT_EQ((camera.*rows[i].getter)(), control);
         }
     }
 }
@@ -146,7 +146,7 @@ TEST(NamedGetters, CoverEveryGetterOfTheInterface)
     for (SerialRow const& row : rows) {
         withGetter += row.getter != nullptr ? 1 : 0;
     }
-    EXPECT_EQ(35U, withGetter);
+    EXPECT_EQ(withGetter, 35U);
 }
 
 TEST(NamedGetters, GiveTheInvalidControlForVendorControlsOfAnotherRecord)
@@ -157,7 +157,7 @@ TEST(NamedGetters, GiveTheInvalidControlForVendorControlsOfAnotherRecord)
         if (row.getter != nullptr) {
             ICameraControl* const expected =
                 row.vendorOnly ? camera.invalidControl() : camera.control(row.name);
-            EXPECT_EQ(expected, (camera.*row.getter)());
+            EXPECT_EQ((camera.*row.getter)(), expected);
         }
         EXPECT_NE(camera.invalidControl(), camera.control(row.name));
     }
@@ -174,22 +174,22 @@ TEST(NamedGetters, GiveTheInvalidControlForRowsThatWereNotMade)
             EXPECT_EQ(camera.invalidControl(), (camera.*row.getter)()) << row.name;
         }
     }
-    EXPECT_EQ(ICameraControl::Invalid, camera.invalidControl()->type());
+    EXPECT_EQ(camera.invalidControl()->type(), ICameraControl::Invalid);
 }
 
 TEST(ZorvaneCamera, IsAQtObjectOfItsOwnClass)
 {
     OpenedCamera camera;
-    EXPECT_STREQ("ImageAcquisition::ZorvaneCamera", ZorvaneCamera::staticMetaObject.className());
+    EXPECT_STREQ(ZorvaneCamera::staticMetaObject.className(), "ImageAcquisition::ZorvaneCamera");
     EXPECT_TRUE(camera.inherits("ImageAcquisition::ZorvaneCamera"));
-    EXPECT_EQ(nullptr, camera.parent());
-    EXPECT_EQ(&camera, camera.serialPort().parent());
+    EXPECT_EQ(camera.parent(), nullptr);
+    EXPECT_EQ(camera.serialPort().parent(), &camera);
 }
 
 TEST(ZorvaneCamera, MapsNoControlsOfTheExtensionUnitIntoTheDriver)
 {
     OpenedCamera const camera;
-    EXPECT_EQ(nullptr, camera.createExtensionUnit());
+    EXPECT_EQ(camera.createExtensionUnit(), nullptr);
 }
 
 } // namespace

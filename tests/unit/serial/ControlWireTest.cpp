@@ -129,7 +129,7 @@ protected:
         m_firmware.setInfo(wire.unit, wire.selector, 0x03);
         auto control = m_camera.createControl(ZorvaneCamera::_controlMap[row]);
         EXPECT_TRUE(control->initControlLength());
-        EXPECT_EQ(wire.size, control->dataLength());
+        EXPECT_EQ(control->dataLength(), wire.size);
         m_firmware.clearPackets();
         return control;
     }
@@ -150,8 +150,8 @@ TEST_F(ControlWireTest, AsksLengthInfoAndLimitsOfEachRowInTableOrder)
         }
     }
     EXPECT_TRUE(m_camera.buildMainControlSet());
-    EXPECT_EQ(expected, m_firmware.packetBytes());
-    ASSERT_EQ(39, m_camera.controlNumber());
+    EXPECT_EQ(m_firmware.packetBytes(), expected);
+    ASSERT_EQ(m_camera.controlNumber(), 39);
     for (int i = 0; i < 39; ++i) {
         EXPECT_STREQ(wires[static_cast<std::size_t>(i)].name, m_camera.control(i)->name());
     }
@@ -162,8 +162,8 @@ TEST_F(ControlWireTest, StopsAtTheFirstControlThatDoesNotAnswerAndKeepsIt)
     ReplyTimeout const patience(m_camera, ReplyTimeout::forBoth);
     m_firmware.answer(SerialAnswer::silence(), {}, SerialFirmware::always);
     EXPECT_FALSE(m_camera.buildMainControlSet());
-    ASSERT_EQ(1, m_camera.controlNumber());
-    EXPECT_STREQ("Focus", m_camera.control(0)->name());
+    ASSERT_EQ(m_camera.controlNumber(), 1);
+    EXPECT_STREQ(m_camera.control(0)->name(), "Focus");
 }
 
 TEST_F(ControlWireTest, KeepsTheRowsInFrontOfOneThatDoesNotAnswer)
@@ -171,8 +171,8 @@ TEST_F(ControlWireTest, KeepsTheRowsInFrontOfOneThatDoesNotAnswer)
     ReplyTimeout const patience(m_camera, ReplyTimeout::forBoth);
     m_firmware.answer(SerialAnswer::silence(), {GetInfo, 3, 11}, SerialFirmware::always);
     EXPECT_FALSE(m_camera.buildMainControlSet());
-    ASSERT_EQ(6, m_camera.controlNumber());
-    EXPECT_STREQ("Focus Sensitivity", m_camera.control(5)->name());
+    ASSERT_EQ(m_camera.controlNumber(), 6);
+    EXPECT_STREQ(m_camera.control(5)->name(), "Focus Sensitivity");
 }
 
 TEST_F(ControlWireTest, WritesEachRowToItsOwnBytesOnly)
@@ -183,13 +183,13 @@ TEST_F(ControlWireTest, WritesEachRowToItsOwnBytesOnly)
         auto const control = controlOf(row);
         m_firmware.setData(wire.unit, wire.selector, background(wire));
         EXPECT_TRUE(setValue(*control, wire));
-        EXPECT_EQ(wire.data, m_firmware.data(wire.unit, wire.selector));
+        EXPECT_EQ(m_firmware.data(wire.unit, wire.selector), wire.data);
         std::vector<SerialBytes> expected;
         if (isField(wire)) {
             expected.push_back(request(0x81, wire, wire.size));
         }
         expected.push_back(writeRequest(wire, wire.data));
-        EXPECT_EQ(expected, m_firmware.packetBytes());
+        EXPECT_EQ(m_firmware.packetBytes(), expected);
     }
 }
 
@@ -200,22 +200,22 @@ TEST_F(ControlWireTest, ReadsEachRowFromItsOwnBytes)
         SCOPED_TRACE(wire.name);
         auto const control = controlOf(row);
         m_firmware.setData(wire.unit, wire.selector, wire.data);
-        EXPECT_EQ(wire.value, value(*control, wire));
-        EXPECT_EQ((std::vector<SerialBytes>{request(0x81, wire, wire.size)}),
-                  m_firmware.packetBytes());
+        EXPECT_EQ(value(*control, wire), wire.value);
+        EXPECT_EQ(m_firmware.packetBytes(),
+                  (std::vector<SerialBytes>{request(0x81, wire, wire.size)}));
     }
 }
 
 TEST_F(ControlWireTest, AsksForTheLimitsOfAFieldInItsOwnBytes)
 {
     auto const control = m_camera.createControl(ZorvaneCamera::_controlMap[4]);
-    ASSERT_STREQ("Focus Step", control->name());
+    ASSERT_STREQ(control->name(), "Focus Step");
     EXPECT_TRUE(control->init());
     auto const& number = dynamic_cast<ICameraControlNumeric<int> const&>(
         static_cast<ICameraControl const&>(*control));
-    EXPECT_EQ(1023, number.maximum());
-    EXPECT_EQ(0, number.minimum());
-    EXPECT_EQ(1, number.step());
+    EXPECT_EQ(number.maximum(), 1023);
+    EXPECT_EQ(number.minimum(), 0);
+    EXPECT_EQ(number.step(), 1);
 }
 
 } // namespace

@@ -45,10 +45,10 @@ protected:
 
 TEST(SerialExchange, HasFiveAttemptsOfAHundredMilliseconds)
 {
-    EXPECT_EQ(100, int(ZorvaneCameraControl::_msTimeout));
-    EXPECT_EQ(5, int(ZorvaneCameraControl::_nbRetries));
-    EXPECT_EQ(50, int(ZorvaneCameraControl::_retryDelay));
-    EXPECT_EQ(50, int(ZorvaneCameraControl::_msDelay));
+    EXPECT_EQ(int(ZorvaneCameraControl::_msTimeout), 100);
+    EXPECT_EQ(int(ZorvaneCameraControl::_nbRetries), 5);
+    EXPECT_EQ(int(ZorvaneCameraControl::_retryDelay), 50);
+    EXPECT_EQ(int(ZorvaneCameraControl::_msDelay), 50);
     EXPECT_EQ(ZorvaneCamera(nullptr).link().limits().reply, 100);
     EXPECT_EQ(ZorvaneCamera(nullptr).link().limits().tool, 30000);
 }
@@ -56,8 +56,8 @@ TEST(SerialExchange, HasFiveAttemptsOfAHundredMilliseconds)
 TEST_F(SerialExchangeTest, WritesTheRequestOnceAndTakesAPromptReply)
 {
     ASSERT_TRUE(askCurrent());
-    EXPECT_EQ(m_currentReply, m_reply);
-    EXPECT_EQ((std::vector<SerialBytes>{bytesOf(m_getCurrent)}), m_firmware.packetBytes());
+    EXPECT_EQ(m_reply, m_currentReply);
+    EXPECT_EQ(m_firmware.packetBytes(), (std::vector<SerialBytes>{bytesOf(m_getCurrent)}));
 }
 
 TEST_F(SerialExchangeTest, DoesNotPauseBetweenExchanges)
@@ -71,7 +71,7 @@ TEST_F(SerialExchangeTest, DoesNotPauseBetweenExchanges)
         quickest = std::min(quickest, watch.seconds());
     }
     EXPECT_LT(quickest, 0.05);
-    EXPECT_EQ(80U, m_firmware.packets().size());
+    EXPECT_EQ(m_firmware.packets().size(), 80U);
 }
 
 TEST_F(SerialExchangeTest, FailsAtOnceWhileThePortIsClosed)
@@ -80,7 +80,7 @@ TEST_F(SerialExchangeTest, FailsAtOnceWhileThePortIsClosed)
     Stopwatch const watch;
     EXPECT_FALSE(askCurrent());
     EXPECT_LT(watch.seconds(), ReplyTimeout::forAnswers / 1000.0);
-    EXPECT_EQ(m_untouched, m_reply);
+    EXPECT_EQ(m_reply, m_untouched);
     EXPECT_TRUE(m_firmware.packets().empty());
 }
 
@@ -91,9 +91,9 @@ TEST_F(SerialExchangeTest, WritesFiveTimesToASilentCameraAndLeavesTheReply)
     Stopwatch const watch;
     EXPECT_FALSE(askCurrent());
     EXPECT_GE(watch.seconds(), 5 * timeout - 0.01);
-    EXPECT_EQ(m_untouched, m_reply);
+    EXPECT_EQ(m_reply, m_untouched);
     ASSERT_TRUE(m_firmware.awaitPackets(5));
-    EXPECT_EQ(std::vector<SerialBytes>(5, bytesOf(m_getCurrent)), m_firmware.packetBytes());
+    EXPECT_EQ(m_firmware.packetBytes(), std::vector<SerialBytes>(5, bytesOf(m_getCurrent)));
 }
 
 TEST_F(SerialExchangeTest, SendsNothingOfAFailedExchangeWithTheNextOne)
@@ -106,8 +106,8 @@ TEST_F(SerialExchangeTest, SendsNothingOfAFailedExchangeWithTheNextOne)
     ASSERT_TRUE(m_firmware.awaitPackets(5));
     m_firmware.clearPackets();
     EXPECT_TRUE(askLength());
-    EXPECT_EQ(m_lengthReply, m_reply);
-    EXPECT_EQ((std::vector<SerialBytes>{bytesOf(m_getLength)}), m_firmware.packetBytes());
+    EXPECT_EQ(m_reply, m_lengthReply);
+    EXPECT_EQ(m_firmware.packetBytes(), (std::vector<SerialBytes>{bytesOf(m_getLength)}));
 }
 
 TEST_F(SerialExchangeTest, StopsAskingAfterTheAttemptThatWasAnswered)
@@ -115,16 +115,16 @@ TEST_F(SerialExchangeTest, StopsAskingAfterTheAttemptThatWasAnswered)
     ReplyTimeout const patience(m_camera, ReplyTimeout::forBoth);
     m_firmware.answer(SerialAnswer::silence(), {}, 4);
     EXPECT_TRUE(askCurrent());
-    EXPECT_EQ(m_currentReply, m_reply);
-    EXPECT_EQ(5U, m_firmware.packets().size());
+    EXPECT_EQ(m_reply, m_currentReply);
+    EXPECT_EQ(m_firmware.packets().size(), 5U);
 }
 
 TEST_F(SerialExchangeTest, TakesAReplyThatIsLateButInTime)
 {
     m_firmware.answer(SerialAnswer::late(milliseconds(300)));
     EXPECT_TRUE(askCurrent());
-    EXPECT_EQ(m_currentReply, m_reply);
-    EXPECT_EQ(1U, m_firmware.packets().size());
+    EXPECT_EQ(m_reply, m_currentReply);
+    EXPECT_EQ(m_firmware.packets().size(), 1U);
 }
 
 TEST_F(SerialExchangeTest, DiscardsAReplyThatCameAfterItsExchangeHadFailed)
@@ -137,7 +137,7 @@ TEST_F(SerialExchangeTest, DiscardsAReplyThatCameAfterItsExchangeHadFailed)
     }
     ASSERT_TRUE(m_camera.awaitInput(m_currentReply.size()));
     EXPECT_TRUE(askLength());
-    EXPECT_EQ(m_lengthReply, m_reply);
+    EXPECT_EQ(m_reply, m_lengthReply);
 }
 
 TEST_F(SerialExchangeTest, DiscardsWhatNobodyAskedFor)
@@ -146,8 +146,8 @@ TEST_F(SerialExchangeTest, DiscardsWhatNobodyAskedFor)
     m_firmware.say(stale);
     ASSERT_TRUE(m_camera.awaitInput(300));
     EXPECT_TRUE(askCurrent());
-    EXPECT_EQ(m_currentReply, m_reply);
-    EXPECT_EQ(1U, m_firmware.packets().size());
+    EXPECT_EQ(m_reply, m_currentReply);
+    EXPECT_EQ(m_firmware.packets().size(), 1U);
 }
 
 TEST_F(SerialExchangeTest, DiscardsWhatThePortHasTakenInAlready)
@@ -156,15 +156,15 @@ TEST_F(SerialExchangeTest, DiscardsWhatThePortHasTakenInAlready)
     ASSERT_TRUE(m_camera.awaitInput(20));
     ASSERT_TRUE(m_camera.serialPort().waitForReadyRead(1000));
     EXPECT_TRUE(askCurrent());
-    EXPECT_EQ(m_currentReply, m_reply);
+    EXPECT_EQ(m_reply, m_currentReply);
 }
 
 TEST_F(SerialExchangeTest, PutsAReplyTogetherWhosePiecesComeInTime)
 {
     m_firmware.answer(SerialAnswer::split(4, milliseconds(300)));
     EXPECT_TRUE(askCurrent());
-    EXPECT_EQ(m_currentReply, m_reply);
-    EXPECT_EQ(1U, m_firmware.packets().size());
+    EXPECT_EQ(m_reply, m_currentReply);
+    EXPECT_EQ(m_firmware.packets().size(), 1U);
 }
 
 TEST_F(SerialExchangeTest, FailsAnAttemptWhoseSecondPieceComesTooLate)
@@ -173,8 +173,8 @@ TEST_F(SerialExchangeTest, FailsAnAttemptWhoseSecondPieceComesTooLate)
     m_firmware.answer(SerialAnswer::split(4, milliseconds(900)));
     m_firmware.answer(SerialAnswer::silence());
     EXPECT_TRUE(askCurrent());
-    EXPECT_EQ(m_currentReply, m_reply);
-    EXPECT_EQ(3U, m_firmware.packets().size());
+    EXPECT_EQ(m_reply, m_currentReply);
+    EXPECT_EQ(m_firmware.packets().size(), 3U);
 }
 
 TEST_F(SerialExchangeTest, DiscardsASecondPieceThatCameTooLate)
@@ -182,11 +182,11 @@ TEST_F(SerialExchangeTest, DiscardsASecondPieceThatCameTooLate)
     ReplyTimeout const patience(m_camera, 600);
     m_firmware.answer(SerialAnswer::split(4, milliseconds(1200)));
     EXPECT_TRUE(askCurrent());
-    EXPECT_EQ(m_currentReply, m_reply);
+    EXPECT_EQ(m_reply, m_currentReply);
     ASSERT_TRUE(m_camera.awaitInput(5));
     EXPECT_TRUE(askLength());
-    EXPECT_EQ(m_lengthReply, m_reply);
-    EXPECT_EQ(3U, m_firmware.packets().size());
+    EXPECT_EQ(m_reply, m_lengthReply);
+    EXPECT_EQ(m_firmware.packets().size(), 3U);
 }
 
 TEST_F(SerialExchangeTest, TriesAgainAfterAReplyThatIsTooShort)
@@ -195,8 +195,8 @@ TEST_F(SerialExchangeTest, TriesAgainAfterAReplyThatIsTooShort)
     m_firmware.answer(SerialAnswer::cutTo(8));
     m_firmware.answer(SerialAnswer::cutTo(3));
     EXPECT_TRUE(askCurrent());
-    EXPECT_EQ(m_currentReply, m_reply);
-    EXPECT_EQ(3U, m_firmware.packets().size());
+    EXPECT_EQ(m_reply, m_currentReply);
+    EXPECT_EQ(m_firmware.packets().size(), 3U);
 }
 
 TEST_F(SerialExchangeTest, FailsAfterFiveRepliesThatAreTooShort)
@@ -204,18 +204,18 @@ TEST_F(SerialExchangeTest, FailsAfterFiveRepliesThatAreTooShort)
     ReplyTimeout const usual(m_camera, ReplyTimeout::usual);
     m_firmware.answer(SerialAnswer::cutTo(8), {}, SerialFirmware::always);
     EXPECT_FALSE(askCurrent());
-    EXPECT_EQ(m_untouched, m_reply);
+    EXPECT_EQ(m_reply, m_untouched);
     ASSERT_TRUE(m_firmware.awaitPackets(5));
-    EXPECT_EQ(5U, m_firmware.packets().size());
+    EXPECT_EQ(m_firmware.packets().size(), 5U);
 }
 
 TEST_F(SerialExchangeTest, ReadsNoMoreThanItExpectsOfALongerReply)
 {
     m_firmware.answer(SerialAnswer::wrong(SerialBytes(30, 0x22)));
     EXPECT_TRUE(askCurrent());
-    EXPECT_EQ(QByteArray(9, '\x22'), m_reply);
+    EXPECT_EQ(m_reply, QByteArray(9, '\x22'));
     EXPECT_TRUE(askLength());
-    EXPECT_EQ(m_lengthReply, m_reply);
+    EXPECT_EQ(m_reply, m_lengthReply);
 }
 
 // The header is the camera's affair: only the size of a reply counts.
@@ -223,8 +223,8 @@ TEST_F(SerialExchangeTest, TakesAReplyOfTheRightSizeAsItIs)
 {
     m_firmware.answer(SerialAnswer::wrong(SerialBytes(9, 0)));
     EXPECT_TRUE(askCurrent());
-    EXPECT_EQ(QByteArray(9, '\0'), m_reply);
-    EXPECT_EQ(1U, m_firmware.packets().size());
+    EXPECT_EQ(m_reply, QByteArray(9, '\0'));
+    EXPECT_EQ(m_firmware.packets().size(), 1U);
 }
 
 TEST_F(SerialExchangeTest, ComesBackFromACameraThatNeverStopsTalking)
@@ -250,7 +250,7 @@ TEST_F(SerialExchangeTest, FailsQuicklyWhenTheCameraIsUnplugged)
     Stopwatch const watch;
     EXPECT_FALSE(askCurrent());
     EXPECT_LT(watch.seconds(), ReplyTimeout::forAnswers / 1000.0);
-    EXPECT_EQ(m_untouched, m_reply);
+    EXPECT_EQ(m_reply, m_untouched);
 }
 
 TEST_F(SerialExchangeTest, WorksWithACoreApplicationToo)
@@ -269,14 +269,14 @@ TEST_F(SerialExchangeTest, WorksWithACoreApplicationToo)
     ASSERT_TRUE(camera.awaitInput(20));
     QCoreApplication::processEvents();
     EXPECT_TRUE(control.sendCommand(m_getCurrent, 1, m_reply));
-    EXPECT_EQ(m_currentReply, m_reply);
+    EXPECT_EQ(m_reply, m_currentReply);
     ReplyTimeout const usual(m_camera, ReplyTimeout::usual);
     m_firmware.answer(SerialAnswer::silence(), {}, SerialFirmware::always);
     m_firmware.clearPackets();
     EXPECT_FALSE(control.sendCommand(m_getCurrent, 1, m_reply));
     QCoreApplication::processEvents();
     ASSERT_TRUE(m_firmware.awaitPackets(5));
-    EXPECT_EQ(5U, m_firmware.packets().size());
+    EXPECT_EQ(m_firmware.packets().size(), 5U);
 }
 
 /// A tty whose other end nobody reads.
@@ -315,14 +315,14 @@ TEST(SerialExchange, SendsNoRequestTwiceThatCouldNotLeaveAtOnce)
     ZorvaneCameraControlBoolean const control(&camera, "Auto Focus", 8, 1, ICameraControl::Focus);
     QByteArray reply;
     EXPECT_FALSE(control.sendCommand("REQUEST!", 1, reply));
-    EXPECT_EQ(0, camera.serialPort().bytesToWrite());
+    EXPECT_EQ(camera.serialPort().bytesToWrite(), 0);
 
     std::string const sent = tty.everything();
     std::string const requests = sent.substr(sent.find_first_not_of('\0'));
-    EXPECT_EQ(0U, requests.size() % 8) << requests;
+    EXPECT_EQ(requests.size() % 8, 0U) << requests;
     EXPECT_LE(requests.size(), 5 * 8U);
     for (std::size_t place = 0; place < requests.size(); place += 8) {
-        EXPECT_EQ("REQUEST!", requests.substr(place, 8));
+        EXPECT_EQ(requests.substr(place, 8), "REQUEST!");
     }
 }
 

@@ -22,14 +22,14 @@ TEST_F(SerialLinkTest, OpensNothingWhenItIsMade)
 {
     EXPECT_FALSE(m_camera.serialPort().isOpen());
     EXPECT_FALSE(m_tools.exists("calls"));
-    EXPECT_EQ(0U, m_video.accounting().totalOpens);
+    EXPECT_EQ(m_video.accounting().totalOpens, 0U);
 }
 
 TEST_F(SerialLinkTest, OpensTheTtyThatTheKernelLogNames)
 {
     EXPECT_TRUE(m_camera.initCommunication());
     EXPECT_TRUE(m_camera.serialPort().isOpen());
-    EXPECT_EQ(QIODevice::ReadWrite, m_camera.serialPort().openMode());
+    EXPECT_EQ(m_camera.serialPort().openMode(), QIODevice::ReadWrite);
     EXPECT_EQ(m_tty.name(), portName());
     EXPECT_EQ("dmesg \nfuser " + m_tty.path() + "\n", m_tools.read("calls"));
     EXPECT_TRUE(cameraAnswers(m_camera));
@@ -52,10 +52,10 @@ TEST_F(SerialLinkTest, LogsTheNodeAndThePortAndPausesOnceItIsOpen)
     ASSERT_TRUE(m_camera.initCommunication());
     EXPECT_GE(watch.seconds(), 0.05);
     std::vector<std::string> const information = m_messages.information();
-    ASSERT_EQ(2U, information.size());
-    EXPECT_EQ("/dev/video0", information[0]);
-    EXPECT_NE(std::string::npos, information[1].find("TriggerThread::connectPort()"));
-    EXPECT_NE(std::string::npos, information[1].find(m_tty.name()));
+    ASSERT_EQ(information.size(), 2U);
+    EXPECT_EQ(information[0], "/dev/video0");
+    EXPECT_NE(information[1].find("TriggerThread::connectPort()"), std::string::npos);
+    EXPECT_NE(information[1].find(m_tty.name()), std::string::npos);
 }
 
 TEST_F(SerialLinkTest, UsesTheLastAnnouncementAfterAReplug)
@@ -99,9 +99,9 @@ TEST_F(SerialLinkTest, LeavesThePortWhenNoLineMatches)
     m_tools.write("log", announcement(m_tty.name(), "1-2.4:1.5"));
     EXPECT_FALSE(m_camera.initCommunication());
     EXPECT_FALSE(m_camera.serialPort().isOpen());
-    EXPECT_EQ("dmesg \n", m_tools.read("calls"));
-    EXPECT_EQ((std::vector<std::string>{"/dev/video0", "No match in dmesg"}),
-              m_messages.information());
+    EXPECT_EQ(m_tools.read("calls"), "dmesg \n");
+    EXPECT_EQ(m_messages.information(),
+              (std::vector<std::string>{"/dev/video0", "No match in dmesg"}));
 }
 
 TEST_F(SerialLinkTest, FindsNothingWhenDmesgMayNotReadTheLog)
@@ -130,7 +130,7 @@ TEST_F(SerialLinkTest, FindsNothingWhenDmesgNeverEnds)
         }
     }
     EXPECT_TRUE(m_messages.hold(QtInfoMsg, "No match in dmesg"));
-    EXPECT_EQ(2, wordsIn(m_tools.read("pids")));
+    EXPECT_EQ(wordsIn(m_tools.read("pids")), 2);
     EXPECT_TRUE(allEnd(m_tools.read("pids")));
 }
 
@@ -201,8 +201,8 @@ TEST_F(SerialLinkTest, ReportsAPortThatCannotBeOpened)
     EXPECT_FALSE(m_camera.serialPort().isOpen());
     EXPECT_TRUE(m_messages.hold(QtCriticalMsg, "Error : TriggerThread::connectPort"));
     std::vector<std::string> const information = m_messages.information();
-    ASSERT_EQ(2U, information.size());
-    EXPECT_EQ("error code:  QSerialPort::DeviceNotFoundError", information[1]);
+    ASSERT_EQ(information.size(), 2U);
+    EXPECT_EQ(information[1], "error code:  QSerialPort::DeviceNotFoundError");
 }
 
 TEST_F(SerialLinkTest, ReportsAPortThatAnotherPortHolds)
@@ -238,16 +238,16 @@ TEST_F(SerialLinkTest, GivesVideoWithoutALinkButSaysThatSomethingIsWrong)
 {
     m_tools.write("log", "");
     EXPECT_FALSE(m_camera.init());
-    EXPECT_EQ(1, m_camera.controlNumber());
-    ASSERT_EQ(1, m_camera.formatNumber());
+    EXPECT_EQ(m_camera.controlNumber(), 1);
+    ASSERT_EQ(m_camera.formatNumber(), 1);
     ASSERT_TRUE(m_camera.setCurrentImageFormat(0, 0, 0));
-    ASSERT_EQ(0, m_camera.setup(2));
-    ASSERT_EQ(0, m_camera.startCapture());
+    ASSERT_EQ(m_camera.setup(2), 0);
+    ASSERT_EQ(m_camera.startCapture(), 0);
     IFrame* const frame = m_camera.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
-    EXPECT_EQ(0, m_camera.releaseFrame(frame));
-    EXPECT_EQ(0, m_camera.stopCapture());
-    EXPECT_EQ(0, m_camera.cleanup());
+    EXPECT_EQ(m_camera.releaseFrame(frame), 0);
+    EXPECT_EQ(m_camera.stopCapture(), 0);
+    EXPECT_EQ(m_camera.cleanup(), 0);
 }
 
 TEST_F(SerialLinkTest, FailsToInitialiseWhenOneControlDoesNotAnswer)
@@ -256,8 +256,8 @@ TEST_F(SerialLinkTest, FailsToInitialiseWhenOneControlDoesNotAnswer)
     ReplyTimeout const patience(m_camera, ReplyTimeout::forBoth);
     EXPECT_FALSE(m_camera.init());
     EXPECT_TRUE(m_camera.serialPort().isOpen());
-    EXPECT_EQ(2, m_camera.controlNumber());
-    EXPECT_EQ(1, m_camera.formatNumber());
+    EXPECT_EQ(m_camera.controlNumber(), 2);
+    EXPECT_EQ(m_camera.formatNumber(), 1);
 }
 
 TEST_F(SerialLinkTest, OpensTheLinkBeforeTheNodeAndNeedsNoNodeForIt)
@@ -265,7 +265,7 @@ TEST_F(SerialLinkTest, OpensTheLinkBeforeTheNodeAndNeedsNoNodeForIt)
     m_video.unplug();
     EXPECT_TRUE(m_camera.init());
     EXPECT_TRUE(m_camera.serialPort().isOpen());
-    EXPECT_EQ(0, m_camera.controlNumber());
+    EXPECT_EQ(m_camera.controlNumber(), 0);
 }
 
 } // namespace

@@ -42,18 +42,18 @@ protected:
     }
     void expectNothingElse(std::vector<std::string> const& descriptors, int threads)
     {
-        EXPECT_EQ(descriptors, descriptorsButSockets());
+        EXPECT_EQ(descriptorsButSockets(), descriptors);
         EXPECT_TRUE(awaitThreadCount(threads));
-        EXPECT_EQ(0, childrenOfThisProcess());
+        EXPECT_EQ(childrenOfThisProcess(), 0);
         EXPECT_FALSE(std::filesystem::exists(m_tty.lockFile()));
         EXPECT_TRUE(m_video.accounting().nothingHeld());
-        EXPECT_EQ(2U, m_video.accounting().totalOpens);
+        EXPECT_EQ(m_video.accounting().totalOpens, 2U);
     }
     void expectNoRemains(bool linked)
     {
         std::vector<std::string> const descriptors = descriptorsButSockets();
         int const threads = threadCount();
-        EXPECT_EQ(linked, linkInALife());
+        EXPECT_EQ(linkInALife(), linked);
         expectNothingElse(descriptors, threads);
     }
 

@@ -30,16 +30,16 @@ protected:
     {
         for (int const milliseconds : {1000, 4000, 16000}) {
             Stopwatch const watch;
-            EXPECT_EQ("", run("tool", {}, milliseconds));
+            EXPECT_EQ(run("tool", {}, milliseconds), "");
             EXPECT_GE(watch.seconds(), milliseconds / 1000.0);
             EXPECT_LT(watch.seconds(), milliseconds / 1000.0 + 10);
             if (wordsIn(m_tools.read("pids")) == processes) {
                 break;
             }
         }
-        EXPECT_EQ(processes, wordsIn(m_tools.read("pids")));
+        EXPECT_EQ(wordsIn(m_tools.read("pids")), processes);
         EXPECT_TRUE(allEnd(m_tools.read("pids")));
-        EXPECT_EQ(0, childrenOfThisProcess());
+        EXPECT_EQ(childrenOfThisProcess(), 0);
     }
 
     ToolFolder m_tools;
@@ -48,72 +48,72 @@ protected:
 TEST_F(SystemToolTest, GivesWhatTheToolPrints)
 {
     m_tools.onPath("tool", "echo first; echo second");
-    EXPECT_EQ("first\nsecond\n", run("tool"));
+    EXPECT_EQ(run("tool"), "first\nsecond\n");
 }
 
 TEST_F(SystemToolTest, HandsArgumentsOnAsTheyAre)
 {
     m_tools.onPath("tool", "printf '<%s>' \"$@\"");
-    EXPECT_EQ("<a b><$HOME><>", run("tool", {"a b", "$HOME", ""}));
+    EXPECT_EQ(run("tool", {"a b", "$HOME", ""}), "<a b><$HOME><>");
 }
 
 TEST_F(SystemToolTest, LeavesOutWhatTheToolPrintsToStandardError)
 {
     m_tools.onPath("tool", "echo complaint >&2; echo answer");
-    EXPECT_EQ("answer\n", run("tool"));
+    EXPECT_EQ(run("tool"), "answer\n");
 }
 
 TEST_F(SystemToolTest, GivesTheOutputOfAToolThatFails)
 {
     m_tools.onPath("tool", "echo answer; exit 3");
-    EXPECT_EQ("answer\n", run("tool"));
+    EXPECT_EQ(run("tool"), "answer\n");
 }
 
 TEST_F(SystemToolTest, GivesTheOutputOfAToolThatASignalEnds)
 {
     m_tools.onPath("tool", "echo answer; kill -9 $$");
-    EXPECT_EQ("answer\n", run("tool"));
+    EXPECT_EQ(run("tool"), "answer\n");
 }
 
 TEST_F(SystemToolTest, GivesZeroBytesToo)
 {
     m_tools.onPath("tool", "printf 'a\\000b'");
-    EXPECT_EQ(std::string("a\0b", 3), run("tool"));
+    EXPECT_EQ(run("tool"), std::string("a\0b", 3));
 }
 
 TEST_F(SystemToolTest, GivesMegabytes)
 {
     m_tools.onPath("tool", "head -c 20000000 /dev/zero | tr '\\0' x");
     std::string const output = run("tool");
-    EXPECT_EQ(20000000U, output.size());
-    EXPECT_EQ(std::string::npos, output.find_first_not_of('x'));
+    EXPECT_EQ(output.size(), 20000000U);
+    EXPECT_EQ(output.find_first_not_of('x'), std::string::npos);
 }
 
 TEST_F(SystemToolTest, GivesNothingWithoutTheTool)
 {
-    EXPECT_EQ("", run("tool"));
-    EXPECT_EQ("", run("./tool"));
-    EXPECT_EQ(0, childrenOfThisProcess());
+    EXPECT_EQ(run("tool"), "");
+    EXPECT_EQ(run("./tool"), "");
+    EXPECT_EQ(childrenOfThisProcess(), 0);
 }
 
 TEST_F(SystemToolTest, GivesNothingOfAToolThatIsNoProgram)
 {
     m_tools.write("tool", "no program");
-    EXPECT_EQ("", run("./tool"));
+    EXPECT_EQ(run("./tool"), "");
 }
 
 TEST_F(SystemToolTest, LooksForAPlainNameOnThePathOnly)
 {
     m_tools.inWorkingDirectory("tool", "echo working directory");
-    EXPECT_EQ("", run("tool"));
+    EXPECT_EQ(run("tool"), "");
 }
 
 TEST_F(SystemToolTest, LooksForADottedNameInTheWorkingDirectoryOnly)
 {
     m_tools.onPath("tool", "echo path");
-    EXPECT_EQ("", run("./tool"));
+    EXPECT_EQ(run("./tool"), "");
     m_tools.inWorkingDirectory("tool", "echo working directory");
-    EXPECT_EQ("working directory\n", run("./tool"));
+    EXPECT_EQ(run("./tool"), "working directory\n");
 }
 
 TEST_F(SystemToolTest, EndsAToolThatDoesNotEndAndGivesNothing)
@@ -167,16 +167,16 @@ TEST_F(SystemToolTest, EndsAToolThatFloodsTheMemoryBeforeItsTimeIsUp)
 {
     m_tools.onPath("tool", "exec yes");
     Stopwatch const watch;
-    EXPECT_EQ("", run("tool", {}, 60000));
+    EXPECT_EQ(run("tool", {}, 60000), "");
     EXPECT_LT(watch.seconds(), 50);
-    EXPECT_EQ(0, childrenOfThisProcess());
+    EXPECT_EQ(childrenOfThisProcess(), 0);
 }
 
 TEST_F(SystemToolTest, DoesNotWaitForAChildThatHoldsTheOutputOfAToolThatEnded)
 {
     m_tools.onPath("tool", "echo answer; sleep 600 & echo $! >\"$WORK/pids\"");
     Stopwatch const watch;
-    EXPECT_EQ("answer\n", run("tool"));
+    EXPECT_EQ(run("tool"), "answer\n");
     EXPECT_LT(watch.seconds(), 25);
     kill(std::stoi(m_tools.read("pids")), SIGKILL);
 }
@@ -187,12 +187,12 @@ TEST_F(SystemToolTest, LeavesNoDescriptorAndNoThread)
     m_tools.onPath("hanging", "exec sleep 600");
     std::vector<std::string> const descriptors = descriptorsButSockets();
     int const threads = threadCount();
-    EXPECT_EQ("answer\n", run("tool"));
-    EXPECT_EQ("", run("missing"));
-    EXPECT_EQ("", run("hanging", {}, 300));
-    EXPECT_EQ(descriptors, descriptorsButSockets());
-    EXPECT_EQ(threads, threadCount());
-    EXPECT_EQ(0, childrenOfThisProcess());
+    EXPECT_EQ(run("tool"), "answer\n");
+    EXPECT_EQ(run("missing"), "");
+    EXPECT_EQ(run("hanging", {}, 300), "");
+    EXPECT_EQ(descriptorsButSockets(), descriptors);
+    EXPECT_EQ(threadCount(), threads);
+    EXPECT_EQ(childrenOfThisProcess(), 0);
 }
 
 } // namespace

@@ -18,10 +18,10 @@ std::string portIn(std::string const& log, char const* busInfo = bus)
 
 TEST(TtyFinder, MakesThePatternOfTheLastPartOfTheBusText)
 {
-    EXPECT_EQ("cdc_acm\\s(?<bus>[\\d\\.:]+-2\\.3):1\\.5:\\s(?<port>ttyACM\\d)",
-              ttyPattern(bus).toStdString());
-    EXPECT_EQ("cdc_acm\\s(?<bus>[\\d\\.:]+-1\\.4\\.2):1\\.5:\\s(?<port>ttyACM\\d)",
-              ttyPattern("usb-xhci-hcd.0.auto-1.4.2").toStdString());
+    EXPECT_EQ(ttyPattern(bus).toStdString(),
+              "cdc_acm\\s(?<bus>[\\d\\.:]+-2\\.3):1\\.5:\\s(?<port>ttyACM\\d)");
+    EXPECT_EQ(ttyPattern("usb-xhci-hcd.0.auto-1.4.2").toStdString(),
+              "cdc_acm\\s(?<bus>[\\d\\.:]+-1\\.4\\.2):1\\.5:\\s(?<port>ttyACM\\d)");
 }
 
 TEST(TtyFinder, TakesABusTextWithoutDashWholeAndANullOneAsEmpty)
@@ -36,50 +36,51 @@ TEST(TtyFinder, TakesABusTextWithoutDashWholeAndANullOneAsEmpty)
 TEST(TtyFinder, FindsTheTtyAndTheUsbPath)
 {
     auto const found = findTty("[    5.0] cdc_acm 1-2.3:1.5: ttyACM0: USB ACM device\n", bus);
-    EXPECT_EQ("1-2.3", found.bus.toStdString());
-    EXPECT_EQ("ttyACM0", found.port.toStdString());
+    EXPECT_EQ(found.bus.toStdString(), "1-2.3");
+    EXPECT_EQ(found.port.toStdString(), "ttyACM0");
 }
 
 TEST(TtyFinder, GivesTheLastOfSeveralAnnouncements)
 {
-    EXPECT_EQ("ttyACM1", portIn("[ 5.0] cdc_acm 1-2.3:1.5: ttyACM0: USB ACM device\n"
-                                "[ 7.0] usb 1-2.3: USB disconnect, device number 4\n"
-                                "[ 9.0] cdc_acm 1-2.3:1.5: ttyACM1: USB ACM device\n"
-                                "[ 9.1] cdc_acm 1-4:1.5: ttyACM2: USB ACM device\n"));
+    EXPECT_EQ(portIn("[ 5.0] cdc_acm 1-2.3:1.5: ttyACM0: USB ACM device\n"
+                     "[ 7.0] usb 1-2.3: USB disconnect, device number 4\n"
+                     "[ 9.0] cdc_acm 1-2.3:1.5: ttyACM1: USB ACM device\n"
+                     "[ 9.1] cdc_acm 1-4:1.5: ttyACM2: USB ACM device\n"),
+              "ttyACM1");
 }
 
 TEST(TtyFinder, PassesOverOtherInterfacesAndPorts)
 {
-    EXPECT_EQ("", portIn("cdc_acm 1-2.3:1.4: ttyACM0: USB ACM device"));
-    EXPECT_EQ("", portIn("cdc_acm 1-2.3:2.5: ttyACM0: USB ACM device"));
-    EXPECT_EQ("", portIn("cdc_acm 1-2.4:1.5: ttyACM0: USB ACM device"));
-    EXPECT_EQ("", portIn("cdc_acm 1-2.3.1:1.5: ttyACM0: USB ACM device"));
-    EXPECT_EQ("", portIn("cdc_acm 1-1.2.3:1.5: ttyACM0: USB ACM device"));
-    EXPECT_EQ("", portIn("cdc_acm 1-12.3:1.5: ttyACM0: USB ACM device"));
-    EXPECT_EQ("", portIn("cdc_ether 1-2.3:1.5: ttyACM0: USB ACM device"));
+    EXPECT_EQ(portIn("cdc_acm 1-2.3:1.4: ttyACM0: USB ACM device"), "");
+    EXPECT_EQ(portIn("cdc_acm 1-2.3:2.5: ttyACM0: USB ACM device"), "");
+    EXPECT_EQ(portIn("cdc_acm 1-2.4:1.5: ttyACM0: USB ACM device"), "");
+    EXPECT_EQ(portIn("cdc_acm 1-2.3.1:1.5: ttyACM0: USB ACM device"), "");
+    EXPECT_EQ(portIn("cdc_acm 1-1.2.3:1.5: ttyACM0: USB ACM device"), "");
+    EXPECT_EQ(portIn("cdc_acm 1-12.3:1.5: ttyACM0: USB ACM device"), "");
+    EXPECT_EQ(portIn("cdc_ether 1-2.3:1.5: ttyACM0: USB ACM device"), "");
 }
 
 TEST(TtyFinder, TakesADotOfThePortPathForADotOnly)
 {
-    EXPECT_EQ("", portIn("cdc_acm 1-2x3:1.5: ttyACM0: USB ACM device"));
-    EXPECT_EQ("", portIn("cdc_acm 1-213:1.5: ttyACM0: USB ACM device"));
+    EXPECT_EQ(portIn("cdc_acm 1-2x3:1.5: ttyACM0: USB ACM device"), "");
+    EXPECT_EQ(portIn("cdc_acm 1-213:1.5: ttyACM0: USB ACM device"), "");
 }
 
 // The bus text does not say which controller it is, so both look alike.
 TEST(TtyFinder, TakesTheSamePortPathOnAnotherController)
 {
-    EXPECT_EQ("ttyACM4", portIn("cdc_acm 7-2.3:1.5: ttyACM4: USB ACM device"));
+    EXPECT_EQ(portIn("cdc_acm 7-2.3:1.5: ttyACM4: USB ACM device"), "ttyACM4");
 }
 
 TEST(TtyFinder, TakesOneDigitOfTheNumberOnly)
 {
-    EXPECT_EQ("ttyACM1", portIn("cdc_acm 1-2.3:1.5: ttyACM12: USB ACM device"));
-    EXPECT_EQ("", portIn("cdc_acm 1-2.3:1.5: ttyACM: USB ACM device"));
+    EXPECT_EQ(portIn("cdc_acm 1-2.3:1.5: ttyACM12: USB ACM device"), "ttyACM1");
+    EXPECT_EQ(portIn("cdc_acm 1-2.3:1.5: ttyACM: USB ACM device"), "");
 }
 
 TEST(TtyFinder, IgnoresTheCaseOfLetters)
 {
-    EXPECT_EQ("TTYACM0", portIn("CDC_ACM 1-2.3:1.5: TTYACM0: USB ACM DEVICE"));
+    EXPECT_EQ(portIn("CDC_ACM 1-2.3:1.5: TTYACM0: USB ACM DEVICE"), "TTYACM0");
 }
 
 TEST(TtyFinder, FindsNothingInAnEmptyLog)
@@ -91,7 +92,7 @@ TEST(TtyFinder, FindsNothingInAnEmptyLog)
 
 TEST(TtyFinder, FindsNothingForABusTextThatIsNoPattern)
 {
-    EXPECT_EQ("", portIn("cdc_acm 1-2.3:1.5: ttyACM0: USB ACM device", "usb-(["));
+    EXPECT_EQ(portIn("cdc_acm 1-2.3:1.5: ttyACM0: USB ACM device", "usb-(["), "");
 }
 
 TEST(TtyFinder, FindsALineBehindMegabytesOfLog)
@@ -100,8 +101,8 @@ TEST(TtyFinder, FindsALineBehindMegabytesOfLog)
     while (log.size() < 8 * 1024 * 1024) {
         log += "[ 1.0] cdc_acm 1-2.4:1.5: ttyACM0: USB ACM device and 1.2.3:4.5-6.7 of all sorts\n";
     }
-    EXPECT_EQ("", portIn(log));
-    EXPECT_EQ("ttyACM3", portIn(log + "[ 2.0] cdc_acm 1-2.3:1.5: ttyACM3: USB ACM device\n"));
+    EXPECT_EQ(portIn(log), "");
+    EXPECT_EQ(portIn(log + "[ 2.0] cdc_acm 1-2.3:1.5: ttyACM3: USB ACM device\n"), "ttyACM3");
 }
 
 } // namespace

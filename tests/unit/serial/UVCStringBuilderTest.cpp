@@ -21,12 +21,12 @@ QByteArray replyWith(char const* data)
 
 TEST(UVCStringBuilder, KnowsTheLengthsOfTheFormat)
 {
-    EXPECT_EQ(8, int(UVCStringBuilder::__baseRequestLength));
-    EXPECT_EQ(8, int(UVCStringBuilder::__maxLength));
-    EXPECT_EQ(4, int(UVCStringBuilder::__CIDLength));
-    EXPECT_EQ(4, int(UVCStringBuilder::__unitLength));
-    EXPECT_EQ(2, int(UVCStringBuilder::__lengthRequestLength));
-    EXPECT_EQ(1, int(UVCStringBuilder::__infoRequestLength));
+    EXPECT_EQ(int(UVCStringBuilder::__baseRequestLength), 8);
+    EXPECT_EQ(int(UVCStringBuilder::__maxLength), 8);
+    EXPECT_EQ(int(UVCStringBuilder::__CIDLength), 4);
+    EXPECT_EQ(int(UVCStringBuilder::__unitLength), 4);
+    EXPECT_EQ(int(UVCStringBuilder::__lengthRequestLength), 2);
+    EXPECT_EQ(int(UVCStringBuilder::__infoRequestLength), 1);
 }
 
 TEST(UVCStringBuilder, MapsFourteenV4l2ControlsToTheirSelectors)
@@ -35,31 +35,31 @@ TEST(UVCStringBuilder, MapsFourteenV4l2ControlsToTheirSelectors)
         {0x009A090C, 8},  {0x009A090A, 6},  {0x00980900, 2}, {0x00980901, 3}, {0x00980913, 4},
         {0x00980903, 6},  {0x00980919, 16}, {0x00980902, 7}, {0x0098091B, 8}, {0x00980910, 9},
         {0x0098091A, 10}, {0x0098090C, 11}, {0x009A0901, 2}, {0x009A0902, 4}};
-    EXPECT_EQ(expected, UVCStringBuilder::__idMap);
+    EXPECT_EQ(UVCStringBuilder::__idMap, expected);
 }
 
 TEST(UVCStringBuilder, StartsEachKindOfRequestWithItsTypeAndCode)
 {
-    EXPECT_EQ("2101", UVCStringBuilder::buildSetString());
-    EXPECT_EQ("A181", UVCStringBuilder::buildGetString());
-    EXPECT_EQ("A182", UVCStringBuilder::buildMinString());
-    EXPECT_EQ("A183", UVCStringBuilder::buildMaxString());
-    EXPECT_EQ("A185", UVCStringBuilder::buildLengthString());
-    EXPECT_EQ("A186", UVCStringBuilder::buildInfoString());
-    EXPECT_EQ("A187", UVCStringBuilder::buildDefaultValueString());
+    EXPECT_EQ(UVCStringBuilder::buildSetString(), "2101");
+    EXPECT_EQ(UVCStringBuilder::buildGetString(), "A181");
+    EXPECT_EQ(UVCStringBuilder::buildMinString(), "A182");
+    EXPECT_EQ(UVCStringBuilder::buildMaxString(), "A183");
+    EXPECT_EQ(UVCStringBuilder::buildLengthString(), "A185");
+    EXPECT_EQ(UVCStringBuilder::buildInfoString(), "A186");
+    EXPECT_EQ(UVCStringBuilder::buildDefaultValueString(), "A187");
 }
 
 TEST(UVCStringBuilder, WritesSelectorAndUnitAsFourLowerCaseDigits)
 {
-    EXPECT_EQ("001a", UVCStringBuilder::buildCIDString(0x1A));
-    EXPECT_EQ("0006", UVCStringBuilder::buildCIDString(6));
-    EXPECT_EQ("0003", UVCStringBuilder::buildUnitString(3));
-    EXPECT_EQ("abcd", UVCStringBuilder::buildUnitString(0xABCD));
+    EXPECT_EQ(UVCStringBuilder::buildCIDString(0x1A), "001a");
+    EXPECT_EQ(UVCStringBuilder::buildCIDString(6), "0006");
+    EXPECT_EQ(UVCStringBuilder::buildUnitString(3), "0003");
+    EXPECT_EQ(UVCStringBuilder::buildUnitString(0xABCD), "abcd");
 }
 
 TEST(UVCStringBuilder, GivesMoreDigitsToNumbersAboveSixteenBits)
 {
-    EXPECT_EQ("10000", UVCStringBuilder::buildCIDString(0x10000));
+    EXPECT_EQ(UVCStringBuilder::buildCIDString(0x10000), "10000");
     QByteArray request;
     ASSERT_TRUE(UVCStringBuilder::buildGetRequest(0x123456, 1, 1, request));
     EXPECT_EQ(bytes("a18112345600010100"), request);
@@ -77,13 +77,13 @@ TEST(UVCStringBuilder, WritesDataLowestByteFirst)
     EXPECT_EQ(bytes("88"), UVCStringBuilder::buildDataString(0x1122334455667788, 1));
     EXPECT_EQ(bytes("887766"), UVCStringBuilder::buildDataString(0x1122334455667788, 3));
     EXPECT_EQ(bytes("8877665544332211"), UVCStringBuilder::buildDataString(0x1122334455667788, 8));
-    EXPECT_EQ(QByteArray(), UVCStringBuilder::buildDataString(0x1122334455667788, 0));
+    EXPECT_EQ(UVCStringBuilder::buildDataString(0x1122334455667788, 0), QByteArray());
 }
 
 TEST(UVCStringBuilder, WritesNoDataBeyondTheValue)
 {
     EXPECT_EQ(bytes("8877665544332211"), UVCStringBuilder::buildDataString(0x1122334455667788, 9));
-    EXPECT_EQ(QByteArray(), UVCStringBuilder::buildDataString(1, -1));
+    EXPECT_EQ(UVCStringBuilder::buildDataString(1, -1), QByteArray());
 }
 
 TEST(UVCStringBuilder, BuildsEachReadRequestFromEightBytes)
@@ -128,27 +128,27 @@ TEST(UVCStringBuilder, ReplacesWhatTheRequestHeld)
 
 TEST(UVCStringBuilder, ExtendsTheSignOfOneAndTwoBytesOnly)
 {
-    EXPECT_EQ(-1, UVCStringBuilder::extractValueFromData(replyWith("ff"), 1, 0));
-    EXPECT_EQ(-1, UVCStringBuilder::extractValueFromData(replyWith("ffff"), 2, 0));
-    EXPECT_EQ(0xffffff, UVCStringBuilder::extractValueFromData(replyWith("ffffff"), 3, 0));
-    EXPECT_EQ(4294967295, UVCStringBuilder::extractValueFromData(replyWith("ffffffff"), 4, 0));
-    EXPECT_EQ(-1, UVCStringBuilder::extractValueFromData(replyWith("ffffffffffffffff"), 8, 0));
-    EXPECT_EQ(127, UVCStringBuilder::extractValueFromData(replyWith("7f"), 1, 0));
-    EXPECT_EQ(32767, UVCStringBuilder::extractValueFromData(replyWith("ff7f"), 2, 0));
-    EXPECT_EQ(-32768, UVCStringBuilder::extractValueFromData(replyWith("0080"), 2, 0));
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("ff"), 1, 0), -1);
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("ffff"), 2, 0), -1);
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("ffffff"), 3, 0), 0xffffff);
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("ffffffff"), 4, 0), 4294967295);
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("ffffffffffffffff"), 8, 0), -1);
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("7f"), 1, 0), 127);
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("ff7f"), 2, 0), 32767);
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("0080"), 2, 0), -32768);
 }
 
 TEST(UVCStringBuilder, CountsTheOffsetFromTheFirstDataByte)
 {
     QByteArray const reply = replyWith("0100020003000400");
-    EXPECT_EQ(2, UVCStringBuilder::extractValueFromData(reply, 2, 2));
-    EXPECT_EQ(4, UVCStringBuilder::extractValueFromData(reply, 2, 6));
-    EXPECT_EQ(0x0300020001, UVCStringBuilder::extractValueFromData(reply, 5, 0));
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(reply, 2, 2), 2);
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(reply, 2, 6), 4);
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(reply, 5, 0), 0x0300020001);
 }
 
 TEST(UVCStringBuilder, GivesZeroForAnEmptyField)
 {
-    EXPECT_EQ(0, UVCStringBuilder::extractValueFromData(replyWith("ff"), 0, 0));
+    EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("ff"), 0, 0), 0);
 }
 
 TEST(UVCStringBuilderDeathTest, EndsTheProcessForAFieldOfMoreThanEightBytes)
@@ -161,26 +161,26 @@ TEST(UVCStringBuilderDeathTest, EndsTheProcessForAFieldOfMoreThanEightBytes)
 
 TEST(UVCStringBuilder, PutsAFieldIntoAValueAndLeavesTheRest)
 {
-    EXPECT_EQ(0x1111222200554444U,
-              UVCStringBuilder::buildSharedValue(0x1111222233334444, 0x55, 2, 2));
-    EXPECT_EQ(0xFFFF222233334444U,
-              UVCStringBuilder::buildSharedValue(0x1111222233334444, -1, 2, 6));
-    EXPECT_EQ(0x11112222333344AAU,
-              UVCStringBuilder::buildSharedValue(0x1111222233334444, 0xAA, 1, 0));
-    EXPECT_EQ(0xFFFFFFFFFFFFFFFEU,
-              UVCStringBuilder::buildSharedValue(0x1111222233334444, -2, 8, 0));
-    EXPECT_EQ(0x1111222233334444U,
-              UVCStringBuilder::buildSharedValue(0x1111222233334444, 0x55, 0, 3));
+    EXPECT_EQ(UVCStringBuilder::buildSharedValue(0x1111222233334444, 0x55, 2, 2),
+              0x1111222200554444U);
+    EXPECT_EQ(UVCStringBuilder::buildSharedValue(0x1111222233334444, -1, 2, 6),
+              0xFFFF222233334444U);
+    EXPECT_EQ(UVCStringBuilder::buildSharedValue(0x1111222233334444, 0xAA, 1, 0),
+              0x11112222333344AAU);
+    EXPECT_EQ(UVCStringBuilder::buildSharedValue(0x1111222233334444, -2, 8, 0),
+              0xFFFFFFFFFFFFFFFEU);
+    EXPECT_EQ(UVCStringBuilder::buildSharedValue(0x1111222233334444, 0x55, 0, 3),
+              0x1111222233334444U);
 }
 
 TEST(UVCStringBuilder, DropsTheBytesOfAFieldThatLieBeyondTheValue)
 {
-    EXPECT_EQ(0xBB11222233334444U,
-              UVCStringBuilder::buildSharedValue(0x1111222233334444, 0xAABB, 2, 7));
-    EXPECT_EQ(0x11112222333344AAU,
-              UVCStringBuilder::buildSharedValue(0x1111222233334444, 0xAABB, 2, -1));
-    EXPECT_EQ(0x1111222233334444U,
-              UVCStringBuilder::buildSharedValue(0x1111222233334444, 0xAABB, 2, 100));
+    EXPECT_EQ(UVCStringBuilder::buildSharedValue(0x1111222233334444, 0xAABB, 2, 7),
+              0xBB11222233334444U);
+    EXPECT_EQ(UVCStringBuilder::buildSharedValue(0x1111222233334444, 0xAABB, 2, -1),
+              0x11112222333344AAU);
+    EXPECT_EQ(UVCStringBuilder::buildSharedValue(0x1111222233334444, 0xAABB, 2, 100),
+              0x1111222233334444U);
 }
 
 } // namespace

@@ -24,11 +24,11 @@ protected:
 
 TEST_F(ZorvaneCameraControlTest, TellsWhatItWasMadeOf)
 {
-    EXPECT_EQ(20U, m_large.id());
-    EXPECT_EQ(ICameraControl::Boolean, m_large.type());
-    EXPECT_EQ(ICameraControl::Focus, m_large.family());
-    EXPECT_STREQ("Large", m_large.name());
-    EXPECT_STREQ("Boolean", m_large.typeString());
+    EXPECT_EQ(m_large.id(), 20U);
+    EXPECT_EQ(m_large.type(), ICameraControl::Boolean);
+    EXPECT_EQ(m_large.family(), ICameraControl::Focus);
+    EXPECT_STREQ(m_large.name(), "Large");
+    EXPECT_STREQ(m_large.typeString(), "Boolean");
     EXPECT_STREQ(ICameraControl::familyString(ICameraControl::Focus), m_large.familyString());
 }
 
@@ -37,8 +37,8 @@ TEST_F(ZorvaneCameraControlTest, CopiesItsName)
     char name[] = "Before";
     ZorvaneCameraControlBoolean const control(&m_camera, name, 1, 3, family);
     std::strcpy(name, "After");
-    EXPECT_STREQ("Before", control.name());
-    EXPECT_STREQ("", ZorvaneCameraControlBoolean(&m_camera, nullptr, 1, 3, family).name());
+    EXPECT_STREQ(control.name(), "Before");
+    EXPECT_STREQ(ZorvaneCameraControlBoolean(&m_camera, nullptr, 1, 3, family).name(), "");
 }
 
 TEST_F(ZorvaneCameraControlTest, HasNoFlagsBeforeItAsked)
@@ -46,7 +46,7 @@ TEST_F(ZorvaneCameraControlTest, HasNoFlagsBeforeItAsked)
     EXPECT_FALSE(m_small.isReadOnly());
     EXPECT_FALSE(m_small.isWriteOnly());
     EXPECT_TRUE(m_small.needsClassUpdate());
-    EXPECT_EQ(0, m_small.dataLength());
+    EXPECT_EQ(m_small.dataLength(), 0);
 }
 
 TEST_F(ZorvaneCameraControlTest, ReadsItsFlagsOutOfTheInfoByte)
@@ -68,9 +68,9 @@ TEST_F(ZorvaneCameraControlTest, ReadsItsFlagsOutOfTheInfoByte)
         SCOPED_TRACE(int(expected.info));
         m_firmware.setInfo(unit, oneByte, expected.info);
         ASSERT_TRUE(m_small.updateState());
-        EXPECT_EQ(expected.readOnly, m_small.isReadOnly());
-        EXPECT_EQ(expected.writeOnly, m_small.isWriteOnly());
-        EXPECT_EQ(expected.needsClassUpdate, m_small.needsClassUpdate());
+        EXPECT_EQ(m_small.isReadOnly(), expected.readOnly);
+        EXPECT_EQ(m_small.isWriteOnly(), expected.writeOnly);
+        EXPECT_EQ(m_small.needsClassUpdate(), expected.needsClassUpdate);
         EXPECT_FALSE(m_small.isDisabled() || m_small.isGrabbed() || m_small.isInactive() ||
                      m_small.bestAsSlider() || m_small.isVolatile());
         EXPECT_TRUE(m_small.hasPayload() && m_small.executesOnWrite());
@@ -82,10 +82,9 @@ TEST_F(ZorvaneCameraControlTest, AsksLengthAndFlagsInInitAndPausesAfterEach)
     Stopwatch const watch;
     EXPECT_TRUE(m_wide.init());
     EXPECT_GE(watch.seconds(), 0.1);
-    EXPECT_EQ(2, m_wide.dataLength());
-    EXPECT_EQ(
-        (std::vector<SerialBytes>{{0xa1, 0x85, 0, 2, 0, 3, 2, 0}, {0xa1, 0x86, 0, 2, 0, 3, 1, 0}}),
-        m_firmware.packetBytes());
+    EXPECT_EQ(m_wide.dataLength(), 2);
+    EXPECT_EQ(m_firmware.packetBytes(), (std::vector<SerialBytes>{{0xa1, 0x85, 0, 2, 0, 3, 2, 0},
+                                                                  {0xa1, 0x86, 0, 2, 0, 3, 1, 0}}));
 }
 
 TEST_F(ZorvaneCameraControlTest, AsksForFlagsAlsoWithoutALength)
@@ -93,7 +92,7 @@ TEST_F(ZorvaneCameraControlTest, AsksForFlagsAlsoWithoutALength)
     silence(GetLen);
     m_firmware.setInfo(unit, oneByte, 0x01);
     EXPECT_FALSE(m_small.init());
-    EXPECT_EQ((std::vector<int>{0x85, 0x85, 0x85, 0x85, 0x85, 0x86}), codes());
+    EXPECT_EQ(codes(), (std::vector<int>{0x85, 0x85, 0x85, 0x85, 0x85, 0x86}));
     EXPECT_TRUE(m_small.isReadOnly());
 }
 
@@ -101,7 +100,7 @@ TEST_F(ZorvaneCameraControlTest, KeepsTheLengthWhenTheFlagsFail)
 {
     silence(GetInfo);
     EXPECT_FALSE(m_wide.init());
-    EXPECT_EQ(2, m_wide.dataLength());
+    EXPECT_EQ(m_wide.dataLength(), 2);
 }
 
 TEST_F(ZorvaneCameraControlTest, UpdatesItsFlagsAndTellsWhetherThatWorked)
@@ -122,8 +121,8 @@ TEST_F(ZorvaneCameraControlTest, ReadsTheWholeControl)
     ASSERT_TRUE(m_wide.initControlLength());
     long long value = 0;
     EXPECT_TRUE(m_wide.getControlValue(value));
-    EXPECT_EQ(-2, value);
-    EXPECT_EQ((SerialBytes{0xa1, 0x81, 0, 2, 0, 3, 2, 0}), lastPacket());
+    EXPECT_EQ(value, -2);
+    EXPECT_EQ(lastPacket(), (SerialBytes{0xa1, 0x81, 0, 2, 0, 3, 2, 0}));
 }
 
 TEST_F(ZorvaneCameraControlTest, GivesTheValueLastWrittenWhenTheReadingFails)
@@ -132,10 +131,10 @@ TEST_F(ZorvaneCameraControlTest, GivesTheValueLastWrittenWhenTheReadingFails)
     silence(GetCur, 10);
     long long value = 99;
     EXPECT_FALSE(m_wide.getControlValue(value));
-    EXPECT_EQ(-1, value);
+    EXPECT_EQ(value, -1);
     EXPECT_TRUE(m_wide.setControlValue(-300));
     EXPECT_FALSE(m_wide.getControlValue(value));
-    EXPECT_EQ(-300, value);
+    EXPECT_EQ(value, -300);
 }
 
 TEST_F(ZorvaneCameraControlTest, DoesNotTakeAValueReadForTheValueLastWritten)
@@ -145,10 +144,10 @@ TEST_F(ZorvaneCameraControlTest, DoesNotTakeAValueReadForTheValueLastWritten)
     m_firmware.setData(unit, twoBytes, {9, 0});
     long long value = 0;
     EXPECT_TRUE(m_wide.getControlValue(value));
-    EXPECT_EQ(9, value);
+    EXPECT_EQ(value, 9);
     m_firmware.unplug();
     EXPECT_FALSE(m_wide.getControlValue(value));
-    EXPECT_EQ(4, value);
+    EXPECT_EQ(value, 4);
 }
 
 TEST_F(ZorvaneCameraControlTest, KeepsAValueThatAnUnpluggedCameraDidNotTake)
@@ -158,15 +157,15 @@ TEST_F(ZorvaneCameraControlTest, KeepsAValueThatAnUnpluggedCameraDidNotTake)
     EXPECT_FALSE(m_wide.setControlValue(5));
     long long value = 0;
     EXPECT_FALSE(m_wide.getControlValue(value));
-    EXPECT_EQ(5, value);
+    EXPECT_EQ(value, 5);
 }
 
 TEST_F(ZorvaneCameraControlTest, WritesWithTheSignExtended)
 {
     ASSERT_TRUE(m_large.initControlLength());
     EXPECT_TRUE(m_large.setControlValue(-2));
-    EXPECT_EQ((SerialBytes{0x21, 1, 0, 20, 0, 3, 8, 0, 0xfe, 255, 255, 255, 255, 255, 255, 255}),
-              lastPacket());
+    EXPECT_EQ(lastPacket(),
+              (SerialBytes{0x21, 1, 0, 20, 0, 3, 8, 0, 0xfe, 255, 255, 255, 255, 255, 255, 255}));
 }
 
 TEST_F(ZorvaneCameraControlTest, ReadsAnyFieldOfAControl)
@@ -174,9 +173,9 @@ TEST_F(ZorvaneCameraControlTest, ReadsAnyFieldOfAControl)
     ASSERT_TRUE(m_large.initControlLength());
     long long value = 0;
     EXPECT_TRUE(m_large.getSharedControlValue(value, 6, 2));
-    EXPECT_EQ(4, value);
+    EXPECT_EQ(value, 4);
     EXPECT_TRUE(m_large.getSharedControlValue(value, 2, 4));
-    EXPECT_EQ(0x00030002, value);
+    EXPECT_EQ(value, 0x00030002);
 }
 
 TEST_F(ZorvaneCameraControlTest, LeavesTheResultWhenAFieldCannotBeRead)
@@ -185,7 +184,7 @@ TEST_F(ZorvaneCameraControlTest, LeavesTheResultWhenAFieldCannotBeRead)
     silence(GetCur);
     long long value = 99;
     EXPECT_FALSE(m_large.getSharedControlValue(value, 6, 2));
-    EXPECT_EQ(99, value);
+    EXPECT_EQ(value, 99);
 }
 
 TEST_F(ZorvaneCameraControlTest, WritesAFieldBetweenItsNeighboursAfterAPause)
@@ -195,10 +194,9 @@ TEST_F(ZorvaneCameraControlTest, WritesAFieldBetweenItsNeighboursAfterAPause)
     Stopwatch const watch;
     EXPECT_TRUE(m_large.setSharedControlValue(0x1234, 2, 2));
     EXPECT_GE(watch.seconds(), 0.05);
-    EXPECT_EQ(
-        (std::vector<SerialBytes>{{0xa1, 0x81, 0, 20, 0, 3, 8, 0},
-                                  {0x21, 0x01, 0, 20, 0, 3, 8, 0, 1, 0, 0x34, 0x12, 3, 0, 4, 0}}),
-        m_firmware.packetBytes());
+    EXPECT_EQ(m_firmware.packetBytes(), (std::vector<SerialBytes>{{0xa1, 0x81, 0, 20, 0, 3, 8, 0},
+                                                                  {0x21, 0x01, 0, 20, 0, 3, 8, 0, 1,
+                                                                   0, 0x34, 0x12, 3, 0, 4, 0}}));
 }
 
 TEST_F(ZorvaneCameraControlTest, WritesNoFieldWithoutKnowingItsNeighbours)
@@ -207,7 +205,7 @@ TEST_F(ZorvaneCameraControlTest, WritesNoFieldWithoutKnowingItsNeighbours)
     m_firmware.clearPackets();
     silence(GetCur);
     EXPECT_FALSE(m_large.setSharedControlValue(5, 2, 2));
-    EXPECT_EQ((std::vector<int>(5, 0x81)), codes());
+    EXPECT_EQ(codes(), (std::vector<int>(5, 0x81)));
 }
 
 TEST_F(ZorvaneCameraControlTest, GivesTheLimitsOfItsField)
@@ -216,13 +214,13 @@ TEST_F(ZorvaneCameraControlTest, GivesTheLimitsOfItsField)
     ASSERT_TRUE(m_large.initControlLength());
     int limit = 99;
     EXPECT_TRUE(m_large.getMaximum(limit));
-    EXPECT_EQ(0x0200, limit);
+    EXPECT_EQ(limit, 0x0200);
     EXPECT_TRUE(m_large.getMinimum(limit));
-    EXPECT_EQ(0, limit);
+    EXPECT_EQ(limit, 0);
     silence(GetMax);
     limit = 99;
     EXPECT_FALSE(m_large.getMaximum(limit));
-    EXPECT_EQ(99, limit);
+    EXPECT_EQ(limit, 99);
 }
 
 TEST_F(ZorvaneCameraControlTest, TakesTheDefaultValueForTheCurrentOneWhenSomebodyAsksForIt)
@@ -230,11 +228,11 @@ TEST_F(ZorvaneCameraControlTest, TakesTheDefaultValueForTheCurrentOneWhenSomebod
     m_large.setShared(4, 2);
     ASSERT_TRUE(m_large.initControlLength());
     EXPECT_TRUE(m_large.initDefaultValue());
-    EXPECT_EQ((SerialBytes{0xa1, 0x87, 0, 20, 0, 3, 8, 0}), lastPacket());
+    EXPECT_EQ(lastPacket(), (SerialBytes{0xa1, 0x87, 0, 20, 0, 3, 8, 0}));
     silence(GetCur);
     long long value = 0;
     EXPECT_FALSE(m_large.getControlValue(value));
-    EXPECT_EQ(3, value);
+    EXPECT_EQ(value, 3);
 }
 
 /// What a camera says of the size of its data, when that is nonsense.
@@ -253,10 +251,10 @@ protected:
         EXPECT_FALSE(control.getMinimum(limit));
         EXPECT_FALSE(control.getMaximum(limit));
         EXPECT_FALSE(control.getSharedControlValue(value, 0, 1));
-        EXPECT_EQ(77, value);
-        EXPECT_EQ(77, limit);
+        EXPECT_EQ(value, 77);
+        EXPECT_EQ(limit, 77);
         EXPECT_FALSE(control.getControlValue(value));
-        EXPECT_EQ(-1, value);
+        EXPECT_EQ(value, -1);
         EXPECT_FALSE(control.setSharedControlValue(1, 0, 1));
         EXPECT_FALSE(control.setControlValue(1));
         EXPECT_TRUE(m_firmware.packets().empty());
@@ -269,7 +267,7 @@ TEST_F(AbsurdLengthTest, AboveEightBytesIsTakenButEndsEveryLaterExchange)
         ZorvaneCameraControlBoolean control(&m_camera, "Control", oneByte, unit, family);
         m_firmware.claimLength(unit, oneByte, static_cast<std::uint16_t>(length));
         EXPECT_TRUE(control.initControlLength());
-        EXPECT_EQ(length, control.dataLength());
+        EXPECT_EQ(control.dataLength(), length);
         expectNoExchange(control);
     }
     EXPECT_FALSE(m_small.init());
@@ -299,7 +297,7 @@ TEST_F(AbsurdLengthTest, MayBeExactlyTheEndOfTheField)
     m_wide.setShared(1, 1);
     EXPECT_TRUE(m_wide.init());
     EXPECT_TRUE(m_wide.setValue(true));
-    EXPECT_EQ((SerialBytes{0xfe, 1}), m_firmware.data(unit, twoBytes));
+    EXPECT_EQ(m_firmware.data(unit, twoBytes), (SerialBytes{0xfe, 1}));
 }
 
 TEST_F(AbsurdLengthTest, DoesNotHelpAFieldWithImpossibleBounds)
@@ -316,11 +314,11 @@ TEST_F(AbsurdLengthTest, OfZeroReadsAsZero)
 {
     m_firmware.claimLength(unit, oneByte, 0);
     EXPECT_TRUE(m_small.init());
-    EXPECT_EQ(0, m_small.dataLength());
+    EXPECT_EQ(m_small.dataLength(), 0);
     long long value = 77;
     EXPECT_TRUE(m_small.getControlValue(value));
-    EXPECT_EQ(0, value);
-    EXPECT_EQ((SerialBytes{0xa1, 0x81, 0, 1, 0, 3, 0, 0}), lastPacket());
+    EXPECT_EQ(value, 0);
+    EXPECT_EQ(lastPacket(), (SerialBytes{0xa1, 0x81, 0, 1, 0, 3, 0, 0}));
 }
 
 TEST(ZorvaneCameraControl, FailsWithoutALink)

@@ -35,9 +35,9 @@ protected:
     }
     void TearDown() override
     {
-        EXPECT_EQ(0, UdevHook::monitors()) << "a monitor was left";
-        EXPECT_EQ(0, UdevHook::devices()) << "a device was left";
-        EXPECT_EQ(_descriptors, pipesAndSockets()) << "a descriptor was left";
+        EXPECT_EQ(UdevHook::monitors(), 0) << "a monitor was left";
+        EXPECT_EQ(UdevHook::devices(), 0) << "a device was left";
+        EXPECT_EQ(pipesAndSockets(), _descriptors) << "a descriptor was left";
     }
 
     VirtualCamera::Testbed machine;

@@ -171,7 +171,7 @@ TEST_P(PixelFormat, IsConverted)
     run = runIacq({"capture", "0", "-o", folder.path("a.png")}, red);
     EXPECT_EQ(run.status, 0) << run.errors;
     std::vector<unsigned char> const decoded = readPng(folder.read("a.png")).pixels;
-    EXPECT_EQ(std::string(decoded.begin(), decoded.end()), pixels);
+    EXPECT_EQ(pixels, std::string(decoded.begin(), decoded.end()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, PixelFormat,
