@@ -13,6 +13,9 @@ namespace
 
 constexpr int headerLength = UVCStringBuilder::__baseRequestLength;
 
+/// More than a camera that answers has on its way, and little enough to be looked through at once.
+constexpr int mostInput = 4096;
+
 /// Whether the end of @p bytes may be the beginning of @p header.
 bool endsWithBeginningOf(QByteArray const& header, QByteArray const& bytes)
 {
@@ -36,6 +39,15 @@ void ReplyStream::expect(QByteArray const& request, int size)
     m_header = request.left(headerLength);
     m_size = size;
     m_sizes[m_header] = size;
+}
+
+void ReplyStream::append(QByteArray const& bytes)
+{
+    m_input.append(bytes);
+    if (m_echoes && m_input.size() > mostInput) {
+        drop(m_input.size() - mostInput);
+        m_dataToCome = 0;
+    }
 }
 
 bool ReplyStream::take(QByteArray& reply)
@@ -136,7 +148,8 @@ bool ReplyStream::takeAsItComes(QByteArray& reply, bool last)
         handOut(reply);
         return true;
     }
-    bool const mayFollow = place >= 0 || endsWithBeginningOf(m_header, m_input);
+    bool const mayFollow =
+        m_input.size() < mostInput && (place >= 0 || endsWithBeginningOf(m_header, m_input));
     if (m_input.size() < m_size || (mayFollow && !last)) {
         return false;
     }

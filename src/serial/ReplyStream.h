@@ -20,8 +20,8 @@ public:
     /// What was taken in before belongs to earlier requests.
     void expect(QByteArray const& request, int size);
 
-    /// Takes in what has come.
-    void append(QByteArray const& bytes) { m_input.append(bytes); }
+    /// Takes in what has come. From a camera that floods the link only the last of it is kept.
+    void append(QByteArray const& bytes);
 
     /// Hands out the reply when all of it is there.
     bool take(QByteArray& reply);

@@ -113,14 +113,15 @@ bool SerialLink::awaitReply(QByteArray& reply)
 {
     QElapsedTimer elapsed;
     elapsed.start();
-    int remaining = m_limits.reply;
-    do {
+    bool moreMayCome = true;
+    while (moreMayCome) {
         m_replies.append(m_port->readAll());
         if (m_replies.take(reply)) {
             return true;
         }
-        remaining = m_limits.reply - static_cast<int>(elapsed.elapsed());
-    } while (remaining > 0 && m_port->waitForReadyRead(remaining));
+        int const remaining = m_limits.reply - static_cast<int>(elapsed.elapsed());
+        moreMayCome = remaining > 0 && m_port->waitForReadyRead(remaining);
+    }
     m_replies.append(m_port->readAll());
     return m_replies.takeLast(reply);
 }

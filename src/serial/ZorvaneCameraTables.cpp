@@ -23,6 +23,7 @@ std::vector<ZorvaneCameraControlStringMenu::IndexSetting>
 settingsOf(std::vector<Unit::MenuItem> const& items)
 {
     std::vector<ZorvaneCameraControlStringMenu::IndexSetting> settings;
+    settings.reserve(items.size());
     for (Unit::MenuItem const& item : items) {
         settings.push_back({static_cast<int>(item.value), item.name});
     }

@@ -104,7 +104,9 @@ protected:
         EXPECT_EQ(readAll(), 5);
         EXPECT_TRUE(writeField(77));
         EXPECT_EQ(readAll(), 5);
-        EXPECT_TRUE(writeField(78));
+        EXPECT_TRUE(m_windowX2.setValue(78));
+        m_windowData[2] = 78;
+        EXPECT_EQ(m_firmware.data(3, 20), m_windowData);
     }
 
     SerialFirmware m_firmware;

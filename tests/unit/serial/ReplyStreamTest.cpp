@@ -120,6 +120,16 @@ TEST_F(ReplyStreamTest, PassesOverWhatPrecedesTheHeader)
     expectTaken(focus, 5);
 }
 
+TEST_F(ReplyStreamTest, FindsTheReplyBehindAFloodInShortTime)
+{
+    learnThatHeadersComeBack();
+    QByteArray const flood(16 * 1024 * 1024, '\xa1');
+    expect(window);
+    EXPECT_FALSE(takes(flood));
+    EXPECT_TRUE(takes(flood + window.reply()));
+    EXPECT_EQ(m_reply, window.reply());
+}
+
 TEST_F(ReplyStreamTest, HandsOutNoMoreThanTheReply)
 {
     learnThatHeadersComeBack();
