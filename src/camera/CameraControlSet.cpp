@@ -12,18 +12,35 @@
 namespace ImageAcquisition
 {
 
+namespace
+{
+
+/// How many numbers the driver was asked for to find the items of a menu; 0 for what is none.
+long long indicesToProbe(v4l2_queryctrl const& query)
+{
+    bool const isMenu =
+        query.type == V4L2_CTRL_TYPE_MENU || query.type == V4L2_CTRL_TYPE_INTEGER_MENU;
+    long long const width = static_cast<long long>(query.maximum) - query.minimum + 1;
+    return isMenu ? std::clamp<long long>(width, 0, maximumMenuIndices) : 0;
+}
+
+} // namespace
+
 bool Camera::buildMainControlSet()
 {
     v4l2_queryctrl query{};
     query.id = V4L2_CTRL_FLAG_NEXT_CTRL;
     unsigned int previousId = 0;
     unsigned int skipped = 0;
+    long long menuIndices = 0;
     // A driver whose ids do not rise would be asked for ever, and one whose ids do for very long.
     while (m_controls.size() < maximumControls && skipped < maximumControls &&
+           menuIndices < maximumMenuIndicesOfCamera &&
            HelperV4l2::xioctl(m_fd, VIDIOC_QUERYCTRL, &query) != -1 && query.id > previousId) {
         previousId = query.id;
         std::unique_ptr<ICameraControl> control(CameraControlFactory::createControl(*this, query));
         skipped += control ? 0 : 1;
+        menuIndices += indicesToProbe(query);
         appendControl(std::move(control));
         query.id |= V4L2_CTRL_FLAG_NEXT_CTRL;
     }

@@ -20,6 +20,9 @@ constexpr unsigned int maximumControls = 4096;
 /// Numbers that a menu's items are looked for at.
 constexpr unsigned int maximumMenuIndices = 4096;
 
+/// The same for all menus of a camera; the one that exceeds it is its last control.
+constexpr long long maximumMenuIndicesOfCamera = 65536;
+
 /// Buffers that are mapped, of those that the driver grants.
 constexpr unsigned int maximumBuffers = 1024;
 

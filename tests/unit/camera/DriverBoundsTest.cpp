@@ -118,6 +118,22 @@ TEST_F(DriverBounds, EndTheOpeningOfADriverThatHasMoreOfEverything)
     EXPECT_LE(camera.formatNumber(), 65536);
 }
 
+TEST_F(DriverBounds, EndTheOpeningOfADriverThatHasMenusOnly)
+{
+    unsigned int const calls = callsToOpen([](int, unsigned long request, void* argument) {
+        if (request == VIDIOC_QUERYCTRL) {
+            auto& query = *static_cast<v4l2_queryctrl*>(argument);
+            query.id = (query.id & ~V4L2_CTRL_FLAG_NEXT_CTRL) + 1;
+            query.type = V4L2_CTRL_TYPE_MENU;
+            query.maximum = INT_MAX;
+            return 0;
+        }
+        return request == VIDIOC_QUERYMENU ? 0 : -1;
+    });
+    EXPECT_LT(calls, 70000U);
+    EXPECT_EQ(camera.controlNumber(), 16);
+}
+
 class MenuBounds : public testing::Test
 {
 protected:
