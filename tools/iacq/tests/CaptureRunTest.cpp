@@ -489,6 +489,25 @@ TEST(CaptureCommand, PutsEveryFrameIntoANamedPipe)
     EXPECT_THAT(folder.names(), ElementsAre("pipe"));
 }
 
+// Of frames so large only seven may wait. Far more come before the reader begins to read.
+TEST(CaptureCommand, TellsHowManyFramesSlowWritingLost)
+{
+    ScratchFolder const folder;
+    std::string const camera = folder.write("large.json", R"({"cameras": [{
+        "formats": [{"pixelFormat": "YUYV", "description": "YUYV 4:2:2",
+                     "sizes": [{"width": 4096, "height": 2160, "intervals": ["1/30"]}]}],
+        "usb": {"port": "1-1"}}]})");
+    ProgramRun const run =
+        runShell("mkfifo " + folder.path("pipe") + "; (exec 3<" + folder.path("pipe") +
+                 "; sleep 3; wc -c <&3) & timeout -k 10 50 " + WITH_VIRTUAL_CAMERA + " --config " +
+                 camera + " " + IACQ_PROGRAM + " capture 0 --output-format raw --count 10 -o " +
+                 folder.path("pipe") + "; status=$?; wait; exit $status");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.errors, StartsWith("iacq: frames lost: "));
+    EXPECT_THAT(run.errors, EndsWith(" by slow writing\n"));
+    EXPECT_EQ(run.output, std::to_string(10 * 4096 * 2160 * 2) + "\n");
+}
+
 TEST(CaptureCommand, CanBeEndedWhileItWaitsForAReader)
 {
     ScratchFolder const folder;
