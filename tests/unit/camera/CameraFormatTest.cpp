@@ -39,7 +39,7 @@ protected:
                                                        .withSize(1280, 720)
                                                        .withInterval(1, 30)
                                                        .install();
-    DeviceStub const device;
+    DeviceStub const device{};
     Camera camera{&device};
 };
 

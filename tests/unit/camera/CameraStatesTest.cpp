@@ -69,7 +69,7 @@ protected:
             .withInterval(1, 100)
             .withControl(VirtualCamera::integerControl(V4L2_CID_GAIN, "Gain").range(0, 9))
             .install();
-    DeviceStub const device;
+    DeviceStub const device{};
     Camera camera{&device};
 };
 

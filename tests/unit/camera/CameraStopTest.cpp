@@ -21,7 +21,7 @@ using VirtualCamera::CameraBuilder;
 
 std::unique_ptr<IBlockingCamera> openedCamera()
 {
-    DeviceStub const device;
+    DeviceStub const device{};
     return std::unique_ptr<IBlockingCamera>(
         ICameraFactory::getUniqueInstance().createBlockingCamera(&device));
 }

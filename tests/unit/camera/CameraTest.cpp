@@ -38,7 +38,7 @@ DeviceStub vendorDevice()
 TEST(Camera, OpensNothingWhenItIsConstructed)
 {
     auto const virtualCamera = smallCamera().install();
-    DeviceStub const device;
+    DeviceStub const device{};
     Camera const camera(&device);
     EXPECT_EQ(camera.fileDescriptor(), -1);
     EXPECT_EQ(virtualCamera.accounting().totalOpens, 0u);
@@ -60,7 +60,7 @@ TEST(Camera, OpensItsNodeForReadingAndWritingWithoutBlocking)
 TEST(Camera, ClosesItsNodeWithItself)
 {
     auto const virtualCamera = smallCamera().failing(Call::Close, EINTR).install();
-    DeviceStub const device;
+    DeviceStub const device{};
     {
         Camera camera(&device);
         camera.init();
@@ -73,7 +73,7 @@ TEST(Camera, ClosesItsNodeWithItself)
 TEST(Camera, ClosesNothingWhenItWasNeverOpened)
 {
     auto const virtualCamera = smallCamera().install();
-    DeviceStub const device;
+    DeviceStub const device{};
     {
         Camera const camera(&device);
     }
@@ -94,7 +94,7 @@ TEST(Camera, FindsControlsThenFormatsThenTheWayToTransfer)
 {
     auto const virtualCamera =
         smallCamera().withControl(integerControl(V4L2_CID_GAIN, "Gain")).install();
-    DeviceStub const device;
+    DeviceStub const device{};
     Camera camera(&device);
     ASSERT_TRUE(camera.init());
     std::vector<CallId> order;
@@ -173,7 +173,7 @@ TEST(Camera, InitialisesEmptyWhenItsNodeCannotBeOpened)
 {
     for (int const error : {EACCES, EBUSY, ENODEV, EINTR, EIO}) {
         auto const virtualCamera = smallCamera().failing(Call::Open, error).install();
-        DeviceStub const device;
+        DeviceStub const device{};
         Camera camera(&device);
         EXPECT_TRUE(camera.init());
         EXPECT_EQ(camera.formatNumber(), 0);
@@ -186,7 +186,7 @@ TEST(Camera, InitialisesEmptyWhenItsNodeCannotBeOpened)
 TEST(Camera, SendsAResetOnlyToTheVendorsCameras)
 {
     auto const virtualCamera = smallCamera().install();
-    DeviceStub const device;
+    DeviceStub const device{};
     Camera camera(&device);
     ASSERT_TRUE(camera.init());
     int const before = openDescriptors();
@@ -216,7 +216,7 @@ protected:
 TEST(Camera, FailsToInitialiseWhenASubclassCannotBuildItsControls)
 {
     auto const virtualCamera = smallCamera().install();
-    DeviceStub const device;
+    DeviceStub const device{};
     ObservedCamera camera(&device);
     camera.controlsSucceed = false;
     EXPECT_FALSE(camera.init());

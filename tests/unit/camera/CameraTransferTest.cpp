@@ -70,7 +70,7 @@ TEST(CameraTransfer, CountsABusyDeviceAsSupportingMemoryMapping)
 TEST(CameraTransfer, AsksTheDriverWhatItSupports)
 {
     auto const virtualCamera = offering(false, true).install();
-    DeviceStub const device;
+    DeviceStub const device{};
     Camera camera(&device);
     camera.init();
     EXPECT_FALSE(camera.supportsMemoryMapping());
@@ -98,7 +98,7 @@ TEST(CameraTransfer, FailsEveryCallWithoutAWay)
 TEST(CameraTransfer, CapturesThroughMappedBuffers)
 {
     auto const virtualCamera = smallCamera().install();
-    DeviceStub const device;
+    DeviceStub const device{};
     Camera camera(&device);
     ASSERT_TRUE(camera.init());
     ASSERT_EQ(camera.setup(3), 0);
@@ -130,7 +130,7 @@ TEST(CameraTransfer, SizesItsOwnBuffersForTheFormatThatIsSetNow)
                                        .offeringMmap(false)
                                        .offeringUserPointers(userPointers)
                                        .install();
-        DeviceStub const device;
+        DeviceStub const device{};
         Camera camera(&device);
         ASSERT_TRUE(camera.init());
         ASSERT_TRUE(camera.setCurrentImageFormat(0, 1, 0));
@@ -158,7 +158,7 @@ TEST(CameraTransfer, TakesANullFrameOnlyWhereItReads)
     } const cases[] = {{true, false, -1}, {false, true, -1}, {false, false, 0}};
     for (auto const& one : cases) {
         auto const virtualCamera = offering(one.mapping, one.userPointers).install();
-        DeviceStub const device;
+        DeviceStub const device{};
         Camera camera(&device);
         ASSERT_TRUE(camera.init());
         EXPECT_EQ(camera.releaseFrame(nullptr), one.answer);
@@ -171,7 +171,7 @@ TEST(CameraTransfer, FailsToSetUpReadAndUserPointersWhereAPipeCanBeMade)
     for (bool const userPointers : {true, false}) {
         auto const virtualCamera =
             smallCamera().offeringMmap(false).offeringUserPointers(userPointers).install();
-        DeviceStub const device;
+        DeviceStub const device{};
         Camera camera(&device);
         ASSERT_TRUE(camera.init());
         EXPECT_EQ(camera.setup(2), -1);

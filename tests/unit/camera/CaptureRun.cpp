@@ -26,7 +26,7 @@ char const* nameOf(Step step)
 CaptureRun::CaptureRun(VirtualCamera::InstalledCamera& virtualCamera, InputMethod::Type method)
     : _virtual(virtualCamera)
 {
-    DeviceStub const device;
+    DeviceStub const device{};
     std::unique_ptr<IBlockingCamera> camera(
         ICameraFactory::getUniqueInstance().createBlockingCamera(&device));
     mark(Step::Open);

@@ -61,7 +61,7 @@ protected:
     }
 
     VirtualCamera::InstalledCamera node = smallCamera().install();
-    DeviceStub const device;
+    DeviceStub const device{};
     Camera camera{&device};
 };
 
@@ -160,7 +160,7 @@ protected:
     }
 
     VirtualCamera::InstalledCamera node = smallCamera().install();
-    DeviceStub const device;
+    DeviceStub const device{};
     Camera camera{&device};
 };
 

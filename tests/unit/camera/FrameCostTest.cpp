@@ -96,7 +96,7 @@ namespace
 TEST(FrameCost, IsNoAllocationAndOneWaitAndTwoDriverCalls)
 {
     auto const virtualCamera = smallCamera().install();
-    DeviceStub const device;
+    DeviceStub const device{};
     Camera camera(&device);
     ASSERT_TRUE(camera.init());
     ASSERT_EQ(camera.setup(4), 0);

@@ -65,7 +65,7 @@ TEST_F(SoftwareReset, CountsAsSentWhateverTheCameraAnswers)
 TEST_F(SoftwareReset, SendsNothingToOtherCameras)
 {
     auto const usb = machine.plug(aUsbDevice().withIds("1234", "abcd").withFirmware("TJ8-1.2.3"));
-    DeviceStub const other;
+    DeviceStub const other{};
     Camera generic(&other);
     EXPECT_FALSE(generic.softwareReset());
     EXPECT_TRUE(usb.requests().empty());

@@ -47,7 +47,7 @@ TEST(ControlLookupTest, PositionIsHeldAgainstTheVirtualCount)
     InstalledCamera const node =
         CameraWithControls::builderOf({integer(V4L2_CID_GAIN, "A"), integer(V4L2_CID_HUE, "B")})
             .install();
-    DeviceStub const record;
+    DeviceStub const record{};
     Miscounting camera(&record);
     ASSERT_TRUE(camera.init());
     camera.claimed = 1;

@@ -28,7 +28,7 @@ protected:
             .withControl(VirtualCamera::booleanControl(V4L2_CID_HUE_AUTO, "Hue, Automatic"))
             .paced(VirtualCamera::Pace::Immediate)
             .install();
-    DeviceStub const device;
+    DeviceStub const device{};
     std::unique_ptr<IBlockingCamera> camera{
         ICameraFactory::getUniqueInstance().createBlockingCamera(&device)};
 };
