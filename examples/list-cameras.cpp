@@ -22,8 +22,9 @@ void print(IDevice const& device)
               << device.busInfo() << ", speed " << device.usbSpeed() << "\n"
               << "   maker    " << device.manufacturer() << "\n"
               << "   serial   " << device.serial() << "\n";
-    if (device.isaZorvaneDevice())
+    if (device.isaZorvaneDevice()) {
         std::cout << "   firmware " << device.firmwareVersion() << "\n";
+    }
 }
 
 } // namespace
@@ -33,10 +34,12 @@ try {
     // What the factory creates is the caller's to delete; the records belong to the list.
     std::unique_ptr<IDeviceList> const cameras(
         ICameraFactory::getUniqueInstance().createDeviceList());
-    for (int position = 0; position < cameras->size(); ++position)
+    for (int position = 0; position < cameras->size(); ++position) {
         print(*cameras->at(position));
-    if (cameras->size() == 0)
+    }
+    if (cameras->size() == 0) {
         std::cout << "No camera is attached.\n";
+    }
     return 0;
 } catch (std::exception const& error) {
     // A capture device that is not on USB, such as the kernel's vivid, cannot be described.

@@ -45,8 +45,8 @@ using Captures = OrdinaryCamera;
 
 TEST_F(Captures, ThreeHundredFramesWithEveryByteAndNoneLost)
 {
-    ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 640, 480, 1, 30));
-    expectFrames(*camera, 640, 480, 300);
+    ASSERT_TRUE(m_camera->setCurrentImageFormat("YUYV", 640, 480, 1, 30));
+    expectFrames(*m_camera, 640, 480, 300);
 }
 
 TEST_F(Captures, EverySizeAndBeginAnewWithEachStart)
@@ -54,8 +54,8 @@ TEST_F(Captures, EverySizeAndBeginAnewWithEachStart)
     for (auto const& [width, height, rate] :
          {std::tuple{160, 120, 60}, {320, 240, 30}, {1280, 960, 10}, {160, 120, 30}}) {
         SCOPED_TRACE(width);
-        ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", width, height, 1, rate));
-        expectFrames(*camera, static_cast<unsigned>(width), static_cast<unsigned>(height), 5);
+        ASSERT_TRUE(m_camera->setCurrentImageFormat("YUYV", width, height, 1, rate));
+        expectFrames(*m_camera, static_cast<unsigned>(width), static_cast<unsigned>(height), 5);
     }
 }
 
@@ -64,27 +64,27 @@ TEST_F(Captures, JpegImagesOfEverySizeAsTheCameraMadeThem)
     for (auto const& [width, height, count] :
          {std::tuple{640, 480, 20U}, {320, 240, 5U}, {1280, 720, 5U}}) {
         SCOPED_TRACE(width);
-        ASSERT_TRUE(camera->setCurrentImageFormat("MJPG", width, height, 1, 30));
+        ASSERT_TRUE(m_camera->setCurrentImageFormat("MJPG", width, height, 1, 30));
         JpegFrames images(static_cast<unsigned>(width), static_cast<unsigned>(height));
-        Stream const stream(*camera, manyBuffers);
+        Stream const stream(*m_camera, manyBuffers);
         for (unsigned number = 0; number < count; ++number) {
-            IFrame* const frame = camera->acquireFrame();
+            IFrame* const frame = m_camera->acquireFrame();
             ASSERT_FALSE(frame->isInvalid());
             EXPECT_EQ(frame->counter(), number);
             EXPECT_EQ(JpegFrames::readNumber(frame->bytePtr(), frame->bytesUsed()), number);
             EXPECT_TRUE(bytesOf(*frame) == images.frame(number)) << number;
-            EXPECT_EQ(camera->releaseFrame(frame), 0);
+            EXPECT_EQ(m_camera->releaseFrame(frame), 0);
         }
     }
 }
 
 TEST_F(Captures, PicturesThatLibv4l2ConvertsWithTheCamerasLuma)
 {
-    ASSERT_TRUE(camera->setCurrentImageFormat("YU12", 160, 120, 1, 30));
+    ASSERT_TRUE(m_camera->setCurrentImageFormat("YU12", 160, 120, 1, 30));
     FramePainter painter(160, 120);
-    Stream const stream(*camera, manyBuffers);
+    Stream const stream(*m_camera, manyBuffers);
     for (unsigned number = 0; number < 5; ++number) {
-        IFrame* const frame = camera->acquireFrame();
+        IFrame* const frame = m_camera->acquireFrame();
         ASSERT_EQ(frame->bytesUsed(), 160 * 120 * 3 / 2U);
         Bytes const& yuyv = painter.paint(number);
         Bytes luma;
@@ -92,17 +92,17 @@ TEST_F(Captures, PicturesThatLibv4l2ConvertsWithTheCamerasLuma)
             luma.push_back(yuyv[i]);
         }
         EXPECT_TRUE(std::equal(luma.begin(), luma.end(), frame->bytePtr())) << number;
-        EXPECT_EQ(camera->releaseFrame(frame), 0);
+        EXPECT_EQ(m_camera->releaseFrame(frame), 0);
     }
 }
 
 TEST_F(Captures, WhatWasSelectedIsWhatTheCameraIsTold)
 {
-    ASSERT_TRUE(camera->setCurrentImageFormat("MJPG", 1280, 720, 1, 10));
-    Stream const stream(*camera, 4);
-    EXPECT_FALSE(camera->acquireFrame()->isInvalid());
+    ASSERT_TRUE(m_camera->setCurrentImageFormat("MJPG", 1280, 720, 1, 10));
+    Stream const stream(*m_camera, 4);
+    EXPECT_FALSE(m_camera->acquireFrame()->isInvalid());
     std::string committed;
-    for (EmulatedCameras::Json const& line : cameras.requests()) {
+    for (EmulatedCameras::Json const& line : m_cameras.requests()) {
         if (line["kind"] == "streaming" && line["request"] == "SET_CUR" && line["selector"] == 2) {
             committed = line["data"];
         }
@@ -113,15 +113,15 @@ TEST_F(Captures, WhatWasSelectedIsWhatTheCameraIsTold)
 
 TEST_F(Captures, NothingFromACameraThatHoldsItsFramesBack)
 {
-    ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
-    cameras.command("hold 1");
-    Stream const stream(*camera, 4);
-    EXPECT_FALSE(camera->acquireFrame()->isInvalid());
+    ASSERT_TRUE(m_camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
+    m_cameras.command("hold 1");
+    Stream const stream(*m_camera, 4);
+    EXPECT_FALSE(m_camera->acquireFrame()->isInvalid());
     double const begin = monotonicSeconds();
-    EXPECT_TRUE(camera->acquireFrame()->isInvalid());
+    EXPECT_TRUE(m_camera->acquireFrame()->isInvalid());
     EXPECT_GE(monotonicSeconds() - begin, 1.99);
-    cameras.command("release");
-    IFrame const* const frame = camera->acquireFrame();
+    m_cameras.command("release");
+    IFrame const* const frame = m_camera->acquireFrame();
     EXPECT_EQ(FramePainter::readNumber(frame->bytePtr(), 160), 1U);
 }
 

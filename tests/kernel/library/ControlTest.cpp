@@ -14,42 +14,42 @@ using Controls = FreshOrdinaryCamera;
 
 TEST_F(Controls, AreThoseThatV4l2CtlLists)
 {
-    std::vector<ListedControl> const listed = plainControls(node);
+    std::vector<ListedControl> const listed = plainControls(m_node);
     ASSERT_GT(listed.size(), 15U);
-    EXPECT_EQ(camera->controlNumber(), static_cast<int>(listed.size()));
+    EXPECT_EQ(m_camera->controlNumber(), static_cast<int>(listed.size()));
     for (ListedControl const& one : listed) {
-        expectListedControl(*camera, one);
+        expectListedControl(*m_camera, one);
     }
 }
 
 TEST_F(Controls, HaveTheirGetters)
 {
     std::pair<ICameraControl*, unsigned> const standard[] = {
-        {camera->brightnessControl(), V4L2_CID_BRIGHTNESS},
-        {camera->contrastControl(), V4L2_CID_CONTRAST},
-        {camera->saturationControl(), V4L2_CID_SATURATION},
-        {camera->hueControl(), V4L2_CID_HUE},
-        {camera->autoHueControl(), V4L2_CID_HUE_AUTO},
-        {camera->autoWhiteBalanceControl(), V4L2_CID_AUTO_WHITE_BALANCE},
-        {camera->whiteBalanceTempControl(), V4L2_CID_WHITE_BALANCE_TEMPERATURE},
-        {camera->gammaControl(), V4L2_CID_GAMMA},
-        {camera->gainControl(), V4L2_CID_GAIN},
-        {camera->sharpnessControl(), V4L2_CID_SHARPNESS},
-        {camera->autoExposureControl(), V4L2_CID_EXPOSURE_AUTO},
-        {camera->exposureAbsoluteControl(), V4L2_CID_EXPOSURE_ABSOLUTE},
-        {camera->focusControl(), V4L2_CID_FOCUS_ABSOLUTE},
-        {camera->autoFocusControl(), V4L2_CID_FOCUS_AUTO},
+        {m_camera->brightnessControl(), V4L2_CID_BRIGHTNESS},
+        {m_camera->contrastControl(), V4L2_CID_CONTRAST},
+        {m_camera->saturationControl(), V4L2_CID_SATURATION},
+        {m_camera->hueControl(), V4L2_CID_HUE},
+        {m_camera->autoHueControl(), V4L2_CID_HUE_AUTO},
+        {m_camera->autoWhiteBalanceControl(), V4L2_CID_AUTO_WHITE_BALANCE},
+        {m_camera->whiteBalanceTempControl(), V4L2_CID_WHITE_BALANCE_TEMPERATURE},
+        {m_camera->gammaControl(), V4L2_CID_GAMMA},
+        {m_camera->gainControl(), V4L2_CID_GAIN},
+        {m_camera->sharpnessControl(), V4L2_CID_SHARPNESS},
+        {m_camera->autoExposureControl(), V4L2_CID_EXPOSURE_AUTO},
+        {m_camera->exposureAbsoluteControl(), V4L2_CID_EXPOSURE_ABSOLUTE},
+        {m_camera->focusControl(), V4L2_CID_FOCUS_ABSOLUTE},
+        {m_camera->autoFocusControl(), V4L2_CID_FOCUS_AUTO},
     };
     for (auto const& [control, id] : standard) {
         EXPECT_EQ(control->id(), id);
     }
-    EXPECT_EQ(camera->lightModeControl(), camera->invalidControl());
-    EXPECT_EQ(camera->autoGammaControl(), camera->invalidControl());
+    EXPECT_EQ(m_camera->lightModeControl(), m_camera->invalidControl());
+    EXPECT_EQ(m_camera->autoGammaControl(), m_camera->invalidControl());
 }
 
 TEST_F(Controls, AreShownByTheToolAsV4l2CtlListsThem)
 {
-    std::vector<ListedControl> const listed = plainControls(node);
+    std::vector<ListedControl> const listed = plainControls(m_node);
     nlohmann::json const shown = readTool("show 0 --json").at("controls");
     ASSERT_EQ(shown.size(), listed.size());
     for (nlohmann::json const& control : shown) {

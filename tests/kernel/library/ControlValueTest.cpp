@@ -98,23 +98,23 @@ TEST_F(Controls, WrittenHereReachTheCameraAndAreReadByV4l2Ctl)
 {
     // The automatic modes first: they hold numbers back.
     for (bool const areNumbers : {false, true}) {
-        std::vector<ListedControl> const controls = writable(node, areNumbers);
+        std::vector<ListedControl> const controls = writable(m_node, areNumbers);
         ASSERT_EQ(controls.size(), areNumbers ? 14U : 6U);
         std::map<unsigned, long long> wanted;
         for (ListedControl const& listed : controls) {
             SCOPED_TRACE(listed.name);
-            ICameraControl& control = *controlById(*camera, listed.id);
+            ICameraControl& control = *controlById(*m_camera, listed.id);
             control.updateState();
             EXPECT_FALSE(control.isInactive());
-            cameras.mark();
+            m_cameras.mark();
             wanted[listed.id] = change(control, listed);
-            std::vector<EmulatedCameras::Json> const sent = cameras.requests("SET_CUR");
+            std::vector<EmulatedCameras::Json> const sent = m_cameras.requests("SET_CUR");
             ASSERT_EQ(sent.size(), 1U);
             long long const value = sentValue(sent[0], listed);
             EXPECT_EQ(listed.name == "auto_exposure" ? exposureMode(value) : value,
                       wanted[listed.id]);
         }
-        for (ListedControl const& listed : writable(node, areNumbers)) {
+        for (ListedControl const& listed : writable(m_node, areNumbers)) {
             EXPECT_EQ(listed.number("value"), wanted[listed.id]) << listed.name;
         }
     }
@@ -123,15 +123,15 @@ TEST_F(Controls, WrittenHereReachTheCameraAndAreReadByV4l2Ctl)
 TEST_F(Controls, WrittenByV4l2CtlAreReadHere)
 {
     for (bool const areNumbers : {false, true}) {
-        std::vector<ListedControl> const controls = writable(node, areNumbers);
+        std::vector<ListedControl> const controls = writable(m_node, areNumbers);
         std::string settings;
         for (ListedControl const& listed : controls) {
             settings += (settings.empty() ? "" : ",") + listed.name + "=" +
                         std::to_string(otherValue(listed));
         }
-        v4l2Ctl(node, "--set-ctrl=" + settings);
+        v4l2Ctl(m_node, "--set-ctrl=" + settings);
         for (ListedControl const& listed : controls) {
-            EXPECT_EQ(valueOf(*controlById(*camera, listed.id), listed), otherValue(listed))
+            EXPECT_EQ(valueOf(*controlById(*m_camera, listed.id), listed), otherValue(listed))
                 << listed.name;
         }
     }
@@ -140,30 +140,30 @@ TEST_F(Controls, WrittenByV4l2CtlAreReadHere)
 TEST_F(Controls, ThatAnAutomaticHoldsAreRefusedUntilItIsOff)
 {
     auto& automatic =
-        dynamic_cast<ICameraControlBoolean&>(*camera->control("White Balance, Automatic"));
+        dynamic_cast<ICameraControlBoolean&>(*m_camera->control("White Balance, Automatic"));
     auto& temperature =
-        dynamic_cast<ICameraControlNumeric<int>&>(*camera->whiteBalanceTempControl());
+        dynamic_cast<ICameraControlNumeric<int>&>(*m_camera->whiteBalanceTempControl());
     ASSERT_TRUE(automatic.value());
     EXPECT_TRUE(temperature.isInactive());
-    cameras.mark();
+    m_cameras.mark();
     EXPECT_FALSE(temperature.setValue(3000));
-    EXPECT_TRUE(cameras.requests("SET_CUR").empty());
+    EXPECT_TRUE(m_cameras.requests("SET_CUR").empty());
     EXPECT_TRUE(automatic.setValue(false));
     EXPECT_TRUE(temperature.isInactive());
     EXPECT_TRUE(temperature.updateState());
     EXPECT_FALSE(temperature.isInactive());
     EXPECT_TRUE(temperature.setValue(3000));
-    EXPECT_EQ(cameras.command("get 2 10"), "b80b");
+    EXPECT_EQ(m_cameras.command("get 2 10"), "b80b");
 }
 
 TEST_F(Controls, AreReadAndSetByTheTool)
 {
     EXPECT_EQ(runTool("set 0 brightness=-5 'Contrast=12' 2> /dev/null").status, 0);
-    EXPECT_EQ(cameras.command("get 2 2"), "fbff");
-    EXPECT_EQ(cameras.command("get 2 3"), "0c00");
+    EXPECT_EQ(m_cameras.command("get 2 2"), "fbff");
+    EXPECT_EQ(m_cameras.command("get 2 3"), "0c00");
     EXPECT_EQ(runTool("get 0 brightness contrast 2> /dev/null").output,
               "Brightness: -5\nContrast: 12\n");
     CommandResult const refused = runTool("set 0 brightness=999");
     EXPECT_NE(refused.status, 0);
-    EXPECT_EQ(cameras.command("get 2 2"), "fbff");
+    EXPECT_EQ(m_cameras.command("get 2 2"), "fbff");
 }

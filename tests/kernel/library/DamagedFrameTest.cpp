@@ -34,17 +34,17 @@ class DamagedFrames : public testing::TestWithParam<bool>
 protected:
     void SetUp() override
     {
-        ASSERT_NE(camera, nullptr);
-        ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
+        ASSERT_NE(m_camera, nullptr);
+        ASSERT_TRUE(m_camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
     }
 
     /// The next frame, checked for its bytes, which are the beginning of its picture's.
     IFrame* next(unsigned number)
     {
-        IFrame* const frame = camera->acquireFrame();
+        IFrame* const frame = m_camera->acquireFrame();
         EXPECT_FALSE(frame->isInvalid());
         EXPECT_EQ(frame->counter(), number);
-        Bytes wanted = painter.paint(number);
+        Bytes wanted = m_painter.paint(number);
         wanted.resize(frame->bytesUsed());
         EXPECT_TRUE(bytesOf(*frame) == wanted) << number;
         return frame;
@@ -61,14 +61,14 @@ protected:
     {
         for (unsigned const file : {1U, 2U, 3U}) {
             Bytes const bytes = fileBytes("/tmp/good-" + std::to_string(file) + ".raw");
-            EXPECT_TRUE(bytes == painter.paint(2 * (file - 1))) << file;
+            EXPECT_TRUE(bytes == m_painter.paint(2 * (file - 1))) << file;
         }
     }
 
-    DriversHabit const habit{GetParam()};
-    EmulatedCameras const cameras{{"ordinary"}, {"1 corrupt 1", "1 cut 3 10000"}};
-    CameraPointer camera = openListed(cameras.videoNode());
-    FramePainter painter{160, 120};
+    DriversHabit const m_habit{GetParam()};
+    EmulatedCameras const m_cameras{{"ordinary"}, {"1 corrupt 1", "1 cut 3 10000"}};
+    CameraPointer m_camera = openListed(m_cameras.videoNode());
+    FramePainter m_painter{160, 120};
 };
 
 class KeptDamagedFrames : public DamagedFrames
@@ -83,18 +83,18 @@ class DroppedDamagedFrames : public DamagedFrames
 
 TEST_P(KeptDamagedFrames, AreToldFromGoodOnes)
 {
-    Stream const stream(*camera, 16);
+    Stream const stream(*m_camera, 16);
     for (unsigned number = 0; number < 6; ++number) {
         IFrame* const frame = next(number);
         EXPECT_EQ(frame->isCorrupted(), number == 1 || number == 3);
         EXPECT_EQ(frame->bytesUsed(), number == 3 ? 10000U : whole);
-        EXPECT_EQ(camera->releaseFrame(frame), 0);
+        EXPECT_EQ(m_camera->releaseFrame(frame), 0);
     }
 }
 
 TEST_P(KeptDamagedFrames, AreNamedAndLeftOutByTheTool)
 {
-    camera.reset();
+    m_camera.reset();
     CommandResult const result = captureByTool();
     EXPECT_EQ(result.status, 0);
     EXPECT_NE(result.output.find("frame 1 is corrupted"), std::string::npos) << result.output;
@@ -106,18 +106,18 @@ INSTANTIATE_TEST_SUITE_P(WithNoDrop, KeptDamagedFrames, testing::Values(true));
 
 TEST_P(DroppedDamagedFrames, AreGapsInTheNumbers)
 {
-    Stream const stream(*camera, 16);
+    Stream const stream(*m_camera, 16);
     for (unsigned const number : {0U, 2U, 4U, 5U}) {
         IFrame* const frame = next(number);
         EXPECT_FALSE(frame->isCorrupted());
         EXPECT_EQ(frame->bytesUsed(), whole);
-        EXPECT_EQ(camera->releaseFrame(frame), 0);
+        EXPECT_EQ(m_camera->releaseFrame(frame), 0);
     }
 }
 
 TEST_P(DroppedDamagedFrames, AreUnknownToTheTool)
 {
-    camera.reset();
+    m_camera.reset();
     CommandResult const result = captureByTool();
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.output.find("corrupted"), std::string::npos) << result.output;

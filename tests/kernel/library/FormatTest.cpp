@@ -43,18 +43,18 @@ using Formats = OrdinaryCamera;
 
 TEST_F(Formats, AreThoseThatV4l2CtlListsThroughLibv4l2)
 {
-    std::vector<ListedFormat> const listed = listFormats(node, "-w");
-    expectListedFormats(*camera, listed);
+    std::vector<ListedFormat> const listed = listFormats(m_node, "-w");
+    expectListedFormats(*m_camera, listed);
     // The camera's two and what libv4l2 makes of them.
     ASSERT_EQ(listed.size(), 6U);
-    EXPECT_EQ(listFormats(node).size(), 2U);
-    EXPECT_TRUE(camera->format(6)->isInvalid());
+    EXPECT_EQ(listFormats(m_node).size(), 2U);
+    EXPECT_TRUE(m_camera->format(6)->isInvalid());
 }
 
 TEST_F(Formats, AreSelectedByPositionAndByName)
 {
     for (int f = 0; f < 2; ++f) {
-        IImageFormat const& format = *camera->format(f);
+        IImageFormat const& format = *m_camera->format(f);
         for (int s = 0; s < format.sizeNumber(); ++s) {
             IFrameSize const& size = *format.frameSize(s);
             for (int p = 0; p < size.periodNumber(); ++p) {
@@ -62,15 +62,15 @@ TEST_F(Formats, AreSelectedByPositionAndByName)
                 std::string const wanted = selectionOf(format, size, period);
                 SCOPED_TRACE(wanted);
                 bool const isByName = (s + p) % 2 == 1;
-                EXPECT_TRUE(isByName ? camera->setCurrentImageFormat(
+                EXPECT_TRUE(isByName ? m_camera->setCurrentImageFormat(
                                            format.name(), static_cast<int>(size.width()),
                                            static_cast<int>(size.height()), period.numerator(),
                                            period.denominator())
-                                     : camera->setCurrentImageFormat(f, s, p));
-                EXPECT_EQ(driversFormat(node), wanted);
-                EXPECT_EQ(camera->currentImageFormat(), &format);
-                EXPECT_EQ(camera->currentFrameSize(), &size);
-                EXPECT_EQ(camera->currentFrameInterval(), &period);
+                                     : m_camera->setCurrentImageFormat(f, s, p));
+                EXPECT_EQ(driversFormat(m_node), wanted);
+                EXPECT_EQ(m_camera->currentImageFormat(), &format);
+                EXPECT_EQ(m_camera->currentFrameSize(), &size);
+                EXPECT_EQ(m_camera->currentFrameInterval(), &period);
             }
         }
     }
@@ -78,37 +78,37 @@ TEST_F(Formats, AreSelectedByPositionAndByName)
 
 TEST_F(Formats, ThatTheCameraDoesNotHaveAreRefused)
 {
-    ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
-    std::string const before = driversFormat(node);
-    EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 320, 241, 1, 30));
-    EXPECT_FALSE(camera->setCurrentImageFormat("H264", 320, 240, 1, 30));
-    EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 320, 240, 1, 29));
-    EXPECT_FALSE(camera->setCurrentImageFormat(-1, 0, 0));
-    EXPECT_FALSE(camera->setCurrentImageFormat(99, 0, 0));
-    EXPECT_EQ(driversFormat(node), before);
+    ASSERT_TRUE(m_camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
+    std::string const before = driversFormat(m_node);
+    EXPECT_FALSE(m_camera->setCurrentImageFormat("YUYV", 320, 241, 1, 30));
+    EXPECT_FALSE(m_camera->setCurrentImageFormat("H264", 320, 240, 1, 30));
+    EXPECT_FALSE(m_camera->setCurrentImageFormat("YUYV", 320, 240, 1, 29));
+    EXPECT_FALSE(m_camera->setCurrentImageFormat(-1, 0, 0));
+    EXPECT_FALSE(m_camera->setCurrentImageFormat(99, 0, 0));
+    EXPECT_EQ(driversFormat(m_node), before);
 }
 
 TEST_F(Formats, CannotBeSelectedWhileStreaming)
 {
-    ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
-    std::string const before = driversFormat(node);
+    ASSERT_TRUE(m_camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
+    std::string const before = driversFormat(m_node);
     {
-        Stream const stream(*camera, 4);
-        EXPECT_FALSE(camera->acquireFrame()->isInvalid());
-        EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
-        EXPECT_FALSE(camera->setCurrentImageFormat("MJPG", 320, 240, 1, 30));
-        EXPECT_EQ(driversFormat(node), before);
+        Stream const stream(*m_camera, 4);
+        EXPECT_FALSE(m_camera->acquireFrame()->isInvalid());
+        EXPECT_FALSE(m_camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
+        EXPECT_FALSE(m_camera->setCurrentImageFormat("MJPG", 320, 240, 1, 30));
+        EXPECT_EQ(driversFormat(m_node), before);
     }
-    EXPECT_TRUE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
+    EXPECT_TRUE(m_camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
 }
 
 TEST_F(Formats, AreShownByTheToolAsTheyAre)
 {
     Json const shown = readTool("show 0 --json").at("formats");
-    ASSERT_EQ(shown.size(), static_cast<std::size_t>(camera->formatNumber()));
-    for (int f = 0; f < camera->formatNumber(); ++f) {
+    ASSERT_EQ(shown.size(), static_cast<std::size_t>(m_camera->formatNumber()));
+    for (int f = 0; f < m_camera->formatNumber(); ++f) {
         Json const& printed = shown.at(static_cast<std::size_t>(f));
-        IImageFormat const& format = *camera->format(f);
+        IImageFormat const& format = *m_camera->format(f);
         EXPECT_EQ(printed.at("name"), format.name());
         EXPECT_EQ(printed.at("description"), format.description());
         EXPECT_EQ(printed.at("emulated"), format.isEmulated());

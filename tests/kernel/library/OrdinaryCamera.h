@@ -30,23 +30,23 @@ public:
     static void TearDownTestSuite() { shared.reset(); }
 
 protected:
-    void SetUp() override { ASSERT_NE(camera, nullptr); }
+    void SetUp() override { ASSERT_NE(m_camera, nullptr); }
 
     static inline std::unique_ptr<EmulatedCameras> shared;
-    EmulatedCameras const& cameras = *shared;
-    std::string const node = cameras.videoNode();
-    CameraPointer camera = openListed(node);
+    EmulatedCameras const& m_cameras = *shared;
+    std::string const m_node = m_cameras.videoNode();
+    CameraPointer m_camera = openListed(m_node);
 };
 
 /// The same with an emulated camera for each test, whose values are those that it begins with.
 class FreshOrdinaryCamera : public testing::Test
 {
 protected:
-    void SetUp() override { ASSERT_NE(camera, nullptr); }
+    void SetUp() override { ASSERT_NE(m_camera, nullptr); }
 
-    EmulatedCameras const cameras{{"ordinary"}};
-    std::string const node = cameras.videoNode();
-    CameraPointer camera = openListed(node);
+    EmulatedCameras const m_cameras{{"ordinary"}};
+    std::string const m_node = m_cameras.videoNode();
+    CameraPointer m_camera = openListed(m_node);
 };
 
 } // namespace KernelTest

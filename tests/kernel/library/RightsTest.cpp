@@ -17,26 +17,26 @@ class Rights : public testing::Test
 protected:
     void openToAllNodes() const
     {
-        for (std::string const& one : {node, usbNode(cameras), cameras.serialNode()}) {
+        for (std::string const& one : {m_node, usbNode(m_cameras), m_cameras.serialNode()}) {
             openToAll(one);
         }
     }
 
     Json seenByNobody() const
     {
-        return asUser(nobody, [this] { return describeCamera(node); });
+        return asUser(nobody, [this] { return describeCamera(m_node); });
     }
 
-    FuserFolder const folder;
-    EmulatedCameras const cameras{{"vendor-new"}};
-    std::string const node = cameras.videoNode();
+    FuserFolder const m_folder;
+    EmulatedCameras const m_cameras{{"vendor-new"}};
+    std::string const m_node = m_cameras.videoNode();
 };
 
 } // namespace
 
 TEST_F(Rights, OnTheVideoNodeAloneGiveAGenericCameraWithoutFirmwareText)
 {
-    openToAll(node);
+    openToAll(m_node);
     Json const seen = seenByNobody();
     EXPECT_EQ(seen.at("listed"), 1);
     EXPECT_EQ(seen.at("opened"), true);
@@ -47,13 +47,13 @@ TEST_F(Rights, OnTheVideoNodeAloneGiveAGenericCameraWithoutFirmwareText)
     EXPECT_GT(seen.at("controls"), 29);
     EXPECT_GT(seen.at("formats"), 0);
     EXPECT_EQ(seen.at("reset"), false);
-    EXPECT_EQ(cameras.status()["plugs"], 1);
-    EXPECT_EQ(cameras.status()["serialPackets"], 0);
+    EXPECT_EQ(m_cameras.status()["plugs"], 1);
+    EXPECT_EQ(m_cameras.status()["serialPackets"], 0);
 }
 
 TEST_F(Rights, OnTheVideoNodeAloneAreToldByTheTool)
 {
-    openToAll(node);
+    openToAll(m_node);
     CommandResult const list = runToolAsUser(nobody, "list --json");
     ASSERT_EQ(list.status, 0) << list.output;
     EXPECT_EQ(Json::parse(list.output).at(0).at("firmware"), "");
@@ -64,12 +64,12 @@ TEST_F(Rights, OnTheVideoNodeAloneAreToldByTheTool)
     EXPECT_EQ(reset.status, 1);
     EXPECT_NE(reset.output.find("its USB device cannot be opened"), std::string::npos)
         << reset.output;
-    EXPECT_EQ(cameras.status()["plugs"], 1);
+    EXPECT_EQ(m_cameras.status()["plugs"], 1);
 }
 
 TEST_F(Rights, OnNoNodeGiveAnEmptyList)
 {
-    std::filesystem::permissions(node, std::filesystem::perms(0600));
+    std::filesystem::permissions(m_node, std::filesystem::perms(0600));
     EXPECT_EQ(seenByNobody(), Json({{"listed", 0}}));
 }
 
@@ -83,8 +83,8 @@ TEST_F(Rights, OnAllNodesAndTheKernelsLogGiveTheSerialLink)
     EXPECT_EQ(seen.at("controls"), 39);
     EXPECT_EQ(seen.at("privateControls"), 0);
     EXPECT_EQ(seen.at("reset"), true);
-    EXPECT_TRUE(waitFor([this] { return cameras.status()["plugs"] == 2; }));
-    EXPECT_TRUE(cameras.waitUntilReady());
+    EXPECT_TRUE(waitFor([this] { return m_cameras.status()["plugs"] == 2; }));
+    EXPECT_TRUE(m_cameras.waitUntilReady());
 }
 
 TEST_F(Rights, OnAllNodesButNotTheKernelsLogGiveNoCameraAndResetIt)
@@ -92,16 +92,16 @@ TEST_F(Rights, OnAllNodesButNotTheKernelsLogGiveNoCameraAndResetIt)
     openToAllNodes();
     ReadableLog const log(false);
     EXPECT_EQ(seenByNobody(), Json({{"listed", 1}, {"opened", false}}));
-    EXPECT_TRUE(waitFor([this] { return cameras.status()["plugs"] == 2; }));
-    EXPECT_TRUE(cameras.waitUntilReady());
+    EXPECT_TRUE(waitFor([this] { return m_cameras.status()["plugs"] == 2; }));
+    EXPECT_TRUE(m_cameras.waitUntilReady());
 }
 
 TEST_F(Rights, OnAllNodesButTheTerminalGiveNoCameraAndResetIt)
 {
-    openToAll(node);
-    openToAll(usbNode(cameras));
+    openToAll(m_node);
+    openToAll(usbNode(m_cameras));
     ReadableLog const log(true);
     EXPECT_EQ(seenByNobody(), Json({{"listed", 1}, {"opened", false}}));
-    EXPECT_TRUE(waitFor([this] { return cameras.status()["plugs"] == 2; }));
-    EXPECT_TRUE(cameras.waitUntilReady());
+    EXPECT_TRUE(waitFor([this] { return m_cameras.status()["plugs"] == 2; }));
+    EXPECT_TRUE(m_cameras.waitUntilReady());
 }

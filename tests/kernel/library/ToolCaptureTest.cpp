@@ -27,7 +27,7 @@ std::uint32_t numberInPicture(Bytes const& picture, std::string const& header, u
 class ToolCaptures : public OrdinaryCamera
 {
 protected:
-    void SetUp() override { camera.reset(); }
+    void SetUp() override { m_camera.reset(); }
 };
 
 } // namespace
@@ -44,7 +44,7 @@ TEST_F(ToolCaptures, AreTheCamerasFrames)
         EXPECT_TRUE(bytes == painter.paint(number)) << number << " has " << bytes.size();
     }
     // What it selected stays.
-    std::string const text = v4l2Ctl(node, "--get-fmt-video --get-parm");
+    std::string const text = v4l2Ctl(m_node, "--get-fmt-video --get-parm");
     EXPECT_NE(text.find("Width/Height      : 320/240"), std::string::npos) << text;
     EXPECT_NE(text.find("Frames per second: 15.000"), std::string::npos) << text;
 }
@@ -79,7 +79,7 @@ TEST_F(ToolCaptures, BecomePicturesWhateverTheFormat)
 
 TEST_F(ToolCaptures, FailWhileAnotherProgramStreamsAndLeaveNoFile)
 {
-    CameraPointer const other = openListed(node);
+    CameraPointer const other = openListed(m_node);
     ASSERT_TRUE(other->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
     Stream const stream(*other, 4);
     CommandResult const result = runTool("capture 0 -o /tmp/none.raw");

@@ -14,11 +14,11 @@ class ControlSetTest : public testing::Test
 protected:
     UnitReply ask(std::uint8_t code, std::uint8_t unit, std::uint8_t selector, Bytes data = {})
     {
-        return controls.execute({code, unit, selector, data.size(), data});
+        return m_controls.execute({code, unit, selector, data.size(), data});
     }
 
-    Faults faults;
-    ControlSet controls{parseModel("vendor-new"), faults};
+    Faults m_faults;
+    ControlSet m_controls{parseModel("vendor-new"), m_faults};
 };
 
 } // namespace
@@ -74,7 +74,7 @@ TEST_F(ControlSetTest, StallsAsOftenAsOrderedAndOnlyWhereOrdered)
     stall.request = getCur;
     stall.remaining = 2;
     stall.error = UvcError::WrongState;
-    faults.stalls.push_back(stall);
+    m_faults.stalls.push_back(stall);
     EXPECT_FALSE(ask(getCur, processingUnit, 2).isRefused());
     EXPECT_FALSE(ask(getLen, extensionUnit, 1).isRefused());
     EXPECT_EQ(ask(getCur, extensionUnit, 1).error, UvcError::WrongState);
@@ -84,14 +84,14 @@ TEST_F(ControlSetTest, StallsAsOftenAsOrderedAndOnlyWhereOrdered)
 
 TEST_F(ControlSetTest, AnswersAbsurdLengthsWhenOrdered)
 {
-    faults.lengths[{extensionUnit, 1}] = 5000;
+    m_faults.lengths[{extensionUnit, 1}] = 5000;
     EXPECT_EQ(ask(getLen, extensionUnit, 1).data, (Bytes{0x88, 0x13}));
     EXPECT_EQ(ask(getCur, extensionUnit, 1).data.size(), 1U);
 }
 
 TEST_F(ControlSetTest, HasNoVendorControlsWithoutAnExtensionUnit)
 {
-    ControlSet plain{parseModel("vendor-old,extension-unit=no"), faults};
+    ControlSet plain{parseModel("vendor-old,extension-unit=no"), m_faults};
     EXPECT_EQ(plain.execute({getLen, extensionUnit, 1, 2, {}}).error, UvcError::InvalidControl);
 }
 

@@ -19,7 +19,7 @@ class SerialUnplugging : public testing::Test
 protected:
     ICameraControlNumeric<int>& focus()
     {
-        return dynamic_cast<ICameraControlNumeric<int>&>(*victim.camera().focusControl());
+        return dynamic_cast<ICameraControlNumeric<int>&>(*m_victim.camera().focusControl());
     }
 
     void expectDeadLink()
@@ -35,14 +35,14 @@ protected:
     template <typename Round>
     void repeat(int rounds, Round round)
     {
-        victim.repeat(rounds, round);
+        m_victim.repeat(rounds, round);
         EXPECT_GT(focus().maximum(), 0);
         EXPECT_TRUE(focus().setValue(focus().maximum()));
         EXPECT_EQ(focus().value(), focus().maximum());
     }
 
-    FuserFolder const folder;
-    Victim victim{"vendor-new"};
+    FuserFolder const m_folder;
+    Victim m_victim{"vendor-new"};
 };
 
 } // namespace
@@ -50,21 +50,21 @@ protected:
 TEST_F(SerialUnplugging, InsteadOfAReplyEndsTheExchangeWithinItsAttempts)
 {
     repeat(2, [this] {
-        victim.device().command("unplug serial 1");
+        m_victim.device().command("unplug serial 1");
         double const begin = monotonicSeconds();
         EXPECT_EQ(focus().value(), -1);
         EXPECT_LT(monotonicSeconds() - begin, patience);
-        EXPECT_EQ(victim.device().status()["plugged"], false);
+        EXPECT_EQ(m_victim.device().status()["plugged"], false);
         expectDeadLink();
-        victim.expectDead(false);
+        m_victim.expectDead(false);
     });
 }
 
 TEST_F(SerialUnplugging, WhileAReplyIsAwaitedEndsTheExchangeWithinItsAttempts)
 {
     repeat(2, [this] {
-        victim.device().command("serial silent");
-        int const before = victim.device().status()["serialPackets"];
+        m_victim.device().command("serial silent");
+        int const before = m_victim.device().status()["serialPackets"];
         double ended = 0;
         int value = 0;
         double begin = 0;
@@ -74,19 +74,19 @@ TEST_F(SerialUnplugging, WhileAReplyIsAwaitedEndsTheExchangeWithinItsAttempts)
                 ended = monotonicSeconds();
             });
             EXPECT_TRUE(
-                waitFor([&] { return victim.device().status()["serialPackets"] > before; }));
+                waitFor([&] { return m_victim.device().status()["serialPackets"] > before; }));
             begin = monotonicSeconds();
-            victim.device().command("unplug");
+            m_victim.device().command("unplug");
         }
         EXPECT_EQ(value, -1);
         EXPECT_LT(ended - begin, patience);
         expectDeadLink();
-        victim.expectDead(false);
-        victim.device().command("clear");
+        m_victim.expectDead(false);
+        m_victim.device().command("clear");
     });
 }
 
 TEST_F(SerialUnplugging, BetweenListAndOpenGivesNoCamera)
 {
-    repeat(2, [this] { EXPECT_EQ(victim.openFromStaleList(), nullptr); });
+    repeat(2, [this] { EXPECT_EQ(m_victim.openFromStaleList(), nullptr); });
 }

@@ -29,10 +29,10 @@ protected:
     template <typename Round>
     void repeat(Round round)
     {
-        victim.repeat(rounds, round);
+        m_victim.repeat(rounds, round);
     }
 
-    Victim victim{"ordinary"};
+    Victim m_victim{"ordinary"};
 };
 
 } // namespace
@@ -40,20 +40,20 @@ protected:
 TEST_F(Unplugging, WhileAFrameIsAwaitedEndsTheWait)
 {
     repeat([this] {
-        victim.device().command("hold 2");
-        victim.startCapture(4);
-        IFrame* const held = victim.camera().acquireFrame();
+        m_victim.device().command("hold 2");
+        m_victim.startCapture(4);
+        IFrame* const held = m_victim.camera().acquireFrame();
         ASSERT_FALSE(held->isInvalid());
-        ASSERT_FALSE(victim.camera().acquireFrame()->isInvalid());
+        ASSERT_FALSE(m_victim.camera().acquireFrame()->isInvalid());
         IFrame const* last = nullptr;
         double ended = 0;
         WatchedThread reader([&] {
-            last = victim.camera().acquireFrame();
+            last = m_victim.camera().acquireFrame();
             ended = monotonicSeconds();
         });
         EXPECT_TRUE(reader.awaitSelect());
         double const begin = monotonicSeconds();
-        victim.device().command("unplug");
+        m_victim.device().command("unplug");
         reader.join();
         EXPECT_TRUE(last->isInvalid());
         // Before the 2 s are over after which a wait ends by itself.
@@ -61,27 +61,27 @@ TEST_F(Unplugging, WhileAFrameIsAwaitedEndsTheWait)
         EXPECT_LT(ended - begin, 1.5);
         // The memory outlives the device.
         EXPECT_EQ(bytesOf(*held).size(), 160U * 120 * 2);
-        EXPECT_EQ(victim.camera().releaseFrame(held), -1);
-        victim.expectDead(true);
+        EXPECT_EQ(m_victim.camera().releaseFrame(held), -1);
+        m_victim.expectDead(true);
     });
 }
 
 TEST_F(Unplugging, WhileFramesFlowEndsThemWithTheInvalidOne)
 {
     repeat([this] {
-        victim.device().command("unplug frame 5");
-        victim.startCapture(4);
+        m_victim.device().command("unplug frame 5");
+        m_victim.startCapture(4);
         int frames = 0;
         double last = monotonicSeconds();
-        for (IFrame* frame; !(frame = victim.camera().acquireFrame())->isInvalid(); ++frames) {
+        for (IFrame* frame; !(frame = m_victim.camera().acquireFrame())->isInvalid(); ++frames) {
             EXPECT_FALSE(frame->isCorrupted());
             last = monotonicSeconds();
-            victim.camera().releaseFrame(frame);
+            m_victim.camera().releaseFrame(frame);
         }
         EXPECT_LT(monotonicSeconds() - last, patience);
         EXPECT_GT(frames, 0);
         EXPECT_LE(frames, 5);
-        victim.expectDead(true);
+        m_victim.expectDead(true);
     });
 }
 
@@ -90,8 +90,8 @@ TEST_F(Unplugging, InTheMiddleOfAControlRequestMakesItFail)
     int number = 0;
     repeat([this, &number] {
         bool const isRead = ++number % 2 == 0;
-        Numeric& contrast = numberOf(victim.camera(), "Contrast");
-        victim.device().command("unplug control 1");
+        Numeric& contrast = numberOf(m_victim.camera(), "Contrast");
+        m_victim.device().command("unplug control 1");
         double const begin = monotonicSeconds();
         if (isRead) {
             EXPECT_EQ(contrast.value(), 0);
@@ -99,20 +99,20 @@ TEST_F(Unplugging, InTheMiddleOfAControlRequestMakesItFail)
             EXPECT_FALSE(contrast.setValue(contrast.maximum()));
         }
         EXPECT_LT(monotonicSeconds() - begin, patience);
-        EXPECT_EQ(victim.device().status()["plugged"], false);
-        EXPECT_FALSE(numberOf(victim.camera(), "Brightness").setValue(0));
-        EXPECT_EQ(numberOf(victim.camera(), "Brightness").value(), 0);
+        EXPECT_EQ(m_victim.device().status()["plugged"], false);
+        EXPECT_FALSE(numberOf(m_victim.camera(), "Brightness").setValue(0));
+        EXPECT_EQ(numberOf(m_victim.camera(), "Brightness").value(), 0);
         // The flags stay what they were.
         EXPECT_TRUE(contrast.updateState());
         EXPECT_FALSE(contrast.isDisabled());
-        victim.expectDead(false);
+        m_victim.expectDead(false);
     });
 }
 
 TEST_F(Unplugging, BetweenListAndOpenGivesAnEmptyCamera)
 {
     repeat([this] {
-        CameraPointer const camera = victim.openFromStaleList();
+        CameraPointer const camera = m_victim.openFromStaleList();
         ASSERT_NE(camera, nullptr);
         EXPECT_EQ(camera->formatNumber(), 0);
         EXPECT_EQ(camera->controlNumber(), 0);

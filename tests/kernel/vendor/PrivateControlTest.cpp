@@ -38,8 +38,8 @@ ICameraControl::Type typeOf(ExpectedMapping const& row)
 class PrivateControls : public testing::Test
 {
 protected:
-    EmulatedCameras const cameras{{"vendor-old"}};
-    CameraPointer const camera = openListed(cameras.videoNode());
+    EmulatedCameras const m_cameras{{"vendor-old"}};
+    CameraPointer const m_camera = openListed(m_cameras.videoNode());
 };
 
 /// A call by hand, past libv4l2.
@@ -58,13 +58,13 @@ int errorOfPlainCall(std::string const& node, unsigned long request, unsigned id
 TEST_F(PrivateControls, AreListedWithNameTypeFamilyAndItems)
 {
     int found = 0;
-    for (int i = 0; i < camera->controlNumber(); ++i) {
-        found += camera->control(i)->id() >= V4L2_CID_PRIVATE_BASE ? 1 : 0;
+    for (int i = 0; i < m_camera->controlNumber(); ++i) {
+        found += m_camera->control(i)->id() >= V4L2_CID_PRIVATE_BASE ? 1 : 0;
     }
     EXPECT_EQ(found, static_cast<int>(expectedMappings().size()));
     for (ExpectedMapping const& row : expectedMappings()) {
         SCOPED_TRACE(row.name);
-        ICameraControl const& control = controlOf(*camera, row.name);
+        ICameraControl const& control = controlOf(*m_camera, row.name);
         EXPECT_EQ(control.id(), row.id);
         EXPECT_EQ(control.type(), typeOf(row));
         EXPECT_EQ(control.family(), row.family);
@@ -76,8 +76,8 @@ TEST_F(PrivateControls, AreListedWithNameTypeFamilyAndItems)
         }
         EXPECT_EQ(menu != nullptr ? menu->count() : 0, static_cast<int>(row.menu.size()));
     }
-    EXPECT_EQ(camera->lightModeControl()->id(), V4L2_CID_PRIVATE_BASE);
-    EXPECT_EQ(camera->autoGammaControl()->id(), V4L2_CID_PRIVATE_BASE + 28U);
+    EXPECT_EQ(m_camera->lightModeControl()->id(), V4L2_CID_PRIVATE_BASE);
+    EXPECT_EQ(m_camera->autoGammaControl()->id(), V4L2_CID_PRIVATE_BASE + 28U);
 }
 
 TEST_F(PrivateControls, WrittenHereArriveAtTheExtensionUnitAndTouchNothingElse)
@@ -87,42 +87,42 @@ TEST_F(PrivateControls, WrittenHereArriveAtTheExtensionUnitAndTouchNothingElse)
             continue;
         }
         SCOPED_TRACE(row.name);
-        ICameraControl& control = controlOf(*camera, row.name);
+        ICameraControl& control = controlOf(*m_camera, row.name);
         long long const value = otherValue(control, row);
-        Bytes const wanted =
-            withNumber(cameraBytes(cameras, 3, row.selector), row.offset / 8, row.size / 8, value);
-        cameras.mark();
+        Bytes const wanted = withNumber(cameraBytes(m_cameras, 3, row.selector), row.offset / 8,
+                                        row.size / 8, value);
+        m_cameras.mark();
         EXPECT_TRUE(setValue(control, row, value));
-        auto const written = cameras.requests("SET_CUR");
+        auto const written = m_cameras.requests("SET_CUR");
         ASSERT_EQ(written.size(), 1U);
         EXPECT_EQ(written[0]["kind"], "unit");
         EXPECT_EQ(written[0]["unit"], 3);
         EXPECT_EQ(written[0]["selector"], row.selector);
         EXPECT_EQ(written[0]["data"], toHex(wanted));
-        EXPECT_EQ(toHex(cameraBytes(cameras, 3, row.selector)), toHex(wanted));
+        EXPECT_EQ(toHex(cameraBytes(m_cameras, 3, row.selector)), toHex(wanted));
         EXPECT_EQ(valueOf(control, row), value);
     }
 }
 
 TEST_F(PrivateControls, ThatAreReadOnlyAreNotSent)
 {
-    cameras.mark();
+    m_cameras.mark();
     for (std::string const& name : readOnly) {
         EXPECT_FALSE(
-            dynamic_cast<ICameraControlNumeric<int>&>(controlOf(*camera, name)).setValue(0));
+            dynamic_cast<ICameraControlNumeric<int>&>(controlOf(*m_camera, name)).setValue(0));
     }
-    EXPECT_TRUE(cameras.requests("SET_CUR").empty());
+    EXPECT_TRUE(m_cameras.requests("SET_CUR").empty());
 }
 
 TEST_F(PrivateControls, AreRefusedByThePlainCallsOfThisKernel)
 {
-    std::string const node = cameras.videoNode();
-    cameras.mark();
+    std::string const node = m_cameras.videoNode();
+    m_cameras.mark();
     for (ExpectedMapping const& row : expectedMappings()) {
         EXPECT_EQ(errorOfPlainCall(node, VIDIOC_G_CTRL, row.id), EINVAL) << row.name;
         EXPECT_EQ(errorOfPlainCall(node, VIDIOC_S_CTRL, row.id), EINVAL) << row.name;
     }
-    EXPECT_TRUE(cameras.requests("SET_CUR").empty());
+    EXPECT_TRUE(m_cameras.requests("SET_CUR").empty());
     EXPECT_EQ(errorOfPlainCall(node, VIDIOC_S_CTRL, V4L2_CID_BRIGHTNESS), 0);
-    EXPECT_EQ(cameras.requests("SET_CUR").size(), 1U);
+    EXPECT_EQ(m_cameras.requests("SET_CUR").size(), 1U);
 }

@@ -27,8 +27,8 @@ namespace
 class PrivateControlOpeners : public testing::Test
 {
 protected:
-    EmulatedCameras const cameras{{"vendor-old"}};
-    CameraPointer camera = openListed(cameras.videoNode());
+    EmulatedCameras const m_cameras{{"vendor-old"}};
+    CameraPointer m_camera = openListed(m_cameras.videoNode());
 };
 
 /// Makes a control known to the driver by hand: 0, or what the driver has against it.
@@ -86,35 +86,35 @@ char const* shownFamily(ExpectedMapping const& row)
 
 TEST_F(PrivateControlOpeners, FindThemMappedAlreadyAndHaveTheSameControls)
 {
-    std::vector<unsigned> const ids = idsOf(*camera);
+    std::vector<unsigned> const ids = idsOf(*m_camera);
     for (ExpectedMapping const& row : expectedMappings()) {
         if (row.menu.empty()) {
-            EXPECT_EQ(errorOfMapping(cameras.videoNode(), row), EEXIST) << row.name;
+            EXPECT_EQ(errorOfMapping(m_cameras.videoNode(), row), EEXIST) << row.name;
         }
     }
-    CameraPointer const second = openListed(cameras.videoNode());
+    CameraPointer const second = openListed(m_cameras.videoNode());
     ASSERT_NE(second, nullptr);
     EXPECT_EQ(idsOf(*second), ids);
     ExpectedMapping const& row = expectedMappings().front();
     EXPECT_TRUE(setValue(controlOf(*second, row.name), row, 3));
-    EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), 3);
+    EXPECT_EQ(valueOf(controlOf(*m_camera, row.name), row), 3);
 
-    camera.reset();
-    camera = openListed(cameras.videoNode());
-    ASSERT_NE(camera, nullptr);
-    EXPECT_EQ(idsOf(*camera), ids);
-    EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), 3);
+    m_camera.reset();
+    m_camera = openListed(m_cameras.videoNode());
+    ASSERT_NE(m_camera, nullptr);
+    EXPECT_EQ(idsOf(*m_camera), ids);
+    EXPECT_EQ(valueOf(controlOf(*m_camera, row.name), row), 3);
 }
 
 TEST_F(PrivateControlOpeners, MayBeAnotherProgramMeanwhile)
 {
     ExpectedMapping const& row = expectedMappings().front();
-    EXPECT_TRUE(setValue(controlOf(*camera, row.name), row, 3));
+    EXPECT_TRUE(setValue(controlOf(*m_camera, row.name), row, 3));
     EXPECT_EQ(runTool("get 0 'Light Mode'").output, "Light Mode: 1 (Continuous)\n");
     EXPECT_EQ(runTool("set 0 'Light Mode=Off' 'Focus, Max (Range)=300'").status, 0);
-    EXPECT_EQ(valueOf(controlOf(*camera, row.name), row), 0);
-    EXPECT_EQ(cameras.command("get 3 1"), "00");
-    EXPECT_EQ(cameras.command("get 3 9"), "00002c010100");
+    EXPECT_EQ(valueOf(controlOf(*m_camera, row.name), row), 0);
+    EXPECT_EQ(m_cameras.command("get 3 1"), "00");
+    EXPECT_EQ(m_cameras.command("get 3 9"), "00002c010100");
 }
 
 TEST_F(PrivateControlOpeners, SeeThemInTheToolAsTheTableSays)
@@ -124,7 +124,7 @@ TEST_F(PrivateControlOpeners, SeeThemInTheToolAsTheTableSays)
     for (Json const& control : all.at("controls")) {
         shown[control.at("name")] = control;
     }
-    EXPECT_EQ(shown.size(), static_cast<std::size_t>(camera->controlNumber()));
+    EXPECT_EQ(shown.size(), static_cast<std::size_t>(m_camera->controlNumber()));
     for (ExpectedMapping const& row : expectedMappings()) {
         SCOPED_TRACE(row.name);
         ASSERT_EQ(shown.count(row.name), 1U);

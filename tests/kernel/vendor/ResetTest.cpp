@@ -47,46 +47,46 @@ bool wasReset(EmulatedCameras const& cameras)
 class Reset : public testing::TestWithParam<char const*>
 {
 protected:
-    FuserFolder const folder;
-    EmulatedCameras const cameras{{GetParam()}};
+    FuserFolder const m_folder;
+    EmulatedCameras const m_cameras{{GetParam()}};
 };
 
 } // namespace
 
 TEST_P(Reset, IsSeenAsRemovalAndAdditionByBothMonitors)
 {
-    std::string const node = cameras.videoNode();
+    std::string const node = m_cameras.videoNode();
     CameraPointer camera = openListed(node);
     ASSERT_NE(camera, nullptr);
     ContinuousWatch continuous;
     BlockingWatch blocking;
     blocking.beginToAsk();
     EXPECT_TRUE(camera->softwareReset());
-    EXPECT_TRUE(cameras.waitUntilGone());
+    EXPECT_TRUE(m_cameras.waitUntilGone());
     EXPECT_TRUE(camera->acquireFrame()->isInvalid());
     // The numbers of nodes that are held are not given anew.
     camera.reset();
-    EXPECT_TRUE(cameras.waitUntilReady());
-    EXPECT_EQ(cameras.videoNode(), node);
+    EXPECT_TRUE(m_cameras.waitUntilReady());
+    EXPECT_EQ(m_cameras.videoNode(), node);
     for (auto const& events : {std::function([&] { return continuous.events(); }),
                                std::function([&] { return blocking.events(); })}) {
         EXPECT_TRUE(waitFor([&] { return placeOf(events(), "add", node) < events().size(); }));
         expectComingBack(events(), node);
     }
-    EXPECT_TRUE(wasReset(cameras));
-    EXPECT_EQ(cameras.status()["plugs"], 2);
+    EXPECT_TRUE(wasReset(m_cameras));
+    EXPECT_EQ(m_cameras.status()["plugs"], 2);
     EXPECT_NE(openListed(node), nullptr);
 }
 
 TEST_P(Reset, ByTheToolIsSeenByItsMonitor)
 {
-    std::string const node = cameras.videoNode();
+    std::string const node = m_cameras.videoNode();
     BackgroundCommand const monitor(toolPath() + " monitor --json");
     ASSERT_TRUE(waitFor([&] { return monitor.listensToUdev(); }));
     EXPECT_EQ(runTool("reset 0").status, 0);
-    EXPECT_TRUE(waitFor([&] { return cameras.status()["plugs"] == 2; }));
-    EXPECT_TRUE(cameras.waitUntilReady());
-    EXPECT_TRUE(wasReset(cameras));
+    EXPECT_TRUE(waitFor([&] { return m_cameras.status()["plugs"] == 2; }));
+    EXPECT_TRUE(m_cameras.waitUntilReady());
+    EXPECT_TRUE(wasReset(m_cameras));
     auto const events = [&] {
         VideoEvents seen;
         for (std::string const& line : splitLines(monitor.output())) {
@@ -98,7 +98,7 @@ TEST_P(Reset, ByTheToolIsSeenByItsMonitor)
         return seen;
     };
     // The tool may hold the node for a moment longer than the camera is gone.
-    std::string const present = cameras.videoNode();
+    std::string const present = m_cameras.videoNode();
     EXPECT_TRUE(waitFor([&] { return placeOf(events(), "add", present) < events().size(); }))
         << monitor.output();
     EXPECT_LT(placeOf(events(), "remove", node), placeOf(events(), "add", present));

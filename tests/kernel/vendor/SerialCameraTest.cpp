@@ -29,21 +29,21 @@ bool isOpenHere(std::string const& node)
 class SerialCamera : public testing::Test
 {
 protected:
-    FuserFolder const folder;
-    EmulatedCameras const cameras{{"vendor-new"}};
+    FuserFolder const m_folder;
+    EmulatedCameras const m_cameras{{"vendor-new"}};
 };
 
 } // namespace
 
 TEST_F(SerialCamera, FindsItsPortInTheKernelsLogAndHoldsIt)
 {
-    std::string const node = cameras.serialNode();
+    std::string const node = m_cameras.serialNode();
     std::string const line = lastKernelLine("ttyACM");
-    std::string const usbPath = cameras.usbFolder().substr(cameras.usbFolder().rfind('/') + 1);
+    std::string const usbPath = m_cameras.usbFolder().substr(m_cameras.usbFolder().rfind('/') + 1);
     EXPECT_NE(line.find("cdc_acm " + usbPath + ":1.5: " + node.substr(5) + ": USB ACM device"),
               std::string::npos)
         << line;
-    CameraPointer camera = openListed(cameras.videoNode());
+    CameraPointer camera = openListed(m_cameras.videoNode());
     ASSERT_NE(camera, nullptr);
     EXPECT_TRUE(isOpenHere(node));
     EXPECT_NE(runShell("./fuser " + node + " 2> /dev/null").output, "");
@@ -54,7 +54,7 @@ TEST_F(SerialCamera, FindsItsPortInTheKernelsLogAndHoldsIt)
 
 TEST_F(SerialCamera, DeliversEveryFrameWhileItsControlsAreUsed)
 {
-    CameraPointer const camera = openListed(cameras.videoNode());
+    CameraPointer const camera = openListed(m_cameras.videoNode());
     ASSERT_NE(camera, nullptr);
     ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
     auto& light = dynamic_cast<ICameraControlNumeric<int>&>(*camera->lightIntensityControl());
@@ -83,14 +83,14 @@ TEST_F(SerialCamera, IsShownReadSetAndCapturedByTheTool)
         EXPECT_NE(control->at("value"), nullptr) << row.name;
         ++control;
     }
-    cameras.mark();
+    m_cameras.mark();
     EXPECT_EQ(runTool("set 0 lighting_mode=Continuous 'Focus Window X2=77' 2> /dev/null").status,
               0);
-    auto const written = cameras.requests("SET_CUR");
+    auto const written = m_cameras.requests("SET_CUR");
     ASSERT_EQ(written.size(), 2U);
     EXPECT_EQ(written[0]["kind"], "serial");
-    EXPECT_EQ(cameras.command("get 3 1"), "03");
-    EXPECT_EQ(cameras.command("get 3 20"), "00004d0000000000");
+    EXPECT_EQ(m_cameras.command("get 3 1"), "03");
+    EXPECT_EQ(m_cameras.command("get 3 20"), "00004d0000000000");
     std::string const file = "frame.raw";
     EXPECT_EQ(runTool("capture 0 --format YUYV --size 160x120 -o " + file + " 2> /dev/null").status,
               0);

@@ -35,22 +35,22 @@ class SerialOpening : public testing::Test
 protected:
     void start(std::string const& model, EmulatedCameras::Texts const& commands = {})
     {
-        cameras = std::make_unique<EmulatedCameras>(EmulatedCameras::Texts{model}, commands);
-        plugs = cameras->status()["plugs"];
+        m_cameras = std::make_unique<EmulatedCameras>(EmulatedCameras::Texts{model}, commands);
+        m_plugs = m_cameras->status()["plugs"];
     }
 
     void awaitReset()
     {
-        ++plugs;
-        EXPECT_TRUE(waitFor([&] { return cameras->status()["plugs"] == plugs; }));
-        EXPECT_TRUE(cameras->waitUntilReady());
+        ++m_plugs;
+        EXPECT_TRUE(waitFor([&] { return m_cameras->status()["plugs"] == m_plugs; }));
+        EXPECT_TRUE(m_cameras->waitUntilReady());
     }
 
     void expectRefusal()
     {
-        EXPECT_EQ(openListed(cameras->videoNode()), nullptr);
+        EXPECT_EQ(openListed(m_cameras->videoNode()), nullptr);
         EXPECT_EQ(openNodes(), std::vector<std::string>{});
-        EXPECT_EQ(childrenOfThisProcess(), children);
+        EXPECT_EQ(childrenOfThisProcess(), m_children);
         awaitReset();
     }
 
@@ -58,16 +58,16 @@ protected:
     int serialRequests(std::string const& name) const
     {
         int count = 0;
-        for (EmulatedCameras::Json const& request : cameras->requests(name)) {
+        for (EmulatedCameras::Json const& request : m_cameras->requests(name)) {
             count += request["kind"] == "serial" ? 1 : 0;
         }
         return count;
     }
 
-    FuserFolder const folder;
-    std::unique_ptr<EmulatedCameras> cameras;
-    unsigned plugs = 0;
-    int children = 0;
+    FuserFolder const m_folder;
+    std::unique_ptr<EmulatedCameras> m_cameras;
+    unsigned m_plugs = 0;
+    int m_children = 0;
 };
 
 } // namespace
@@ -75,24 +75,24 @@ protected:
 TEST_F(SerialOpening, OfAHeldPortResetsTheCamera)
 {
     start("vendor-new");
-    std::string const node = cameras->serialNode();
+    std::string const node = m_cameras->serialNode();
     int const holder = ::open(node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     ASSERT_NE(holder, -1);
-    cameras->mark();
-    EXPECT_EQ(openListed(cameras->videoNode()), nullptr);
+    m_cameras->mark();
+    EXPECT_EQ(openListed(m_cameras->videoNode()), nullptr);
     EXPECT_EQ(openNodes().size(), 1U);
     EXPECT_EQ(serialRequests("GET_LEN"), 0);
     awaitReset();
     // The name of a terminal that is held is not given anew.
-    EXPECT_NE(cameras->serialNode(), node);
+    EXPECT_NE(m_cameras->serialNode(), node);
     ::close(holder);
 }
 
 TEST_F(SerialOpening, OfACameraThatDoesNotAnswerEndsAtItsFirstControl)
 {
     start("vendor-new", {"1 serial silent"});
-    children = childrenOfThisProcess();
-    cameras->mark();
+    m_children = childrenOfThisProcess();
+    m_cameras->mark();
     double const begin = monotonicSeconds();
     expectRefusal();
     EXPECT_LT(monotonicSeconds() - begin, 10);
@@ -112,10 +112,11 @@ TEST_F(SerialOpening, OfACameraThatDoesNotAnswerEndsAtItsFirstControl)
 TEST_F(SerialOpening, OfACameraWithoutAPortResetsIt)
 {
     start("vendor-new,serial-port=no");
-    children = childrenOfThisProcess();
-    EXPECT_EQ(cameras->serialNode(), "");
+    m_children = childrenOfThisProcess();
+    EXPECT_EQ(m_cameras->serialNode(), "");
     expectRefusal();
     CommandResult const shown = runTool("list");
     EXPECT_EQ(shown.status, 0);
-    EXPECT_NE(shown.output.find(cameras->videoNode().substr(5)), std::string::npos) << shown.output;
+    EXPECT_NE(shown.output.find(m_cameras->videoNode().substr(5)), std::string::npos)
+        << shown.output;
 }

@@ -18,8 +18,8 @@ class MonitorTool : public testing::Test
 protected:
     void start(std::string const& arguments)
     {
-        command = std::make_unique<BackgroundCommand>(toolPath() + " monitor " + arguments);
-        ASSERT_TRUE(waitFor([&] { return command->listensToUdev(); })) << command->output();
+        m_command = std::make_unique<BackgroundCommand>(toolPath() + " monitor " + arguments);
+        ASSERT_TRUE(waitFor([&] { return m_command->listensToUdev(); })) << m_command->output();
     }
 
     static void comeAndGo()
@@ -30,9 +30,9 @@ protected:
         ASSERT_TRUE(waitFor([] { return runShell("rmmod vivid").status == 0; }));
     }
 
-    std::vector<std::string> lines() const { return splitLines(command->output()); }
+    std::vector<std::string> lines() const { return splitLines(m_command->output()); }
 
-    std::unique_ptr<BackgroundCommand> command;
+    std::unique_ptr<BackgroundCommand> m_command;
 };
 
 } // namespace
@@ -41,8 +41,8 @@ TEST_F(MonitorTool, PrintsALineForEachEventAndEndsAfterSoMany)
 {
     start("--count 2 --timeout 120");
     comeAndGo();
-    EXPECT_EQ(command->wait(), 0);
-    ASSERT_EQ(lines().size(), 2U) << command->output();
+    EXPECT_EQ(m_command->wait(), 0);
+    ASSERT_EQ(lines().size(), 2U) << m_command->output();
     EXPECT_NE(lines()[0].find(" add /dev/video0 video4linux"), std::string::npos) << lines()[0];
     EXPECT_NE(lines()[1].find(" remove /dev/video0 video4linux"), std::string::npos) << lines()[1];
 }
@@ -51,20 +51,20 @@ TEST_F(MonitorTool, PrintsObjectsAndEndsWithCtrlC)
 {
     start("--json");
     comeAndGo();
-    ASSERT_TRUE(waitFor([&] { return lines().size() == 2; })) << command->output();
+    ASSERT_TRUE(waitFor([&] { return lines().size() == 2; })) << m_command->output();
     Json const added = Json::parse(lines()[0]);
     EXPECT_EQ(added.at("action"), "add");
     EXPECT_EQ(added.at("node"), "/dev/video0");
     EXPECT_EQ(added.at("subsystem"), "video4linux");
     EXPECT_EQ(Json::parse(lines()[1]).at("action"), "remove");
-    command->signal(SIGINT);
-    EXPECT_EQ(command->wait(), 0);
+    m_command->signal(SIGINT);
+    EXPECT_EQ(m_command->wait(), 0);
     EXPECT_EQ(lines().size(), 2U);
 }
 
 TEST_F(MonitorTool, EndsInTimeWhenNothingHappens)
 {
     start("--timeout 1");
-    EXPECT_EQ(command->wait(), 0);
-    EXPECT_EQ(command->output(), "");
+    EXPECT_EQ(m_command->wait(), 0);
+    EXPECT_EQ(m_command->output(), "");
 }

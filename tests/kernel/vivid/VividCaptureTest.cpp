@@ -25,19 +25,19 @@ protected:
     void SetUp() override
     {
         showStillPicture();
-        ASSERT_NE(camera, nullptr);
-        ASSERT_TRUE(selectSmall(*camera));
+        ASSERT_NE(m_camera, nullptr);
+        ASSERT_TRUE(selectSmall(*m_camera));
     }
 
     /// Presses a button of vivid's, through the library.
     void press(char const* name) const
     {
-        auto* const button = dynamic_cast<ICameraControlButton*>(camera->control(name));
+        auto* const button = dynamic_cast<ICameraControlButton*>(m_camera->control(name));
         ASSERT_NE(button, nullptr) << name;
         EXPECT_TRUE(button->clicked()) << name;
     }
 
-    CameraPointer camera = openCamera();
+    CameraPointer m_camera = openCamera();
 };
 
 struct FrameRecord
@@ -97,13 +97,14 @@ TEST_F(VividCapture, FramesRiseInNumberAndTimeAndThreeHundredInARowComeWithoutLo
     // vivid skips a frame by itself when a busy host keeps the whole machine from running, so the
     // row may begin anew; a loss of the library's own making would never let it end.
     std::size_t row = 0;
-    FrameRecords const frames = captureUntil(*camera, smallSize, [&](FrameRecords const& records) {
-        std::size_t const count = records.size();
-        bool const follows =
-            count > 1 && records[count - 1].counter == records[count - 2].counter + 1;
-        row = follows ? row + 1 : std::min<std::size_t>(count, 1);
-        return row == 300 || count == 1000;
-    });
+    FrameRecords const frames =
+        captureUntil(*m_camera, smallSize, [&](FrameRecords const& records) {
+            std::size_t const count = records.size();
+            bool const follows =
+                count > 1 && records[count - 1].counter == records[count - 2].counter + 1;
+            row = follows ? row + 1 : std::min<std::size_t>(count, 1);
+            return row == 300 || count == 1000;
+        });
     EXPECT_EQ(row, 300U);
     EXPECT_EQ(frames.front().counter, 0U);
     EXPECT_GE(frames.front().stamp, begin);
@@ -117,7 +118,7 @@ TEST_F(VividCapture, FramesRiseInNumberAndTimeAndThreeHundredInARowComeWithoutLo
 TEST_F(VividCapture, NumbersStartAnewWithEachCapture)
 {
     for (int round = 0; round < 3; ++round) {
-        FrameRecords const frames = captureFrames(*camera, 3);
+        FrameRecords const frames = captureFrames(*m_camera, 3);
         ASSERT_EQ(frames.size(), 3U);
         EXPECT_EQ(frames.front().counter, 0U);
     }
@@ -127,11 +128,11 @@ TEST_F(VividCapture, FramesAreThoseThatV4l2CtlWrites)
 {
     for (char const* format : {"YUYV", "UYVY", "GREY", "NV12", "RGB3", "YU12", "RGGB"}) {
         SCOPED_TRACE(format);
-        ASSERT_TRUE(selectSmall(*camera, format));
+        ASSERT_TRUE(selectSmall(*m_camera, format));
         Bytes const wanted = capturedByV4l2Ctl(firstNode);
         ASSERT_FALSE(wanted.empty());
-        Stream const stream(*camera, 2);
-        IFrame const* const frame = camera->acquireFrame();
+        Stream const stream(*m_camera, 2);
+        IFrame const* const frame = m_camera->acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
         EXPECT_EQ(frame->bytesUsed(), wanted.size());
         EXPECT_TRUE(bytesOf(*frame) == wanted);
@@ -144,122 +145,122 @@ TEST_F(VividCapture, AStillPictureIsTheSameInEveryFrameAndDiffersFromAnother)
     v4l2Ctl(firstNode, "--set-ctrl=test_pattern=10");
     Bytes const wanted = capturedByV4l2Ctl(firstNode);
     EXPECT_FALSE(wanted == other);
-    Stream const stream(*camera, 4);
+    Stream const stream(*m_camera, 4);
     for (int i = 0; i < 20; ++i) {
-        IFrame* const frame = camera->acquireFrame();
+        IFrame* const frame = m_camera->acquireFrame();
         EXPECT_TRUE(bytesOf(*frame) == wanted) << i;
-        camera->releaseFrame(frame);
+        m_camera->releaseFrame(frame);
     }
 }
 
 TEST_F(VividCapture, AFrameWithTheErrorBitIsCorruptedAndTheNextIsNot)
 {
-    Stream const stream(*camera, 4);
-    EXPECT_FALSE(camera->acquireFrame()->isCorrupted());
+    Stream const stream(*m_camera, 4);
+    EXPECT_FALSE(m_camera->acquireFrame()->isCorrupted());
     press("Inject V4L2_BUF_FLAG_ERROR");
     bool wasCorrupted = false;
     for (int i = 0; i < 10 && !wasCorrupted; ++i) {
-        IFrame* const frame = camera->acquireFrame();
+        IFrame* const frame = m_camera->acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
         wasCorrupted = frame->isCorrupted();
-        camera->releaseFrame(frame);
+        m_camera->releaseFrame(frame);
     }
     EXPECT_TRUE(wasCorrupted);
-    EXPECT_FALSE(camera->acquireFrame()->isCorrupted());
+    EXPECT_FALSE(m_camera->acquireFrame()->isCorrupted());
 }
 
 TEST_F(VividCapture, DroppedFramesAreGapsInTheNumbers)
 {
     ControlKeeper const keeper(firstNode);
     v4l2Ctl(firstNode, "--set-ctrl=percentage_of_dropped_buffers=50");
-    EXPECT_GT(countLost(captureFrames(*camera, 20)), 0U);
+    EXPECT_GT(countLost(captureFrames(*m_camera, 20)), 0U);
 }
 
 TEST_F(VividCapture, RefusedCallsFailAndTheNextCaptureWorks)
 {
     press("Inject VIDIOC_REQBUFS Error");
-    EXPECT_EQ(camera->setup(4), -1);
-    EXPECT_EQ(camera->cleanup(), 0);
+    EXPECT_EQ(m_camera->setup(4), -1);
+    EXPECT_EQ(m_camera->cleanup(), 0);
 
-    ASSERT_EQ(camera->setup(4), 0);
+    ASSERT_EQ(m_camera->setup(4), 0);
     press("Inject VIDIOC_QBUF Error");
-    EXPECT_EQ(camera->startCapture(), -1);
-    EXPECT_EQ(camera->cleanup(), 0);
+    EXPECT_EQ(m_camera->startCapture(), -1);
+    EXPECT_EQ(m_camera->cleanup(), 0);
 
-    ASSERT_EQ(camera->setup(4), 0);
+    ASSERT_EQ(m_camera->setup(4), 0);
     press("Inject VIDIOC_STREAMON Error");
-    EXPECT_EQ(camera->startCapture(), -1);
-    EXPECT_EQ(camera->cleanup(), 0);
+    EXPECT_EQ(m_camera->startCapture(), -1);
+    EXPECT_EQ(m_camera->cleanup(), 0);
 
-    EXPECT_EQ(captureFrames(*camera, 5).size(), 5U);
+    EXPECT_EQ(captureFrames(*m_camera, 5).size(), 5U);
 }
 
 TEST_F(VividCapture, AFatalErrorEndsInTheInvalidFrameAndTheNextCaptureWorks)
 {
     {
-        Stream const stream(*camera, 4);
+        Stream const stream(*m_camera, 4);
         press("Inject Fatal Streaming Error");
-        EXPECT_TRUE(camera->acquireFrame()->isInvalid());
+        EXPECT_TRUE(m_camera->acquireFrame()->isInvalid());
     }
-    EXPECT_EQ(captureFrames(*camera, 5).size(), 5U);
+    EXPECT_EQ(captureFrames(*m_camera, 5).size(), 5U);
 }
 
 TEST_F(VividCapture, WithAllBuffersHeldNoFrameComesWithinTwoSeconds)
 {
-    Stream const stream(*camera, 4);
+    Stream const stream(*m_camera, 4);
     std::vector<IFrame*> held;
     for (int i = 0; i < 4; ++i) {
-        held.push_back(camera->acquireFrame());
+        held.push_back(m_camera->acquireFrame());
         ASSERT_FALSE(held.back()->isInvalid());
     }
     double const begin = monotonicSeconds();
-    EXPECT_TRUE(camera->acquireFrame()->isInvalid());
+    EXPECT_TRUE(m_camera->acquireFrame()->isInvalid());
     double const waited = monotonicSeconds() - begin;
     EXPECT_GE(waited, 1.99);
     EXPECT_LT(waited, 4);
     for (IFrame* const frame : held) {
-        EXPECT_EQ(camera->releaseFrame(frame), 0);
+        EXPECT_EQ(m_camera->releaseFrame(frame), 0);
     }
-    EXPECT_FALSE(camera->acquireFrame()->isInvalid());
+    EXPECT_FALSE(m_camera->acquireFrame()->isInvalid());
 }
 
 TEST_F(VividCapture, TheDriverMayGrantMoreBuffersThanAskedFor)
 {
-    Stream const stream(*camera, 1);
+    Stream const stream(*m_camera, 1);
     EXPECT_EQ(stream.takeAll().size(), 2U);
 }
 
 TEST_F(VividCapture, TheDriverMayGrantFewerBuffersThanAskedFor)
 {
-    ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 320, 180, 1, 50));
+    ASSERT_TRUE(m_camera->setCurrentImageFormat("YUYV", 320, 180, 1, 50));
     for (int const asked : {40, -1}) {
-        Stream const stream(*camera, asked);
+        Stream const stream(*m_camera, asked);
         EXPECT_EQ(stream.takeAll().size(), 32U) << asked;
     }
 }
 
 TEST_F(VividCapture, NoBuffersAreNoCapture)
 {
-    EXPECT_EQ(camera->setup(0), -1);
-    EXPECT_TRUE(camera->acquireFrame()->isInvalid());
-    EXPECT_EQ(camera->cleanup(), 0);
+    EXPECT_EQ(m_camera->setup(0), -1);
+    EXPECT_TRUE(m_camera->acquireFrame()->isInvalid());
+    EXPECT_EQ(m_camera->cleanup(), 0);
 }
 
 TEST_F(VividCapture, StoppingFromAnotherThreadEndsAWait)
 {
-    Stream const stream(*camera, 2);
-    ASSERT_FALSE(camera->acquireFrame()->isInvalid());
-    ASSERT_FALSE(camera->acquireFrame()->isInvalid());
+    Stream const stream(*m_camera, 2);
+    ASSERT_FALSE(m_camera->acquireFrame()->isInvalid());
+    ASSERT_FALSE(m_camera->acquireFrame()->isInvalid());
     IFrame const* last = nullptr;
     double const begin = monotonicSeconds();
     double ended = begin;
     {
         WatchedThread reader([&] {
-            last = camera->acquireFrame();
+            last = m_camera->acquireFrame();
             ended = monotonicSeconds();
         });
         ASSERT_TRUE(reader.awaitSelect());
-        EXPECT_EQ(camera->stopCapture(), 0);
+        EXPECT_EQ(m_camera->stopCapture(), 0);
     }
     EXPECT_TRUE(last->isInvalid());
     // Left alone it would have waited for two seconds.
@@ -268,23 +269,23 @@ TEST_F(VividCapture, StoppingFromAnotherThreadEndsAWait)
 
 TEST_F(VividCapture, TheFormatStaysWhileStreaming)
 {
-    IFrameSize const* const before = camera->currentFrameSize();
+    IFrameSize const* const before = m_camera->currentFrameSize();
     {
-        Stream const stream(*camera, 4);
-        EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
-        EXPECT_FALSE(camera->setCurrentImageFormat("GREY", 320, 180, 1, 25));
-        EXPECT_EQ(camera->currentFrameSize(), before);
-        EXPECT_EQ(camera->acquireFrame()->bytesUsed(), smallSize);
+        Stream const stream(*m_camera, 4);
+        EXPECT_FALSE(m_camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
+        EXPECT_FALSE(m_camera->setCurrentImageFormat("GREY", 320, 180, 1, 25));
+        EXPECT_EQ(m_camera->currentFrameSize(), before);
+        EXPECT_EQ(m_camera->acquireFrame()->bytesUsed(), smallSize);
     }
-    EXPECT_TRUE(camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
+    EXPECT_TRUE(m_camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
 }
 
 TEST_F(VividCapture, TheFormatStaysWhileBuffersArePrepared)
 {
-    ASSERT_EQ(camera->setup(4), 0);
-    EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
-    EXPECT_EQ(camera->cleanup(), 0);
-    EXPECT_TRUE(camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
+    ASSERT_EQ(m_camera->setup(4), 0);
+    EXPECT_FALSE(m_camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
+    EXPECT_EQ(m_camera->cleanup(), 0);
+    EXPECT_TRUE(m_camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
 }
 
 TEST_F(VividCapture, TwoCamerasCaptureAtOnce)
@@ -295,7 +296,7 @@ TEST_F(VividCapture, TwoCamerasCaptureAtOnce)
     ASSERT_TRUE(other->setCurrentImageFormat("GREY", 640, 360, 1, 10));
     FrameRecords fromOther;
     std::thread thread([&] { fromOther = captureFrames(*other, 20, 640 * 360); });
-    FrameRecords const fromFirst = captureFrames(*camera, 50);
+    FrameRecords const fromFirst = captureFrames(*m_camera, 50);
     thread.join();
     EXPECT_EQ(fromFirst.size(), 50U);
     EXPECT_EQ(fromOther.size(), 20U);

@@ -15,9 +15,9 @@ TEST_F(VividControlSet, HasEveryPlainControlAsListed)
 {
     std::vector<ListedControl> const listed = plainControls(firstNode);
     ASSERT_GT(listed.size(), 50U);
-    EXPECT_EQ(camera->controlNumber(), static_cast<int>(listed.size()));
+    EXPECT_EQ(m_camera->controlNumber(), static_cast<int>(listed.size()));
     for (ListedControl const& one : listed) {
-        expectListedControl(*camera, one);
+        expectListedControl(*m_camera, one);
     }
 }
 
@@ -26,7 +26,7 @@ TEST_F(VividControlSet, HasMenusWithHoles)
     unsigned holes = 0;
     for (ListedControl const& one : plainControls(firstNode)) {
         auto const* const menu =
-            dynamic_cast<ICameraControlStringMenu const*>(controlById(*camera, one.id));
+            dynamic_cast<ICameraControlStringMenu const*>(controlById(*m_camera, one.id));
         if (menu != nullptr && one.number("max") - one.number("min") + 1 > menu->count()) {
             ++holes;
         }
@@ -37,8 +37,8 @@ TEST_F(VividControlSet, HasMenusWithHoles)
 TEST_F(VividControlSet, HasAControlOfEachTypeThatVividOffers)
 {
     std::set<ICameraControl::Type> types;
-    for (int i = 0; i < camera->controlNumber(); ++i) {
-        types.insert(camera->control(i)->type());
+    for (int i = 0; i < m_camera->controlNumber(); ++i) {
+        types.insert(m_camera->control(i)->type());
     }
     for (auto const& [print, type] : typesByPrint()) {
         EXPECT_EQ(types.count(type), 1U) << print;
@@ -47,9 +47,9 @@ TEST_F(VividControlSet, HasAControlOfEachTypeThatVividOffers)
 
 TEST_F(VividControlSet, IsSortedByName)
 {
-    for (int i = 1; i < camera->controlNumber(); ++i) {
-        EXPECT_LE(std::strcmp(camera->control(i - 1)->name(), camera->control(i)->name()), 0)
-            << camera->control(i)->name();
+    for (int i = 1; i < m_camera->controlNumber(); ++i) {
+        EXPECT_LE(std::strcmp(m_camera->control(i - 1)->name(), m_camera->control(i)->name()), 0)
+            << m_camera->control(i)->name();
     }
 }
 
@@ -59,20 +59,20 @@ TEST_F(VividControlSet, HasNoCompoundControl)
     for (ListedControl const& one : listControls(firstNode)) {
         if (one.isCompound()) {
             ++compound;
-            EXPECT_EQ(controlById(*camera, one.id), camera->invalidControl()) << one.name;
+            EXPECT_EQ(controlById(*m_camera, one.id), m_camera->invalidControl()) << one.name;
         }
     }
     EXPECT_GE(compound, 6U);
-    EXPECT_EQ(camera->control("U8 2x3x4x5 Array"), camera->invalidControl());
+    EXPECT_EQ(m_camera->control("U8 2x3x4x5 Array"), m_camera->invalidControl());
 }
 
 TEST_F(VividControlSet, AnswersByTheNamedGetters)
 {
-    EXPECT_STREQ(camera->brightnessControl()->name(), "Brightness");
-    EXPECT_STREQ(camera->contrastControl()->name(), "Contrast");
-    EXPECT_STREQ(camera->saturationControl()->name(), "Saturation");
-    EXPECT_STREQ(camera->hueControl()->name(), "Hue");
-    EXPECT_STREQ(camera->gainControl()->name(), "Gain");
-    EXPECT_EQ(camera->focusControl(), camera->invalidControl());
-    EXPECT_EQ(camera->lightModeControl(), camera->invalidControl());
+    EXPECT_STREQ(m_camera->brightnessControl()->name(), "Brightness");
+    EXPECT_STREQ(m_camera->contrastControl()->name(), "Contrast");
+    EXPECT_STREQ(m_camera->saturationControl()->name(), "Saturation");
+    EXPECT_STREQ(m_camera->hueControl()->name(), "Hue");
+    EXPECT_STREQ(m_camera->gainControl()->name(), "Gain");
+    EXPECT_EQ(m_camera->focusControl(), m_camera->invalidControl());
+    EXPECT_EQ(m_camera->lightModeControl(), m_camera->invalidControl());
 }

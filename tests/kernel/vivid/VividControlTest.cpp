@@ -294,9 +294,9 @@ TEST_F(VividControls, AnInactiveControlIsKnownByTheLastUpdate)
 TEST_F(VividControls, AGrabbedControlIsNotWrittenWhileStreaming)
 {
     auto& cropping = control<ICameraControlBoolean>("Enable Capture Cropping");
-    ASSERT_TRUE(selectSmall(*camera));
+    ASSERT_TRUE(selectSmall(*m_camera));
     {
-        Stream const stream(*camera, 4);
+        Stream const stream(*m_camera, 4);
         EXPECT_TRUE(cropping.updateState());
         EXPECT_TRUE(cropping.isGrabbed());
         EXPECT_FALSE(cropping.setValue(false));
@@ -317,31 +317,31 @@ TEST_F(VividControls, ButtonsAreWriteOnlyAndCanBePressed)
     EXPECT_TRUE(button.clicked());
     // vivid refuses the next set-up when this one is pressed, which shows that it arrived.
     EXPECT_TRUE(control<ICameraControlButton>("Inject VIDIOC_REQBUFS Error").clicked());
-    EXPECT_EQ(camera->setup(4), -1);
-    EXPECT_EQ(camera->setup(4), 0);
-    EXPECT_EQ(camera->cleanup(), 0);
+    EXPECT_EQ(m_camera->setup(4), -1);
+    EXPECT_EQ(m_camera->setup(4), 0);
+    EXPECT_EQ(m_camera->cleanup(), 0);
 }
 
 TEST_F(VividControls, ControlsActOnThePictureWhileStreaming)
 {
     showStillPicture();
-    ASSERT_TRUE(selectSmall(*camera));
+    ASSERT_TRUE(selectSmall(*m_camera));
     v4l2Ctl(firstNode, "--set-ctrl=test_pattern=6");
     Bytes const white = capturedByV4l2Ctl(firstNode);
     showStillPicture();
-    Stream const stream(*camera, 2);
-    IFrame* const before = camera->acquireFrame();
+    Stream const stream(*m_camera, 2);
+    IFrame* const before = m_camera->acquireFrame();
     EXPECT_FALSE(bytesOf(*before) == white);
-    camera->releaseFrame(before);
+    m_camera->releaseFrame(before);
     auto& pattern = control<ICameraControlStringMenu>("Test Pattern");
     ASSERT_TRUE(pattern.setCurrentIndex(6));
     EXPECT_STREQ(pattern.currentString(), "100% White");
     bool isWhite = false;
     for (int i = 0; i < 20 && !isWhite; ++i) {
-        IFrame* const frame = camera->acquireFrame();
+        IFrame* const frame = m_camera->acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
         isWhite = bytesOf(*frame) == white;
-        camera->releaseFrame(frame);
+        m_camera->releaseFrame(frame);
     }
     EXPECT_TRUE(isWhite);
 }

@@ -20,7 +20,7 @@ protected:
     template <typename Interface>
     Interface& control(char const* name) const
     {
-        auto* const typed = dynamic_cast<Interface*>(camera->control(name));
+        auto* const typed = dynamic_cast<Interface*>(m_camera->control(name));
         if (typed == nullptr) {
             throw std::runtime_error(std::string("no control of this type: ") + name);
         }
@@ -32,8 +32,8 @@ protected:
     std::vector<Interface*> writable() const
     {
         std::vector<Interface*> found;
-        for (int i = 0; i < camera->controlNumber(); ++i) {
-            auto* const typed = dynamic_cast<Interface*>(camera->control(i));
+        for (int i = 0; i < m_camera->controlNumber(); ++i) {
+            auto* const typed = dynamic_cast<Interface*>(m_camera->control(i));
             if (typed != nullptr && !typed->isReadOnly() && !typed->isInactive()) {
                 found.push_back(typed);
             }
@@ -68,8 +68,8 @@ protected:
         v4l2Ctl(firstNode, "--set-ctrl=" + settings);
     }
 
-    ControlKeeper keeper{firstNode};
-    CameraPointer camera = openCamera();
+    ControlKeeper m_keeper{firstNode};
+    CameraPointer m_camera = openCamera();
 };
 
 } // namespace KernelTest

@@ -38,15 +38,15 @@ protected:
     {
         showStillPicture();
         v4l2Ctl(firstNode, "--set-fmt-video=width=320,height=180,pixelformat=YUYV --set-parm=25");
-        wanted = capturedByV4l2Ctl(firstNode);
-        ASSERT_EQ(wanted.size(), smallSize);
-        fd = ::v4l2_open(firstNode, O_RDWR | O_NONBLOCK);
-        ASSERT_NE(fd, -1);
+        m_wanted = capturedByV4l2Ctl(firstNode);
+        ASSERT_EQ(m_wanted.size(), smallSize);
+        m_fd = ::v4l2_open(firstNode, O_RDWR | O_NONBLOCK);
+        ASSERT_NE(m_fd, -1);
     }
-    void TearDown() override { HelperV4l2::close(fd); }
+    void TearDown() override { HelperV4l2::close(m_fd); }
 
-    Bytes wanted;
-    int fd = -1;
+    Bytes m_wanted;
+    int m_fd = -1;
 };
 
 using VividRead = VividTransfer;
@@ -54,21 +54,21 @@ using VividRead = VividTransfer;
 class VividUserPointers : public VividTransfer
 {
 protected:
-    PassThrough const straight;
+    PassThrough const m_straight;
 };
 
 } // namespace
 
 TEST_F(VividRead, FramesAreThoseThatV4l2CtlWrites)
 {
-    InputMethodRead method(fd);
+    InputMethodRead method(m_fd);
     ASSERT_EQ(setUpWithoutPipe(method, 3), 0);
     ASSERT_EQ(method.startCapture(), 0);
     for (int i = 0; i < 20; ++i) {
         IFrame* const frame = method.acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
         EXPECT_EQ(frame->bytesUsed(), smallSize);
-        EXPECT_TRUE(bytesOf(*frame) == wanted) << i;
+        EXPECT_TRUE(bytesOf(*frame) == m_wanted) << i;
         EXPECT_EQ(method.releaseFrame(frame), 0);
     }
     EXPECT_EQ(method.stopCapture(), 0);
@@ -85,18 +85,18 @@ TEST_F(VividRead, FramesAreThoseThatAPlainReadGives)
 
 TEST_F(VividRead, EachFrameIsFilledAnewAndTheEmptyPoolHasNone)
 {
-    InputMethodRead method(fd);
+    InputMethodRead method(m_fd);
     ASSERT_EQ(setUpWithoutPipe(method, 2), 0);
     IFrame* const first = method.acquireFrame();
     IFrame* const second = method.acquireFrame();
     EXPECT_NE(first, second);
-    EXPECT_TRUE(bytesOf(*first) == wanted);
-    EXPECT_TRUE(bytesOf(*second) == wanted);
+    EXPECT_TRUE(bytesOf(*first) == m_wanted);
+    EXPECT_TRUE(bytesOf(*second) == m_wanted);
     EXPECT_TRUE(method.acquireFrame()->isInvalid());
     EXPECT_EQ(method.releaseFrame(second), 0);
     std::fill_n(second->bytePtr(), second->allocSize(), static_cast<unsigned char>(0));
     EXPECT_EQ(method.acquireFrame(), second);
-    EXPECT_TRUE(bytesOf(*second) == wanted);
+    EXPECT_TRUE(bytesOf(*second) == m_wanted);
     EXPECT_EQ(method.releaseFrame(first), 0);
     EXPECT_EQ(method.releaseFrame(second), 0);
     EXPECT_EQ(method.cleanup(), 0);
@@ -104,7 +104,7 @@ TEST_F(VividRead, EachFrameIsFilledAnewAndTheEmptyPoolHasNone)
 
 TEST_F(VividRead, SetUpFailsWhereThePipeCanBeOpened)
 {
-    InputMethodRead method(fd);
+    InputMethodRead method(m_fd);
     EXPECT_EQ(method.setup(4, smallSize), -1);
     EXPECT_TRUE(method.acquireFrame()->isInvalid());
     EXPECT_EQ(method.cleanup(), 0);
@@ -112,21 +112,21 @@ TEST_F(VividRead, SetUpFailsWhereThePipeCanBeOpened)
 
 TEST_F(VividTransfer, Libv4l2OffersMappingAndNoUserPointers)
 {
-    EXPECT_TRUE(InputMethodMemoryMapping::supported(fd));
-    EXPECT_FALSE(InputMethodUserPointers::supported(fd));
-    InputMethodUserPointers method(fd);
+    EXPECT_TRUE(InputMethodMemoryMapping::supported(m_fd));
+    EXPECT_FALSE(InputMethodUserPointers::supported(m_fd));
+    InputMethodUserPointers method(m_fd);
     EXPECT_EQ(setUpWithoutPipe(method, 4), -1);
 }
 
 TEST_F(VividUserPointers, AreSupportedByTheDriverItself)
 {
-    EXPECT_TRUE(InputMethodUserPointers::supported(fd));
-    EXPECT_TRUE(InputMethodMemoryMapping::supported(fd));
+    EXPECT_TRUE(InputMethodUserPointers::supported(m_fd));
+    EXPECT_TRUE(InputMethodMemoryMapping::supported(m_fd));
 }
 
 TEST_F(VividUserPointers, FramesAreThoseThatV4l2CtlWrites)
 {
-    InputMethodUserPointers method(fd);
+    InputMethodUserPointers method(m_fd);
     ASSERT_EQ(setUpWithoutPipe(method, 4), 0);
     ASSERT_EQ(method.startCapture(), 0);
     std::set<unsigned char const*> buffers;
@@ -138,7 +138,7 @@ TEST_F(VividUserPointers, FramesAreThoseThatV4l2CtlWrites)
         next = frame->counter() + 1;
         EXPECT_EQ(frame->bytesUsed(), smallSize);
         EXPECT_LE(stampSeconds(*frame), monotonicSeconds());
-        EXPECT_TRUE(bytesOf(*frame) == wanted) << i;
+        EXPECT_TRUE(bytesOf(*frame) == m_wanted) << i;
         buffers.insert(frame->bytePtr());
         EXPECT_EQ(method.releaseFrame(frame), 0);
     }
@@ -149,7 +149,7 @@ TEST_F(VividUserPointers, FramesAreThoseThatV4l2CtlWrites)
 
 TEST_F(VividUserPointers, WithAllBuffersHeldNoFrameComesWithinTwoSeconds)
 {
-    InputMethodUserPointers method(fd);
+    InputMethodUserPointers method(m_fd);
     ASSERT_EQ(setUpWithoutPipe(method, 2), 0);
     ASSERT_EQ(method.startCapture(), 0);
     IFrame* const first = method.acquireFrame();
@@ -166,7 +166,7 @@ TEST_F(VividUserPointers, WithAllBuffersHeldNoFrameComesWithinTwoSeconds)
 
 TEST_F(VividUserPointers, StoppingTheStreamEndsAWaitWithoutAPipe)
 {
-    InputMethodUserPointers method(fd);
+    InputMethodUserPointers method(m_fd);
     ASSERT_EQ(setUpWithoutPipe(method, 2), 0);
     ASSERT_EQ(method.startCapture(), 0);
     ASSERT_FALSE(method.acquireFrame()->isInvalid());
@@ -183,11 +183,11 @@ TEST_F(VividUserPointers, StoppingTheStreamEndsAWaitWithoutAPipe)
 
 TEST_F(VividUserPointers, MappingWorksStraightToo)
 {
-    InputMethodMemoryMapping method(fd);
+    InputMethodMemoryMapping method(m_fd);
     ASSERT_EQ(method.setup(4, smallSize), 0);
     ASSERT_EQ(method.startCapture(), 0);
     IFrame* const frame = method.acquireFrame();
-    EXPECT_TRUE(bytesOf(*frame) == wanted);
+    EXPECT_TRUE(bytesOf(*frame) == m_wanted);
     EXPECT_EQ(method.releaseFrame(frame), 0);
     EXPECT_EQ(method.stopCapture(), 0);
     EXPECT_EQ(method.cleanup(), 0);

@@ -94,13 +94,13 @@ private:
     IDevice const* describe(bool ofTheVendor)
     {
         if (ofTheVendor) {
-            _device.vendor = IMAGEACQUISITION_VENDOR_ID;
-            _device.product = IMAGEACQUISITION_PRODUCT_ID;
+            m_device.vendor = IMAGEACQUISITION_VENDOR_ID;
+            m_device.product = IMAGEACQUISITION_PRODUCT_ID;
         }
-        return &_device;
+        return &m_device;
     }
 
-    DeviceStub _device;
+    DeviceStub m_device;
 
 public:
     Camera camera;

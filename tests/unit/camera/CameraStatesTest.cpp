@@ -22,45 +22,45 @@ using namespace ImageAcquisition;
 class CameraStates : public testing::Test
 {
 protected:
-    void reachInitialised() { ASSERT_TRUE(camera.init()); }
+    void reachInitialised() { ASSERT_TRUE(m_camera.init()); }
     void reachSetUp()
     {
         reachInitialised();
-        ASSERT_EQ(camera.setup(3), 0);
+        ASSERT_EQ(m_camera.setup(3), 0);
     }
     void reachCapturing()
     {
         reachSetUp();
-        ASSERT_EQ(camera.startCapture(), 0);
+        ASSERT_EQ(m_camera.startCapture(), 0);
     }
     void reachStopped()
     {
         reachCapturing();
-        ASSERT_EQ(camera.stopCapture(), 0);
+        ASSERT_EQ(m_camera.stopCapture(), 0);
     }
     void reachCleanedUp()
     {
         reachStopped();
-        ASSERT_EQ(camera.cleanup(), 0);
+        ASSERT_EQ(m_camera.cleanup(), 0);
     }
     void TearDown() override
     {
-        camera.cleanup();
-        EXPECT_LT(watch.seconds(), 1) << "no call out of order may wait for a frame";
+        m_camera.cleanup();
+        EXPECT_LT(m_watch.seconds(), 1) << "no call out of order may wait for a frame";
     }
 
     void expectControlsWork()
     {
-        auto* const gain = dynamic_cast<ICameraControlNumeric<int>*>(camera.gainControl());
+        auto* const gain = dynamic_cast<ICameraControlNumeric<int>*>(m_camera.gainControl());
         ASSERT_NE(gain, nullptr);
         EXPECT_TRUE(gain->setValue(7));
         EXPECT_EQ(gain->value(), 7);
     }
 
-    void expectNoFrame() { EXPECT_TRUE(camera.acquireFrame()->isInvalid()); }
+    void expectNoFrame() { EXPECT_TRUE(m_camera.acquireFrame()->isInvalid()); }
 
-    Stopwatch const watch;
-    VirtualCamera::InstalledCamera virtualCamera =
+    Stopwatch const m_watch;
+    VirtualCamera::InstalledCamera m_virtualCamera =
         VirtualCamera::aCamera()
             .withFormat("YUYV")
             .withSize(64, 48)
@@ -69,129 +69,129 @@ protected:
             .withInterval(1, 100)
             .withControl(VirtualCamera::integerControl(V4L2_CID_GAIN, "Gain").range(0, 9))
             .install();
-    DeviceStub const device{};
-    Camera camera{&device};
+    DeviceStub const m_device{};
+    Camera m_camera{&m_device};
 };
 
 TEST_F(CameraStates, ConstructedKnowsItsRecordAndNothingElse)
 {
-    EXPECT_STREQ(camera.device()->systemName(), "/dev/video0");
-    EXPECT_EQ(camera.controlNumber(), 0);
-    EXPECT_EQ(camera.formatNumber(), 0);
-    EXPECT_EQ(IImageFormat::invalid(), camera.format(0));
-    EXPECT_EQ(IImageFormat::invalid(), camera.currentImageFormat());
-    EXPECT_FALSE(camera.setCurrentImageFormat(0, 0, 0));
-    EXPECT_FALSE(camera.softwareReset());
-    EXPECT_EQ(camera.setup(3), -1);
-    EXPECT_EQ(camera.startCapture(), -1);
+    EXPECT_STREQ(m_camera.device()->systemName(), "/dev/video0");
+    EXPECT_EQ(m_camera.controlNumber(), 0);
+    EXPECT_EQ(m_camera.formatNumber(), 0);
+    EXPECT_EQ(IImageFormat::invalid(), m_camera.format(0));
+    EXPECT_EQ(IImageFormat::invalid(), m_camera.currentImageFormat());
+    EXPECT_FALSE(m_camera.setCurrentImageFormat(0, 0, 0));
+    EXPECT_FALSE(m_camera.softwareReset());
+    EXPECT_EQ(m_camera.setup(3), -1);
+    EXPECT_EQ(m_camera.startCapture(), -1);
     expectNoFrame();
-    EXPECT_EQ(camera.releaseFrame(nullptr), -1);
-    EXPECT_EQ(camera.stopCapture(), -1);
-    EXPECT_EQ(camera.cleanup(), -1);
-    EXPECT_EQ(virtualCamera.countOf(VirtualCamera::Call::Ioctl), 0u);
+    EXPECT_EQ(m_camera.releaseFrame(nullptr), -1);
+    EXPECT_EQ(m_camera.stopCapture(), -1);
+    EXPECT_EQ(m_camera.cleanup(), -1);
+    EXPECT_EQ(m_virtualCamera.countOf(VirtualCamera::Call::Ioctl), 0u);
 }
 
 TEST_F(CameraStates, InitialisedSelectsFormatsAndSetsControlsButDoesNotCapture)
 {
     reachInitialised();
     expectControlsWork();
-    EXPECT_TRUE(camera.setCurrentImageFormat(0, 1, 0));
-    EXPECT_EQ(camera.currentFrameSize()->width(), 32u);
-    EXPECT_EQ(camera.startCapture(), -1);
+    EXPECT_TRUE(m_camera.setCurrentImageFormat(0, 1, 0));
+    EXPECT_EQ(m_camera.currentFrameSize()->width(), 32u);
+    EXPECT_EQ(m_camera.startCapture(), -1);
     expectNoFrame();
-    EXPECT_EQ(camera.releaseFrame(nullptr), -1);
-    EXPECT_EQ(camera.releaseFrame(IFrame::invalid()), 0);
-    EXPECT_EQ(camera.cleanup(), 0);
-    EXPECT_EQ(camera.setup(3), 0);
+    EXPECT_EQ(m_camera.releaseFrame(nullptr), -1);
+    EXPECT_EQ(m_camera.releaseFrame(IFrame::invalid()), 0);
+    EXPECT_EQ(m_camera.cleanup(), 0);
+    EXPECT_EQ(m_camera.setup(3), 0);
 }
 
 TEST_F(CameraStates, SetUpStartsButKeepsItsFormatAndHasNoFrames)
 {
     reachSetUp();
     expectControlsWork();
-    EXPECT_FALSE(camera.setCurrentImageFormat(0, 1, 0));
-    EXPECT_EQ(camera.currentFrameSize()->width(), 64u);
+    EXPECT_FALSE(m_camera.setCurrentImageFormat(0, 1, 0));
+    EXPECT_EQ(m_camera.currentFrameSize()->width(), 64u);
     expectNoFrame();
-    EXPECT_EQ(camera.releaseFrame(nullptr), -1);
-    EXPECT_EQ(camera.startCapture(), 0);
+    EXPECT_EQ(m_camera.releaseFrame(nullptr), -1);
+    EXPECT_EQ(m_camera.startCapture(), 0);
 }
 
 TEST_F(CameraStates, CapturingDeliversFramesAndKeepsItsFormat)
 {
     reachCapturing();
     expectControlsWork();
-    IFrame* const frame = camera.acquireFrame();
+    IFrame* const frame = m_camera.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
-    EXPECT_EQ(camera.releaseFrame(frame), 0);
-    EXPECT_EQ(camera.releaseFrame(nullptr), -1);
-    EXPECT_FALSE(camera.setCurrentImageFormat(0, 1, 0));
-    EXPECT_EQ(camera.currentFrameSize()->width(), 64u);
-    EXPECT_EQ(camera.startCapture(), -1) << "the buffers are the driver's already";
-    EXPECT_EQ(camera.setup(3), -1);
-    IFrame* const later = camera.acquireFrame();
+    EXPECT_EQ(m_camera.releaseFrame(frame), 0);
+    EXPECT_EQ(m_camera.releaseFrame(nullptr), -1);
+    EXPECT_FALSE(m_camera.setCurrentImageFormat(0, 1, 0));
+    EXPECT_EQ(m_camera.currentFrameSize()->width(), 64u);
+    EXPECT_EQ(m_camera.startCapture(), -1) << "the buffers are the driver's already";
+    EXPECT_EQ(m_camera.setup(3), -1);
+    IFrame* const later = m_camera.acquireFrame();
     EXPECT_FALSE(later->isInvalid()) << "calls that failed changed nothing";
-    EXPECT_EQ(camera.releaseFrame(later), 0);
-    EXPECT_EQ(camera.stopCapture(), 0);
+    EXPECT_EQ(m_camera.releaseFrame(later), 0);
+    EXPECT_EQ(m_camera.stopCapture(), 0);
 }
 
 TEST_F(CameraStates, StoppedTakesFramesBackButDeliversNoneUntilItIsSetUpAgain)
 {
     reachCapturing();
-    IFrame* const frame = camera.acquireFrame();
+    IFrame* const frame = m_camera.acquireFrame();
     ASSERT_FALSE(frame->isInvalid());
     unsigned char const* const bytes = frame->bytePtr();
-    ASSERT_EQ(camera.stopCapture(), 0);
+    ASSERT_EQ(m_camera.stopCapture(), 0);
     expectControlsWork();
     EXPECT_EQ(frame->bytePtr(), bytes) << "a borrowed frame stays good until cleanup";
     EXPECT_GT(bytes[0] + bytes[1], 0);
     expectNoFrame();
-    EXPECT_EQ(camera.releaseFrame(frame), 0);
-    EXPECT_FALSE(camera.setCurrentImageFormat(0, 1, 0));
-    EXPECT_EQ(camera.stopCapture(), 0) << "stopping twice does no harm";
-    EXPECT_EQ(camera.cleanup(), 0);
+    EXPECT_EQ(m_camera.releaseFrame(frame), 0);
+    EXPECT_FALSE(m_camera.setCurrentImageFormat(0, 1, 0));
+    EXPECT_EQ(m_camera.stopCapture(), 0) << "stopping twice does no harm";
+    EXPECT_EQ(m_camera.cleanup(), 0);
 }
 
 TEST_F(CameraStates, StoppedDoesNotDeliverWhenItIsStartedWithoutCleanup)
 {
     reachStopped();
-    EXPECT_EQ(camera.startCapture(), 0);
+    EXPECT_EQ(m_camera.startCapture(), 0);
     expectNoFrame();
-    EXPECT_EQ(camera.stopCapture(), 0);
+    EXPECT_EQ(m_camera.stopCapture(), 0);
 }
 
 TEST_F(CameraStates, StartedWithoutCleanupDeliversFramesThatAreAlreadyFilled)
 {
     reachStopped();
-    EXPECT_EQ(camera.startCapture(), 0);
+    EXPECT_EQ(m_camera.startCapture(), 0);
     IFrame* frame = IFrame::invalid();
     // None is waited for, but each call finds those that the driver has filled by then.
     EXPECT_TRUE(await([&] {
-        frame = camera.acquireFrame();
+        frame = m_camera.acquireFrame();
         return !frame->isInvalid();
     }));
-    EXPECT_EQ(camera.releaseFrame(frame), 0);
-    EXPECT_EQ(camera.stopCapture(), 0);
+    EXPECT_EQ(m_camera.releaseFrame(frame), 0);
+    EXPECT_EQ(m_camera.stopCapture(), 0);
     expectNoFrame();
 }
 
 TEST_F(CameraStates, CleanedUpIsLikeInitialised)
 {
     reachCleanedUp();
-    EXPECT_EQ(virtualCamera.accounting().liveMappings, 0);
-    EXPECT_EQ(virtualCamera.accounting().allocatedBuffers, 0);
+    EXPECT_EQ(m_virtualCamera.accounting().liveMappings, 0);
+    EXPECT_EQ(m_virtualCamera.accounting().allocatedBuffers, 0);
     expectControlsWork();
     expectNoFrame();
-    EXPECT_EQ(camera.releaseFrame(nullptr), -1);
-    EXPECT_EQ(camera.startCapture(), -1);
-    EXPECT_EQ(camera.cleanup(), 0);
-    EXPECT_TRUE(camera.setCurrentImageFormat(0, 1, 0));
-    EXPECT_EQ(camera.setup(2), 0);
-    EXPECT_EQ(camera.startCapture(), 0);
-    IFrame* const frame = camera.acquireFrame();
+    EXPECT_EQ(m_camera.releaseFrame(nullptr), -1);
+    EXPECT_EQ(m_camera.startCapture(), -1);
+    EXPECT_EQ(m_camera.cleanup(), 0);
+    EXPECT_TRUE(m_camera.setCurrentImageFormat(0, 1, 0));
+    EXPECT_EQ(m_camera.setup(2), 0);
+    EXPECT_EQ(m_camera.startCapture(), 0);
+    IFrame* const frame = m_camera.acquireFrame();
     EXPECT_FALSE(frame->isInvalid());
     EXPECT_EQ(frame->size(), 32u * 24u * 2u);
-    EXPECT_EQ(camera.releaseFrame(frame), 0);
-    EXPECT_EQ(camera.stopCapture(), 0);
+    EXPECT_EQ(m_camera.releaseFrame(frame), 0);
+    EXPECT_EQ(m_camera.stopCapture(), 0);
 }
 
 } // namespace

@@ -24,7 +24,7 @@ char const* nameOf(Step step)
 }
 
 CaptureRun::CaptureRun(VirtualCamera::InstalledCamera& virtualCamera, InputMethod::Type method)
-    : _virtual(virtualCamera)
+    : m_virtual(virtualCamera)
 {
     DeviceStub const device{};
     std::unique_ptr<IBlockingCamera> camera(

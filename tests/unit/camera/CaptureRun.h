@@ -53,7 +53,7 @@ private:
     void open(ImageAcquisition::IBlockingCamera const& camera);
     void inspect(ImageAcquisition::IBlockingCamera const& camera);
     void capture(ImageAcquisition::IBlockingCamera& camera);
-    void mark(Step step) { marks.emplace_back(step, _virtual.calls().size()); }
+    void mark(Step step) { marks.emplace_back(step, m_virtual.calls().size()); }
 
-    VirtualCamera::InstalledCamera& _virtual;
+    VirtualCamera::InstalledCamera& m_virtual;
 };

@@ -33,7 +33,7 @@ protected:
             ++calls;
             return answer(fd, request, argument);
         });
-        EXPECT_TRUE(camera.init());
+        EXPECT_TRUE(m_camera.init());
         return calls;
     }
 
@@ -60,30 +60,30 @@ protected:
         });
     }
 
-    VirtualCamera::InstalledCamera node = smallCamera().install();
-    DeviceStub const device{};
-    Camera camera{&device};
+    VirtualCamera::InstalledCamera m_node = smallCamera().install();
+    DeviceStub const m_device{};
+    Camera m_camera{&m_device};
 };
 
 TEST_F(DriverBounds, EndTheControlsOfADriverWhoseIdsRiseForEver)
 {
     unsigned int const calls = callsToOpenWithControls(0, V4L2_CTRL_TYPE_BUTTON);
-    EXPECT_EQ(camera.controlNumber(), static_cast<int>(most));
+    EXPECT_EQ(m_camera.controlNumber(), static_cast<int>(most));
     EXPECT_LT(calls, most + 100);
 }
 
 TEST_F(DriverBounds, EndTheClassHeadingsOfADriverWhoseIdsRiseForEver)
 {
     unsigned int const calls = callsToOpenWithControls(0, V4L2_CTRL_TYPE_CTRL_CLASS);
-    EXPECT_EQ(camera.controlNumber(), 0);
+    EXPECT_EQ(m_camera.controlNumber(), 0);
     EXPECT_LT(calls, most + 100);
 }
 
 TEST_F(DriverBounds, KeepAsManyControlsWhateverHeadingsComeBefore)
 {
     callsToOpenWithControls(most, V4L2_CTRL_TYPE_BUTTON, 20);
-    EXPECT_EQ(camera.controlNumber(), static_cast<int>(most));
-    EXPECT_EQ(camera.controlById(20 + most)->id(), 20 + most);
+    EXPECT_EQ(m_camera.controlNumber(), static_cast<int>(most));
+    EXPECT_EQ(m_camera.controlById(20 + most)->id(), 20 + most);
 }
 
 TEST_F(DriverBounds, EndTheOpeningOfADriverThatAnswersZeroToEverything)
@@ -114,8 +114,8 @@ TEST_F(DriverBounds, EndTheOpeningOfADriverThatHasMoreOfEverything)
         return 0;
     });
     EXPECT_LT(calls, 80000u);
-    EXPECT_EQ(camera.controlNumber(), static_cast<int>(most));
-    EXPECT_LE(camera.formatNumber(), 65536);
+    EXPECT_EQ(m_camera.controlNumber(), static_cast<int>(most));
+    EXPECT_LE(m_camera.formatNumber(), 65536);
 }
 
 TEST_F(DriverBounds, EndTheOpeningOfADriverThatHasMenusOnly)
@@ -131,13 +131,13 @@ TEST_F(DriverBounds, EndTheOpeningOfADriverThatHasMenusOnly)
         return request == VIDIOC_QUERYMENU ? 0 : -1;
     });
     EXPECT_LT(calls, 70000U);
-    EXPECT_EQ(camera.controlNumber(), 16);
+    EXPECT_EQ(m_camera.controlNumber(), 16);
 }
 
 class MenuBounds : public testing::Test
 {
 protected:
-    MenuBounds() { EXPECT_TRUE(camera.init()); }
+    MenuBounds() { EXPECT_TRUE(m_camera.init()); }
 
     /// The lowest and the highest number that a menu of these bounds asks the driver for.
     void expectAsked(int minimum, int maximum, std::int64_t first, std::int64_t last)
@@ -147,7 +147,7 @@ protected:
             asked.push_back(static_cast<int>(static_cast<v4l2_querymenu*>(argument)->index));
             return 0;
         });
-        CameraControlStringMenu menu(camera, V4L2_CID_EXPOSURE_AUTO, "Auto Exposure");
+        CameraControlStringMenu menu(m_camera, V4L2_CID_EXPOSURE_AUTO, "Auto Exposure");
         v4l2_queryctrl record{};
         record.id = V4L2_CID_EXPOSURE_AUTO;
         record.minimum = minimum;
@@ -159,9 +159,9 @@ protected:
         EXPECT_EQ(menu.count(), static_cast<int>(asked.size()));
     }
 
-    VirtualCamera::InstalledCamera node = smallCamera().install();
-    DeviceStub const device{};
-    Camera camera{&device};
+    VirtualCamera::InstalledCamera m_node = smallCamera().install();
+    DeviceStub const m_device{};
+    Camera m_camera{&m_device};
 };
 
 TEST_F(MenuBounds, EndTheSearchForItems)

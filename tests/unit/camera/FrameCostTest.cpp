@@ -29,13 +29,13 @@ thread_local unsigned int waits = 0;
 class Uncounted
 {
 public:
-    Uncounted() : _earlier(counting) { counting = false; }
+    Uncounted() : m_earlier(counting) { counting = false; }
     Uncounted(Uncounted const&) = delete;
     Uncounted& operator=(Uncounted const&) = delete;
-    ~Uncounted() { counting = _earlier; }
+    ~Uncounted() { counting = m_earlier; }
 
 private:
-    bool const _earlier;
+    bool const m_earlier;
 };
 
 void* allocate(std::size_t size)

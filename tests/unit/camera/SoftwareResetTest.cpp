@@ -29,15 +29,15 @@ class SoftwareReset : public testing::Test
 protected:
     void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
 
-    Machine machine;
-    DeviceStub const record = vendorRecord();
-    Camera camera{&record};
+    Machine m_machine;
+    DeviceStub const m_record = vendorRecord();
+    Camera m_camera{&m_record};
 };
 
 TEST_F(SoftwareReset, SendsTheVendorsRequest)
 {
-    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
-    EXPECT_TRUE(camera.softwareReset());
+    auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
+    EXPECT_TRUE(m_camera.softwareReset());
     auto const requests = usb.requests();
     ASSERT_EQ(requests.size(), 1u);
     EXPECT_EQ(requests[0].requestType, 0xC0);
@@ -49,22 +49,22 @@ TEST_F(SoftwareReset, SendsTheVendorsRequest)
 
 TEST_F(SoftwareReset, DoesNotNeedTheVideoNode)
 {
-    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
-    auto const& node = machine.add(0, usb);
-    EXPECT_TRUE(camera.softwareReset());
+    auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
+    auto const& node = m_machine.add(0, usb);
+    EXPECT_TRUE(m_camera.softwareReset());
     EXPECT_EQ(node.accounting().totalOpens, 0u);
 }
 
 TEST_F(SoftwareReset, CountsAsSentWhateverTheCameraAnswers)
 {
-    auto const usb = machine.plug(vendorUsbDevice().stallingFirmwareRequests());
-    EXPECT_TRUE(camera.softwareReset());
+    auto const usb = m_machine.plug(vendorUsbDevice().stallingFirmwareRequests());
+    EXPECT_TRUE(m_camera.softwareReset());
     EXPECT_EQ(usb.resetRequests(), 1);
 }
 
 TEST_F(SoftwareReset, SendsNothingToOtherCameras)
 {
-    auto const usb = machine.plug(aUsbDevice().withIds("1234", "abcd").withFirmware("TJ8-1.2.3"));
+    auto const usb = m_machine.plug(aUsbDevice().withIds("1234", "abcd").withFirmware("TJ8-1.2.3"));
     DeviceStub const other{};
     Camera generic(&other);
     EXPECT_FALSE(generic.softwareReset());
@@ -73,26 +73,26 @@ TEST_F(SoftwareReset, SendsNothingToOtherCameras)
 
 TEST_F(SoftwareReset, FailsWhenTheUsbDeviceIsGoneOrCannotBeOpened)
 {
-    EXPECT_FALSE(camera.softwareReset());
-    machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3").refusingOpen());
-    EXPECT_FALSE(camera.softwareReset());
+    EXPECT_FALSE(m_camera.softwareReset());
+    m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3").refusingOpen());
+    EXPECT_FALSE(m_camera.softwareReset());
 }
 
 TEST_F(SoftwareReset, FailsWithoutLibusb)
 {
-    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
+    auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
     DescriptorLimit const none;
-    EXPECT_FALSE(camera.softwareReset());
+    EXPECT_FALSE(m_camera.softwareReset());
     EXPECT_TRUE(usb.requests().empty());
 }
 
 TEST_F(SoftwareReset, LeavesNoDescriptorBehind)
 {
-    machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
-    EXPECT_TRUE(camera.softwareReset());
+    m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
+    EXPECT_TRUE(m_camera.softwareReset());
     int const before = openDescriptors();
     for (int round = 0; round < 5; ++round) {
-        EXPECT_TRUE(camera.softwareReset());
+        EXPECT_TRUE(m_camera.softwareReset());
     }
     // The made-up machine's own thread closes its connections in its own time, one that was
     // counted before among them.

@@ -64,10 +64,10 @@ protected:
     std::unique_ptr<ICameraControl> create(v4l2_queryctrl const& record)
     {
         return std::unique_ptr<ICameraControl>(
-            CameraControlFactory::createControl(opened.camera, record));
+            CameraControlFactory::createControl(m_opened.camera, record));
     }
 
-    CameraWithControls opened{aCamera()};
+    CameraWithControls m_opened{aCamera()};
 };
 
 } // namespace
@@ -99,7 +99,7 @@ TEST_F(CameraControlFactoryTest, ClassHeadingsAndUnknownTypesBecomeNothing)
     for (unsigned int const type : {6u, 0u, 10u, 0xFFu, 0x0103u, 0x0104u, 0x0106u, 0xFFFFFFFFu}) {
         EXPECT_EQ(create(recordOf(type)), nullptr) << type;
     }
-    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
+    EXPECT_EQ(m_opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(CameraControlFactoryTest, UnknownTypesAreNotWarnedOf)
@@ -135,13 +135,13 @@ TEST_F(CameraControlFactoryTest, NameThatFillsItsFieldIsNotReadPastIt)
 TEST_F(CameraControlFactoryTest, ControlIsInitialisedOnce)
 {
     std::unique_ptr<ICameraControl> const menu = create(recordOf(V4L2_CTRL_TYPE_MENU));
-    EXPECT_EQ(opened.node.countOf(VIDIOC_QUERYMENU), 3u);
+    EXPECT_EQ(m_opened.node.countOf(VIDIOC_QUERYMENU), 3u);
 }
 
 TEST_F(CameraControlFactoryTest, InvalidControlIsRecognisable)
 {
     std::unique_ptr<ICameraControl> const control(
-        CameraControlFactory::createInvalidControl(opened.camera));
+        CameraControlFactory::createInvalidControl(m_opened.camera));
     EXPECT_EQ(control->id(), 0xFFFFFFFFu);
     EXPECT_STREQ(control->name(), "Invalid control");
     EXPECT_EQ(control->type(), ICameraControl::Invalid);
@@ -163,7 +163,7 @@ TEST_F(CameraControlFactoryTest, InvalidControlIsRecognisable)
 TEST_F(CameraControlFactoryTest, InvalidControlIsOfNoTypedInterface)
 {
     std::unique_ptr<ICameraControl> const control(
-        CameraControlFactory::createInvalidControl(opened.camera));
+        CameraControlFactory::createInvalidControl(m_opened.camera));
     for (Row const& row : table) {
         EXPECT_FALSE(row.offersItsInterface(control.get())) << row.text;
     }
@@ -173,7 +173,7 @@ TEST_F(CameraControlFactoryTest, InvalidControlIsMadeInSilence)
 {
     testing::internal::CaptureStderr();
     std::unique_ptr<ICameraControl> const control(
-        CameraControlFactory::createInvalidControl(opened.camera));
+        CameraControlFactory::createInvalidControl(m_opened.camera));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
+    EXPECT_EQ(m_opened.node.countOf(Call::Ioctl), 0u);
 }

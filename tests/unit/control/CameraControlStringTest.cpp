@@ -25,9 +25,9 @@ ControlScript text()
 class CameraControlStringTest : public testing::Test
 {
 protected:
-    ICameraControlString& control() const { return opened.as<ICameraControlString>(id); }
+    ICameraControlString& control() const { return m_opened.as<ICameraControlString>(id); }
 
-    CameraWithControls opened{{text().namingExactSize()}};
+    CameraWithControls m_opened{{text().namingExactSize()}};
 };
 
 } // namespace
@@ -45,7 +45,7 @@ TEST_F(CameraControlStringTest, LengthsAreTheDriversEvenInTheWrongOrder)
 TEST_F(CameraControlStringTest, SizeIsWhatTheDriverNames)
 {
     EXPECT_EQ(control().stringSize(), 4u);
-    CallRecord const call = opened.onlyCall();
+    CallRecord const call = m_opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), call.call);
     EXPECT_EQ(call.error, ENOSPC);
     EXPECT_EQ(call.controlClass, 0x00980000u);
@@ -63,7 +63,7 @@ TEST_F(CameraControlStringTest, KernelNamesTheSizeOfTheLongestText)
 
 TEST_F(CameraControlStringTest, SizeIsZeroWhenTheDriverNamesNone)
 {
-    opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
+    m_opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
     EXPECT_EQ(control().stringSize(), 0u);
 }
 
@@ -74,7 +74,7 @@ TEST_F(CameraControlStringTest, ReadsIntoABufferOfTheNamedSize)
     EXPECT_TRUE(control().getValue(buffer, 4));
     EXPECT_STREQ(buffer, "abc");
     EXPECT_EQ(buffer[4], '#');
-    CallRecord const call = opened.onlyCall();
+    CallRecord const call = m_opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), call.call);
     EXPECT_EQ(call.controlClass, 0x00980000u);
     ASSERT_EQ(call.controls.size(), 1u);
@@ -96,7 +96,7 @@ TEST_F(CameraControlStringTest, NegativeSizeAndNullBufferAreRefusedWithoutAsking
     EXPECT_FALSE(control().getValue(buffer, INT_MIN));
     EXPECT_FALSE(control().getValue(nullptr, 8));
     EXPECT_FALSE(control().getValue(nullptr, 0));
-    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
+    EXPECT_EQ(m_opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(CameraControlStringTest, WriteOnlyIsRefusedWithoutAsking)
@@ -111,32 +111,32 @@ TEST_F(CameraControlStringTest, WriteOnlyIsRefusedWithoutAsking)
 TEST_F(CameraControlStringTest, WritesTheTextAndItsZeroWithoutNamingAClass)
 {
     EXPECT_TRUE(control().setValue("hello"));
-    CallRecord const call = opened.onlyCall();
+    CallRecord const call = m_opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_S_EXT_CTRLS), call.call);
     EXPECT_EQ(call.controlClass, 0u);
     ASSERT_EQ(call.controls.size(), 1u);
     EXPECT_EQ(id, call.controls[0].id);
     EXPECT_EQ(call.controls[0].size, 6u);
     EXPECT_EQ(call.controls[0].text, "hello");
-    EXPECT_EQ(opened.node.controlText(id), "hello");
+    EXPECT_EQ(m_opened.node.controlText(id), "hello");
 }
 
 TEST_F(CameraControlStringTest, EmptyTextIsSentAsItsZero)
 {
     EXPECT_TRUE(control().setValue(""));
-    EXPECT_EQ(opened.onlyCall().controls.at(0).size, 1u);
-    EXPECT_EQ(opened.node.controlText(id), "");
+    EXPECT_EQ(m_opened.onlyCall().controls.at(0).size, 1u);
+    EXPECT_EQ(m_opened.node.controlText(id), "");
 }
 
 TEST_F(CameraControlStringTest, TextThatIsTooLongIsSentAndRefused)
 {
     std::string const longText(40, 'x');
     EXPECT_FALSE(control().setValue(longText.c_str()));
-    CallRecord const call = opened.onlyCall();
+    CallRecord const call = m_opened.onlyCall();
     EXPECT_EQ(call.error, ERANGE);
     EXPECT_EQ(call.controls.at(0).size, 41u);
     EXPECT_EQ(call.controls.at(0).text, longText);
-    EXPECT_EQ(opened.node.controlText(id), "abc");
+    EXPECT_EQ(m_opened.node.controlText(id), "abc");
 }
 
 TEST_F(CameraControlStringTest, TextThatIsTooShortIsSentAndRefused)
@@ -149,7 +149,7 @@ TEST_F(CameraControlStringTest, TextThatIsTooShortIsSentAndRefused)
 TEST_F(CameraControlStringTest, NullTextIsRefusedWithoutAsking)
 {
     EXPECT_FALSE(control().setValue(nullptr));
-    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
+    EXPECT_EQ(m_opened.node.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(CameraControlStringTest, ClientsTextIsNotTouchedByTheDriver)
@@ -163,8 +163,8 @@ TEST_F(CameraControlStringTest, ClientsTextIsNotTouchedByTheDriver)
 
 TEST_F(CameraControlStringTest, RefusedTransfersAreFalseAndSilent)
 {
-    opened.node.fail(VIDIOC_S_EXT_CTRLS, EIO);
-    opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
+    m_opened.node.fail(VIDIOC_S_EXT_CTRLS, EIO);
+    m_opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
     char buffer[32];
     testing::internal::CaptureStderr();
     EXPECT_FALSE(control().setValue("x"));
@@ -175,10 +175,10 @@ TEST_F(CameraControlStringTest, RefusedTransfersAreFalseAndSilent)
 TEST_F(CameraControlStringTest, PresentTextIsAlwaysTheDrivers)
 {
     char buffer[32];
-    opened.node.setControlText(id, "one");
+    m_opened.node.setControlText(id, "one");
     EXPECT_TRUE(control().getValue(buffer, 32));
     EXPECT_STREQ(buffer, "one");
-    opened.node.setControlText(id, "another");
+    m_opened.node.setControlText(id, "another");
     EXPECT_EQ(control().stringSize(), 8u);
     EXPECT_TRUE(control().getValue(buffer, 32));
     EXPECT_STREQ(buffer, "another");

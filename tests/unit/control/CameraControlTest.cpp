@@ -36,7 +36,7 @@ class CameraControlTest : public testing::Test
 protected:
     CameraControl& raw(unsigned int id) const
     {
-        return dynamic_cast<CameraControl&>(opened.control(id));
+        return dynamic_cast<CameraControl&>(m_opened.control(id));
     }
 
     void initWithFlags(CameraControl& control, unsigned int flags) const
@@ -47,7 +47,7 @@ protected:
         control.init(record);
     }
 
-    CameraWithControls opened{{
+    CameraWithControls m_opened{{
         integerControl(V4L2_CID_BRIGHTNESS, "Brightness").range(-100, 100).byDefault(7),
         integerControl(V4L2_CID_CONTRAST, "Contrast").refusingReads(EIO).refusingWrites(EBUSY),
         integer64Control(V4L2_CID_GAIN, "Gain").range(-0x7000000000LL, 0x7000000000LL).byDefault(5),
@@ -68,7 +68,7 @@ public:
 TEST_F(CameraControlTest, KeepsWhatItWasBuiltWith)
 {
     std::string name = "Sharpness, or so";
-    CameraControl const control(ICameraControl::Boolean, opened.camera, 0x0098091B, name.c_str());
+    CameraControl const control(ICameraControl::Boolean, m_opened.camera, 0x0098091B, name.c_str());
     name.clear();
     EXPECT_EQ(control.id(), 0x0098091Bu);
     EXPECT_EQ(control.type(), ICameraControl::Boolean);
@@ -78,7 +78,7 @@ TEST_F(CameraControlTest, KeepsWhatItWasBuiltWith)
 
 TEST_F(CameraControlTest, HasNeitherFlagsNorFamilyBeforeItIsInitialised)
 {
-    CameraControl const control(ICameraControl::Int32, opened.camera, V4L2_CID_BRIGHTNESS, "B");
+    CameraControl const control(ICameraControl::Int32, m_opened.camera, V4L2_CID_BRIGHTNESS, "B");
     for (FlagAndAccessor const& row : allFlags) {
         EXPECT_FALSE((control.*row.accessor)()) << row.flag;
     }
@@ -89,7 +89,7 @@ TEST_F(CameraControlTest, HasNeitherFlagsNorFamilyBeforeItIsInitialised)
 TEST_F(CameraControlTest, EachFlagSpeaksThroughItsOwnAccessorOnly)
 {
     for (FlagAndAccessor const& set : allFlags) {
-        CameraControl control(ICameraControl::Int32, opened.camera, V4L2_CID_BRIGHTNESS, "B");
+        CameraControl control(ICameraControl::Int32, m_opened.camera, V4L2_CID_BRIGHTNESS, "B");
         initWithFlags(control, set.flag);
         for (FlagAndAccessor const& asked : allFlags) {
             EXPECT_EQ((control.*asked.accessor)(), asked.flag == set.flag)
@@ -100,7 +100,7 @@ TEST_F(CameraControlTest, EachFlagSpeaksThroughItsOwnAccessorOnly)
 
 TEST_F(CameraControlTest, FlagsOfAReadOnlySliderAreReadOnlyAndSlider)
 {
-    CameraControl control(ICameraControl::Int32, opened.camera, V4L2_CID_BRIGHTNESS, "B");
+    CameraControl control(ICameraControl::Int32, m_opened.camera, V4L2_CID_BRIGHTNESS, "B");
     initWithFlags(control, 0x0024);
     for (FlagAndAccessor const& row : allFlags) {
         bool const wanted = row.flag == 0x0004 || row.flag == 0x0020;
@@ -110,8 +110,8 @@ TEST_F(CameraControlTest, FlagsOfAReadOnlySliderAreReadOnlyAndSlider)
 
 TEST_F(CameraControlTest, BrightnessIsOfImageQualityWithTheTextAtItsNumber)
 {
-    EXPECT_EQ(opened.control(V4L2_CID_BRIGHTNESS).family(), ICameraControl::ImageQuality);
-    EXPECT_STREQ(opened.control(V4L2_CID_BRIGHTNESS).familyString(), "FM Rx");
+    EXPECT_EQ(m_opened.control(V4L2_CID_BRIGHTNESS).family(), ICameraControl::ImageQuality);
+    EXPECT_STREQ(m_opened.control(V4L2_CID_BRIGHTNESS).familyString(), "FM Rx");
 }
 
 TEST_F(CameraControlTest, WarnsOnceOfAnIdWithoutFamily)
@@ -134,7 +134,7 @@ TEST_F(CameraControlTest, SaysNothingOfAnIdWithAFamily)
 
 TEST_F(CameraControlTest, TextsFollowTheVirtualTypeAndFamily)
 {
-    Disguised const control(ICameraControl::Int32, opened.camera, V4L2_CID_BRIGHTNESS, "B");
+    Disguised const control(ICameraControl::Int32, m_opened.camera, V4L2_CID_BRIGHTNESS, "B");
     EXPECT_STREQ(control.typeString(), "String");
     EXPECT_STREQ(static_cast<ICameraControl const&>(control).familyString(), "Camera");
 }
@@ -142,7 +142,7 @@ TEST_F(CameraControlTest, TextsFollowTheVirtualTypeAndFamily)
 TEST_F(CameraControlTest, TypeOutsideTheTableIsAnUnknownType)
 {
     for (int const number : {0, 12, -1}) {
-        CameraControl const control(static_cast<ICameraControl::Type>(number), opened.camera, 1,
+        CameraControl const control(static_cast<ICameraControl::Type>(number), m_opened.camera, 1,
                                     "");
         EXPECT_STREQ(control.typeString(), "UnknownType");
     }
@@ -150,13 +150,13 @@ TEST_F(CameraControlTest, TypeOutsideTheTableIsAnUnknownType)
 
 TEST_F(CameraControlTest, UpdateStateTakesOverThePresentFlags)
 {
-    ICameraControl& control = opened.control(V4L2_CID_BRIGHTNESS);
-    opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, V4L2_CTRL_FLAG_INACTIVE);
+    ICameraControl& control = m_opened.control(V4L2_CID_BRIGHTNESS);
+    m_opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, V4L2_CTRL_FLAG_INACTIVE);
     EXPECT_FALSE(control.isInactive());
     EXPECT_TRUE(control.updateState());
     EXPECT_TRUE(control.isInactive());
 
-    opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, V4L2_CTRL_FLAG_GRABBED);
+    m_opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, V4L2_CTRL_FLAG_GRABBED);
     EXPECT_TRUE(control.updateState());
     EXPECT_FALSE(control.isInactive());
     EXPECT_TRUE(control.isGrabbed());
@@ -164,8 +164,8 @@ TEST_F(CameraControlTest, UpdateStateTakesOverThePresentFlags)
 
 TEST_F(CameraControlTest, UpdateStateAsksForItsOwnIdWithAnOtherwiseEmptyRecord)
 {
-    opened.control(V4L2_CID_BRIGHTNESS).updateState();
-    CallRecord const call = opened.onlyCall();
+    m_opened.control(V4L2_CID_BRIGHTNESS).updateState();
+    CallRecord const call = m_opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_QUERYCTRL), call.call);
     v4l2_queryctrl wanted{};
     wanted.id = V4L2_CID_BRIGHTNESS;
@@ -175,11 +175,11 @@ TEST_F(CameraControlTest, UpdateStateAsksForItsOwnIdWithAnOtherwiseEmptyRecord)
 
 TEST_F(CameraControlTest, UpdateStateKeepsTheOldFlagsWhenTheDriverDoesNotAnswer)
 {
-    ICameraControl& control = opened.control(V4L2_CID_BRIGHTNESS);
-    opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, V4L2_CTRL_FLAG_INACTIVE);
+    ICameraControl& control = m_opened.control(V4L2_CID_BRIGHTNESS);
+    m_opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, V4L2_CTRL_FLAG_INACTIVE);
     control.updateState();
-    opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, 0);
-    opened.node.fail(VIDIOC_QUERYCTRL, EIO);
+    m_opened.node.setControlFlags(V4L2_CID_BRIGHTNESS, 0);
+    m_opened.node.fail(VIDIOC_QUERYCTRL, EIO);
     testing::internal::CaptureStderr();
     EXPECT_TRUE(control.updateState());
     EXPECT_TRUE(control.isInactive());
@@ -188,7 +188,7 @@ TEST_F(CameraControlTest, UpdateStateKeepsTheOldFlagsWhenTheDriverDoesNotAnswer)
 
 TEST_F(CameraControlTest, UpdateStateLeavesFamilyNameAndTypeAlone)
 {
-    ICameraControl& control = opened.control(V4L2_CID_BRIGHTNESS);
+    ICameraControl& control = m_opened.control(V4L2_CID_BRIGHTNESS);
     control.updateState();
     EXPECT_EQ(control.family(), ICameraControl::ImageQuality);
     EXPECT_STREQ(control.name(), "Brightness");
@@ -201,24 +201,24 @@ TEST_F(CameraControlTest, ReadsAndWritesNeverAskForTheFlags)
     raw(V4L2_CID_BRIGHTNESS).inquireControlValue();
     raw(V4L2_CID_GAIN).setControlValueExt(1);
     raw(V4L2_CID_GAIN).inquireControlValueExt();
-    EXPECT_EQ(opened.node.countOf(VIDIOC_QUERYCTRL), 0u);
+    EXPECT_EQ(m_opened.node.countOf(VIDIOC_QUERYCTRL), 0u);
 }
 
 TEST_F(CameraControlTest, PlainReadSendsIdAndZero)
 {
-    opened.node.setControlValue(V4L2_CID_BRIGHTNESS, -42);
+    m_opened.node.setControlValue(V4L2_CID_BRIGHTNESS, -42);
     EXPECT_EQ(raw(V4L2_CID_BRIGHTNESS).inquireControlValue(), -42);
-    CallRecord const call = opened.onlyCall();
+    CallRecord const call = m_opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_G_CTRL), call.call);
     EXPECT_EQ(call.argument<v4l2_control>().id, V4L2_CID_BRIGHTNESS);
     EXPECT_EQ(call.argument<v4l2_control>().value, 0);
-    EXPECT_EQ(opened.camera.fileDescriptor(), call.descriptor);
+    EXPECT_EQ(m_opened.camera.fileDescriptor(), call.descriptor);
 }
 
 TEST_F(CameraControlTest, PlainReadIsNeverAnsweredFromMemory)
 {
     for (int const value : {3, 4, 5}) {
-        opened.node.setControlValue(V4L2_CID_BRIGHTNESS, value);
+        m_opened.node.setControlValue(V4L2_CID_BRIGHTNESS, value);
         EXPECT_EQ(raw(V4L2_CID_BRIGHTNESS).inquireControlValue(), value);
     }
 }
@@ -226,17 +226,17 @@ TEST_F(CameraControlTest, PlainReadIsNeverAnsweredFromMemory)
 TEST_F(CameraControlTest, FailedPlainReadGivesZero)
 {
     EXPECT_EQ(raw(V4L2_CID_CONTRAST).inquireControlValue(), 0);
-    EXPECT_EQ(CallId(VIDIOC_G_CTRL), opened.onlyCall().call);
+    EXPECT_EQ(CallId(VIDIOC_G_CTRL), m_opened.onlyCall().call);
 }
 
 TEST_F(CameraControlTest, PlainWriteSendsIdAndValue)
 {
     EXPECT_TRUE(raw(V4L2_CID_BRIGHTNESS).setControlValue(-99));
-    CallRecord const call = opened.onlyCall();
+    CallRecord const call = m_opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_S_CTRL), call.call);
     EXPECT_EQ(call.argument<v4l2_control>().id, V4L2_CID_BRIGHTNESS);
     EXPECT_EQ(call.argument<v4l2_control>().value, -99);
-    EXPECT_EQ(opened.node.controlValue(V4L2_CID_BRIGHTNESS), -99);
+    EXPECT_EQ(m_opened.node.controlValue(V4L2_CID_BRIGHTNESS), -99);
 }
 
 TEST_F(CameraControlTest, RefusedPlainWriteIsFalseAndLeavesErrno)
@@ -244,25 +244,25 @@ TEST_F(CameraControlTest, RefusedPlainWriteIsFalseAndLeavesErrno)
     errno = 0;
     EXPECT_FALSE(raw(V4L2_CID_CONTRAST).setControlValue(1));
     EXPECT_EQ(errno, EBUSY);
-    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 1u);
+    EXPECT_EQ(m_opened.node.countOf(Call::Ioctl), 1u);
 }
 
 TEST_F(CameraControlTest, InterruptedTransfersAreRepeated)
 {
-    opened.node.setControlValue(V4L2_CID_BRIGHTNESS, 12);
-    opened.node.fail(VIDIOC_G_CTRL, EINTR);
+    m_opened.node.setControlValue(V4L2_CID_BRIGHTNESS, 12);
+    m_opened.node.fail(VIDIOC_G_CTRL, EINTR);
     EXPECT_EQ(raw(V4L2_CID_BRIGHTNESS).inquireControlValue(), 12);
-    EXPECT_EQ(opened.node.countOf(VIDIOC_G_CTRL), 2u);
-    opened.node.fail(VIDIOC_S_EXT_CTRLS, EINTR);
+    EXPECT_EQ(m_opened.node.countOf(VIDIOC_G_CTRL), 2u);
+    m_opened.node.fail(VIDIOC_S_EXT_CTRLS, EINTR);
     EXPECT_TRUE(raw(V4L2_CID_GAIN).setControlValueExt(13));
-    EXPECT_EQ(opened.node.countOf(VIDIOC_S_EXT_CTRLS), 2u);
+    EXPECT_EQ(m_opened.node.countOf(VIDIOC_S_EXT_CTRLS), 2u);
 }
 
 TEST_F(CameraControlTest, ExtendedReadNamesTheClassAndGivesSixtyFourBits)
 {
-    opened.node.setControlValue(V4L2_CID_GAIN, -0x123456789ALL);
+    m_opened.node.setControlValue(V4L2_CID_GAIN, -0x123456789ALL);
     EXPECT_EQ(raw(V4L2_CID_GAIN).inquireControlValueExt(), -0x123456789ALL);
-    CallRecord const call = opened.onlyCall();
+    CallRecord const call = m_opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), call.call);
     EXPECT_EQ(call.controlClass, 0x00980000u);
     ASSERT_EQ(call.controls.size(), 1u);
@@ -274,21 +274,21 @@ TEST_F(CameraControlTest, ExtendedReadNamesTheClassAndGivesSixtyFourBits)
 TEST_F(CameraControlTest, ExtendedWriteNamesNoClass)
 {
     EXPECT_TRUE(raw(V4L2_CID_GAIN).setControlValueExt(0x6543210FEDLL));
-    CallRecord const call = opened.onlyCall();
+    CallRecord const call = m_opened.onlyCall();
     EXPECT_EQ(CallId(VIDIOC_S_EXT_CTRLS), call.call);
     EXPECT_EQ(call.controlClass, 0u);
     ASSERT_EQ(call.controls.size(), 1u);
     EXPECT_EQ(call.controls[0].id, V4L2_CID_GAIN);
     EXPECT_EQ(call.controls[0].size, 0u);
     EXPECT_EQ(call.controls[0].value, 0x6543210FEDLL);
-    EXPECT_EQ(opened.node.controlValue(V4L2_CID_GAIN), 0x6543210FEDLL);
+    EXPECT_EQ(m_opened.node.controlValue(V4L2_CID_GAIN), 0x6543210FEDLL);
 }
 
 TEST_F(CameraControlTest, ExtendedRecordsAreEmptyBesidesTheirOneControl)
 {
     raw(V4L2_CID_GAIN).inquireControlValueExt();
     raw(V4L2_CID_GAIN).setControlValueExt(1);
-    for (CallRecord const& call : opened.node.calls()) {
+    for (CallRecord const& call : m_opened.node.calls()) {
         auto const sent = call.argument<v4l2_ext_controls>();
         EXPECT_EQ(sent.count, 1u);
         EXPECT_EQ(sent.error_idx, 0u);
@@ -299,10 +299,10 @@ TEST_F(CameraControlTest, ExtendedRecordsAreEmptyBesidesTheirOneControl)
 
 TEST_F(CameraControlTest, FailedExtendedTransfersGiveZeroAndFalse)
 {
-    opened.node.setControlValue(V4L2_CID_GAIN, 77);
-    opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
+    m_opened.node.setControlValue(V4L2_CID_GAIN, 77);
+    m_opened.node.fail(VIDIOC_G_EXT_CTRLS, EIO);
     EXPECT_EQ(raw(V4L2_CID_GAIN).inquireControlValueExt(), 0);
-    opened.node.fail(VIDIOC_S_EXT_CTRLS, ENOSPC);
+    m_opened.node.fail(VIDIOC_S_EXT_CTRLS, ENOSPC);
     errno = 0;
     EXPECT_FALSE(raw(V4L2_CID_GAIN).setControlValueExt(78));
     EXPECT_EQ(errno, ENOSPC);
@@ -310,9 +310,9 @@ TEST_F(CameraControlTest, FailedExtendedTransfersGiveZeroAndFalse)
 
 TEST_F(CameraControlTest, ExtendedTransferOfAStandardIdIsNotAskedAgainWhenInvalid)
 {
-    opened.node.fail(VIDIOC_G_EXT_CTRLS, EINVAL);
-    opened.node.fail(VIDIOC_S_EXT_CTRLS, EINVAL);
+    m_opened.node.fail(VIDIOC_G_EXT_CTRLS, EINVAL);
+    m_opened.node.fail(VIDIOC_S_EXT_CTRLS, EINVAL);
     EXPECT_EQ(raw(V4L2_CID_GAIN).inquireControlValueExt(), 0);
     EXPECT_FALSE(raw(V4L2_CID_GAIN).setControlValueExt(1));
-    EXPECT_EQ(opened.node.countOf(Call::Ioctl), 2u);
+    EXPECT_EQ(m_opened.node.countOf(Call::Ioctl), 2u);
 }

@@ -21,7 +21,7 @@ constexpr unsigned int firstPrivate = V4L2_CID_PRIVATE_BASE;
 class SharedLibraryTest : public testing::Test
 {
 protected:
-    ICameraControl* control(char const* name) const { return camera->control(name); }
+    ICameraControl* control(char const* name) const { return m_camera->control(name); }
 
     template <typename Interface>
     Interface* as(char const* name) const
@@ -29,7 +29,7 @@ protected:
         return dynamic_cast<Interface*>(control(name));
     }
 
-    InstalledCamera node =
+    InstalledCamera m_node =
         aCamera()
             .withControl(integerControl(V4L2_CID_BRIGHTNESS, "Int32").range(0, 9).byDefault(4))
             .withControl(integer64Control(V4L2_CID_GAIN, "Int64").currently(0x500000000))
@@ -43,7 +43,7 @@ protected:
                 integerMenuControl(V4L2_CID_HUE_AUTO, "Int64Menu").withItem(0, std::int64_t{1}))
             .withControl(stringControl(firstPrivate, "String").range(0, 9).currently("text"))
             .install();
-    std::unique_ptr<IBlockingCamera> camera{
+    std::unique_ptr<IBlockingCamera> m_camera{
         ICameraFactory::getUniqueInstance().createBlockingCamera(
             std::make_unique<DeviceStub>().get())};
 };

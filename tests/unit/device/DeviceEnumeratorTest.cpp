@@ -35,12 +35,12 @@ protected:
 
     int listed()
     {
-        DeviceEnumerator::fillDeviceList(&list);
-        return list.size();
+        DeviceEnumerator::fillDeviceList(&m_list);
+        return m_list.size();
     }
 
-    Machine machine;
-    DeviceList list;
+    Machine m_machine;
+    DeviceList m_list;
 };
 
 TEST_F(DeviceEnumeration, FindsNothingOnAMachineWithoutNodes)
@@ -53,30 +53,30 @@ TEST_F(DeviceEnumeration, FindsNothingOnAMachineWithoutNodes)
 
 TEST_F(DeviceEnumeration, NumbersDevicesByTheirPositionInTheList)
 {
-    auto const usb = machine.plug(aUsbDevice());
-    machine.add(0, usb);
-    machine.add(2, usb);
+    auto const usb = m_machine.plug(aUsbDevice());
+    m_machine.add(0, usb);
+    m_machine.add(2, usb);
     ASSERT_EQ(listed(), 2);
-    EXPECT_EQ(list.at(0)->index(), 0);
-    EXPECT_STREQ(list.at(0)->systemName(), "/dev/video0");
-    EXPECT_EQ(list.at(1)->index(), 1);
-    EXPECT_STREQ(list.at(1)->systemName(), "/dev/video2");
+    EXPECT_EQ(m_list.at(0)->index(), 0);
+    EXPECT_STREQ(m_list.at(0)->systemName(), "/dev/video0");
+    EXPECT_EQ(m_list.at(1)->index(), 1);
+    EXPECT_STREQ(m_list.at(1)->systemName(), "/dev/video2");
 }
 
 TEST_F(DeviceEnumeration, WalksToNode64AndNoFurther)
 {
-    auto const usb = machine.plug(aUsbDevice());
-    machine.add(64, usb);
-    machine.add(65, usb);
+    auto const usb = m_machine.plug(aUsbDevice());
+    m_machine.add(64, usb);
+    m_machine.add(65, usb);
     ASSERT_EQ(listed(), 1);
-    EXPECT_STREQ(list.at(0)->systemName(), "/dev/video64");
+    EXPECT_STREQ(m_list.at(0)->systemName(), "/dev/video64");
 }
 
 TEST_F(DeviceEnumeration, DescribesASingleNodeOfAnyNumberWithIndexZero)
 {
-    auto const usb = machine.plug(aUsbDevice());
-    machine.add(3, usb);
-    machine.add(65, usb);
+    auto const usb = m_machine.plug(aUsbDevice());
+    m_machine.add(3, usb);
+    m_machine.add(65, usb);
     auto const device = describe("video65");
     ASSERT_NE(device, nullptr);
     EXPECT_EQ(device->index(), 0);
@@ -86,17 +86,17 @@ TEST_F(DeviceEnumeration, DescribesASingleNodeOfAnyNumberWithIndexZero)
 
 TEST_F(DeviceEnumeration, ForgetsWhatTheListHeldBefore)
 {
-    auto const usb = machine.plug(aUsbDevice());
-    machine.add(0, usb);
+    auto const usb = m_machine.plug(aUsbDevice());
+    m_machine.add(0, usb);
     EXPECT_EQ(listed(), 1);
     EXPECT_EQ(listed(), 1);
-    machine.testbed.removeVideoNode("video0");
+    m_machine.testbed.removeVideoNode("video0");
     EXPECT_EQ(listed(), 0);
 }
 
 TEST_F(DeviceEnumeration, SkipsNodesThatDoNotCapture)
 {
-    auto const usb = machine.plug(aUsbDevice());
+    auto const usb = m_machine.plug(aUsbDevice());
     constexpr unsigned int capture = V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_STREAMING;
     struct
     {
@@ -109,9 +109,9 @@ TEST_F(DeviceEnumeration, SkipsNodesThatDoNotCapture)
     int number = 0;
     for (auto const& node : nodes) {
         auto const& camera =
-            machine.add(number, usb,
-                        aCamera(Machine::nodeOf(number))
-                            .withCapabilities(node.capabilities, node.deviceCapabilities));
+            m_machine.add(number, usb,
+                          aCamera(Machine::nodeOf(number))
+                              .withCapabilities(node.capabilities, node.deviceCapabilities));
         EXPECT_EQ(describe(("video" + std::to_string(number)).c_str()), nullptr);
         EXPECT_EQ(camera.countOf(VIDIOC_QUERYCAP), 1u);
         EXPECT_EQ(camera.accounting().openDescriptors, 0);
@@ -122,17 +122,17 @@ TEST_F(DeviceEnumeration, SkipsNodesThatDoNotCapture)
 
 TEST_F(DeviceEnumeration, ListsANodeThatCapturesMultiPlanarAsWell)
 {
-    auto const usb = machine.plug(aUsbDevice());
+    auto const usb = m_machine.plug(aUsbDevice());
     constexpr unsigned int both = V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_VIDEO_CAPTURE_MPLANE;
-    machine.add(0, usb, aCamera().withCapabilities(both, both));
+    m_machine.add(0, usb, aCamera().withCapabilities(both, both));
     ASSERT_EQ(listed(), 1);
-    EXPECT_TRUE(list.at(0)->supportsMultiplane());
-    EXPECT_TRUE(list.at(0)->supportsVideoCapture());
+    EXPECT_TRUE(m_list.at(0)->supportsMultiplane());
+    EXPECT_TRUE(m_list.at(0)->supportsVideoCapture());
 }
 
 TEST_F(DeviceEnumeration, TakesEachFlagFromItsOwnBit)
 {
-    auto const usb = machine.plug(aUsbDevice());
+    auto const usb = m_machine.plug(aUsbDevice());
     constexpr unsigned int capture = V4L2_CAP_VIDEO_CAPTURE;
     struct
     {
@@ -156,7 +156,7 @@ TEST_F(DeviceEnumeration, TakesEachFlagFromItsOwnBit)
             aCamera()
                 .withCapabilities(capture | one.capabilities, capture | one.deviceCapabilities)
                 .install();
-        machine.testbed.addVideoNode("video0", usb);
+        m_machine.testbed.addVideoNode("video0", usb);
         auto const device = describe("video0");
         ASSERT_NE(device, nullptr);
         EXPECT_EQ(device->supportsAsynchIO(), one.asynchIO);
@@ -164,18 +164,18 @@ TEST_F(DeviceEnumeration, TakesEachFlagFromItsOwnBit)
         EXPECT_EQ(device->supportsReadWrite(), one.readWrite);
         EXPECT_EQ(device->supportsStreaming(), one.streaming);
         EXPECT_TRUE(device->supportsVideoCapture());
-        machine.testbed.removeVideoNode("video0");
+        m_machine.testbed.removeVideoNode("video0");
     }
 }
 
 TEST_F(DeviceEnumeration, TakesTheTextsOfTheDriver)
 {
-    auto const usb = machine.plug(aUsbDevice());
-    machine.add(0, usb,
-                aCamera()
-                    .named("Kamera")
-                    .withDriver("uvcvideo", 0x00060100)
-                    .withBusInfo("usb-0000:00:14.0-1"));
+    auto const usb = m_machine.plug(aUsbDevice());
+    m_machine.add(0, usb,
+                  aCamera()
+                      .named("Kamera")
+                      .withDriver("uvcvideo", 0x00060100)
+                      .withBusInfo("usb-0000:00:14.0-1"));
     auto const device = describe("video0");
     ASSERT_NE(device, nullptr);
     EXPECT_STREQ(device->name(), "Kamera");
@@ -187,8 +187,8 @@ TEST_F(DeviceEnumeration, TakesTheTextsOfTheDriver)
 
 TEST_F(DeviceEnumeration, OpensTheNodeForTheCapabilityQueryAlone)
 {
-    auto const usb = machine.plug(aUsbDevice());
-    auto const& camera = machine.add(0, usb);
+    auto const usb = m_machine.plug(aUsbDevice());
+    auto const& camera = m_machine.add(0, usb);
     ASSERT_NE(describe("video0"), nullptr);
     auto const calls = camera.calls();
     ASSERT_EQ(calls.size(), 3u);
@@ -208,13 +208,14 @@ TEST_F(DeviceEnumeration, SkipsANodeThatIsNotThere)
 
 TEST_F(DeviceEnumeration, SkipsNodesThatFailAndFindsTheOthers)
 {
-    auto const usb = machine.plug(aUsbDevice());
-    auto const& unopened = machine.add(0, usb, aCamera("/dev/video0").failing(Call::Open, EACCES));
+    auto const usb = m_machine.plug(aUsbDevice());
+    auto const& unopened =
+        m_machine.add(0, usb, aCamera("/dev/video0").failing(Call::Open, EACCES));
     auto const& silent =
-        machine.add(1, usb, aCamera("/dev/video1").failing(VIDIOC_QUERYCAP, ENODEV));
-    machine.add(2, usb);
+        m_machine.add(1, usb, aCamera("/dev/video1").failing(VIDIOC_QUERYCAP, ENODEV));
+    m_machine.add(2, usb);
     ASSERT_EQ(listed(), 1);
-    EXPECT_STREQ(list.at(0)->systemName(), "/dev/video2");
+    EXPECT_STREQ(m_list.at(0)->systemName(), "/dev/video2");
     EXPECT_EQ(unopened.accounting().openDescriptors, 0);
     EXPECT_EQ(silent.accounting().openDescriptors, 0);
     EXPECT_EQ(silent.countOf(Call::Close), 1u);
@@ -222,9 +223,9 @@ TEST_F(DeviceEnumeration, SkipsNodesThatFailAndFindsTheOthers)
 
 TEST_F(DeviceEnumeration, AsksAgainWhenASignalInterruptsIt)
 {
-    auto const usb = machine.plug(aUsbDevice());
-    auto const& camera =
-        machine.add(0, usb, aCamera().failing(VIDIOC_QUERYCAP, EINTR).failing(Call::Close, EINTR));
+    auto const usb = m_machine.plug(aUsbDevice());
+    auto const& camera = m_machine.add(
+        0, usb, aCamera().failing(VIDIOC_QUERYCAP, EINTR).failing(Call::Close, EINTR));
     EXPECT_NE(describe("video0"), nullptr);
     EXPECT_EQ(camera.countOf(VIDIOC_QUERYCAP), 2u);
     EXPECT_EQ(camera.countOf(Call::Close), 2u);

@@ -25,18 +25,18 @@ protected:
     /// The firmware text of a camera that is such a USB device.
     std::string firmwareOf(UsbDeviceScript const& script)
     {
-        machine.add(0, machine.plug(script));
+        m_machine.add(0, m_machine.plug(script));
         std::unique_ptr<IDevice> const device(DeviceEnumerator::createDevice("video0"));
         return device ? device->firmwareVersion() : "no device";
     }
 
-    Machine machine;
+    Machine m_machine;
 };
 
 TEST_F(FirmwareQuery, AsksOnceWithTheVendorsRequest)
 {
-    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.4"));
-    machine.add(0, usb);
+    auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.4"));
+    m_machine.add(0, usb);
     std::unique_ptr<IDevice> const device(DeviceEnumerator::createDevice("video0"));
     ASSERT_NE(device, nullptr);
     EXPECT_TRUE(device->isaZorvaneDevice());
@@ -52,8 +52,8 @@ TEST_F(FirmwareQuery, AsksOnceWithTheVendorsRequest)
 
 TEST_F(FirmwareQuery, DoesNotAskOtherCameras)
 {
-    auto const usb = machine.plug(aUsbDevice().withFirmware("TJ8-1.2.4"));
-    machine.add(0, usb);
+    auto const usb = m_machine.plug(aUsbDevice().withFirmware("TJ8-1.2.4"));
+    m_machine.add(0, usb);
     std::unique_ptr<IDevice> const device(DeviceEnumerator::createDevice("video0"));
     EXPECT_STREQ(device->firmwareVersion(), "");
     EXPECT_TRUE(usb.requests().empty());

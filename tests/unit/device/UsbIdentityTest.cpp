@@ -29,16 +29,16 @@ class UsbIdentity : public testing::Test
 protected:
     void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
 
-    Machine machine;
+    Machine m_machine;
 };
 
 TEST_F(UsbIdentity, ComesFromTheUsbDeviceBehindTheNode)
 {
-    machine.add(0, machine.plug(aUsbDevice()
-                                    .withIds("046d", "0825")
-                                    .withManufacturer("Maker")
-                                    .withProduct("Product")
-                                    .withSerial("S123")));
+    m_machine.add(0, m_machine.plug(aUsbDevice()
+                                        .withIds("046d", "0825")
+                                        .withManufacturer("Maker")
+                                        .withProduct("Product")
+                                        .withSerial("S123")));
     auto const device = describe();
     ASSERT_NE(device, nullptr);
     EXPECT_STREQ(device->vendorId(), "046d");
@@ -51,7 +51,7 @@ TEST_F(UsbIdentity, ComesFromTheUsbDeviceBehindTheNode)
 
 TEST_F(UsbIdentity, LeavesTextsEmptyThatTheDeviceDoesNotHave)
 {
-    machine.add(0, machine.plug(aUsbDevice()));
+    m_machine.add(0, m_machine.plug(aUsbDevice()));
     auto const device = describe();
     ASSERT_NE(device, nullptr);
     EXPECT_STREQ(device->manufacturer(), "");
@@ -61,7 +61,7 @@ TEST_F(UsbIdentity, LeavesTextsEmptyThatTheDeviceDoesNotHave)
 
 TEST_F(UsbIdentity, IncludesTheRevision)
 {
-    machine.add(0, machine.plug(aUsbDevice().withUsbRevision(0x0310)));
+    m_machine.add(0, m_machine.plug(aUsbDevice().withUsbRevision(0x0310)));
     EXPECT_EQ(describe()->usbRevision(), 0x0310);
 }
 
@@ -77,10 +77,10 @@ TEST_F(UsbIdentity, IncludesTheSpeedOfTheLink)
                        {"5000", UsbSpeedSuper},
                        {"10000", UsbSpeedUnknown}};
     for (auto const& one : cases) {
-        auto const usb = machine.plug(aUsbDevice().withSpeed(one.megabits));
-        machine.add(0, usb);
+        auto const usb = m_machine.plug(aUsbDevice().withSpeed(one.megabits));
+        m_machine.add(0, usb);
         EXPECT_EQ(describe()->usbSpeed(), one.speed) << one.megabits;
-        machine.testbed.unplug(usb);
+        m_machine.testbed.unplug(usb);
     }
 }
 
@@ -100,8 +100,8 @@ TEST_F(UsbIdentity, IsThatOfTheFirstOfTwoIdenticalDevices)
 {
     auto const slow = aUsbDevice("1-1").withSpeed("12").withUsbRevision(0x0110);
     auto const fast = aUsbDevice("1-2").withSpeed("480").withUsbRevision(0x0200);
-    machine.add(0, machine.plug(slow));
-    machine.add(1, machine.plug(fast));
+    m_machine.add(0, m_machine.plug(slow));
+    m_machine.add(1, m_machine.plug(fast));
     auto const first = describe("video0");
     auto const second = describe("video1");
     EXPECT_EQ(first->usbSpeed(), second->usbSpeed());
@@ -111,9 +111,9 @@ TEST_F(UsbIdentity, IsThatOfTheFirstOfTwoIdenticalDevices)
 
 TEST_F(UsbIdentity, IsToldApartByBothIds)
 {
-    machine.add(0, machine.plug(aUsbDevice("1-1").withIds("1111", "2222").withSpeed("12")));
-    machine.add(1, machine.plug(aUsbDevice("1-2").withIds("1111", "3333").withSpeed("480")));
-    machine.add(2, machine.plug(aUsbDevice("1-3").withIds("4444", "3333").withSpeed("1.5")));
+    m_machine.add(0, m_machine.plug(aUsbDevice("1-1").withIds("1111", "2222").withSpeed("12")));
+    m_machine.add(1, m_machine.plug(aUsbDevice("1-2").withIds("1111", "3333").withSpeed("480")));
+    m_machine.add(2, m_machine.plug(aUsbDevice("1-3").withIds("4444", "3333").withSpeed("1.5")));
     EXPECT_EQ(describe("video0")->usbSpeed(), UsbSpeedFull);
     EXPECT_EQ(describe("video1")->usbSpeed(), UsbSpeedHigh);
     EXPECT_EQ(describe("video2")->usbSpeed(), UsbSpeedLow);
@@ -121,7 +121,7 @@ TEST_F(UsbIdentity, IsToldApartByBothIds)
 
 TEST_F(UsbIdentity, HasNoRevisionAndSpeedWhenLibusbDoesNotKnowTheIds)
 {
-    machine.plug(aUsbDevice().withIds("1111", "2222"));
+    m_machine.plug(aUsbDevice().withIds("1111", "2222"));
     // Compared whole: cut to 16 bits the first of these would match.
     for (char const* const vendor : {"11111", "1112"}) {
         Device device(0);
@@ -147,7 +147,7 @@ TEST_F(UsbIdentity, HasNoRevisionAndSpeedOnAMachineWithoutUsb)
 
 TEST_F(UsbIdentity, HasNoRevisionAndSpeedWithoutLibusb)
 {
-    machine.plug(aUsbDevice());
+    m_machine.plug(aUsbDevice());
     Device device(0);
     device.setUsbRevision(7);
     device.setUsbSpeed(UsbSpeedLow);
@@ -164,7 +164,7 @@ TEST_F(UsbIdentity, HasNoRevisionAndSpeedWithoutLibusb)
 
 TEST_F(UsbIdentity, LeavesNoDescriptorBehind)
 {
-    machine.add(0, machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3")));
+    m_machine.add(0, m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3")));
     describe();
     int const before = openDescriptors();
     for (int round = 0; round < 5; ++round) {
@@ -189,8 +189,8 @@ std::string whatOf(Action action)
 
 TEST_F(UsbIdentity, ThatIsMissingThrowsOutOfTheEnumeration)
 {
-    auto const& without = machine.addWithoutUsb(1);
-    auto const& with = machine.add(0, machine.plug(aUsbDevice()));
+    auto const& without = m_machine.addWithoutUsb(1);
+    auto const& with = m_machine.add(0, m_machine.plug(aUsbDevice()));
     EXPECT_EQ(whatOf<std::invalid_argument>([] { describe("video1"); }), "stoul");
     EXPECT_EQ(without.accounting().openDescriptors, 0);
     EXPECT_NE(describe("video0"), nullptr);

@@ -98,13 +98,13 @@ protected:
                dynamic_cast<ZorvaneCamera const*>(camera) == nullptr;
     }
 
-    Machine machine;
+    Machine m_machine;
 };
 
 TEST_F(CameraFactoryOnMachine, GivesNullForNull)
 {
-    auto const usb = machine.plug(aUsbDevice());
-    auto const& camera = machine.add(0, usb);
+    auto const usb = m_machine.plug(aUsbDevice());
+    auto const& camera = m_machine.add(0, usb);
     EXPECT_EQ(factory().createDevice(nullptr), nullptr);
     EXPECT_EQ(factory().createBlockingCamera(nullptr), nullptr);
     EXPECT_EQ(camera.accounting().totalOpens, 0u);
@@ -112,7 +112,7 @@ TEST_F(CameraFactoryOnMachine, GivesNullForNull)
 
 TEST_F(CameraFactoryOnMachine, DescribesOneNode)
 {
-    machine.add(3, machine.plug(aUsbDevice()));
+    m_machine.add(3, m_machine.plug(aUsbDevice()));
     std::unique_ptr<IDevice> const device(factory().createDevice("video3"));
     ASSERT_NE(device, nullptr);
     EXPECT_STREQ(device->systemName(), "/dev/video3");
@@ -129,8 +129,8 @@ TEST_F(CameraFactoryOnMachine, GivesAnEmptyListForAMachineWithoutCameras)
 
 TEST_F(CameraFactoryOnMachine, ListsOrdinaryCamerasAndTheVendors)
 {
-    machine.add(0, machine.plug(aUsbDevice("1-1").withIds("046d", "0825")));
-    machine.add(1, machine.plug(vendorUsbDevice("1-2").withFirmware("TJ8-1.2.9")));
+    m_machine.add(0, m_machine.plug(aUsbDevice("1-1").withIds("046d", "0825")));
+    m_machine.add(1, m_machine.plug(vendorUsbDevice("1-2").withFirmware("TJ8-1.2.9")));
     std::unique_ptr<IDeviceList> const list(factory().createDeviceList());
     ASSERT_EQ(list->size(), 2);
     EXPECT_FALSE(list->at(0)->isaZorvaneDevice());
@@ -140,7 +140,7 @@ TEST_F(CameraFactoryOnMachine, ListsOrdinaryCamerasAndTheVendors)
 
 TEST_F(CameraFactoryOnMachine, LetsExceptionsOfTheEnumerationThrough)
 {
-    auto const& camera = machine.addWithoutUsb(0);
+    auto const& camera = m_machine.addWithoutUsb(0);
     EXPECT_THROW(factory().createDevice("video0"), std::invalid_argument);
     EXPECT_THROW(factory().createDeviceList(), std::invalid_argument);
     EXPECT_EQ(camera.accounting().openDescriptors, 0);
@@ -156,7 +156,7 @@ TEST_F(CameraFactoryOnMachine, LosesTwoDescriptorsWithEachListThatThrows)
 {
     constexpr char timer[] = "anon_inode:[timerfd]";
     constexpr char event[] = "anon_inode:[eventfd]";
-    machine.addWithoutUsb(0);
+    m_machine.addWithoutUsb(0);
     int const timers = countOf(timer);
     int const events = countOf(event);
     constexpr int rounds = 5;
@@ -170,7 +170,7 @@ TEST_F(CameraFactoryOnMachine, LosesTwoDescriptorsWithEachListThatThrows)
 
 TEST_F(CameraFactoryOnMachine, OpensACameraThatOutlivesItsList)
 {
-    machine.add(0, machine.plug(aUsbDevice().withSerial("S1")));
+    m_machine.add(0, m_machine.plug(aUsbDevice().withSerial("S1")));
     std::unique_ptr<IDeviceList> list(factory().createDeviceList());
     ASSERT_EQ(list->size(), 1);
     std::unique_ptr<IBlockingCamera> const camera(factory().createBlockingCamera(list->at(0)));
@@ -181,8 +181,8 @@ TEST_F(CameraFactoryOnMachine, OpensACameraThatOutlivesItsList)
 
 TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForOldOrUnknownFirmware)
 {
-    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.9"));
-    machine.add(0, usb);
+    auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.9"));
+    m_machine.add(0, usb);
     char const* const texts[] = {"TJ8-1.2.9", "", "TJ8-", "1.3.0", nullptr};
     for (char const* const firmware : texts) {
         auto const camera = open(vendorRecord(firmware));
@@ -194,7 +194,7 @@ TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForOldOrUnknownFirmware)
 
 TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForAnyOtherDevice)
 {
-    machine.add(0, machine.plug(aUsbDevice()));
+    m_machine.add(0, m_machine.plug(aUsbDevice()));
     DeviceStub device;
     device.firmware = "TJ8-9.9.9";
     EXPECT_TRUE(isGeneric(open(device).get()));
@@ -203,8 +203,8 @@ TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForAnyOtherDevice)
 // No serial port belongs to these cameras: whoever tries to reach one fails, and is reset.
 TEST_F(CameraFactoryOnMachine, TriesTheSerialLinkOfNewerFirmwareAndResetsTheCameraWithoutOne)
 {
-    auto const usb = machine.plug(vendorUsbDevice().withFirmware("TJ8-1.3.0"));
-    auto const& camera = machine.add(0, usb);
+    auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.3.0"));
+    auto const& camera = m_machine.add(0, usb);
     int resets = 0;
     for (char const* const firmware :
          {"TJ8-1.3.0", "TJ8-0.13.0", "TJ8-2.0.0", "TJ8-99999999999999999999.0.0"}) {

@@ -23,23 +23,23 @@ class ImageFormatManagerWithCamera : public testing::Test
 protected:
     ImageFormatManagerWithCamera()
     {
-        manager.init(node.fd());
-        camera.clearLog();
+        m_manager.init(m_node.fd());
+        m_camera.clearLog();
     }
 
-    VirtualCamera::InstalledCamera camera = aCamera()
-                                                .withFormat("YUYV")
-                                                .withSize(640, 480)
-                                                .withInterval(1, 30)
-                                                .withInterval(1, 15)
-                                                .withSize(320, 240)
-                                                .withInterval(1, 60)
-                                                .withFormat("MJPG")
-                                                .withSize(1280, 720)
-                                                .withInterval(1, 30)
-                                                .install();
-    OpenNode const node;
-    ImageFormatManager manager;
+    VirtualCamera::InstalledCamera m_camera = aCamera()
+                                                  .withFormat("YUYV")
+                                                  .withSize(640, 480)
+                                                  .withInterval(1, 30)
+                                                  .withInterval(1, 15)
+                                                  .withSize(320, 240)
+                                                  .withInterval(1, 60)
+                                                  .withFormat("MJPG")
+                                                  .withSize(1280, 720)
+                                                  .withInterval(1, 30)
+                                                  .install();
+    OpenNode const m_node;
+    ImageFormatManager m_manager;
 };
 
 TEST(ImageFormatManager, IsEmptyBeforeInit)
@@ -113,8 +113,8 @@ class EndlessDriver
 {
 public:
     EndlessDriver(unsigned int formats, unsigned int sizes, unsigned int intervals)
-        : _hook([=](int, unsigned long request, void* argument) {
-              ++_calls;
+        : m_hook([=](int, unsigned long request, void* argument) {
+              ++m_calls;
               switch (request) {
               case VIDIOC_ENUM_FMT:
                   return answer(*static_cast<v4l2_fmtdesc*>(argument), formats);
@@ -129,7 +129,7 @@ public:
     {
     }
 
-    unsigned int calls() const { return _calls; }
+    unsigned int calls() const { return m_calls; }
 
 private:
     template <typename Entry>
@@ -141,8 +141,8 @@ private:
         return count == 0 || entry.index < count ? 0 : -1;
     }
 
-    unsigned int _calls = 0;
-    V4l2Hook const _hook;
+    unsigned int m_calls = 0;
+    V4l2Hook const m_hook;
 };
 
 TEST(ImageFormatManager, EndsTheCatalogueOfADriverThatAnswersEverything)
@@ -178,131 +178,131 @@ TEST(ImageFormatManager, KeepsACatalogueOfJustTheLargestSizeWhole)
 
 TEST_F(ImageFormatManagerWithCamera, ListsTheFormatsInTheDriversOrder)
 {
-    ASSERT_EQ(manager.formatNumber(), 2);
-    EXPECT_STREQ(manager.format(0)->name(), "YUYV");
-    EXPECT_STREQ(manager.format(1)->name(), "MJPG");
-    EXPECT_EQ(manager.format(0)->sizeNumber(), 2);
-    EXPECT_EQ(manager.format(1), manager.formatPtr(1));
-    EXPECT_TRUE(manager.invariants());
+    ASSERT_EQ(m_manager.formatNumber(), 2);
+    EXPECT_STREQ(m_manager.format(0)->name(), "YUYV");
+    EXPECT_STREQ(m_manager.format(1)->name(), "MJPG");
+    EXPECT_EQ(m_manager.format(0)->sizeNumber(), 2);
+    EXPECT_EQ(m_manager.format(1), m_manager.formatPtr(1));
+    EXPECT_TRUE(m_manager.invariants());
 }
 
 TEST_F(ImageFormatManagerWithCamera, GivesTheInvalidFormatOutsideItsList)
 {
-    EXPECT_EQ(IImageFormat::invalid(), manager.format(-1));
-    EXPECT_EQ(IImageFormat::invalid(), manager.format(2));
-    EXPECT_THROW(manager.formatPtr(-1), std::out_of_range);
-    EXPECT_THROW(manager.formatPtr(2), std::out_of_range);
+    EXPECT_EQ(IImageFormat::invalid(), m_manager.format(-1));
+    EXPECT_EQ(IImageFormat::invalid(), m_manager.format(2));
+    EXPECT_THROW(m_manager.formatPtr(-1), std::out_of_range);
+    EXPECT_THROW(m_manager.formatPtr(2), std::out_of_range);
 }
 
 TEST_F(ImageFormatManagerWithCamera, FindsAFormatByItsNameToTheLetter)
 {
-    EXPECT_EQ(manager.formatPtr(1), manager.formatPtr("MJPG"));
-    EXPECT_EQ(manager.formatPtr("mjpg"), nullptr);
-    EXPECT_EQ(manager.formatPtr("MJP"), nullptr);
-    EXPECT_EQ(manager.formatPtr("MJPG "), nullptr);
-    EXPECT_EQ(manager.formatPtr(""), nullptr);
+    EXPECT_EQ(m_manager.formatPtr(1), m_manager.formatPtr("MJPG"));
+    EXPECT_EQ(m_manager.formatPtr("mjpg"), nullptr);
+    EXPECT_EQ(m_manager.formatPtr("MJP"), nullptr);
+    EXPECT_EQ(m_manager.formatPtr("MJPG "), nullptr);
+    EXPECT_EQ(m_manager.formatPtr(""), nullptr);
 }
 
 TEST_F(ImageFormatManagerWithCamera, FindsAFormatByItsCode)
 {
-    EXPECT_EQ(manager.formatIndexByPixelFormat(V4L2_PIX_FMT_MJPEG), 1);
-    EXPECT_EQ(manager.formatIndexByPixelFormat(V4L2_PIX_FMT_NV12), -1);
+    EXPECT_EQ(m_manager.formatIndexByPixelFormat(V4L2_PIX_FMT_MJPEG), 1);
+    EXPECT_EQ(m_manager.formatIndexByPixelFormat(V4L2_PIX_FMT_NV12), -1);
 }
 
 TEST_F(ImageFormatManagerWithCamera, SelectsByPosition)
 {
-    EXPECT_TRUE(manager.setCurrentFormat(0, 1, 0));
-    EXPECT_EQ(manager.currentFormat(), 0);
-    EXPECT_EQ(manager.currentFrameSize(), 1);
-    EXPECT_EQ(manager.currentFrameInterval(), 0);
-    EXPECT_TRUE(manager.setCurrentFormat(0, 0, 1));
-    EXPECT_EQ(manager.currentFrameSize(), 0);
-    EXPECT_EQ(manager.currentFrameInterval(), 1);
-    EXPECT_TRUE(manager.setCurrentFormat(1, 0, 0));
-    EXPECT_EQ(manager.currentFormat(), 1);
+    EXPECT_TRUE(m_manager.setCurrentFormat(0, 1, 0));
+    EXPECT_EQ(m_manager.currentFormat(), 0);
+    EXPECT_EQ(m_manager.currentFrameSize(), 1);
+    EXPECT_EQ(m_manager.currentFrameInterval(), 0);
+    EXPECT_TRUE(m_manager.setCurrentFormat(0, 0, 1));
+    EXPECT_EQ(m_manager.currentFrameSize(), 0);
+    EXPECT_EQ(m_manager.currentFrameInterval(), 1);
+    EXPECT_TRUE(m_manager.setCurrentFormat(1, 0, 0));
+    EXPECT_EQ(m_manager.currentFormat(), 1);
 }
 
 TEST_F(ImageFormatManagerWithCamera, SelectsByNameAndValue)
 {
-    EXPECT_TRUE(manager.setCurrentFormat("YUYV", 640, 480, 1, 15));
-    EXPECT_EQ(manager.currentFormat(), 0);
-    EXPECT_EQ(manager.currentFrameSize(), 0);
-    EXPECT_EQ(manager.currentFrameInterval(), 1);
+    EXPECT_TRUE(m_manager.setCurrentFormat("YUYV", 640, 480, 1, 15));
+    EXPECT_EQ(m_manager.currentFormat(), 0);
+    EXPECT_EQ(m_manager.currentFrameSize(), 0);
+    EXPECT_EQ(m_manager.currentFrameInterval(), 1);
 }
 
 TEST_F(ImageFormatManagerWithCamera, RefusesAFormatPositionThatIsTooLargeWithoutAskingTheDevice)
 {
-    EXPECT_FALSE(manager.setCurrentFormat(manager.formatNumber(), 0, 0));
-    EXPECT_EQ(camera.countOf(Call::Ioctl), 0u);
+    EXPECT_FALSE(m_manager.setCurrentFormat(m_manager.formatNumber(), 0, 0));
+    EXPECT_EQ(m_camera.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(ImageFormatManagerWithCamera, ThrowsForANegativeFormatPosition)
 {
-    EXPECT_THROW(manager.setCurrentFormat(-1, 0, 0), std::out_of_range);
+    EXPECT_THROW(m_manager.setCurrentFormat(-1, 0, 0), std::out_of_range);
 }
 
 TEST_F(ImageFormatManagerWithCamera, RefusesNamesThatNoFormatHas)
 {
-    EXPECT_FALSE(manager.setCurrentFormat(nullptr, 640, 480, 1, 30));
-    EXPECT_FALSE(manager.setCurrentFormat("NV12", 640, 480, 1, 30));
-    EXPECT_EQ(camera.countOf(Call::Ioctl), 0u);
+    EXPECT_FALSE(m_manager.setCurrentFormat(nullptr, 640, 480, 1, 30));
+    EXPECT_FALSE(m_manager.setCurrentFormat("NV12", 640, 480, 1, 30));
+    EXPECT_EQ(m_camera.countOf(Call::Ioctl), 0u);
 }
 
 TEST_F(ImageFormatManagerWithCamera, ReportsTheImageSizeOfTheFormatThatIsSetNow)
 {
-    EXPECT_EQ(manager.currentSizeImage(), 640u * 480u * 2u);
-    EXPECT_TRUE(manager.setCurrentFormat(0, 1, 0));
-    EXPECT_EQ(manager.currentSizeImage(), 320u * 240u * 2u);
+    EXPECT_EQ(m_manager.currentSizeImage(), 640u * 480u * 2u);
+    EXPECT_TRUE(m_manager.setCurrentFormat(0, 1, 0));
+    EXPECT_EQ(m_manager.currentSizeImage(), 320u * 240u * 2u);
 }
 
 TEST_F(ImageFormatManagerWithCamera, ReadsWhatAnotherProgramSelected)
 {
-    camera.setCurrentFormat("YUYV", 320, 240);
-    camera.setCurrentInterval(1, 60);
-    EXPECT_EQ(manager.currentFormat(), 0);
-    EXPECT_EQ(manager.currentFrameSize(), 1);
-    EXPECT_EQ(manager.currentFrameInterval(), 0);
+    m_camera.setCurrentFormat("YUYV", 320, 240);
+    m_camera.setCurrentInterval(1, 60);
+    EXPECT_EQ(m_manager.currentFormat(), 0);
+    EXPECT_EQ(m_manager.currentFrameSize(), 1);
+    EXPECT_EQ(m_manager.currentFrameInterval(), 0);
 }
 
 TEST_F(ImageFormatManagerWithCamera, FindsNoSizeWhenTheDevicesSizeIsNotInTheList)
 {
-    camera.setCurrentFormat("MJPG", 1000, 700);
-    EXPECT_EQ(manager.currentFormat(), 1);
-    EXPECT_EQ(manager.currentFrameSize(), -1);
-    camera.clearLog();
-    EXPECT_EQ(manager.currentFrameInterval(), -1);
-    EXPECT_EQ(camera.countOf(VIDIOC_G_PARM), 0u);
+    m_camera.setCurrentFormat("MJPG", 1000, 700);
+    EXPECT_EQ(m_manager.currentFormat(), 1);
+    EXPECT_EQ(m_manager.currentFrameSize(), -1);
+    m_camera.clearLog();
+    EXPECT_EQ(m_manager.currentFrameInterval(), -1);
+    EXPECT_EQ(m_camera.countOf(VIDIOC_G_PARM), 0u);
 }
 
 TEST_F(ImageFormatManagerWithCamera, FindsNoIntervalWhenTheDevicesIntervalIsNotInTheList)
 {
-    camera.setCurrentInterval(2, 60);
-    EXPECT_EQ(manager.currentFrameSize(), 0);
-    EXPECT_EQ(manager.currentFrameInterval(), -1);
+    m_camera.setCurrentInterval(2, 60);
+    EXPECT_EQ(m_manager.currentFrameSize(), 0);
+    EXPECT_EQ(m_manager.currentFrameInterval(), -1);
 }
 
 TEST_F(ImageFormatManagerWithCamera, ThrowsWhenTheDevicesFormatIsNotInTheCatalogue)
 {
-    camera.setCurrentFormat("NV12", 640, 480);
-    EXPECT_EQ(manager.currentFormat(), -1);
-    EXPECT_THROW(manager.currentFrameSize(), std::out_of_range);
-    EXPECT_THROW(manager.currentFrameInterval(), std::out_of_range);
+    m_camera.setCurrentFormat("NV12", 640, 480);
+    EXPECT_EQ(m_manager.currentFormat(), -1);
+    EXPECT_THROW(m_manager.currentFrameSize(), std::out_of_range);
+    EXPECT_THROW(m_manager.currentFrameInterval(), std::out_of_range);
 }
 
 TEST_F(ImageFormatManagerWithCamera, KnowsNothingOfADeviceThatDoesNotAnswer)
 {
-    camera.failFrom(VIDIOC_G_FMT, EIO);
-    EXPECT_EQ(manager.currentFormat(), -1);
-    EXPECT_EQ(manager.currentFrameSize(), -1);
-    EXPECT_EQ(manager.currentFrameInterval(), -1);
-    EXPECT_EQ(manager.currentSizeImage(), 0u);
+    m_camera.failFrom(VIDIOC_G_FMT, EIO);
+    EXPECT_EQ(m_manager.currentFormat(), -1);
+    EXPECT_EQ(m_manager.currentFrameSize(), -1);
+    EXPECT_EQ(m_manager.currentFrameInterval(), -1);
+    EXPECT_EQ(m_manager.currentSizeImage(), 0u);
 }
 
 TEST_F(ImageFormatManagerWithCamera, KnowsNoIntervalWhenTheDeviceDoesNotTell)
 {
-    camera.failFrom(VIDIOC_G_PARM, EIO);
-    EXPECT_EQ(manager.currentFrameSize(), 0);
-    EXPECT_EQ(manager.currentFrameInterval(), -1);
+    m_camera.failFrom(VIDIOC_G_PARM, EIO);
+    EXPECT_EQ(m_manager.currentFrameSize(), 0);
+    EXPECT_EQ(m_manager.currentFrameInterval(), -1);
 }
 
 } // namespace

@@ -29,13 +29,13 @@ thread_local std::optional<int> left;
 class InTheDriver
 {
 public:
-    InTheDriver() : _earlier(left) { left.reset(); }
+    InTheDriver() : m_earlier(left) { left.reset(); }
     InTheDriver(InTheDriver const&) = delete;
     InTheDriver& operator=(InTheDriver const&) = delete;
-    ~InTheDriver() { left = _earlier; }
+    ~InTheDriver() { left = m_earlier; }
 
 private:
-    std::optional<int> const _earlier;
+    std::optional<int> const m_earlier;
 };
 
 void* allocate(std::size_t size)
@@ -157,12 +157,12 @@ protected:
 
     void expectNothingIsHeld() const
     {
-        EXPECT_EQ(camera.accounting().liveMappings, 0);
-        EXPECT_EQ(camera.accounting().allocatedBuffers, 0);
+        EXPECT_EQ(m_camera.accounting().liveMappings, 0);
+        EXPECT_EQ(m_camera.accounting().allocatedBuffers, 0);
     }
 
-    VirtualCamera::InstalledCamera camera = builder().install();
-    OpenNode const node;
+    VirtualCamera::InstalledCamera m_camera = builder().install();
+    OpenNode const m_node;
 };
 
 using Methods = testing::Types<InputMethodMemoryMapping, InputMethodUserPointers, InputMethodRead>;
@@ -172,7 +172,7 @@ TYPED_TEST(AllocationFailure, OfASetupLeavesAMethodThatCanBeUsedAndCleanedUp)
 {
     int failures = 0;
     for (; failures < mostAllocations; ++failures) {
-        TypeParam method(this->node.fd());
+        TypeParam method(this->m_node.fd());
         if (setUp(method, failures)) {
             method.cleanup();
             break;
@@ -190,7 +190,7 @@ TYPED_TEST(AllocationFailure, OfASetupLeavesAMethodThatCanBeUsedAndCleanedUp)
 TYPED_TEST(AllocationFailure, OfASetupIsOvercomeByALaterOne)
 {
     for (int failing = 0; failing < mostAllocations; ++failing) {
-        TypeParam method(this->node.fd());
+        TypeParam method(this->m_node.fd());
         bool const done = setUp(method, failing);
         if (!done) {
             EXPECT_TRUE(setUp(method, mostAllocations));
@@ -212,7 +212,7 @@ using UserPointersAllocationFailure = AllocationFailure<InputMethodUserPointers>
 
 TEST_F(UserPointersAllocationFailure, OfASecondSetupLeavesTheFramesOfTheFirst)
 {
-    InputMethodUserPointers method(node.fd());
+    InputMethodUserPointers method(m_node.fd());
     ASSERT_TRUE(setUp(method, mostAllocations));
     ASSERT_EQ(method.startCapture(), 0);
     IFrame* const borrowed = method.acquireFrame();

@@ -33,13 +33,13 @@ public:
     explicit Stream(CameraBuilder const& builder, int buffers = 3)
         : camera(builder.install()), method(node.fd())
     {
-        _setUp = method.setup(buffers, smallImageSize) == 0 && method.startCapture() == 0;
+        m_setUp = method.setup(buffers, smallImageSize) == 0 && method.startCapture() == 0;
     }
     Stream(Stream const&) = delete;
     Stream& operator=(Stream const&) = delete;
     ~Stream()
     {
-        EXPECT_TRUE(_setUp);
+        EXPECT_TRUE(m_setUp);
         method.cleanup();
         EXPECT_EQ(camera.accounting().liveMappings, 0);
     }
@@ -49,7 +49,7 @@ public:
     InputMethodMemoryMapping method;
 
 private:
-    bool _setUp = false;
+    bool m_setUp = false;
 };
 
 TEST(MappedStream, QueuesAllBuffersInOrderAndStarts)

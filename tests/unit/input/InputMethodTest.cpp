@@ -36,24 +36,24 @@ class InputMethodBase : public testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_EQ(pipe(_ends), 0);
-        method.emplace(_ends[0]);
+        ASSERT_EQ(pipe(m_ends), 0);
+        m_method.emplace(m_ends[0]);
     }
     void TearDown() override
     {
-        method.reset();
-        close(_ends[0]);
-        close(_ends[1]);
+        m_method.reset();
+        close(m_ends[0]);
+        close(m_ends[1]);
     }
 
-    int device() const { return _ends[0]; }
-    void deliver() const { ASSERT_EQ(write(_ends[1], "x", 1), 1); }
+    int device() const { return m_ends[0]; }
+    void deliver() const { ASSERT_EQ(write(m_ends[1], "x", 1), 1); }
 
     /// Waits on a pipe that stands for the device.
-    std::optional<PlainInputMethod> method;
+    std::optional<PlainInputMethod> m_method;
 
 private:
-    int _ends[2] = {-1, -1};
+    int m_ends[2] = {-1, -1};
 };
 
 TEST_F(InputMethodBase, NumbersTheMethods)
@@ -61,14 +61,14 @@ TEST_F(InputMethodBase, NumbersTheMethods)
     EXPECT_EQ(InputMethod::Read, 0);
     EXPECT_EQ(InputMethod::MemoryMapping, 1);
     EXPECT_EQ(InputMethod::UserPointers, 2);
-    EXPECT_EQ(method->type(), InputMethod::Read);
+    EXPECT_EQ(m_method->type(), InputMethod::Read);
 }
 
 TEST_F(InputMethodBase, WaitsAsLongAsItIsToldForADeviceThatDeliversNothing)
 {
-    ASSERT_EQ(method->setup(1, 1), 0);
+    ASSERT_EQ(m_method->setup(1, 1), 0);
     Stopwatch const watch;
-    EXPECT_FALSE(method->dataAvailable(2, 0));
+    EXPECT_FALSE(m_method->dataAvailable(2, 0));
     EXPECT_GE(watch.seconds(), 1.99);
     EXPECT_LT(watch.seconds(), 3);
 }
@@ -76,40 +76,40 @@ TEST_F(InputMethodBase, WaitsAsLongAsItIsToldForADeviceThatDeliversNothing)
 TEST_F(InputMethodBase, TakesTheMicrosecondsOfAWaitIntoAccount)
 {
     Stopwatch const watch;
-    EXPECT_FALSE(method->dataAvailable(0, 50000));
+    EXPECT_FALSE(m_method->dataAvailable(0, 50000));
     EXPECT_GE(watch.seconds(), 0.05);
     EXPECT_LT(watch.seconds(), 1);
 }
 
 TEST_F(InputMethodBase, EndsAWaitWhenTheDeviceDelivers)
 {
-    ASSERT_EQ(method->setup(1, 1), 0);
+    ASSERT_EQ(m_method->setup(1, 1), 0);
     deliver();
     Stopwatch const watch;
-    EXPECT_TRUE(method->dataAvailable(2, 0));
+    EXPECT_TRUE(m_method->dataAvailable(2, 0));
     EXPECT_LT(watch.seconds(), 1);
 }
 
 TEST_F(InputMethodBase, EndsEveryWaitAtOnceAfterAStopUntilCleanup)
 {
-    ASSERT_EQ(method->setup(1, 1), 0);
-    EXPECT_FALSE(method->stopPending());
-    EXPECT_EQ(method->stopCapture(), 0);
+    ASSERT_EQ(m_method->setup(1, 1), 0);
+    EXPECT_FALSE(m_method->stopPending());
+    EXPECT_EQ(m_method->stopCapture(), 0);
     Stopwatch const watch;
     for (int i = 0; i < 5; ++i) {
-        EXPECT_TRUE(method->dataAvailable(2, 0));
-        EXPECT_TRUE(method->stopPending());
+        EXPECT_TRUE(m_method->dataAvailable(2, 0));
+        EXPECT_TRUE(m_method->stopPending());
     }
     EXPECT_LT(watch.seconds(), 1);
-    EXPECT_EQ(method->cleanup(), 0);
-    EXPECT_FALSE(method->dataAvailable(0, 0));
-    EXPECT_FALSE(method->stopPending());
+    EXPECT_EQ(m_method->cleanup(), 0);
+    EXPECT_FALSE(m_method->dataAvailable(0, 0));
+    EXPECT_FALSE(m_method->stopPending());
 }
 
 TEST_F(InputMethodBase, GivesAWaiterTenMillisecondsToLeave)
 {
     Stopwatch const watch;
-    EXPECT_EQ(method->stopCapture(), 0);
+    EXPECT_EQ(m_method->stopCapture(), 0);
     EXPECT_GE(watch.seconds(), 0.01);
 }
 
@@ -117,16 +117,16 @@ TEST_F(InputMethodBase, GivesAWaiterItsTenMillisecondsWhateverSignalsCome)
 {
     Interruptions const interruptions;
     Stopwatch const watch;
-    EXPECT_EQ(method->stopCapture(), 0);
+    EXPECT_EQ(m_method->stopCapture(), 0);
     EXPECT_GE(watch.seconds(), 0.01);
     EXPECT_GE(Interruptions::count, 1);
 }
 
 TEST_F(InputMethodBase, WaitsForTheDeviceAloneWhileItHasNoPipe)
 {
-    EXPECT_FALSE(method->dataAvailable(0, 1000));
+    EXPECT_FALSE(m_method->dataAvailable(0, 1000));
     deliver();
-    EXPECT_TRUE(method->dataAvailable(2, 0));
+    EXPECT_TRUE(m_method->dataAvailable(2, 0));
 }
 
 TEST_F(InputMethodBase, DoesNotWaitForANegativeDevice)
@@ -154,7 +154,7 @@ TEST_F(InputMethodBase, WaitsForTheRestOfItsTimeAfterASignal)
 {
     Interruptions const interruptions;
     Stopwatch const watch;
-    EXPECT_FALSE(method->dataAvailable(0, 200000));
+    EXPECT_FALSE(m_method->dataAvailable(0, 200000));
     EXPECT_GE(watch.seconds(), 0.19);
     EXPECT_LT(watch.seconds(), 1);
     // The thread sanitizer holds handlers back until the wait is over, and runs only one then.
@@ -182,27 +182,27 @@ TEST_F(InputMethodBase, WaitsForADescriptorBeyondAnFdSet)
 TEST_F(InputMethodBase, FailsToSetUpWithoutAPipe)
 {
     DescriptorLimit const none;
-    EXPECT_EQ(method->setup(1, 1), -1);
+    EXPECT_EQ(m_method->setup(1, 1), -1);
 }
 
 TEST_F(InputMethodBase, LosesNoDescriptorWhenItIsSetUpAgain)
 {
     int const before = openDescriptors();
     for (int i = 0; i < 3; ++i) {
-        ASSERT_EQ(method->setup(1, 1), 0);
+        ASSERT_EQ(m_method->setup(1, 1), 0);
         EXPECT_EQ(openDescriptors(), before + 2);
     }
-    EXPECT_EQ(method->cleanup(), 0);
+    EXPECT_EQ(m_method->cleanup(), 0);
     EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST_F(InputMethodBase, ForgetsAStopWhenItIsSetUpAgain)
 {
-    ASSERT_EQ(method->setup(1, 1), 0);
-    method->stopCapture();
-    method->cleanup();
-    ASSERT_EQ(method->setup(1, 1), 0);
-    EXPECT_FALSE(method->dataAvailable(0, 0));
+    ASSERT_EQ(m_method->setup(1, 1), 0);
+    m_method->stopCapture();
+    m_method->cleanup();
+    ASSERT_EQ(m_method->setup(1, 1), 0);
+    EXPECT_FALSE(m_method->dataAvailable(0, 0));
 }
 
 TEST_F(InputMethodBase, ClosesItsPipeWithItself)

@@ -38,13 +38,13 @@ public:
         : camera(builder.install()), method(node.fd())
     {
         DescriptorLimit const none;
-        _setUp = method.setup(buffers, smallImageSize) == 0 && method.startCapture() == 0;
+        m_setUp = method.setup(buffers, smallImageSize) == 0 && method.startCapture() == 0;
     }
     UserPointerStream(UserPointerStream const&) = delete;
     UserPointerStream& operator=(UserPointerStream const&) = delete;
     ~UserPointerStream()
     {
-        EXPECT_TRUE(_setUp);
+        EXPECT_TRUE(m_setUp);
         method.stopCapture();
         method.cleanup();
         EXPECT_EQ(camera.accounting().allocatedBuffers, 0);
@@ -55,7 +55,7 @@ public:
     InputMethodUserPointers method;
 
 private:
-    bool _setUp = false;
+    bool m_setUp = false;
 };
 
 TEST(UserPointerStream, LendsItsBuffersInOrderAndStarts)

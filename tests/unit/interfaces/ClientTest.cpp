@@ -19,7 +19,7 @@ using namespace ImageAcquisition;
 class Client : public testing::Test
 {
 protected:
-    VirtualCamera::InstalledCamera virtualCamera =
+    VirtualCamera::InstalledCamera m_virtualCamera =
         VirtualCamera::aCamera()
             .withFormat("YUYV")
             .withSize(64, 48)
@@ -28,48 +28,48 @@ protected:
             .withControl(VirtualCamera::booleanControl(V4L2_CID_HUE_AUTO, "Hue, Automatic"))
             .paced(VirtualCamera::Pace::Immediate)
             .install();
-    DeviceStub const device{};
-    std::unique_ptr<IBlockingCamera> camera{
-        ICameraFactory::getUniqueInstance().createBlockingCamera(&device)};
+    DeviceStub const m_device{};
+    std::unique_ptr<IBlockingCamera> m_camera{
+        ICameraFactory::getUniqueInstance().createBlockingCamera(&m_device)};
 };
 
 TEST_F(Client, CapturesThroughTheInterfaces)
 {
-    ASSERT_NE(camera, nullptr);
-    EXPECT_TRUE(camera->setCurrentImageFormat("YUYV", 64, 48, 1, 30));
-    ASSERT_EQ(camera->setup(3), 0);
-    ASSERT_EQ(camera->startCapture(), 0);
+    ASSERT_NE(m_camera, nullptr);
+    EXPECT_TRUE(m_camera->setCurrentImageFormat("YUYV", 64, 48, 1, 30));
+    ASSERT_EQ(m_camera->setup(3), 0);
+    ASSERT_EQ(m_camera->startCapture(), 0);
     for (unsigned int number = 0; number < 5; ++number) {
-        IFrame* const frame = camera->acquireFrame();
+        IFrame* const frame = m_camera->acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
         EXPECT_EQ(frame->counter(), number);
-        EXPECT_EQ(camera->releaseFrame(frame), 0);
+        EXPECT_EQ(m_camera->releaseFrame(frame), 0);
     }
-    EXPECT_EQ(camera->stopCapture(), 0);
-    EXPECT_EQ(camera->cleanup(), 0);
-    camera.reset();
-    EXPECT_TRUE(virtualCamera.accounting().nothingHeld());
+    EXPECT_EQ(m_camera->stopCapture(), 0);
+    EXPECT_EQ(m_camera->cleanup(), 0);
+    m_camera.reset();
+    EXPECT_TRUE(m_virtualCamera.accounting().nothingHeld());
 }
 
 TEST_F(Client, ReachesTypedControlsByDynamicCast)
 {
-    ASSERT_NE(camera, nullptr);
-    auto* const gain = dynamic_cast<ICameraControlNumeric<int>*>(camera->gainControl());
+    ASSERT_NE(m_camera, nullptr);
+    auto* const gain = dynamic_cast<ICameraControlNumeric<int>*>(m_camera->gainControl());
     ASSERT_NE(gain, nullptr);
     EXPECT_TRUE(gain->setValue(4));
-    EXPECT_EQ(virtualCamera.controlValue(V4L2_CID_GAIN), 4);
-    EXPECT_EQ(dynamic_cast<ICameraControlNumeric<long long>*>(camera->gainControl()), nullptr);
-    EXPECT_NE(dynamic_cast<ICameraControlBoolean*>(camera->autoHueControl()), nullptr);
-    EXPECT_EQ(dynamic_cast<ICameraControlNumeric<int>*>(camera->invalidControl()), nullptr);
+    EXPECT_EQ(m_virtualCamera.controlValue(V4L2_CID_GAIN), 4);
+    EXPECT_EQ(dynamic_cast<ICameraControlNumeric<long long>*>(m_camera->gainControl()), nullptr);
+    EXPECT_NE(dynamic_cast<ICameraControlBoolean*>(m_camera->autoHueControl()), nullptr);
+    EXPECT_EQ(dynamic_cast<ICameraControlNumeric<int>*>(m_camera->invalidControl()), nullptr);
 }
 
 TEST_F(Client, IsHandedTheInvalidObjectsOfTheLibrary)
 {
-    ASSERT_NE(camera, nullptr);
-    EXPECT_EQ(IImageFormat::invalid(), camera->format(-1));
-    EXPECT_EQ(IFrameSize::invalid(), camera->format(0)->frameSize(-1));
-    EXPECT_EQ(IFramePeriod::invalid(), camera->format(0)->frameSize(0)->period(-1));
-    EXPECT_EQ(IFrame::invalid(), camera->acquireFrame());
+    ASSERT_NE(m_camera, nullptr);
+    EXPECT_EQ(IImageFormat::invalid(), m_camera->format(-1));
+    EXPECT_EQ(IFrameSize::invalid(), m_camera->format(0)->frameSize(-1));
+    EXPECT_EQ(IFramePeriod::invalid(), m_camera->format(0)->frameSize(0)->period(-1));
+    EXPECT_EQ(IFrame::invalid(), m_camera->acquireFrame());
 }
 
 } // namespace

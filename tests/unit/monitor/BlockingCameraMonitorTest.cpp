@@ -23,20 +23,20 @@ class BlockingCameraMonitorTest : public MonitoredMachine
 protected:
     void TearDown() override
     {
-        monitor.stopMonitoring();
+        m_monitor.stopMonitoring();
         MonitoredMachine::TearDown();
     }
 
     void expectEvent(int type, std::string const& node)
     {
-        ASSERT_TRUE(nextEvent(monitor, event));
-        EXPECT_EQ(event.type(), type);
-        EXPECT_EQ(event.deviceSystemName(), node);
-        EXPECT_STREQ(event.subSystemName(), "video4linux");
+        ASSERT_TRUE(nextEvent(m_monitor, m_event));
+        EXPECT_EQ(m_event.type(), type);
+        EXPECT_EQ(m_event.deviceSystemName(), node);
+        EXPECT_STREQ(m_event.subSystemName(), "video4linux");
     }
 
-    BlockingCameraMonitor monitor;
-    CameraEvent event;
+    BlockingCameraMonitor m_monitor;
+    CameraEvent m_event;
 };
 
 /// What a client might hand over by mistake.
@@ -53,92 +53,92 @@ void ignoreSignal(int) {}
 
 TEST_F(BlockingCameraMonitorTest, ReportsADeviceThatComesAndGoes)
 {
-    ASSERT_TRUE(monitor.startMonitoring());
-    machine.addVideoNode("video0");
+    ASSERT_TRUE(m_monitor.startMonitoring());
+    m_machine.addVideoNode("video0");
     expectEvent(1, "/dev/video0");
-    machine.removeVideoNode("video0");
+    m_machine.removeVideoNode("video0");
     expectEvent(2, "/dev/video0");
 }
 
 TEST_F(BlockingCameraMonitorTest, ReportsADeviceThatChangesAndMoves)
 {
-    machine.addVideoNode("video3");
-    ASSERT_TRUE(monitor.startMonitoring());
-    machine.sendEvent("video3", "change");
+    m_machine.addVideoNode("video3");
+    ASSERT_TRUE(m_monitor.startMonitoring());
+    m_machine.sendEvent("video3", "change");
     expectEvent(3, "/dev/video3");
-    machine.sendEvent("video3", "move");
+    m_machine.sendEvent("video3", "move");
     expectEvent(4, "/dev/video3");
 }
 
 TEST_F(BlockingCameraMonitorTest, ReportsActionsThatItHasNoNumberForAsZero)
 {
-    machine.addVideoNode("video0");
-    ASSERT_TRUE(monitor.startMonitoring());
+    m_machine.addVideoNode("video0");
+    ASSERT_TRUE(m_monitor.startMonitoring());
     for (char const* const action : {"bind", "unbind", "online", "offline"}) {
-        event.setType("move");
-        machine.sendEvent("video0", action);
+        m_event.setType("move");
+        m_machine.sendEvent("video0", action);
         expectEvent(0, "/dev/video0");
     }
     for (std::optional<std::string> const& action :
          {std::optional<std::string>("Add"), std::optional<std::string>("repaint"),
           std::optional<std::string>()}) {
-        hook.answer(UdevHook::Text::Action, action);
-        event.setType("move");
-        machine.sendEvent("video0", "change");
+        m_hook.answer(UdevHook::Text::Action, action);
+        m_event.setType("move");
+        m_machine.sendEvent("video0", "change");
         expectEvent(0, "/dev/video0");
     }
 }
 
 TEST_F(BlockingCameraMonitorTest, ListensToUdevForVideoDevicesOfAnyType)
 {
-    ASSERT_TRUE(monitor.startMonitoring());
+    ASSERT_TRUE(m_monitor.startMonitoring());
     std::vector<std::string> const wanted = {"udev", "video4linux", "any"};
     EXPECT_EQ(UdevHook::monitorArguments(), wanted);
 }
 
 TEST_F(BlockingCameraMonitorTest, OtherSubsystemsAreFilteredOut)
 {
-    ASSERT_TRUE(monitor.startMonitoring());
-    machine.addOtherDevice("input", "event7", "/dev/input/event7");
-    machine.addOtherDevice("usb", "9-1");
-    machine.addVideoNode("video0");
-    machine.addOtherDevice("media", "media0", "/dev/media0");
-    machine.addVideoNode("video1");
+    ASSERT_TRUE(m_monitor.startMonitoring());
+    m_machine.addOtherDevice("input", "event7", "/dev/input/event7");
+    m_machine.addOtherDevice("usb", "9-1");
+    m_machine.addVideoNode("video0");
+    m_machine.addOtherDevice("media", "media0", "/dev/media0");
+    m_machine.addVideoNode("video1");
     expectEvent(1, "/dev/video0");
     expectEvent(1, "/dev/video1");
 }
 
 TEST_F(BlockingCameraMonitorTest, KeepsWhatUdevDoesNotTell)
 {
-    ASSERT_TRUE(monitor.startMonitoring());
-    hook.answer(UdevHook::Text::DeviceType, "camera");
-    machine.addVideoNode("video0");
+    ASSERT_TRUE(m_monitor.startMonitoring());
+    m_hook.answer(UdevHook::Text::DeviceType, "camera");
+    m_machine.addVideoNode("video0");
     expectEvent(1, "/dev/video0");
-    EXPECT_STREQ(event.deviceType(), "camera");
+    EXPECT_STREQ(m_event.deviceType(), "camera");
 
-    hook.answer(UdevHook::Text::DeviceType, std::nullopt);
-    machine.addOtherDevice("video4linux", "v4l-without-node");
+    m_hook.answer(UdevHook::Text::DeviceType, std::nullopt);
+    m_machine.addOtherDevice("video4linux", "v4l-without-node");
     expectEvent(1, "/dev/video0");
-    EXPECT_STREQ(event.deviceType(), "camera");
+    EXPECT_STREQ(m_event.deviceType(), "camera");
 
-    hook.answer(UdevHook::Text::Subsystem, std::nullopt);
-    machine.addVideoNode("video1");
+    m_hook.answer(UdevHook::Text::Subsystem, std::nullopt);
+    m_machine.addVideoNode("video1");
     expectEvent(1, "/dev/video1");
 
-    hook.answer(UdevHook::Text::Subsystem, "other");
-    machine.addVideoNode("video2");
-    ASSERT_TRUE(nextEvent(monitor, event));
-    EXPECT_STREQ(event.subSystemName(), "other");
+    m_hook.answer(UdevHook::Text::Subsystem, "other");
+    m_machine.addVideoNode("video2");
+    ASSERT_TRUE(nextEvent(m_monitor, m_event));
+    EXPECT_STREQ(m_event.subSystemName(), "other");
 }
 
 TEST_F(BlockingCameraMonitorTest, NoEventOfABurstIsLost)
 {
-    ASSERT_TRUE(monitor.startMonitoring());
+    ASSERT_TRUE(m_monitor.startMonitoring());
     // The made-up machine's socket holds ten events.
     for (int round = 0; round < 8; ++round) {
         std::string const prefix = "video" + std::to_string(round);
         for (int number = 0; number < 8; ++number) {
-            machine.addVideoNode(prefix + std::to_string(number));
+            m_machine.addVideoNode(prefix + std::to_string(number));
         }
         for (int number = 0; number < 8; ++number) {
             expectEvent(1, "/dev/" + prefix + std::to_string(number));
@@ -148,30 +148,30 @@ TEST_F(BlockingCameraMonitorTest, NoEventOfABurstIsLost)
 
 TEST_F(BlockingCameraMonitorTest, EventEndsAWaitThatHasBegun)
 {
-    ASSERT_TRUE(monitor.startMonitoring());
+    ASSERT_TRUE(m_monitor.startMonitoring());
     bool filled = false;
-    WatchedThread waiter([&] { filled = monitor.getEvent(&event); });
+    WatchedThread waiter([&] { filled = m_monitor.getEvent(&m_event); });
     ASSERT_TRUE(waiter.awaitSelect());
-    machine.addVideoNode("video0");
+    m_machine.addVideoNode("video0");
     waiter.join();
     EXPECT_TRUE(filled);
-    EXPECT_EQ(event.type(), 1);
-    EXPECT_STREQ(event.deviceSystemName(), "/dev/video0");
+    EXPECT_EQ(m_event.type(), 1);
+    EXPECT_STREQ(m_event.deviceSystemName(), "/dev/video0");
 }
 
 TEST_F(BlockingCameraMonitorTest, StopFromASecondThreadEndsTheWait)
 {
-    ASSERT_TRUE(monitor.startMonitoring());
+    ASSERT_TRUE(m_monitor.startMonitoring());
     int const receptions = UdevHook::receptions();
     bool filled = true;
-    WatchedThread waiter([&] { filled = monitor.getEvent(&event); });
+    WatchedThread waiter([&] { filled = m_monitor.getEvent(&m_event); });
     ASSERT_TRUE(waiter.awaitSelect());
-    EXPECT_TRUE(monitor.stopMonitoring());
+    EXPECT_TRUE(m_monitor.stopMonitoring());
     waiter.join();
     EXPECT_EQ(UdevHook::receptions(), receptions); // Udev had nothing to give.
     EXPECT_FALSE(filled);
-    EXPECT_EQ(event.type(), 0);
-    EXPECT_STREQ(event.deviceSystemName(), "");
+    EXPECT_EQ(m_event.type(), 0);
+    EXPECT_STREQ(m_event.deviceSystemName(), "");
 }
 
 TEST_F(BlockingCameraMonitorTest, SignalEndsTheWait)
@@ -180,13 +180,13 @@ TEST_F(BlockingCameraMonitorTest, SignalEndsTheWait)
     handling.sa_handler = ignoreSignal;
     struct sigaction earlier = {};
     sigaction(SIGUSR1, &handling, &earlier);
-    ASSERT_TRUE(monitor.startMonitoring());
+    ASSERT_TRUE(m_monitor.startMonitoring());
     std::atomic<bool> ended{false};
     std::atomic<bool> filled{true};
     std::atomic<pthread_t> thread{};
     WatchedThread waiter([&] {
         thread = pthread_self();
-        filled = monitor.getEvent(&event);
+        filled = m_monitor.getEvent(&m_event);
         ended = true;
         // Stays, so that a late signal finds a thread.
         while (ended) {
@@ -206,43 +206,43 @@ TEST_F(BlockingCameraMonitorTest, SignalEndsTheWait)
 
 TEST_F(BlockingCameraMonitorTest, WithoutEventOfItsOwnItAnswersFalseAtOnce)
 {
-    ASSERT_TRUE(monitor.startMonitoring());
+    ASSERT_TRUE(m_monitor.startMonitoring());
     ForeignEvent foreign;
-    EXPECT_FALSE(monitor.getEvent(nullptr));
-    EXPECT_FALSE(monitor.getEvent(&foreign));
+    EXPECT_FALSE(m_monitor.getEvent(nullptr));
+    EXPECT_FALSE(m_monitor.getEvent(&foreign));
     // Nor do they take an event away from the next one who asks.
-    machine.addVideoNode("video0");
-    EXPECT_FALSE(monitor.getEvent(nullptr));
-    EXPECT_FALSE(monitor.getEvent(&foreign));
+    m_machine.addVideoNode("video0");
+    EXPECT_FALSE(m_monitor.getEvent(nullptr));
+    EXPECT_FALSE(m_monitor.getEvent(&foreign));
     expectEvent(1, "/dev/video0");
 }
 
 TEST_F(BlockingCameraMonitorTest, IdleMonitorAnswersFalseAtOnce)
 {
-    EXPECT_FALSE(monitor.getEvent(&event));
-    ASSERT_TRUE(monitor.startMonitoring());
-    machine.addVideoNode("video0");
-    monitor.stopMonitoring();
-    EXPECT_FALSE(monitor.getEvent(&event));
-    EXPECT_EQ(event.type(), 0);
+    EXPECT_FALSE(m_monitor.getEvent(&m_event));
+    ASSERT_TRUE(m_monitor.startMonitoring());
+    m_machine.addVideoNode("video0");
+    m_monitor.stopMonitoring();
+    EXPECT_FALSE(m_monitor.getEvent(&m_event));
+    EXPECT_EQ(m_event.type(), 0);
 }
 
 TEST_F(BlockingCameraMonitorTest, StopIsTrueAlsoWithoutStartAndTwice)
 {
     Stopwatch const watch;
-    EXPECT_TRUE(monitor.stopMonitoring());
+    EXPECT_TRUE(m_monitor.stopMonitoring());
     EXPECT_GE(watch.seconds(), 0.05);
-    ASSERT_TRUE(monitor.startMonitoring());
-    EXPECT_TRUE(monitor.stopMonitoring());
-    EXPECT_TRUE(monitor.stopMonitoring());
+    ASSERT_TRUE(m_monitor.startMonitoring());
+    EXPECT_TRUE(m_monitor.stopMonitoring());
+    EXPECT_TRUE(m_monitor.stopMonitoring());
 }
 
 TEST_F(BlockingCameraMonitorTest, StopTakesItsFiftyMillisecondsWhateverSignalsCome)
 {
-    ASSERT_TRUE(monitor.startMonitoring());
+    ASSERT_TRUE(m_monitor.startMonitoring());
     Interruptions const interruptions;
     Stopwatch const watch;
-    EXPECT_TRUE(monitor.stopMonitoring());
+    EXPECT_TRUE(m_monitor.stopMonitoring());
     EXPECT_GE(watch.seconds(), 0.05);
     EXPECT_GE(Interruptions::count, 1);
 }
@@ -250,37 +250,37 @@ TEST_F(BlockingCameraMonitorTest, StopTakesItsFiftyMillisecondsWhateverSignalsCo
 TEST_F(BlockingCameraMonitorTest, StartsAnewAfterAStop)
 {
     for (int round = 0; round < 3; ++round) {
-        ASSERT_TRUE(monitor.startMonitoring());
-        machine.addVideoNode("video0");
+        ASSERT_TRUE(m_monitor.startMonitoring());
+        m_machine.addVideoNode("video0");
         expectEvent(1, "/dev/video0");
-        machine.removeVideoNode("video0"); // Missed by the next round's monitor.
-        EXPECT_TRUE(monitor.stopMonitoring());
+        m_machine.removeVideoNode("video0"); // Missed by the next round's monitor.
+        EXPECT_TRUE(m_monitor.stopMonitoring());
         EXPECT_EQ(UdevHook::monitors(), 0);
     }
 }
 
 TEST_F(BlockingCameraMonitorTest, StartWhileRunningReleasesWhatTheEarlierOneLeft)
 {
-    ASSERT_TRUE(monitor.startMonitoring());
+    ASSERT_TRUE(m_monitor.startMonitoring());
     int const descriptors = pipesAndSockets();
-    machine.addVideoNode("video0"); // For the first monitor, which nobody asks any more.
-    ASSERT_TRUE(monitor.startMonitoring());
+    m_machine.addVideoNode("video0"); // For the first monitor, which nobody asks any more.
+    ASSERT_TRUE(m_monitor.startMonitoring());
     EXPECT_EQ(UdevHook::monitors(), 1);
     EXPECT_EQ(pipesAndSockets(), descriptors);
-    machine.addVideoNode("video1");
+    m_machine.addVideoNode("video1");
     expectEvent(1, "/dev/video1");
 }
 
 TEST_F(BlockingCameraMonitorTest, StartWhileAThreadWaitsEndsThatWait)
 {
-    ASSERT_TRUE(monitor.startMonitoring());
+    ASSERT_TRUE(m_monitor.startMonitoring());
     bool filled = true;
-    WatchedThread waiter([&] { filled = monitor.getEvent(&event); });
+    WatchedThread waiter([&] { filled = m_monitor.getEvent(&m_event); });
     ASSERT_TRUE(waiter.awaitSelect());
-    EXPECT_TRUE(monitor.startMonitoring());
+    EXPECT_TRUE(m_monitor.startMonitoring());
     waiter.join();
     EXPECT_FALSE(filled);
-    machine.addVideoNode("video1");
+    m_machine.addVideoNode("video1");
     expectEvent(1, "/dev/video1");
 }
 
@@ -301,8 +301,8 @@ TEST_F(BlockingCameraMonitorTest, ManyRoundsLeaveNoDescriptor)
 {
     int const descriptors = pipesAndSockets();
     for (int round = 0; round < 200; ++round) {
-        ASSERT_TRUE(monitor.startMonitoring()) << round;
-        ASSERT_TRUE(monitor.stopMonitoring()) << round;
+        ASSERT_TRUE(m_monitor.startMonitoring()) << round;
+        ASSERT_TRUE(m_monitor.stopMonitoring()) << round;
     }
     EXPECT_EQ(pipesAndSockets(), descriptors);
     EXPECT_EQ(UdevHook::monitors(), 0);

@@ -23,10 +23,10 @@ public:
         if (pipe(ends) != 0) {
             return;
         }
-        _reading = ends[0];
-        _writing = ends[1];
+        m_reading = ends[0];
+        m_writing = ends[1];
         if (readingEnd != -1) {
-            _reading = dup2(ends[0], readingEnd);
+            m_reading = dup2(ends[0], readingEnd);
             close(ends[0]);
         }
     }
@@ -34,16 +34,16 @@ public:
     Pipe& operator=(Pipe const&) = delete;
     ~Pipe()
     {
-        close(_reading);
-        close(_writing);
+        close(m_reading);
+        close(m_writing);
     }
 
-    int readingEnd() const { return _reading; }
-    void fill() const { EXPECT_EQ(write(_writing, "x", 1), 1); }
+    int readingEnd() const { return m_reading; }
+    void fill() const { EXPECT_EQ(write(m_writing, "x", 1), 1); }
 
 private:
-    int _reading = -1;
-    int _writing = -1;
+    int m_reading = -1;
+    int m_writing = -1;
 };
 
 class LargeDescriptors : public testing::TestWithParam<int>
@@ -51,20 +51,20 @@ class LargeDescriptors : public testing::TestWithParam<int>
 protected:
     void SetUp() override
     {
-        ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &_earlier), 0);
-        rlimit raised = _earlier;
+        ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &m_earlier), 0);
+        rlimit raised = m_earlier;
         raised.rlim_cur = static_cast<rlim_t>(GetParam()) + 16;
         if (raised.rlim_max < raised.rlim_cur) {
             GTEST_SKIP() << "the process may not have descriptor " << GetParam();
         }
         ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &raised), 0);
     }
-    void TearDown() override { setrlimit(RLIMIT_NOFILE, &_earlier); }
+    void TearDown() override { setrlimit(RLIMIT_NOFILE, &m_earlier); }
 
     static timeval noTime() { return {}; }
 
 private:
-    rlimit _earlier{};
+    rlimit m_earlier{};
 };
 
 TEST_P(LargeDescriptors, AreWaitedFor)

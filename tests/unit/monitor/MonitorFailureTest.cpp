@@ -72,9 +72,9 @@ TEST_P(MonitorStartFailureTest, IsReportedAndLeavesAMonitorThatCanBeStopped)
 {
     BlockingCameraMonitor monitor;
     CameraEvent event;
-    hook.refuse(GetParam());
+    m_hook.refuse(GetParam());
     EXPECT_FALSE(monitor.startMonitoring());
-    machine.addVideoNode("video0");
+    m_machine.addVideoNode("video0");
     EXPECT_FALSE(monitor.getEvent(&event));
     EXPECT_TRUE(monitor.stopMonitoring());
     EXPECT_FALSE(monitor.getEvent(&event));
@@ -84,11 +84,11 @@ TEST_P(MonitorStartFailureTest, IsOvercomeByALaterStart)
 {
     BlockingCameraMonitor monitor;
     CameraEvent event;
-    hook.refuse(GetParam());
+    m_hook.refuse(GetParam());
     EXPECT_FALSE(monitor.startMonitoring());
-    hook.refuse(GetParam(), false);
+    m_hook.refuse(GetParam(), false);
     EXPECT_TRUE(monitor.startMonitoring());
-    machine.addVideoNode("video0");
+    m_machine.addVideoNode("video0");
     EXPECT_TRUE(nextEvent(monitor, event));
     EXPECT_TRUE(monitor.stopMonitoring());
 }
@@ -98,9 +98,9 @@ TEST_P(MonitorStartFailureTest, EndsWhatRanBefore)
     BlockingCameraMonitor monitor;
     CameraEvent event;
     EXPECT_TRUE(monitor.startMonitoring());
-    hook.refuse(GetParam());
+    m_hook.refuse(GetParam());
     EXPECT_FALSE(monitor.startMonitoring());
-    machine.addVideoNode("video0");
+    m_machine.addVideoNode("video0");
     EXPECT_FALSE(monitor.getEvent(&event));
     EXPECT_TRUE(monitor.stopMonitoring());
 }
@@ -115,7 +115,7 @@ TEST_F(MonitoredMachine, RefusedReceptionDoesNotStopTheLaterSteps)
 {
     BlockingCameraMonitor monitor;
     int const descriptors = pipesAndSockets();
-    hook.refuse(UdevHook::Call::EnableReceiving);
+    m_hook.refuse(UdevHook::Call::EnableReceiving);
     EXPECT_FALSE(monitor.startMonitoring());
     EXPECT_EQ(pipesAndSockets(), descriptors + 3); // The socket and the pipe.
     EXPECT_TRUE(monitor.stopMonitoring());
@@ -129,7 +129,7 @@ TEST_P(HeldWaiterTest, IsWaitedForBeforeAnythingIsReleased)
     BlockingCameraMonitor monitor;
     CameraEvent event;
     ASSERT_TRUE(monitor.startMonitoring());
-    machine.addVideoNode("video0");
+    m_machine.addVideoNode("video0");
     HeldThread const held(GetParam());
     WatchedThread waiter([&] { monitor.getEvent(&event); });
     ASSERT_TRUE(HeldThread::awaitArrival());
@@ -158,7 +158,7 @@ TEST_P(HeldWaiterTest, IsWaitedForByANewStartToo)
     BlockingCameraMonitor monitor;
     CameraEvent event;
     ASSERT_TRUE(monitor.startMonitoring());
-    machine.addVideoNode("video0");
+    m_machine.addVideoNode("video0");
     HeldThread const held(GetParam());
     WatchedThread waiter([&] { monitor.getEvent(&event); });
     ASSERT_TRUE(HeldThread::awaitArrival());
@@ -194,8 +194,8 @@ TEST_F(MonitoredMachine, StartsAndStopsUnderAThreadThatNeverStopsAsking)
     for (int round = 0; round < 10; ++round) {
         ASSERT_TRUE(monitor.startMonitoring());
         int const before = answers;
-        machine.addVideoNode("video0");
-        machine.removeVideoNode("video0");
+        m_machine.addVideoNode("video0");
+        m_machine.removeVideoNode("video0");
         auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
         while (answers < before + 2 && std::chrono::steady_clock::now() < end) {
             std::this_thread::yield();

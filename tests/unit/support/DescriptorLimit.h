@@ -9,14 +9,14 @@ class DescriptorLimit
 public:
     explicit DescriptorLimit(rlim_t limit = 0)
     {
-        getrlimit(RLIMIT_NOFILE, &_earlier);
-        rlimit const lowered{limit, _earlier.rlim_max};
+        getrlimit(RLIMIT_NOFILE, &m_earlier);
+        rlimit const lowered{limit, m_earlier.rlim_max};
         setrlimit(RLIMIT_NOFILE, &lowered);
     }
     DescriptorLimit(DescriptorLimit const&) = delete;
     DescriptorLimit& operator=(DescriptorLimit const&) = delete;
-    ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &_earlier); }
+    ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &m_earlier); }
 
 private:
-    rlimit _earlier{};
+    rlimit m_earlier{};
 };

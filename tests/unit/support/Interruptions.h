@@ -15,7 +15,7 @@ public:
         {
         };
         action.sa_handler = [](int) { ++count; };
-        sigaction(SIGALRM, &action, &_earlier);
+        sigaction(SIGALRM, &action, &m_earlier);
         itimerval const often{{0, 2000}, {0, 2000}};
         setitimer(ITIMER_REAL, &often, nullptr);
     }
@@ -25,13 +25,13 @@ public:
     {
         itimerval const never{};
         setitimer(ITIMER_REAL, &never, nullptr);
-        sigaction(SIGALRM, &_earlier, nullptr);
+        sigaction(SIGALRM, &m_earlier, nullptr);
     }
 
     static inline volatile std::sig_atomic_t count = 0;
 
 private:
-    struct sigaction _earlier
+    struct sigaction m_earlier
     {
     };
 };

@@ -25,13 +25,13 @@ public:
                                         VirtualCamera::CameraBuilder const& builder)
     {
         testbed.addVideoNode("video" + std::to_string(number), parent);
-        return _cameras.emplace_back(builder.install());
+        return m_cameras.emplace_back(builder.install());
     }
     /// Adds the node of a camera that is no USB device.
     VirtualCamera::InstalledCamera& addWithoutUsb(int number)
     {
         testbed.addVideoNode("video" + std::to_string(number));
-        return _cameras.emplace_back(VirtualCamera::aCamera(nodeOf(number)).install());
+        return m_cameras.emplace_back(VirtualCamera::aCamera(nodeOf(number)).install());
     }
 
     static std::string nodeOf(int number) { return "/dev/video" + std::to_string(number); }
@@ -39,7 +39,7 @@ public:
     VirtualCamera::Testbed testbed;
 
 private:
-    std::list<VirtualCamera::InstalledCamera> _cameras;
+    std::list<VirtualCamera::InstalledCamera> m_cameras;
 };
 
 /// One of the vendor's cameras.

@@ -30,21 +30,21 @@ protected:
         // Without the preloaded library the events would be the real machine's.
         ASSERT_TRUE(VirtualCamera::Testbed::visible());
         // The first event makes the made-up machine open the socket that it keeps.
-        machine.addOtherDevice("input", "event99");
-        _descriptors = pipesAndSockets();
+        m_machine.addOtherDevice("input", "event99");
+        m_descriptors = pipesAndSockets();
     }
     void TearDown() override
     {
         EXPECT_EQ(UdevHook::monitors(), 0) << "a monitor was left";
         EXPECT_EQ(UdevHook::devices(), 0) << "a device was left";
-        EXPECT_EQ(pipesAndSockets(), _descriptors) << "a descriptor was left";
+        EXPECT_EQ(pipesAndSockets(), m_descriptors) << "a descriptor was left";
     }
 
-    VirtualCamera::Testbed machine;
-    UdevHook hook;
+    VirtualCamera::Testbed m_machine;
+    UdevHook m_hook;
 
 private:
-    int _descriptors = 0;
+    int m_descriptors = 0;
 };
 
 /// Asks until an event comes; false when none does within 5 seconds. An event of another subsystem

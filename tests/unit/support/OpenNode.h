@@ -11,20 +11,20 @@ class OpenNode
 {
 public:
     explicit OpenNode(std::string const& node = "/dev/video0")
-        : _descriptor(v4l2_open(node.c_str(), O_RDWR | O_NONBLOCK))
+        : m_descriptor(v4l2_open(node.c_str(), O_RDWR | O_NONBLOCK))
     {
     }
     OpenNode(OpenNode const&) = delete;
     OpenNode& operator=(OpenNode const&) = delete;
     ~OpenNode()
     {
-        if (_descriptor != -1) {
-            v4l2_close(_descriptor);
+        if (m_descriptor != -1) {
+            v4l2_close(m_descriptor);
         }
     }
 
-    int fd() const { return _descriptor; }
+    int fd() const { return m_descriptor; }
 
 private:
-    int _descriptor;
+    int m_descriptor;
 };

@@ -15,11 +15,11 @@ public:
     QtMessages()
     {
         kept().clear();
-        _earlier = qInstallMessageHandler(keep);
+        m_earlier = qInstallMessageHandler(keep);
     }
     QtMessages(QtMessages const&) = delete;
     QtMessages& operator=(QtMessages const&) = delete;
-    ~QtMessages() { qInstallMessageHandler(_earlier); }
+    ~QtMessages() { qInstallMessageHandler(m_earlier); }
 
     /// Whether a message of this kind holds this text.
     bool hold(QtMsgType kind, std::string const& text) const
@@ -53,5 +53,5 @@ private:
         kept().emplace_back(kind, text.toStdString());
     }
 
-    QtMessageHandler _earlier;
+    QtMessageHandler m_earlier;
 };

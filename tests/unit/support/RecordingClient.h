@@ -26,51 +26,51 @@ public:
     };
 
     /// Done within each callback, before the event counts as received.
-    void whenCalled(std::function<void()> action) { _action = std::move(action); }
+    void whenCalled(std::function<void()> action) { m_action = std::move(action); }
 
     void cameraEventReceived(ImageAcquisition::ICameraEvent* event) override
     {
-        if (_action) {
-            _action();
+        if (m_action) {
+            m_action();
         }
-        std::lock_guard<std::mutex> const lock(_mutex);
-        _received.push_back({event->type(), event->deviceSystemName(), event->subSystemName(),
-                             std::this_thread::get_id()});
-        _events.emplace_back(event);
-        _changed.notify_all();
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        m_received.push_back({event->type(), event->deviceSystemName(), event->subSystemName(),
+                              std::this_thread::get_id()});
+        m_events.emplace_back(event);
+        m_changed.notify_all();
     }
 
     /// Returns once so many events have come; false when they do not within 5 seconds.
     bool awaitEvents(int wanted)
     {
-        std::unique_lock<std::mutex> lock(_mutex);
+        std::unique_lock<std::mutex> lock(m_mutex);
         auto const end = std::chrono::system_clock::now() + std::chrono::seconds(5);
-        return _changed.wait_until(
-            lock, end, [this, wanted] { return static_cast<int>(_received.size()) >= wanted; });
+        return m_changed.wait_until(
+            lock, end, [this, wanted] { return static_cast<int>(m_received.size()) >= wanted; });
     }
 
     int count() const
     {
-        std::lock_guard<std::mutex> const lock(_mutex);
-        return static_cast<int>(_received.size());
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        return static_cast<int>(m_received.size());
     }
 
     Received received(int number) const
     {
-        std::lock_guard<std::mutex> const lock(_mutex);
-        return _received.at(static_cast<std::size_t>(number));
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        return m_received.at(static_cast<std::size_t>(number));
     }
 
     std::vector<std::unique_ptr<ImageAcquisition::ICameraEvent>> takeEvents()
     {
-        std::lock_guard<std::mutex> const lock(_mutex);
-        return std::move(_events);
+        std::lock_guard<std::mutex> const lock(m_mutex);
+        return std::move(m_events);
     }
 
 private:
-    std::function<void()> _action;
-    mutable std::mutex _mutex;
-    std::condition_variable _changed;
-    std::vector<Received> _received;
-    std::vector<std::unique_ptr<ImageAcquisition::ICameraEvent>> _events;
+    std::function<void()> m_action;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::vector<Received> m_received;
+    std::vector<std::unique_ptr<ImageAcquisition::ICameraEvent>> m_events;
 };

@@ -9,9 +9,9 @@ class Stopwatch
 public:
     double seconds() const
     {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - _start).count();
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count();
     }
 
 private:
-    std::chrono::steady_clock::time_point const _start = std::chrono::steady_clock::now();
+    std::chrono::steady_clock::time_point const m_start = std::chrono::steady_clock::now();
 };

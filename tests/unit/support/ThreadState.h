@@ -16,8 +16,8 @@ class WatchedThread
 public:
     template <typename Work>
     explicit WatchedThread(Work work)
-        : _thread([this, work] {
-              _id = static_cast<pid_t>(syscall(SYS_gettid));
+        : m_thread([this, work] {
+              m_id = static_cast<pid_t>(syscall(SYS_gettid));
               work();
           })
     {
@@ -28,8 +28,8 @@ public:
 
     void join()
     {
-        if (_thread.joinable()) {
-            _thread.join();
+        if (m_thread.joinable()) {
+            m_thread.join();
         }
     }
 
@@ -49,7 +49,7 @@ public:
 private:
     bool waitsInSelect() const
     {
-        pid_t const id = _id;
+        pid_t const id = m_id;
         if (id == 0) {
             return false;
         }
@@ -60,6 +60,6 @@ private:
         return number == std::to_string(SYS_select) || number == std::to_string(SYS_pselect6);
     }
 
-    std::atomic<pid_t> _id{0};
-    std::thread _thread;
+    std::atomic<pid_t> m_id{0};
+    std::thread m_thread;
 };

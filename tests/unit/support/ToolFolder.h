@@ -15,19 +15,19 @@
 class ToolFolder
 {
 public:
-    ToolFolder() : _earlierFolder(std::filesystem::current_path())
+    ToolFolder() : m_earlierFolder(std::filesystem::current_path())
     {
         std::string pattern = (std::filesystem::temp_directory_path() / "tools-XXXXXX").string();
         if (mkdtemp(pattern.data()) == nullptr) {
             throw std::runtime_error("cannot make " + pattern);
         }
-        _root = pattern;
-        std::filesystem::create_directory(_root / "bin");
-        std::filesystem::create_directory(_root / "work");
-        std::filesystem::current_path(_root / "work");
+        m_root = pattern;
+        std::filesystem::create_directory(m_root / "bin");
+        std::filesystem::create_directory(m_root / "work");
+        std::filesystem::current_path(m_root / "work");
         char const* const path = std::getenv("PATH");
-        _earlierPath = path == nullptr ? "" : path;
-        setenv("PATH", (_root / "bin").c_str(), 1);
+        m_earlierPath = path == nullptr ? "" : path;
+        setenv("PATH", (m_root / "bin").c_str(), 1);
         // What the test itself runs on is not for the tools.
         unsetenv("LD_PRELOAD");
     }
@@ -35,47 +35,47 @@ public:
     ToolFolder& operator=(ToolFolder const&) = delete;
     ~ToolFolder()
     {
-        setenv("PATH", _earlierPath.c_str(), 1);
-        std::filesystem::current_path(_earlierFolder);
+        setenv("PATH", m_earlierPath.c_str(), 1);
+        std::filesystem::current_path(m_earlierFolder);
         std::error_code ignored;
-        std::filesystem::remove_all(_root, ignored);
+        std::filesystem::remove_all(m_root, ignored);
     }
 
     /// Puts a shell script on the PATH; it finds the working directory in $WORK.
     void onPath(std::string const& name, std::string const& script)
     {
-        writeScript(_root / "bin" / name, script);
+        writeScript(m_root / "bin" / name, script);
     }
     void inWorkingDirectory(std::string const& name, std::string const& script)
     {
-        writeScript(_root / "work" / name, script);
+        writeScript(m_root / "work" / name, script);
     }
 
     /// A file of the working directory: what it holds, and what it is to hold.
     std::string read(std::string const& name) const
     {
-        std::ifstream file(_root / "work" / name);
+        std::ifstream file(m_root / "work" / name);
         return {std::istreambuf_iterator<char>(file), {}};
     }
     void write(std::string const& name, std::string const& content) const
     {
-        std::ofstream(_root / "work" / name) << content;
+        std::ofstream(m_root / "work" / name) << content;
     }
     bool exists(std::string const& name) const
     {
-        return std::filesystem::exists(_root / "work" / name);
+        return std::filesystem::exists(m_root / "work" / name);
     }
 
 private:
     void writeScript(std::filesystem::path const& file, std::string const& script) const
     {
-        std::ofstream(file) << "#!/bin/sh\nPATH=/usr/bin:/bin\nWORK='" << (_root / "work").string()
+        std::ofstream(file) << "#!/bin/sh\nPATH=/usr/bin:/bin\nWORK='" << (m_root / "work").string()
                             << "'\n"
                             << script << '\n';
         chmod(file.c_str(), 0755);
     }
 
-    std::filesystem::path _earlierFolder;
-    std::filesystem::path _root;
-    std::string _earlierPath;
+    std::filesystem::path m_earlierFolder;
+    std::filesystem::path m_root;
+    std::string m_earlierPath;
 };

@@ -46,12 +46,12 @@ using Lock = std::unique_lock<std::mutex>;
 class Number
 {
 public:
-    int get() const { return _value.load(std::memory_order_relaxed); }
-    void set(int value) { _value.store(value, std::memory_order_relaxed); }
-    void add(int difference) { _value.fetch_add(difference, std::memory_order_relaxed); }
+    int get() const { return m_value.load(std::memory_order_relaxed); }
+    void set(int value) { m_value.store(value, std::memory_order_relaxed); }
+    void add(int difference) { m_value.fetch_add(difference, std::memory_order_relaxed); }
 
 private:
-    std::atomic<int> _value{0};
+    std::atomic<int> m_value{0};
 };
 
 Number refusals; // A bit for each call.

@@ -274,33 +274,33 @@ protected:
     {
         char const* const names[] = {"Gain", "Gain, Red", "A=B", "A", "Gain (Red)", "Pan", "Pan"};
         for (std::size_t i = 0; i < std::size(names); ++i) {
-            controls[i].controlName = names[i];
-            camera.controls.push_back(&controls[i]);
+            m_controls[i].controlName = names[i];
+            m_camera.controls.push_back(&m_controls[i]);
         }
     }
 
-    FakeBoolean controls[7];
-    FakeCamera camera;
+    FakeBoolean m_controls[7];
+    FakeCamera m_camera;
 };
 
 TEST_F(ControlNames, AreTakenWholeOrInTheirShortForm)
 {
-    EXPECT_EQ(&Iacq::findControl(camera, "Gain, Red"), &controls[1]);
-    EXPECT_EQ(&Iacq::findControl(camera, "gain"), &controls[0]);
-    EXPECT_THROW(Iacq::findControl(camera, "GAIN"), Iacq::Failure);
-    EXPECT_THROW(Iacq::findControl(camera, ""), Iacq::Failure);
+    EXPECT_EQ(&Iacq::findControl(m_camera, "Gain, Red"), &m_controls[1]);
+    EXPECT_EQ(&Iacq::findControl(m_camera, "gain"), &m_controls[0]);
+    EXPECT_THROW(Iacq::findControl(m_camera, "GAIN"), Iacq::Failure);
+    EXPECT_THROW(Iacq::findControl(m_camera, ""), Iacq::Failure);
 }
 
 TEST_F(ControlNames, ThatRepeatMeanTheFirst)
 {
-    EXPECT_EQ(&Iacq::findControl(camera, "Pan"), &controls[5]);
-    EXPECT_EQ(&Iacq::findControl(camera, "pan"), &controls[5]);
+    EXPECT_EQ(&Iacq::findControl(m_camera, "Pan"), &m_controls[5]);
+    EXPECT_EQ(&Iacq::findControl(m_camera, "pan"), &m_controls[5]);
 }
 
 TEST_F(ControlNames, ThatAreUnclearInTheirShortFormAreRefused)
 {
     try {
-        Iacq::findControl(camera, "gain_red");
+        Iacq::findControl(m_camera, "gain_red");
         FAIL();
     } catch (Iacq::Failure const& failure) {
         EXPECT_STREQ(failure.what(),
@@ -310,16 +310,16 @@ TEST_F(ControlNames, ThatAreUnclearInTheirShortFormAreRefused)
 
 TEST_F(ControlNames, EndAtTheEqualsSignThatMakesOne)
 {
-    Iacq::Assignment assignment = Iacq::parseAssignment(camera, "A=B=1");
-    EXPECT_EQ(assignment.control, &controls[3]);
+    Iacq::Assignment assignment = Iacq::parseAssignment(m_camera, "A=B=1");
+    EXPECT_EQ(assignment.control, &m_controls[3]);
     EXPECT_EQ(assignment.value, "B=1");
-    assignment = Iacq::parseAssignment(camera, "A=B");
-    EXPECT_EQ(assignment.control, &controls[2]);
+    assignment = Iacq::parseAssignment(m_camera, "A=B");
+    EXPECT_EQ(assignment.control, &m_controls[2]);
     EXPECT_EQ(assignment.value, std::nullopt);
-    assignment = Iacq::parseAssignment(camera, "gain=");
-    EXPECT_EQ(assignment.control, &controls[0]);
+    assignment = Iacq::parseAssignment(m_camera, "gain=");
+    EXPECT_EQ(assignment.control, &m_controls[0]);
     EXPECT_EQ(assignment.value, "");
-    EXPECT_THROW(Iacq::parseAssignment(camera, "absent=1"), Iacq::Failure);
+    EXPECT_THROW(Iacq::parseAssignment(m_camera, "absent=1"), Iacq::Failure);
 }
 
 class SeveralAssignments : public testing::Test
@@ -327,18 +327,18 @@ class SeveralAssignments : public testing::Test
 protected:
     SeveralAssignments()
     {
-        number.controlName = "Number";
-        switch_.controlName = "Switch";
-        menu.controlName = "Menu";
-        text.controlName = "Text";
-        button.controlName = "Button";
-        camera.controls = {&number, &switch_, &menu, &text, &button};
+        m_number.controlName = "Number";
+        m_switch.controlName = "Switch";
+        m_menu.controlName = "Menu";
+        m_text.controlName = "Text";
+        m_button.controlName = "Button";
+        m_camera.controls = {&m_number, &m_switch, &m_menu, &m_text, &m_button};
     }
 
     std::string outcome(std::vector<std::string> const& texts)
     {
         try {
-            Iacq::applyAll(camera, texts);
+            Iacq::applyAll(m_camera, texts);
         } catch (Iacq::Failure const& failure) {
             return std::to_string(failure.status()) + ": " + failure.what();
         }
@@ -347,23 +347,23 @@ protected:
 
     std::size_t writes() const
     {
-        return number.written.size() + switch_.written.size() + menu.written.size() +
-               text.written.size() + button.written.size();
+        return m_number.written.size() + m_switch.written.size() + m_menu.written.size() +
+               m_text.written.size() + m_button.written.size();
     }
 
-    FakeNumber<int> number;
-    FakeBoolean switch_;
-    FakeMenu menu;
-    FakeString text;
-    FakeButton button;
-    FakeCamera camera;
+    FakeNumber<int> m_number;
+    FakeBoolean m_switch;
+    FakeMenu m_menu;
+    FakeString m_text;
+    FakeButton m_button;
+    FakeCamera m_camera;
 };
 
 TEST_F(SeveralAssignments, AreWrittenInTheirOrder)
 {
     EXPECT_EQ(outcome({"number=1", "button", "menu=On", "number=2", "text=abc"}), "set");
-    EXPECT_THAT(number.written, ElementsAre(1, 2));
-    EXPECT_THAT(menu.written, ElementsAre(3));
+    EXPECT_THAT(m_number.written, ElementsAre(1, 2));
+    EXPECT_THAT(m_menu.written, ElementsAre(3));
     EXPECT_EQ(writes(), 5u);
 }
 
@@ -385,7 +385,7 @@ TEST_F(SeveralAssignments, AreAllLeftAloneWhenOneIsRefused)
 
 TEST_F(SeveralAssignments, HaveAllTheirRefusalsTold)
 {
-    text.readOnly = true;
+    m_text.readOnly = true;
     EXPECT_EQ(outcome({"number=1", "number=999", "absent=1", "text=abc", "menu=Other"}),
               "2: the camera has no control 'absent'; Number was not set: 999 is outside 0..100; "
               "Text was not set: read-only; Menu was not set: no such item: 'Other'");
@@ -394,17 +394,17 @@ TEST_F(SeveralAssignments, HaveAllTheirRefusalsTold)
 
 TEST_F(SeveralAssignments, AreJudgedByTheStateOfTheirControls)
 {
-    text.readOnly = true;
+    m_text.readOnly = true;
     EXPECT_EQ(outcome({"number=1", "text=abc"}), "1: Text was not set: read-only");
-    text.readOnly = false;
-    text.grabbed = true;
+    m_text.readOnly = false;
+    m_text.grabbed = true;
     EXPECT_EQ(outcome({"switch=on", "text=abc"}),
               "1: Text was not set: grabbed by another program");
-    text.grabbed = false;
-    text.disabled = true;
+    m_text.grabbed = false;
+    m_text.disabled = true;
     EXPECT_EQ(outcome({"menu=On", "text=abc"}), "1: Text was not set: disabled");
-    text.disabled = false;
-    text.inactiveByNow = true;
+    m_text.disabled = false;
+    m_text.inactiveByNow = true;
     EXPECT_EQ(outcome({"number=1", "text=abc"}), "1: Text was not set: inactive");
     EXPECT_EQ(writes(), 0u);
 }
@@ -412,22 +412,22 @@ TEST_F(SeveralAssignments, AreJudgedByTheStateOfTheirControls)
 TEST_F(SeveralAssignments, MayActivateTheirSuccessors)
 {
     // Here nothing becomes active, so that the second is refused once it is its turn.
-    number.inactive = true;
+    m_number.inactive = true;
     EXPECT_EQ(outcome({"switch=off", "number=1"}), "1: Number was not set: inactive");
-    EXPECT_THAT(switch_.written, ElementsAre(false));
+    EXPECT_THAT(m_switch.written, ElementsAre(false));
     EXPECT_EQ(outcome({"number=1", "menu=On"}), "1: Number was not set: inactive");
-    EXPECT_THAT(menu.written, IsEmpty());
+    EXPECT_THAT(m_menu.written, IsEmpty());
     EXPECT_EQ(outcome({"menu=On", "number=999"}), "1: Number was not set: 999 is outside 0..100");
-    EXPECT_THAT(menu.written, IsEmpty());
+    EXPECT_THAT(m_menu.written, IsEmpty());
 }
 
 TEST_F(SeveralAssignments, StopAtWhatOnlyTheDriverRefuses)
 {
-    switch_.refusing = true;
+    m_switch.refusing = true;
     EXPECT_EQ(outcome({"number=1", "switch=on", "menu=On"}),
               "1: Switch was not set: refused by the driver");
-    EXPECT_THAT(number.written, ElementsAre(1));
-    EXPECT_THAT(menu.written, IsEmpty());
+    EXPECT_THAT(m_number.written, ElementsAre(1));
+    EXPECT_THAT(m_menu.written, IsEmpty());
 }
 
 /// As one behind the serial link, which does not look at the range.

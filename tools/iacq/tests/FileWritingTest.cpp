@@ -27,20 +27,20 @@ protected:
     {
         char name[] = "/tmp/iacq-output-XXXXXX";
         ASSERT_NE(mkdtemp(name), nullptr);
-        directory = name;
+        m_directory = name;
         ASSERT_EQ(chmod(name, 0755), 0);
     }
     void TearDown() override
     {
         for (std::string const& name : names()) {
-            unlink((directory + "/" + name).c_str());
+            unlink((m_directory + "/" + name).c_str());
         }
-        rmdir(directory.c_str());
+        rmdir(m_directory.c_str());
     }
     std::vector<std::string> names() const
     {
         std::vector<std::string> result;
-        DIR* const opened = opendir(directory.c_str());
+        DIR* const opened = opendir(m_directory.c_str());
         while (dirent const* const entry = readdir(opened)) {
             if (entry->d_name[0] != '.') {
                 result.emplace_back(entry->d_name);
@@ -51,20 +51,20 @@ protected:
     }
     std::string contents(std::string const& name) const
     {
-        std::ifstream file(directory + "/" + name, std::ios::binary);
+        std::ifstream file(m_directory + "/" + name, std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(file), {});
     }
     bool isLink(std::string const& name) const
     {
         struct stat status;
-        return lstat((directory + "/" + name).c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+        return lstat((m_directory + "/" + name).c_str(), &status) == 0 && S_ISLNK(status.st_mode);
     }
     mode_t modeOf(std::string const& name) const
     {
         struct stat status
         {
         };
-        stat((directory + "/" + name).c_str(), &status);
+        stat((m_directory + "/" + name).c_str(), &status);
         return status.st_mode & 07777;
     }
     /// Writes "new" as a user whom permissions bind, who may write so many bytes at most. Returns
@@ -77,7 +77,7 @@ protected:
         }
         pid_t const child = fork();
         if (child == 0) {
-            std::string const trouble = asAnOrdinaryUser(directory + "/" + name, most);
+            std::string const trouble = asAnOrdinaryUser(m_directory + "/" + name, most);
             _exit(write(ends[1], trouble.data(), trouble.size()) == -1);
         }
         close(ends[1]);
@@ -90,7 +90,7 @@ protected:
                            : "the child failed";
     }
 
-    std::string directory;
+    std::string m_directory;
 
 private:
     static std::string asAnOrdinaryUser(std::string const& path, rlim_t most)
@@ -114,21 +114,21 @@ private:
 
 TEST_F(WriteFile, ReplacesWhatWasThere)
 {
-    Iacq::writeFile(directory + "/a.raw", {'o', 'l', 'd', '!'});
-    Iacq::writeFile(directory + "/a.raw", {'n', 'e', 'w'});
+    Iacq::writeFile(m_directory + "/a.raw", {'o', 'l', 'd', '!'});
+    Iacq::writeFile(m_directory + "/a.raw", {'n', 'e', 'w'});
     EXPECT_EQ(contents("a.raw"), "new");
     EXPECT_EQ(names().size(), 1u);
 }
 
 TEST_F(WriteFile, LeavesNothingBehindWhenTheDirectoryIsAbsent)
 {
-    EXPECT_THROW(Iacq::writeFile(directory + "/absent/a.raw", {'x'}), Iacq::Failure);
+    EXPECT_THROW(Iacq::writeFile(m_directory + "/absent/a.raw", {'x'}), Iacq::Failure);
     EXPECT_TRUE(names().empty());
 }
 
 TEST_F(WriteFile, LeavesNothingBehindWhenTheTargetIsADirectory)
 {
-    EXPECT_THROW(Iacq::writeFile(directory, {'x'}), Iacq::Failure);
+    EXPECT_THROW(Iacq::writeFile(m_directory, {'x'}), Iacq::Failure);
     EXPECT_TRUE(names().empty());
 }
 
@@ -140,13 +140,13 @@ TEST_F(WriteFile, WritesToADeviceWithoutReplacingIt)
 
 TEST_F(WriteFile, KeepsWhatWasThereWhenItFails)
 {
-    Iacq::writeFile(directory + "/a.raw", {'o', 'l', 'd'});
+    Iacq::writeFile(m_directory + "/a.raw", {'o', 'l', 'd'});
     rlimit limit{};
     getrlimit(RLIMIT_FSIZE, &limit);
     rlimit const small{2, limit.rlim_max};
     std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &small);
-    EXPECT_THROW(Iacq::writeFile(directory + "/a.raw", {'n', 'e', 'w'}), Iacq::Failure);
+    EXPECT_THROW(Iacq::writeFile(m_directory + "/a.raw", {'n', 'e', 'w'}), Iacq::Failure);
     setrlimit(RLIMIT_FSIZE, &limit);
     std::signal(SIGXFSZ, SIG_DFL);
     EXPECT_EQ(contents("a.raw"), "old");
@@ -155,10 +155,10 @@ TEST_F(WriteFile, KeepsWhatWasThereWhenItFails)
 
 TEST_F(WriteFile, KeepsALinkAndWritesWhatItLeadsTo)
 {
-    Iacq::writeFile(directory + "/picture", {'o', 'l', 'd'});
-    ASSERT_EQ(symlink("picture", (directory + "/near").c_str()), 0);
-    ASSERT_EQ(symlink((directory + "/near").c_str(), (directory + "/far").c_str()), 0);
-    Iacq::writeFile(directory + "/far", {'n', 'e', 'w'});
+    Iacq::writeFile(m_directory + "/picture", {'o', 'l', 'd'});
+    ASSERT_EQ(symlink("picture", (m_directory + "/near").c_str()), 0);
+    ASSERT_EQ(symlink((m_directory + "/near").c_str(), (m_directory + "/far").c_str()), 0);
+    Iacq::writeFile(m_directory + "/far", {'n', 'e', 'w'});
     EXPECT_TRUE(isLink("near"));
     EXPECT_TRUE(isLink("far"));
     EXPECT_FALSE(isLink("picture"));
@@ -168,16 +168,16 @@ TEST_F(WriteFile, KeepsALinkAndWritesWhatItLeadsTo)
 
 TEST_F(WriteFile, MakesTheFileThatALinkLeadsTo)
 {
-    ASSERT_EQ(symlink("picture", (directory + "/link").c_str()), 0);
-    Iacq::writeFile(directory + "/link", {'n', 'e', 'w'});
+    ASSERT_EQ(symlink("picture", (m_directory + "/link").c_str()), 0);
+    Iacq::writeFile(m_directory + "/link", {'n', 'e', 'w'});
     EXPECT_TRUE(isLink("link"));
     EXPECT_EQ(contents("picture"), "new");
 }
 
 TEST_F(WriteFile, RefusesLinksThatLeadNowhere)
 {
-    ASSERT_EQ(symlink("round", (directory + "/round").c_str()), 0);
-    EXPECT_THROW(Iacq::writeFile(directory + "/round", {'x'}), Iacq::Failure);
+    ASSERT_EQ(symlink("round", (m_directory + "/round").c_str()), 0);
+    EXPECT_THROW(Iacq::writeFile(m_directory + "/round", {'x'}), Iacq::Failure);
     EXPECT_TRUE(isLink("round"));
     EXPECT_EQ(names().size(), 1u);
 }
@@ -185,9 +185,9 @@ TEST_F(WriteFile, RefusesLinksThatLeadNowhere)
 TEST_F(WriteFile, KeepsThePermissionsOfAnExistingFile)
 {
     for (mode_t const mode : {0640u, 0604u, 0666u, 0444u}) {
-        Iacq::writeFile(directory + "/a.raw", {'o', 'l', 'd'});
-        ASSERT_EQ(chmod((directory + "/a.raw").c_str(), mode), 0);
-        Iacq::writeFile(directory + "/a.raw", {'n', 'e', 'w'});
+        Iacq::writeFile(m_directory + "/a.raw", {'o', 'l', 'd'});
+        ASSERT_EQ(chmod((m_directory + "/a.raw").c_str(), mode), 0);
+        Iacq::writeFile(m_directory + "/a.raw", {'n', 'e', 'w'});
         EXPECT_EQ(modeOf("a.raw"), mode);
         EXPECT_EQ(contents("a.raw"), "new");
     }
@@ -196,21 +196,21 @@ TEST_F(WriteFile, KeepsThePermissionsOfAnExistingFile)
 TEST_F(WriteFile, GivesANewFileTheUsualPermissions)
 {
     mode_t const before = umask(027);
-    Iacq::writeFile(directory + "/a.raw", {'n', 'e', 'w'});
+    Iacq::writeFile(m_directory + "/a.raw", {'n', 'e', 'w'});
     umask(before);
     EXPECT_EQ(modeOf("a.raw"), 0640u);
 }
 
 TEST_F(WriteFile, WritesWhereOnlyTheFileIsWritable)
 {
-    Iacq::writeFile(directory + "/a.raw", {'o', 'l', 'd', '!'});
-    ASSERT_EQ(chmod((directory + "/a.raw").c_str(), 0666), 0);
-    ASSERT_EQ(chmod(directory.c_str(), 0555), 0);
+    Iacq::writeFile(m_directory + "/a.raw", {'o', 'l', 'd', '!'});
+    ASSERT_EQ(chmod((m_directory + "/a.raw").c_str(), 0666), 0);
+    ASSERT_EQ(chmod(m_directory.c_str(), 0555), 0);
     EXPECT_EQ(writtenByAnOrdinaryUser("a.raw"), "");
     EXPECT_EQ(contents("a.raw"), "new");
     EXPECT_EQ(writtenByAnOrdinaryUser("b.raw"),
-              "cannot write " + directory + "/b.raw: Permission denied");
-    chmod(directory.c_str(), 0755);
+              "cannot write " + m_directory + "/b.raw: Permission denied");
+    chmod(m_directory.c_str(), 0755);
     EXPECT_EQ(names().size(), 1u);
 }
 
@@ -220,9 +220,9 @@ TEST_F(WriteFile, WritesAnothersFileInAStickyDirectory)
     if (geteuid() != 0) {
         GTEST_SKIP() << "only root has two users' files";
     }
-    Iacq::writeFile(directory + "/a.raw", {'o', 'l', 'd', '!'});
-    ASSERT_EQ(chmod((directory + "/a.raw").c_str(), 0666), 0);
-    ASSERT_EQ(chmod(directory.c_str(), 01777), 0);
+    Iacq::writeFile(m_directory + "/a.raw", {'o', 'l', 'd', '!'});
+    ASSERT_EQ(chmod((m_directory + "/a.raw").c_str(), 0666), 0);
+    ASSERT_EQ(chmod(m_directory.c_str(), 01777), 0);
     EXPECT_EQ(writtenByAnOrdinaryUser("a.raw"), "");
     EXPECT_EQ(contents("a.raw"), "new");
     EXPECT_EQ(modeOf("a.raw"), 0666u);
@@ -231,12 +231,12 @@ TEST_F(WriteFile, WritesAnothersFileInAStickyDirectory)
 
 TEST_F(WriteFile, LeavesNoHalfOfAPictureInPlace)
 {
-    Iacq::writeFile(directory + "/a.raw", {'o', 'l', 'd', '!'});
-    ASSERT_EQ(chmod((directory + "/a.raw").c_str(), 0666), 0);
-    ASSERT_EQ(chmod(directory.c_str(), 0555), 0);
+    Iacq::writeFile(m_directory + "/a.raw", {'o', 'l', 'd', '!'});
+    ASSERT_EQ(chmod((m_directory + "/a.raw").c_str(), 0666), 0);
+    ASSERT_EQ(chmod(m_directory.c_str(), 0555), 0);
     EXPECT_EQ(writtenByAnOrdinaryUser("a.raw", 2),
-              "cannot write " + directory + "/a.raw: File too large");
-    chmod(directory.c_str(), 0755);
+              "cannot write " + m_directory + "/a.raw: File too large");
+    chmod(m_directory.c_str(), 0755);
     EXPECT_EQ(contents("a.raw"), "");
     EXPECT_EQ(names().size(), 1u);
 }

@@ -19,90 +19,93 @@ protected:
     Selection()
     {
         std::vector<FakePeriod> const slow = {{1, 30}, {1, 15}};
-        camera.formats = {
+        m_camera.formats = {
             {"YUYV", {{640, 480, slow}, {320, 240, slow}}},
             {"MJPG", {{320, 240, slow}, {1280, 720, {{1, 60}, {1001, 30000}, {1, 30}}}}},
             {"GREY", {{160, 120, {}}}},
         };
-        camera.setFormat = 0;
-        camera.setSize = 0;
-        camera.setInterval = 1;
+        m_camera.setFormat = 0;
+        m_camera.setSize = 0;
+        m_camera.setInterval = 1;
     }
 
-    std::vector<int> set() const { return {camera.setFormat, camera.setSize, camera.setInterval}; }
+    std::vector<int> set() const
+    {
+        return {m_camera.setFormat, m_camera.setSize, m_camera.setInterval};
+    }
 
     std::string refusal(WantedSelection const& wanted)
     {
         try {
-            Iacq::select(camera, wanted);
+            Iacq::select(m_camera, wanted);
         } catch (Iacq::Failure const& failure) {
             return std::to_string(failure.status()) + ": " + failure.what();
         }
         return "none";
     }
 
-    FakeCamera camera;
+    FakeCamera m_camera;
 };
 
 using Positions = std::vector<int>;
 
 TEST_F(Selection, IsLeftAloneWhenNothingIsWanted)
 {
-    Iacq::select(camera, {});
-    EXPECT_EQ(camera.timesSet, 0);
+    Iacq::select(m_camera, {});
+    EXPECT_EQ(m_camera.timesSet, 0);
 }
 
 TEST_F(Selection, KeepsWhatIsSetWhereItGoesWithWhatIsWanted)
 {
-    Iacq::select(camera, {"", "320x240", "", ""});
+    Iacq::select(m_camera, {"", "320x240", "", ""});
     EXPECT_EQ(set(), (Positions{0, 1, 1}));
-    Iacq::select(camera, {"MJPG", "", "", ""});
+    Iacq::select(m_camera, {"MJPG", "", "", ""});
     EXPECT_EQ(set(), (Positions{1, 0, 1}));
-    Iacq::select(camera, {"", "", "1/30", ""});
+    Iacq::select(m_camera, {"", "", "1/30", ""});
     EXPECT_EQ(set(), (Positions{1, 0, 0}));
 }
 
 TEST_F(Selection, TakesTheFirstThatGoesWithWhatIsWanted)
 {
-    Iacq::select(camera, {"", "1280x720", "", ""});
+    Iacq::select(m_camera, {"", "1280x720", "", ""});
     EXPECT_EQ(set(), (Positions{1, 1, 0}));
-    camera.setFormat = 0;
-    camera.setSize = 1;
-    Iacq::select(camera, {"", "", "1/60", ""});
+    m_camera.setFormat = 0;
+    m_camera.setSize = 1;
+    Iacq::select(m_camera, {"", "", "1/60", ""});
     EXPECT_EQ(set(), (Positions{1, 1, 0}));
-    Iacq::select(camera, {"GREY", "", "", ""});
+    Iacq::select(m_camera, {"GREY", "", "", ""});
     EXPECT_EQ(set(), (Positions{2, 0, 0}));
 }
 
 TEST_F(Selection, ComparesIntervalsAsFractions)
 {
-    Iacq::select(camera, {"", "", "2/60", ""});
+    Iacq::select(m_camera, {"", "", "2/60", ""});
     EXPECT_EQ(set(), (Positions{0, 0, 0}));
 }
 
 TEST_F(Selection, FindsAnIntervalByFramesASecond)
 {
-    Iacq::select(camera, {"", "", "", "30"});
+    Iacq::select(m_camera, {"", "", "", "30"});
     EXPECT_EQ(set(), (Positions{0, 0, 0}));
-    Iacq::select(camera, {"", "", "", "29.97"});
+    Iacq::select(m_camera, {"", "", "", "29.97"});
     EXPECT_EQ(set(), (Positions{1, 1, 1}));
-    Iacq::select(camera, {"", "", "", "30"});
+    Iacq::select(m_camera, {"", "", "", "30"});
     EXPECT_EQ(set(), (Positions{1, 1, 2}));
 }
 
 TEST_F(Selection, TakesTheNearestFrameRateWithinItsTolerance)
 {
     // 30; 29.97 rounded down to units of 100 ns, and exactly; 23.976; 59.94; 119.88; 8.333
-    camera.formats = {{"YUYV",
-                       {{640,
-                         480,
-                         {{1, 30},
-                          {333666, 10000000},
-                          {1001, 30000},
-                          {1001, 24000},
-                          {1001, 60000},
-                          {1001, 120000},
-                          {3, 25}}}}}};
+    m_camera.formats = {{"YUYV",
+                         {{640,
+                           480,
+                           {{1, 30},
+                            {333666, 10000000},
+                            {1001, 30000},
+                            {1001, 24000},
+                            {1001, 60000},
+                            {1001, 120000},
+                            {3, 25}}}}}};
     struct Case
     {
         char const* wanted;
@@ -112,9 +115,9 @@ TEST_F(Selection, TakesTheNearestFrameRateWithinItsTolerance)
          {Case{"30", 0}, Case{"29.97", 2}, Case{"29.97003", 2}, Case{"29.9701", 1},
           Case{"29.98", 1}, Case{"23.976", 3}, Case{"23.98", 3}, Case{"59.94", 4}, Case{"119.9", 5},
           Case{"8.33", 6}}) {
-        camera.setInterval = -1;
+        m_camera.setInterval = -1;
         EXPECT_EQ(refusal({"", "", "", wanted}), "none") << wanted;
-        EXPECT_EQ(camera.setInterval, found) << wanted;
+        EXPECT_EQ(m_camera.setInterval, found) << wanted;
     }
     for (char const* const absent : {"24", "60", "120", "29.95", "8.3"}) {
         EXPECT_EQ(refusal({"", "", "", absent}),
@@ -125,9 +128,9 @@ TEST_F(Selection, TakesTheNearestFrameRateWithinItsTolerance)
 
 TEST_F(Selection, StartsWithTheFirstWhenTheDeviceIsSetToNoneOfTheList)
 {
-    camera.setFormat = -1;
-    EXPECT_TRUE(Iacq::currentSelection(camera).size->isInvalid());
-    Iacq::select(camera, {});
+    m_camera.setFormat = -1;
+    EXPECT_TRUE(Iacq::currentSelection(m_camera).size->isInvalid());
+    Iacq::select(m_camera, {});
     EXPECT_EQ(set(), (Positions{0, 0, 0}));
 }
 
@@ -147,7 +150,7 @@ TEST_F(Selection, SaysWhatThereIsInstead)
               "2: the format GREY has no frame rate 30; it has no list of them");
     EXPECT_EQ(refusal({"GREY", "", "1/30", ""}),
               "2: the format GREY has no interval 1/30; it has no list of them");
-    EXPECT_EQ(camera.timesSet, 0);
+    EXPECT_EQ(m_camera.timesSet, 0);
 }
 
 TEST_F(Selection, RefusesWhatIsMisspelt)
@@ -159,18 +162,18 @@ TEST_F(Selection, RefusesWhatIsMisspelt)
 
 TEST_F(Selection, TellsOfADriverThatRefuses)
 {
-    camera.refusing = true;
+    m_camera.refusing = true;
     EXPECT_EQ(refusal({"MJPG", "", "", ""}), "1: the camera refused the format MJPG 320x240");
 }
 
 TEST_F(Selection, KeepsWhatIsSetOnACameraWithARangeOfSizes)
 {
-    camera.formats = {{"YUYV", {}}};
-    Iacq::select(camera, {"YUYV", "", "", ""});
-    EXPECT_EQ(camera.timesSet, 0);
+    m_camera.formats = {{"YUYV", {}}};
+    Iacq::select(m_camera, {"YUYV", "", "", ""});
+    EXPECT_EQ(m_camera.timesSet, 0);
     EXPECT_EQ(refusal({"", "640x480", "", ""}),
               "2: the camera has no size 640x480; it has no list of them");
-    camera.setFormat = -1;
+    m_camera.setFormat = -1;
     EXPECT_EQ(refusal({}), "none");
     EXPECT_EQ(refusal({"YUYV", "", "", ""}),
               "2: the format YUYV has no size that can be chosen; it has no list of them");

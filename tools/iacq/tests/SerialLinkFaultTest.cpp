@@ -18,17 +18,17 @@ protected:
     SerialLinkFault()
     {
         char name[] = "/tmp/iacq-serial-XXXXXX";
-        folder = mkdtemp(name);
+        m_folder = mkdtemp(name);
     }
-    ~SerialLinkFault() override { files::remove_all(folder); }
+    ~SerialLinkFault() override { files::remove_all(m_folder); }
 
     std::string fault(std::string const& log) const
     {
         std::istringstream lines(log);
-        return Iacq::serialLinkFault(lines, "usb-0000:00:14.0-2.3", folder);
+        return Iacq::serialLinkFault(lines, "usb-0000:00:14.0-2.3", m_folder);
     }
 
-    std::string folder;
+    std::string m_folder;
 };
 
 TEST_F(SerialLinkFault, IsAnEmptyLog)
@@ -52,18 +52,18 @@ TEST_F(SerialLinkFault, IsALogWithoutThePort)
 
 TEST_F(SerialLinkFault, IsAPortThatCannotBeOpened)
 {
-    files::create_symlink("ttyACM12", folder + "/ttyACM12");
+    files::create_symlink("ttyACM12", m_folder + "/ttyACM12");
     EXPECT_EQ(fault("[ 1.0] cdc_acm 1-2.3:1.5: ttyACM3: USB ACM device\n"
                     "[ 9.0] cdc_acm 3-2.3:1.5: ttyACM12: USB ACM device\n"
                     "[ 9.9] cdc_acm 1-4:1.5: ttyACM0: USB ACM device\n"),
-              "its serial port " + folder +
+              "its serial port " + m_folder +
                   "/ttyACM12 cannot be opened: Too many levels of symbolic links");
 }
 
 TEST_F(SerialLinkFault, IsElseBehindThePort)
 {
     EXPECT_EQ(fault("[ 1.0] cdc_acm 1-2.3:1.5: ttyACM0: USB ACM device\n"),
-              "its serial port " + folder +
+              "its serial port " + m_folder +
                   "/ttyACM0 is gone or in use, or the camera does not answer "
                   "there");
 }
