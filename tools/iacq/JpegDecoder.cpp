@@ -19,7 +19,7 @@ namespace
 constexpr std::size_t mostPixels = 1U << 26;
 
 /// A block of 64 pixels takes at least a bit.
-constexpr std::size_t mostPixelsInByte = 8 * 64;
+constexpr std::size_t mostPixelsInByte = std::size_t{8} * 64;
 
 /// Cameras send one scan, progressive pictures have about ten. Each costs as much time as all of
 /// the picture, and can be had for a few bytes.

@@ -38,7 +38,7 @@ struct PackedOrder
 
 void packedLine(Line line, Pixel out, unsigned int width, PackedOrder const& order)
 {
-    for (unsigned int x = 0; x < width; ++x) {
+    for (std::size_t x = 0; x < width; ++x) {
         Line const pair = line + 4 * (x / 2);
         putYuv(out + 3 * x, pair[x % 2 == 0 ? order.y0 : order.y1], pair[order.u], pair[order.v]);
     }
@@ -61,14 +61,14 @@ void rgbLine(Line line, Pixel out, unsigned int width)
 
 void bgrLine(Line line, Pixel out, unsigned int width)
 {
-    for (unsigned int x = 0; x < width; ++x) {
+    for (std::size_t x = 0; x < width; ++x) {
         std::reverse_copy(line + 3 * x, line + 3 * x + 3, out + 3 * x);
     }
 }
 
 void greyLine(Line line, Pixel out, unsigned int width)
 {
-    for (unsigned int x = 0; x < width; ++x) {
+    for (std::size_t x = 0; x < width; ++x) {
         std::fill_n(out + 3 * x, 3, line[x]);
     }
 }

@@ -89,15 +89,17 @@ void PrivateFolder::removeAtTheEnd(int lifeline) const
 }
 
 TemporaryFolderIs::TemporaryFolderIs(std::string const& path)
-    : m_wasSet(std::getenv(variable) != nullptr), m_earlier(m_wasSet ? std::getenv(variable) : "")
 {
+    if (char const* const earlier = std::getenv(variable)) {
+        m_earlier = earlier;
+    }
     setenv(variable, path.c_str(), 1);
 }
 
 TemporaryFolderIs::~TemporaryFolderIs()
 {
-    if (m_wasSet) {
-        setenv(variable, m_earlier.c_str(), 1);
+    if (m_earlier) {
+        setenv(variable, m_earlier->c_str(), 1);
     } else {
         unsetenv(variable);
     }

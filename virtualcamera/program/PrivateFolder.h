@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <optional>
 #include <string>
 
 namespace VirtualCamera
@@ -41,8 +42,7 @@ public:
     ~TemporaryFolderIs();
 
 private:
-    bool m_wasSet;
-    std::string m_earlier;
+    std::optional<std::string> m_earlier;
 };
 
 } // namespace VirtualCamera
