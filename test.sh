@@ -1,17 +1,19 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Sets everything up and runs every test. --quick leaves out the virtual machine and the builds with
-# sanitizers, so that it is done within minutes; --clean-root only builds the packages and tries them
-# and the README in clean roots.
+# sanitizers, so that it is done within minutes, and analyses only the files that changed; --lint only
+# analyses, all of them; --clean-root only builds the packages and tries them and the README in clean
+# roots.
 set -euo pipefail
 cd "$(dirname "$0")"
 
-quick=false only_clean_root=false
+quick=false only_lint=false only_clean_root=false
 for argument in "$@"; do
     case "$argument" in
         --quick) quick=true ;;
+        --lint) only_lint=true ;;
         --clean-root) only_clean_root=true ;;
-        *) echo "usage: ./test.sh [--quick | --clean-root]" >&2; exit 2 ;;
+        *) echo "usage: ./test.sh [--quick | --lint | --clean-root]" >&2; exit 2 ;;
     esac
 done
 
@@ -61,6 +63,22 @@ build_and_test() {
     fi
 }
 
+# A tree without its history has no changes and no list of its files.
+lint() {
+    say "lint"
+    if ! git rev-parse --git-dir >/dev/null 2>&1; then
+        echo "skip: this is no git checkout"
+        skipped=$((skipped + 1))
+        return
+    fi
+    scripts/install-packages lint
+    if scripts/lint "$@"; then
+        passed=$((passed + 1))
+    else
+        failed=$((failed + 1))
+    fi
+}
+
 # Each root starts from nothing: this is where a missing package in a list shows.
 clean_root() {
     say "packages: build, and try them and the README in clean roots"
@@ -76,8 +94,12 @@ $only_clean_root || scripts/install-packages "${groups[@]}"
 
 if $only_clean_root; then
     clean_root
+elif $only_lint; then
+    cmake --preset release -DIMAGEACQUISITION_BUILD_KERNEL_TESTS=ON >/dev/null
+    lint build/release
 elif $quick; then
     build_and_test release -DIMAGEACQUISITION_BUILD_KERNEL_TESTS=OFF
+    lint --changed build/release
     echo "The virtual machine and the sanitizers were left out (--quick)."
 else
     build_and_test release -DIMAGEACQUISITION_BUILD_KERNEL_TESTS=ON

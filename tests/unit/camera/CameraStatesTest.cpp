@@ -59,7 +59,7 @@ protected:
 
     void expectNoFrame() { EXPECT_TRUE(m_camera.acquireFrame()->isInvalid()); }
 
-    Stopwatch const m_watch;
+    Stopwatch const m_watch{};
     VirtualCamera::InstalledCamera m_virtualCamera =
         VirtualCamera::aCamera()
             .withFormat("YUYV")
