@@ -2,6 +2,7 @@
 // What a frame costs the library: no memory, one wait, and two calls to the driver.
 #include "camera/Camera.h"
 
+#include "AllocationHook.h"
 #include "DeviceStub.h"
 #include "SmallCamera.h"
 #include "V4l2Hook.h"
@@ -12,9 +13,7 @@
 #include <linux/videodev2.h>
 #include <sys/select.h>
 
-#include <cstdlib>
 #include <map>
-#include <new>
 
 namespace
 {
@@ -38,47 +37,13 @@ private:
     bool const m_earlier;
 };
 
-void* allocate(std::size_t size)
+} // namespace
+
+void beforeAllocation()
 {
     if (counting) {
         ++allocations;
     }
-    if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-} // namespace
-
-void* operator new(std::size_t size)
-{
-    return allocate(size);
-}
-
-void* operator new[](std::size_t size)
-{
-    return allocate(size);
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    std::free(memory);
 }
 
 extern "C" int select(int count, fd_set* read, fd_set* write, fd_set* except, timeval* timeout)

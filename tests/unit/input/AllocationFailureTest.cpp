@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Makes each allocation of a setup fail in turn, and uses the method all the same.
+#include "AllocationHook.h"
 #include "DescriptorLimit.h"
 #include "OpenNode.h"
 #include "SmallCamera.h"
@@ -13,7 +14,6 @@
 #include <dlfcn.h>
 #include <libv4l2.h>
 
-#include <cstdlib>
 #include <new>
 #include <optional>
 
@@ -38,18 +38,6 @@ private:
     std::optional<int> const m_earlier;
 };
 
-void* allocate(std::size_t size)
-{
-    if (left && (*left)-- == 0) {
-        left.reset();
-        throw std::bad_alloc();
-    }
-    if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
 template <typename Function>
 Function* real(char const* name)
 {
@@ -58,34 +46,12 @@ Function* real(char const* name)
 
 } // namespace
 
-void* operator new(std::size_t size)
+void beforeAllocation()
 {
-    return allocate(size);
-}
-
-void* operator new[](std::size_t size)
-{
-    return allocate(size);
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    std::free(memory);
+    if (left && (*left)-- == 0) {
+        left.reset();
+        throw std::bad_alloc();
+    }
 }
 
 extern "C" {
