@@ -85,6 +85,10 @@ ReplyStream::Step ReplyStream::step()
     if (m_dataToCome > 0) {
         return passOverData();
     }
+    if (isOwnReply() && isCutShort()) {
+        drop(headerLength);
+        return Step::Again;
+    }
     if (isOwnReply()) {
         return m_input.size() < m_size ? Step::Wait : Step::Found;
     }
@@ -135,6 +139,14 @@ bool ReplyStream::beginsLikeReply(QByteArray const& bytes) const
 bool ReplyStream::isOwnReply() const
 {
     return m_stale == 0 && m_input.startsWith(m_header);
+}
+
+/// Whether another reply begins within the data of this one.
+bool ReplyStream::isCutShort() const
+{
+    QByteArray const next = m_input.mid(headerLength, headerLength);
+    bool const overlaps = m_size > headerLength && m_size < 2 * headerLength;
+    return overlaps && next.size() == headerLength && beginsLikeReply(next);
 }
 
 /// The reply of a camera of which it is not yet known whether it sends headers back. Where the

@@ -40,6 +40,7 @@ private:
     Step passOverData();
     bool beginsLikeReply(QByteArray const& bytes) const;
     bool isOwnReply() const;
+    bool isCutShort() const;
     bool takeAsItComes(QByteArray& reply, bool last);
     void handOut(QByteArray& reply);
     void drop(int count);

@@ -199,7 +199,15 @@ TEST_F(LateRepliesTest, MayComeLateAndTwice)
 
 TEST_F(LateRepliesTest, MayComeBehindOtherBytes)
 {
-    expectAllToHold(SerialAnswer::prompt().behind({0x55, 0xa1, 0x81, 0, 4, 0}), How::Often);
+    // Among them the beginning of a header, a whole one of another control, and more than a reply.
+    SerialBytes const beginning = {0x55, 0xa1, 0x81, 0, 4, 0};
+    SerialBytes const header = {0xa1, 0x81, 0, 3, 0, 2, 2, 0};
+    for (SerialBytes const& garbage : {beginning, header, SerialBytes(40, 0x55)}) {
+        m_firmware.answerAllPromptly();
+        expectAllToHold(SerialAnswer::prompt().behind(garbage), How::Often);
+        m_firmware.answerAllPromptly();
+        expectAllToHold(SerialAnswer::late(milliseconds(130)).behind(garbage), How::EveryThird);
+    }
 }
 
 TEST_F(LateRepliesTest, MayHoldTheHeaderOfTheNextRequestInTheirData)
