@@ -3,11 +3,11 @@
 
 #include "control/CameraControlFactory.h"
 #include "control/ZorvaneExtensionUnit.h"
-#include "device/UsbHandles.h"
 #include "factory/HelperV4l2.h"
 #include "input/InputMethodMemoryMapping.h"
 #include "input/InputMethodRead.h"
 #include "input/InputMethodUserPointers.h"
+#include "system/UsbHandles.h"
 
 #include <fcntl.h>
 #include <libv4l2.h>

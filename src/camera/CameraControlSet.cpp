@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "camera/Camera.h"
 #include "control/CameraControlFactory.h"
-#include "factory/DriverBounds.h"
 #include "factory/HelperV4l2.h"
+#include "system/DriverBounds.h"
 
 #include <linux/videodev2.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "control/CameraControlBaseMenu.h"
 
-#include "factory/DriverBounds.h"
 #include "factory/HelperV4l2.h"
+#include "system/DriverBounds.h"
 
 #include <algorithm>
 

@@ -9,7 +9,7 @@
 #include "control/CameraControlNumeric.h"
 #include "control/CameraControlString.h"
 #include "control/CameraControlStringMenu.h"
-#include "factory/KernelText.h"
+#include "system/KernelText.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "control/CameraControlStringMenu.h"
 
-#include "factory/KernelText.h"
+#include "system/KernelText.h"
 
 namespace ImageAcquisition
 {

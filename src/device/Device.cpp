@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "device/Device.h"
 
-#include "factory/Text.h"
+#include "system/Text.h"
 
 #include <cstdio>
 

@@ -3,9 +3,9 @@
 
 #include "device/Device.h"
 #include "device/DeviceList.h"
-#include "device/UsbHandles.h"
 #include "factory/HelperV4l2.h"
-#include "factory/KernelText.h"
+#include "system/KernelText.h"
+#include "system/UsbHandles.h"
 
 #include <fcntl.h>
 #include <libudev.h>

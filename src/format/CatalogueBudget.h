@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "factory/DriverBounds.h"
+#include "system/DriverBounds.h"
 
 namespace ImageAcquisition
 {

@@ -2,8 +2,8 @@
 #include "format/ImageFormat.h"
 
 #include "factory/HelperV4l2.h"
-#include "factory/KernelText.h"
 #include "format/DeviceFormat.h"
+#include "system/KernelText.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "input/InputMethod.h"
 
-#include "monitor/DescriptorSet.h"
-#include "monitor/Pause.h"
+#include "system/DescriptorSet.h"
+#include "system/Pause.h"
 
 #include <cerrno>
 #include <chrono>

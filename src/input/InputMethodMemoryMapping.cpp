@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "input/InputMethodMemoryMapping.h"
 
-#include "factory/DriverBounds.h"
 #include "factory/HelperV4l2.h"
+#include "system/DriverBounds.h"
 
 #include <libv4l2.h>
 #include <sys/mman.h>

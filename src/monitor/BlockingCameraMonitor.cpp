@@ -2,8 +2,8 @@
 #include "monitor/BlockingCameraMonitor.h"
 
 #include "monitor/CameraEvent.h"
-#include "monitor/DescriptorSet.h"
-#include "monitor/Pause.h"
+#include "system/DescriptorSet.h"
+#include "system/Pause.h"
 
 #include <libudev.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "monitor/CameraEvent.h"
 
-#include "factory/Text.h"
+#include "system/Text.h"
 
 namespace ImageAcquisition
 {

@@ -2,7 +2,7 @@
 #include "monitor/ContinuousCameraMonitor.h"
 
 #include "monitor/CameraEvent.h"
-#include "monitor/Pause.h"
+#include "system/Pause.h"
 
 #include <chrono>
 #include <memory>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "monitor/SelfPipe.h"
 
-#include "monitor/Pause.h"
+#include "system/Pause.h"
 
 #include <fcntl.h>
 #include <unistd.h>

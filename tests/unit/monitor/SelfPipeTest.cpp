@@ -5,7 +5,7 @@
 #include "DescriptorCount.h"
 #include "DescriptorLimit.h"
 #include "UdevHook.h"
-#include "monitor/DescriptorSet.h"
+#include "system/DescriptorSet.h"
 
 #include <gtest/gtest.h>
 

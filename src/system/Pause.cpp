@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "monitor/Pause.h"
+#include "system/Pause.h"
 
 #include <cerrno>
 #include <ctime>

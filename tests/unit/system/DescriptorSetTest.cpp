@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "monitor/DescriptorSet.h"
+#include "system/DescriptorSet.h"
 
 #include <gtest/gtest.h>
 

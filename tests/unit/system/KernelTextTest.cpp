@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "factory/KernelText.h"
+#include "system/KernelText.h"
 
 #include <gtest/gtest.h>
 

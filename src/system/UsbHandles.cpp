@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "device/UsbHandles.h"
+#include "system/UsbHandles.h"
 
 namespace ImageAcquisition
 {
