@@ -3,14 +3,10 @@
 
 #include "control/CameraControlFactory.h"
 #include "control/ZorvaneExtensionUnit.h"
-#include "factory/HelperV4l2.h"
 #include "input/InputMethodMemoryMapping.h"
 #include "input/InputMethodRead.h"
 #include "input/InputMethodUserPointers.h"
 #include "system/UsbHandles.h"
-
-#include <fcntl.h>
-#include <libv4l2.h>
 
 namespace ImageAcquisition
 {
@@ -29,23 +25,19 @@ Camera::Camera(IDevice const* device) : m_device(device) {}
 
 Camera::~Camera()
 {
-    if (m_fd != -1) {
-        HelperV4l2::close(m_fd);
-        m_fd = -1;
-    }
+    m_node.close();
 }
 
 bool Camera::init()
 {
     bool result = true;
-    m_fd = v4l2_open(m_device.systemName(), O_RDWR | O_NONBLOCK);
-    if (m_fd != -1) {
+    if (m_node.open(m_device.systemName())) {
         if (m_device.isaZorvaneDevice()) {
             // First, so that the driver lists the unit's controls too.
             m_extensionUnit.reset(createExtensionUnit());
         }
         result = buildMainControlSet();
-        m_formatManager.init(m_fd);
+        m_formatManager.init(m_node);
     }
     m_invalidControl.reset(CameraControlFactory::createInvalidControl(*this));
     m_inputMethod = createBestInputMethod();
@@ -54,29 +46,29 @@ bool Camera::init()
 
 ExtensionUnit* Camera::createExtensionUnit() const
 {
-    return new ZorvaneExtensionUnit(m_fd);
+    return new ZorvaneExtensionUnit(m_node);
 }
 
 bool Camera::supportsMemoryMapping() const
 {
-    return InputMethodMemoryMapping::supported(m_fd);
+    return InputMethodMemoryMapping::supported(m_node);
 }
 
 bool Camera::supportsUserPointers() const
 {
-    return InputMethodUserPointers::supported(m_fd);
+    return InputMethodUserPointers::supported(m_node);
 }
 
 std::unique_ptr<InputMethod> Camera::createBestInputMethod() const
 {
     if (m_device.supportsStreaming() && supportsMemoryMapping()) {
-        return std::make_unique<InputMethodMemoryMapping>(m_fd);
+        return std::make_unique<InputMethodMemoryMapping>(m_node);
     }
     if (m_device.supportsStreaming() && supportsUserPointers()) {
-        return std::make_unique<InputMethodUserPointers>(m_fd);
+        return std::make_unique<InputMethodUserPointers>(m_node);
     }
     if (m_device.supportsReadWrite()) {
-        return std::make_unique<InputMethodRead>(m_fd);
+        return std::make_unique<InputMethodRead>(m_node);
     }
     return nullptr;
 }

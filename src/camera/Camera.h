@@ -8,6 +8,7 @@
 #include "device/Device.h"
 #include "format/ImageFormatManager.h"
 #include "input/InputMethod.h"
+#include "system/VideoNode.h"
 
 #include <memory>
 #include <vector>
@@ -91,7 +92,10 @@ public:
     virtual bool init();
 
     /// The descriptor of the open node, or -1.
-    int fileDescriptor() const { return m_fd; }
+    int fileDescriptor() const { return m_node.descriptor(); }
+
+    /// The node, for whoever works with it for as long as the camera lives.
+    operator NodeReference() const { return m_node; }
 
     bool supportsMemoryMapping() const;
     bool supportsUserPointers() const;
@@ -124,7 +128,7 @@ protected:
     virtual ICameraControl* namedControl(NamedControl which) const;
 
 private:
-    int m_fd = -1;
+    VideoNode m_node;
     std::vector<std::unique_ptr<ICameraControl>> m_controls;
     std::unique_ptr<ICameraControl> m_invalidControl;
     Device m_device;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "camera/Camera.h"
 #include "control/CameraControlFactory.h"
-#include "factory/HelperV4l2.h"
 #include "system/DriverBounds.h"
 
 #include <linux/videodev2.h>
@@ -36,7 +35,7 @@ bool Camera::buildMainControlSet()
     // A driver whose ids do not rise would be asked for ever, and one whose ids do for very long.
     while (m_controls.size() < maximumControls && skipped < maximumControls &&
            menuIndices < maximumMenuIndicesOfCamera &&
-           HelperV4l2::xioctl(m_fd, VIDIOC_QUERYCTRL, &query) != -1 && query.id > previousId) {
+           m_node.xioctl(VIDIOC_QUERYCTRL, &query) != -1 && query.id > previousId) {
         previousId = query.id;
         std::unique_ptr<ICameraControl> control(CameraControlFactory::createControl(*this, query));
         skipped += control ? 0 : 1;

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "control/CameraControl.h"
 
-// The one place where a control looks at its camera, for the descriptor.
-#include "camera/Camera.h"
 #include "control/ControlTexts.h"
-#include "factory/HelperV4l2.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -23,13 +20,14 @@ bool wantsExtendedTransfer(unsigned int id, int plainResult)
     return plainResult == -1 && errno == EINVAL && id >= V4L2_CID_PRIVATE_BASE;
 }
 
-int transferOne(int fd, unsigned long request, unsigned int controlClass, v4l2_ext_control& control)
+int transferOne(NodeReference node, unsigned long request, unsigned int controlClass,
+                v4l2_ext_control& control)
 {
     v4l2_ext_controls controls{};
     controls.ctrl_class = controlClass;
     controls.count = 1;
     controls.controls = &control;
-    return HelperV4l2::xioctl(fd, request, &controls);
+    return node.xioctl(request, &controls);
 }
 
 } // namespace
@@ -41,8 +39,8 @@ char const* ICameraControl::familyString(Family family)
     return CameraControl::familyString(family);
 }
 
-CameraControl::CameraControl(Type type, Camera& camera, unsigned int id, char const* name)
-    : m_type(type), m_camera(camera), m_id(id), m_name(name == nullptr ? "" : name)
+CameraControl::CameraControl(Type type, NodeReference node, unsigned int id, char const* name)
+    : m_type(type), m_node(node), m_id(id), m_name(name == nullptr ? "" : name)
 {
 }
 
@@ -85,14 +83,9 @@ void CameraControl::updateFlags()
 {
     v4l2_queryctrl query{};
     query.id = id();
-    if (HelperV4l2::xioctl(fileDescriptor(), VIDIOC_QUERYCTRL, &query) != -1) {
+    if (m_node.xioctl(VIDIOC_QUERYCTRL, &query) != -1) {
         m_flags = query.flags;
     }
-}
-
-int CameraControl::fileDescriptor() const
-{
-    return m_camera.fileDescriptor();
 }
 
 bool CameraControl::refusesWrites() const
@@ -104,7 +97,7 @@ int CameraControl::inquireControlValue() const
 {
     v4l2_control control{};
     control.id = id();
-    int const result = HelperV4l2::xioctl(fileDescriptor(), VIDIOC_G_CTRL, &control);
+    int const result = m_node.xioctl(VIDIOC_G_CTRL, &control);
     if (!wantsExtendedTransfer(id(), result)) {
         return control.value;
     }
@@ -118,7 +111,7 @@ bool CameraControl::setControlValue(int value)
     v4l2_control control{};
     control.id = id();
     control.value = value;
-    int const result = HelperV4l2::xioctl(fileDescriptor(), VIDIOC_S_CTRL, &control);
+    int const result = m_node.xioctl(VIDIOC_S_CTRL, &control);
     if (!wantsExtendedTransfer(id(), result)) {
         return result == 0;
     }
@@ -152,13 +145,13 @@ v4l2_ext_control CameraControl::emptyExt()
 int CameraControl::readExt(v4l2_ext_control& control) const
 {
     control.id = id();
-    return transferOne(fileDescriptor(), VIDIOC_G_EXT_CTRLS, id() & classMask, control);
+    return transferOne(m_node, VIDIOC_G_EXT_CTRLS, id() & classMask, control);
 }
 
 int CameraControl::writeExt(v4l2_ext_control& control) const
 {
     control.id = id();
-    return transferOne(fileDescriptor(), VIDIOC_S_EXT_CTRLS, 0, control);
+    return transferOne(m_node, VIDIOC_S_EXT_CTRLS, 0, control);
 }
 
 } // namespace ImageAcquisition

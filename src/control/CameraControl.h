@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ICameraControl.h"
+#include "system/VideoNode.h"
 
 #include <linux/videodev2.h>
 
@@ -10,15 +11,14 @@
 namespace ImageAcquisition
 {
 
-class Camera;
-
 /// One V4L2 control of one open camera: its particulars, its flags, and the raw transfers that all
 /// typed controls read and write their values with.
 class CameraControl : public virtual ICameraControl
 {
 public:
-    /// The camera must outlive the control. A null name counts as empty.
-    CameraControl(Type type, Camera& camera, unsigned int id, char const* name);
+    /// The camera, which stands for its node, must outlive the control. A null name counts as
+    /// empty.
+    CameraControl(Type type, NodeReference node, unsigned int id, char const* name);
     CameraControl(CameraControl const&) = delete;
     CameraControl& operator=(CameraControl const&) = delete;
 
@@ -55,7 +55,7 @@ public:
     /// Sends a value by an extended call.
     bool setControlValueExt(long long value);
 
-    int fileDescriptor() const;
+    int fileDescriptor() const { return m_node.descriptor(); }
 
     /// Takes over the driver's present flags; keeps the old ones when it does not answer.
     void updateFlags();
@@ -66,6 +66,8 @@ public:
     static char const* familyString(Family family);
 
 protected:
+    NodeReference node() const { return m_node; }
+
     /// Whether the flags refuse a write at present. The driver is not asked.
     bool refusesWrites() const;
 
@@ -81,7 +83,7 @@ private:
     bool hasFlag(unsigned int flag) const { return (m_flags & flag) != 0; }
 
     Type const m_type;
-    Camera& m_camera;
+    NodeReference const m_node;
     unsigned int const m_id;
     std::string const m_name;
     unsigned int m_flags = 0;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "control/CameraControlBaseMenu.h"
 
-#include "factory/HelperV4l2.h"
 #include "system/DriverBounds.h"
 
 #include <algorithm>
@@ -11,9 +10,9 @@ namespace ImageAcquisition
 
 ICameraControlBaseMenu::~ICameraControlBaseMenu() = default;
 
-CameraControlBaseMenu::CameraControlBaseMenu(Type type, Camera& camera, unsigned int id,
+CameraControlBaseMenu::CameraControlBaseMenu(Type type, NodeReference node, unsigned int id,
                                              char const* name)
-    : CameraControl(type, camera, id, name)
+    : CameraControl(type, node, id, name)
 {
 }
 
@@ -35,7 +34,7 @@ void CameraControlBaseMenu::probeItems()
         v4l2_querymenu item{};
         item.id = id();
         item.index = static_cast<unsigned int>(index);
-        if (HelperV4l2::xioctl(fileDescriptor(), VIDIOC_QUERYMENU, &item) != -1) {
+        if (node().xioctl(VIDIOC_QUERYMENU, &item) != -1) {
             m_indices.push_back(static_cast<unsigned int>(index));
             itemFound(item);
         }

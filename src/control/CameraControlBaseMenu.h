@@ -13,7 +13,7 @@ namespace ImageAcquisition
 class CameraControlBaseMenu : public CameraControl, public virtual ICameraControlBaseMenu
 {
 public:
-    CameraControlBaseMenu(Type type, Camera& camera, unsigned int id, char const* name);
+    CameraControlBaseMenu(Type type, NodeReference node, unsigned int id, char const* name);
 
     /// Takes over the bounds and forgets all items.
     void init(v4l2_queryctrl const& qc) override;

@@ -6,8 +6,8 @@ namespace ImageAcquisition
 
 ICameraControlBitMask::~ICameraControlBitMask() = default;
 
-CameraControlBitMask::CameraControlBitMask(Camera& camera, unsigned int id, char const* name)
-    : CameraControl(BitMask, camera, id, name)
+CameraControlBitMask::CameraControlBitMask(NodeReference node, unsigned int id, char const* name)
+    : CameraControl(BitMask, node, id, name)
 {
 }
 

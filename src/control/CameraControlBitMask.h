@@ -11,7 +11,7 @@ namespace ImageAcquisition
 class CameraControlBitMask : public CameraControl, public virtual ICameraControlBitMask
 {
 public:
-    CameraControlBitMask(Camera& camera, unsigned int id, char const* name);
+    CameraControlBitMask(NodeReference node, unsigned int id, char const* name);
 
     void init(v4l2_queryctrl const& qc) override;
     unsigned int defaultValue() const override { return m_defaultValue; }

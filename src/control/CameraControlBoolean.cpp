@@ -6,8 +6,8 @@ namespace ImageAcquisition
 
 ICameraControlBoolean::~ICameraControlBoolean() = default;
 
-CameraControlBoolean::CameraControlBoolean(Camera& camera, unsigned int id, char const* name)
-    : CameraControl(Boolean, camera, id, name)
+CameraControlBoolean::CameraControlBoolean(NodeReference node, unsigned int id, char const* name)
+    : CameraControl(Boolean, node, id, name)
 {
 }
 

@@ -11,7 +11,7 @@ namespace ImageAcquisition
 class CameraControlBoolean : public CameraControl, public virtual ICameraControlBoolean
 {
 public:
-    CameraControlBoolean(Camera& camera, unsigned int id, char const* name);
+    CameraControlBoolean(NodeReference node, unsigned int id, char const* name);
 
     void init(v4l2_queryctrl const& qc) override;
     bool value() const override;

@@ -6,8 +6,8 @@ namespace ImageAcquisition
 
 ICameraControlButton::~ICameraControlButton() = default;
 
-CameraControlButton::CameraControlButton(Camera& camera, unsigned int id, char const* name)
-    : CameraControl(Button, camera, id, name)
+CameraControlButton::CameraControlButton(NodeReference node, unsigned int id, char const* name)
+    : CameraControl(Button, node, id, name)
 {
 }
 

@@ -11,7 +11,7 @@ namespace ImageAcquisition
 class CameraControlButton : public CameraControl, public virtual ICameraControlButton
 {
 public:
-    CameraControlButton(Camera& camera, unsigned int id, char const* name);
+    CameraControlButton(NodeReference node, unsigned int id, char const* name);
 
     /// A button has no value: 0, and the driver is not asked.
     int inquireControlValue() const override { return 0; }

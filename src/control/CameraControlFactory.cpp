@@ -20,35 +20,35 @@ namespace
 {
 
 template <typename Control>
-std::unique_ptr<CameraControl> make(Camera& camera, v4l2_queryctrl const& qc)
+std::unique_ptr<CameraControl> make(NodeReference node, v4l2_queryctrl const& qc)
 {
-    return std::make_unique<Control>(camera, qc.id, kernelText(qc.name).c_str());
+    return std::make_unique<Control>(node, qc.id, kernelText(qc.name).c_str());
 }
 
-std::unique_ptr<CameraControl> makeByType(Camera& camera, v4l2_queryctrl const& qc)
+std::unique_ptr<CameraControl> makeByType(NodeReference node, v4l2_queryctrl const& qc)
 {
     switch (qc.type) {
     case V4L2_CTRL_TYPE_INTEGER:
-        return make<CameraControlNumeric<int>>(camera, qc);
+        return make<CameraControlNumeric<int>>(node, qc);
     case V4L2_CTRL_TYPE_BOOLEAN:
-        return make<CameraControlBoolean>(camera, qc);
+        return make<CameraControlBoolean>(node, qc);
     case V4L2_CTRL_TYPE_MENU:
-        return make<CameraControlStringMenu>(camera, qc);
+        return make<CameraControlStringMenu>(node, qc);
     case V4L2_CTRL_TYPE_BUTTON:
-        return make<CameraControlButton>(camera, qc);
+        return make<CameraControlButton>(node, qc);
     case V4L2_CTRL_TYPE_INTEGER64:
-        return make<CameraControlNumeric<long long>>(camera, qc);
+        return make<CameraControlNumeric<long long>>(node, qc);
     case V4L2_CTRL_TYPE_STRING:
-        return make<CameraControlString>(camera, qc);
+        return make<CameraControlString>(node, qc);
     case V4L2_CTRL_TYPE_BITMASK:
-        return make<CameraControlBitMask>(camera, qc);
+        return make<CameraControlBitMask>(node, qc);
     case V4L2_CTRL_TYPE_INTEGER_MENU:
-        return make<CameraControlInt64Menu>(camera, qc);
+        return make<CameraControlInt64Menu>(node, qc);
     case V4L2_CTRL_TYPE_U8:
-        return make<CameraControlNumeric<unsigned char>>(camera, qc);
+        return make<CameraControlNumeric<unsigned char>>(node, qc);
     case V4L2_CTRL_TYPE_U16:
     case V4L2_CTRL_TYPE_U32: // Programs count on 16 bits here; wider ranges are cut.
-        return make<CameraControlNumeric<unsigned short>>(camera, qc);
+        return make<CameraControlNumeric<unsigned short>>(node, qc);
     default:
         return nullptr;
     }
@@ -56,18 +56,18 @@ std::unique_ptr<CameraControl> makeByType(Camera& camera, v4l2_queryctrl const& 
 
 } // namespace
 
-ICameraControl* CameraControlFactory::createControl(Camera& camera, v4l2_queryctrl const& qc)
+ICameraControl* CameraControlFactory::createControl(NodeReference node, v4l2_queryctrl const& qc)
 {
-    std::unique_ptr<CameraControl> control = makeByType(camera, qc);
+    std::unique_ptr<CameraControl> control = makeByType(node, qc);
     if (control) {
         control->init(qc);
     }
     return control.release();
 }
 
-ICameraControl* CameraControlFactory::createInvalidControl(Camera& camera)
+ICameraControl* CameraControlFactory::createInvalidControl(NodeReference node)
 {
-    return new CameraControlInvalid(camera);
+    return new CameraControlInvalid(node);
 }
 
 } // namespace ImageAcquisition

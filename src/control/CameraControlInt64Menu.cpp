@@ -6,8 +6,9 @@ namespace ImageAcquisition
 
 ICameraControlInt64Menu::~ICameraControlInt64Menu() = default;
 
-CameraControlInt64Menu::CameraControlInt64Menu(Camera& camera, unsigned int id, char const* name)
-    : CameraControlBaseMenu(Int64Menu, camera, id, name)
+CameraControlInt64Menu::CameraControlInt64Menu(NodeReference node, unsigned int id,
+                                               char const* name)
+    : CameraControlBaseMenu(Int64Menu, node, id, name)
 {
 }
 

@@ -14,7 +14,7 @@ namespace ImageAcquisition
 class CameraControlInt64Menu : public CameraControlBaseMenu, public virtual ICameraControlInt64Menu
 {
 public:
-    CameraControlInt64Menu(Camera& camera, unsigned int id, char const* name);
+    CameraControlInt64Menu(NodeReference node, unsigned int id, char const* name);
 
     void init(v4l2_queryctrl const& qc) override;
     int count() const override { return static_cast<int>(m_values.size()); }

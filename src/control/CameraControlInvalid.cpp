@@ -4,8 +4,8 @@
 namespace ImageAcquisition
 {
 
-CameraControlInvalid::CameraControlInvalid(Camera& camera)
-    : CameraControl(Invalid, camera, 0xFFFFFFFFu, "Invalid control")
+CameraControlInvalid::CameraControlInvalid(NodeReference node)
+    : CameraControl(Invalid, node, 0xFFFFFFFFu, "Invalid control")
 {
 }
 

@@ -10,7 +10,7 @@ namespace ImageAcquisition
 class CameraControlInvalid : public CameraControl
 {
 public:
-    explicit CameraControlInvalid(Camera& camera);
+    explicit CameraControlInvalid(NodeReference node);
 };
 
 } // namespace ImageAcquisition

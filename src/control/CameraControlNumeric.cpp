@@ -9,8 +9,8 @@ namespace ImageAcquisition
 {
 
 template <typename T>
-CameraControlNumeric<T>::CameraControlNumeric(Camera& camera, unsigned int id, char const* name)
-    : CameraControl(numericType<T>, camera, id, name)
+CameraControlNumeric<T>::CameraControlNumeric(NodeReference node, unsigned int id, char const* name)
+    : CameraControl(numericType<T>, node, id, name)
 {
 }
 

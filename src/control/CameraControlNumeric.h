@@ -13,7 +13,7 @@ template <typename T>
 class CameraControlNumeric : public CameraControl, public virtual ICameraControlNumeric<T>
 {
 public:
-    CameraControlNumeric(Camera& camera, unsigned int id, char const* name);
+    CameraControlNumeric(NodeReference node, unsigned int id, char const* name);
 
     void init(v4l2_queryctrl const& qc) override;
     int inquireControlValue() const override;

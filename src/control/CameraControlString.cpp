@@ -9,8 +9,8 @@ namespace ImageAcquisition
 
 ICameraControlString::~ICameraControlString() = default;
 
-CameraControlString::CameraControlString(Camera& camera, unsigned int id, char const* name)
-    : CameraControl(String, camera, id, name)
+CameraControlString::CameraControlString(NodeReference node, unsigned int id, char const* name)
+    : CameraControl(String, node, id, name)
 {
 }
 

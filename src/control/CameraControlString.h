@@ -11,7 +11,7 @@ namespace ImageAcquisition
 class CameraControlString : public CameraControl, public virtual ICameraControlString
 {
 public:
-    CameraControlString(Camera& camera, unsigned int id, char const* name);
+    CameraControlString(NodeReference node, unsigned int id, char const* name);
 
     void init(v4l2_queryctrl const& qc) override;
     unsigned int stringSize() const override;

@@ -8,8 +8,9 @@ namespace ImageAcquisition
 
 ICameraControlStringMenu::~ICameraControlStringMenu() = default;
 
-CameraControlStringMenu::CameraControlStringMenu(Camera& camera, unsigned int id, char const* name)
-    : CameraControlBaseMenu(StringMenu, camera, id, name)
+CameraControlStringMenu::CameraControlStringMenu(NodeReference node, unsigned int id,
+                                                 char const* name)
+    : CameraControlBaseMenu(StringMenu, node, id, name)
 {
 }
 

@@ -15,7 +15,7 @@ class CameraControlStringMenu : public CameraControlBaseMenu,
                                 public virtual ICameraControlStringMenu
 {
 public:
-    CameraControlStringMenu(Camera& camera, unsigned int id, char const* name);
+    CameraControlStringMenu(NodeReference node, unsigned int id, char const* name);
 
     void init(v4l2_queryctrl const& qc) override;
     int count() const override { return static_cast<int>(m_names.size()); }

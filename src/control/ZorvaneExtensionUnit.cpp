@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "control/ZorvaneExtensionUnit.h"
 
-#include "factory/HelperV4l2.h"
-
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -144,8 +142,8 @@ uvc_xu_control_mapping mappingOf(Row const& row)
 
 } // namespace
 
-ZorvaneExtensionUnit::ZorvaneExtensionUnit(int fd)
-    : ExtensionUnit("ZorvaneExtensionUnit"), m_fileDescriptor(fd)
+ZorvaneExtensionUnit::ZorvaneExtensionUnit(NodeReference node)
+    : ExtensionUnit("ZorvaneExtensionUnit"), m_node(node)
 {
     setup();
 }
@@ -184,7 +182,7 @@ std::vector<ZorvaneExtensionUnit::MenuItem> ZorvaneExtensionUnit::focusStrategyI
 
 int ZorvaneExtensionUnit::addControl(uvc_xu_control_mapping& mapping)
 {
-    return HelperV4l2::xioctl(m_fileDescriptor, UVCIOC_CTRL_MAP, &mapping);
+    return m_node.xioctl(UVCIOC_CTRL_MAP, &mapping);
 }
 
 bool ZorvaneExtensionUnit::idToSelector(ExtensionUnitId id, ExtensionUnitSelector& selector)

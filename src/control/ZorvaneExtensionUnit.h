@@ -2,6 +2,7 @@
 #pragma once
 
 #include "control/ExtensionUnit.h"
+#include "system/VideoNode.h"
 
 #include <linux/usb/video.h>
 #include <linux/uvcvideo.h>
@@ -85,8 +86,8 @@ public:
     static std::vector<MenuItem> lightModeItems();
     static std::vector<MenuItem> focusStrategyItems();
 
-    /// Installs all mappings. The descriptor stays the camera's.
-    explicit ZorvaneExtensionUnit(int fd);
+    /// Installs all mappings. The node stays the camera's.
+    explicit ZorvaneExtensionUnit(NodeReference node);
     ~ZorvaneExtensionUnit() override;
 
     /// Installs all mappings. One that the driver refuses, for instance because it has it already,
@@ -103,7 +104,7 @@ public:
     static bool idToSelector(ExtensionUnitId id, ExtensionUnitSelector& selector);
 
 private:
-    int m_fileDescriptor;
+    NodeReference m_node;
 };
 
 } // namespace ImageAcquisition

@@ -3,13 +3,11 @@
 
 #include "device/Device.h"
 #include "device/DeviceList.h"
-#include "factory/HelperV4l2.h"
 #include "system/KernelText.h"
+#include "system/UdevHandles.h"
 #include "system/UsbHandles.h"
+#include "system/VideoNode.h"
 
-#include <fcntl.h>
-#include <libudev.h>
-#include <libv4l2.h>
 #include <linux/videodev2.h>
 #include <unistd.h>
 
@@ -27,27 +25,17 @@ constexpr char nodeDirectory[] = "/dev/";
 constexpr char sysDirectory[] = "/sys/class/video4linux/";
 constexpr unsigned char firmwareRevisionRequest = 0xB0;
 
-struct UdevDeleter
-{
-    void operator()(udev* context) const { udev_unref(context); }
-    void operator()(udev_device* device) const { udev_device_unref(device); }
-};
-
-using UdevContext = std::unique_ptr<udev, UdevDeleter>;
-using UdevDevice = std::unique_ptr<udev_device, UdevDeleter>;
-
 bool queryCaptureCapability(char const* nodePath, v4l2_capability& capability)
 {
     if (access(nodePath, F_OK) != 0) {
         return false;
     }
-    int const fd = v4l2_open(nodePath, O_RDWR | O_NONBLOCK);
-    if (fd == -1) {
+    VideoNode node;
+    if (!node.open(nodePath)) {
         return false;
     }
     capability = {};
-    bool const answered = HelperV4l2::xioctl(fd, VIDIOC_QUERYCAP, &capability) != -1;
-    HelperV4l2::close(fd);
+    bool const answered = node.xioctl(VIDIOC_QUERYCAP, &capability) != -1;
     // A metadata node of the same camera claims capture in the first word, which speaks for all
     // nodes of the device, but not in the second.
     return answered && (capability.capabilities & V4L2_CAP_VIDEO_CAPTURE) != 0 &&

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "format/FrameSize.h"
 
-#include "factory/HelperV4l2.h"
 #include "format/DeviceFormat.h"
 
 #include <algorithm>
@@ -16,9 +15,9 @@ IFrameSize const* IFrameSize::invalid()
     return &InvalidFrameSize::getUniqueInstance();
 }
 
-FrameSize::FrameSize(int fd, unsigned int pixelformat, unsigned int width, unsigned int height,
-                     CatalogueBudget& budget)
-    : m_fd(fd), m_width(width), m_height(height)
+FrameSize::FrameSize(NodeReference node, unsigned int pixelformat, unsigned int width,
+                     unsigned int height, CatalogueBudget& budget)
+    : m_node(node), m_width(width), m_height(height)
 {
     enumeratePeriods(pixelformat, budget);
 }
@@ -30,7 +29,7 @@ void FrameSize::enumeratePeriods(unsigned int pixelformat, CatalogueBudget& budg
     interval.width = m_width;
     interval.height = m_height;
     while (interval.index < maximumEnumerated &&
-           HelperV4l2::xioctl(m_fd, VIDIOC_ENUM_FRAMEINTERVALS, &interval) != -1) {
+           m_node.xioctl(VIDIOC_ENUM_FRAMEINTERVALS, &interval) != -1) {
         // A range is told in the first answer, and no list is made up from it.
         bool const isRange = interval.index == 0 && interval.type != V4L2_FRMIVAL_TYPE_DISCRETE;
         if (isRange || !budget.take()) {
@@ -44,7 +43,7 @@ void FrameSize::enumeratePeriods(unsigned int pixelformat, CatalogueBudget& budg
 int FrameSize::bytesPerLine() const
 {
     v4l2_format format;
-    return queryDeviceFormat(m_fd, format) ? static_cast<int>(format.fmt.pix.bytesperline) : -1;
+    return queryDeviceFormat(m_node, format) ? static_cast<int>(format.fmt.pix.bytesperline) : -1;
 }
 
 IFramePeriod const* FrameSize::period(int index) const

@@ -4,6 +4,7 @@
 #include "IFrameSize.h"
 #include "format/CatalogueBudget.h"
 #include "format/FramePeriod.h"
+#include "system/VideoNode.h"
 
 #include <vector>
 
@@ -14,15 +15,15 @@ namespace ImageAcquisition
 class FrameSize : public virtual IFrameSize
 {
 public:
-    /// Asks the device for the intervals, as far as the budget allows. The descriptor stays the
+    /// Asks the device for the intervals, as far as the budget allows. The node stays the
     /// camera's.
-    FrameSize(int fd, unsigned int pixelformat, unsigned int width, unsigned int height,
+    FrameSize(NodeReference node, unsigned int pixelformat, unsigned int width, unsigned int height,
               CatalogueBudget& budget);
 
     /// The same with a budget of its own.
-    FrameSize(int fd, unsigned int pixelformat, unsigned int width, unsigned int height,
+    FrameSize(NodeReference node, unsigned int pixelformat, unsigned int width, unsigned int height,
               CatalogueBudget&& budget = {})
-        : FrameSize(fd, pixelformat, width, height, budget)
+        : FrameSize(node, pixelformat, width, height, budget)
     {
     }
 
@@ -39,7 +40,7 @@ public:
 private:
     void enumeratePeriods(unsigned int pixelformat, CatalogueBudget& budget);
 
-    int m_fd;
+    NodeReference m_node;
     unsigned int m_width;
     unsigned int m_height;
     std::vector<FramePeriod> m_periods;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "format/ImageFormat.h"
 
-#include "factory/HelperV4l2.h"
 #include "format/DeviceFormat.h"
 #include "system/KernelText.h"
 
@@ -26,8 +25,9 @@ std::string fourCharacterCode(unsigned int pixelformat)
     return code;
 }
 
-ImageFormat::ImageFormat(int fd, v4l2_fmtdesc const& description, CatalogueBudget& budget)
-    : m_fd(fd), m_compressed((description.flags & V4L2_FMT_FLAG_COMPRESSED) != 0),
+ImageFormat::ImageFormat(NodeReference node, v4l2_fmtdesc const& description,
+                         CatalogueBudget& budget)
+    : m_node(node), m_compressed((description.flags & V4L2_FMT_FLAG_COMPRESSED) != 0),
       m_emulated((description.flags & V4L2_FMT_FLAG_EMULATED) != 0),
       m_pixelFormat(description.pixelformat), m_name(fourCharacterCode(description.pixelformat)),
       m_description(kernelText(description.description))
@@ -39,14 +39,13 @@ void ImageFormat::enumerateSizes(CatalogueBudget& budget)
 {
     v4l2_frmsizeenum size{};
     size.pixel_format = m_pixelFormat;
-    while (size.index < maximumEnumerated &&
-           HelperV4l2::xioctl(m_fd, VIDIOC_ENUM_FRAMESIZES, &size) != -1) {
+    while (size.index < maximumEnumerated && m_node.xioctl(VIDIOC_ENUM_FRAMESIZES, &size) != -1) {
         // A range is told in the first answer, and no list is made up from it.
         bool const isRange = size.index == 0 && size.type != V4L2_FRMSIZE_TYPE_DISCRETE;
         if (isRange || !budget.take()) {
             return;
         }
-        m_sizes.push_back(std::make_unique<FrameSize>(m_fd, m_pixelFormat, size.discrete.width,
+        m_sizes.push_back(std::make_unique<FrameSize>(m_node, m_pixelFormat, size.discrete.width,
                                                       size.discrete.height, budget));
         ++size.index;
     }
@@ -80,8 +79,8 @@ bool ImageFormat::setFormatToDevice(FrameSize const& size) const
     format.fmt.pix.width = size.width();
     format.fmt.pix.height = size.height();
     format.fmt.pix.pixelformat = m_pixelFormat;
-    return HelperV4l2::xioctl(m_fd, VIDIOC_TRY_FMT, &format) != -1 &&
-           HelperV4l2::xioctl(m_fd, VIDIOC_S_FMT, &format) != -1;
+    return m_node.xioctl(VIDIOC_TRY_FMT, &format) != -1 &&
+           m_node.xioctl(VIDIOC_S_FMT, &format) != -1;
 }
 
 bool ImageFormat::setToDevice(int sizeIndex, int intervalIndex) const
@@ -91,7 +90,7 @@ bool ImageFormat::setToDevice(int sizeIndex, int intervalIndex) const
     }
     FrameSize const& size = sizeAt(sizeIndex);
     v4l2_streamparm parameters;
-    if (!setFormatToDevice(size) || !queryDeviceParameters(m_fd, parameters)) {
+    if (!setFormatToDevice(size) || !queryDeviceParameters(m_node, parameters)) {
         return false;
     }
     if (size.periodNumber() <= 0) {
@@ -100,7 +99,7 @@ bool ImageFormat::setToDevice(int sizeIndex, int intervalIndex) const
     IFramePeriod const* const period = size.period(intervalIndex);
     parameters.parm.capture.timeperframe.numerator = period->numerator();
     parameters.parm.capture.timeperframe.denominator = period->denominator();
-    return HelperV4l2::xioctl(m_fd, VIDIOC_S_PARM, &parameters) != -1;
+    return m_node.xioctl(VIDIOC_S_PARM, &parameters) != -1;
 }
 
 bool ImageFormat::setToDevice(int width, int height, int numerator, int denominator) const

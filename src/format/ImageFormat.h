@@ -20,13 +20,13 @@ std::string fourCharacterCode(unsigned int pixelformat);
 class ImageFormat : public virtual IImageFormat
 {
 public:
-    /// Asks the device for the sizes, as far as the budget allows. The descriptor stays the
+    /// Asks the device for the sizes, as far as the budget allows. The node stays the
     /// camera's.
-    ImageFormat(int fd, v4l2_fmtdesc const& description, CatalogueBudget& budget);
+    ImageFormat(NodeReference node, v4l2_fmtdesc const& description, CatalogueBudget& budget);
 
     /// The same with a budget of its own.
-    ImageFormat(int fd, v4l2_fmtdesc const& description, CatalogueBudget&& budget = {})
-        : ImageFormat(fd, description, budget)
+    ImageFormat(NodeReference node, v4l2_fmtdesc const& description, CatalogueBudget&& budget = {})
+        : ImageFormat(node, description, budget)
     {
     }
 
@@ -57,7 +57,7 @@ private:
     void enumerateSizes(CatalogueBudget& budget);
     bool setFormatToDevice(FrameSize const& size) const;
 
-    int m_fd;
+    NodeReference m_node;
     bool m_compressed;
     bool m_emulated;
     unsigned int m_pixelFormat;

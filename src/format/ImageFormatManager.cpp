@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "format/ImageFormatManager.h"
 
-#include "factory/HelperV4l2.h"
 #include "format/DeviceFormat.h"
 
 #include <cstring>
@@ -9,15 +8,15 @@
 namespace ImageAcquisition
 {
 
-void ImageFormatManager::init(int fd)
+void ImageFormatManager::init(NodeReference node)
 {
-    m_fd = fd;
+    m_node = node;
     CatalogueBudget budget;
     v4l2_fmtdesc description{};
     description.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
     while (description.index < maximumEnumerated &&
-           HelperV4l2::xioctl(m_fd, VIDIOC_ENUM_FMT, &description) != -1 && budget.take()) {
-        auto format = std::make_unique<ImageFormat>(m_fd, description, budget);
+           m_node.xioctl(VIDIOC_ENUM_FMT, &description) != -1 && budget.take()) {
+        auto format = std::make_unique<ImageFormat>(m_node, description, budget);
         // Of formats with the same code the first keeps its place in the map.
         m_indexByPixelFormat.emplace(description.pixelformat, formatNumber());
         m_formats.push_back(std::move(format));
@@ -73,20 +72,20 @@ bool ImageFormatManager::setCurrentFormat(char const* name, int width, int heigh
 unsigned int ImageFormatManager::currentSizeImage() const
 {
     v4l2_format format;
-    return queryDeviceFormat(m_fd, format) ? format.fmt.pix.sizeimage : 0;
+    return queryDeviceFormat(m_node, format) ? format.fmt.pix.sizeimage : 0;
 }
 
 int ImageFormatManager::currentFormat() const
 {
     v4l2_format format;
-    return queryDeviceFormat(m_fd, format) ? formatIndexByPixelFormat(format.fmt.pix.pixelformat)
-                                           : -1;
+    return queryDeviceFormat(m_node, format) ? formatIndexByPixelFormat(format.fmt.pix.pixelformat)
+                                             : -1;
 }
 
 int ImageFormatManager::currentFrameSize() const
 {
     v4l2_format format;
-    if (!queryDeviceFormat(m_fd, format)) {
+    if (!queryDeviceFormat(m_node, format)) {
         return -1;
     }
     return formatPtr(formatIndexByPixelFormat(format.fmt.pix.pixelformat))
@@ -96,14 +95,14 @@ int ImageFormatManager::currentFrameSize() const
 int ImageFormatManager::currentFrameInterval() const
 {
     v4l2_format format;
-    if (!queryDeviceFormat(m_fd, format)) {
+    if (!queryDeviceFormat(m_node, format)) {
         return -1;
     }
     ImageFormat const* const current =
         formatPtr(formatIndexByPixelFormat(format.fmt.pix.pixelformat));
     int const sizeIndex = current->frameSizeIndex(format.fmt.pix.width, format.fmt.pix.height);
     v4l2_streamparm parameters;
-    if (sizeIndex == -1 || !queryDeviceParameters(m_fd, parameters)) {
+    if (sizeIndex == -1 || !queryDeviceParameters(m_node, parameters)) {
         return -1;
     }
     return current->sizeAt(sizeIndex).intervalIndex(parameters.parm.capture.timeperframe);

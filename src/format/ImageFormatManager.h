@@ -14,8 +14,8 @@ namespace ImageAcquisition
 class ImageFormatManager
 {
 public:
-    /// Asks the device for its formats. Called once; the descriptor stays the camera's.
-    void init(int fd);
+    /// Asks the device for its formats. Called once; the node stays the camera's.
+    void init(NodeReference node);
 
     int formatNumber() const { return static_cast<int>(m_formats.size()); }
 
@@ -48,7 +48,7 @@ public:
     bool invariants() const { return m_formats.size() == m_indexByPixelFormat.size(); }
 
 private:
-    int m_fd = -1;
+    NodeReference m_node = -1;
     std::vector<std::unique_ptr<ImageFormat>> m_formats;
     std::map<unsigned int, int> m_indexByPixelFormat;
 };

@@ -24,7 +24,7 @@ IFrame* IFrame::invalid()
     return &InputMethod::InvalidFrame::getUniqueInstance();
 }
 
-InputMethod::InputMethod(Type type, int fd) : m_type(type), m_fd(fd) {}
+InputMethod::InputMethod(Type type, NodeReference node) : m_type(type), m_node(node) {}
 
 InputMethod::~InputMethod()
 {
@@ -52,11 +52,12 @@ int InputMethod::cleanup()
 
 bool InputMethod::dataAvailable(int seconds, int microseconds) const
 {
-    if (m_fd < 0) {
+    int const device = m_node.descriptor();
+    if (device < 0) {
         return false;
     }
     DescriptorSet descriptors;
-    descriptors.add(m_fd);
+    descriptors.add(device);
     descriptors.add(m_wakeUp.readingEnd());
     timeval timeout{};
     timeout.tv_sec = seconds;

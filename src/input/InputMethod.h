@@ -3,6 +3,7 @@
 
 #include "IFrame.h"
 #include "monitor/SelfPipe.h"
+#include "system/VideoNode.h"
 
 #include <vector>
 
@@ -19,8 +20,8 @@ public:
     class BaseFrame;
     class InvalidFrame;
 
-    /// The descriptor stays the camera's.
-    InputMethod(Type type, int fd);
+    /// The node stays the camera's.
+    InputMethod(Type type, NodeReference node);
     InputMethod(InputMethod const&) = delete;
     InputMethod& operator=(InputMethod const&) = delete;
     virtual ~InputMethod();
@@ -43,14 +44,14 @@ public:
     bool dataAvailable(int seconds, int microseconds) const;
 
 protected:
-    int fd() const { return m_fd; }
+    NodeReference node() const { return m_node; }
 
     /// Whether stopCapture() was called since setup().
     bool stopPending() const;
 
 private:
     Type const m_type;
-    int const m_fd;
+    NodeReference const m_node;
     SelfPipe m_wakeUp;
 };
 

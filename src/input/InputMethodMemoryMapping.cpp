@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "input/InputMethodMemoryMapping.h"
 
-#include "factory/HelperV4l2.h"
 #include "system/DriverBounds.h"
 
 #include <libv4l2.h>
@@ -27,28 +26,29 @@ struct Unmapper
 
 } // namespace
 
-InputMethodMemoryMapping::InputMethodMemoryMapping(int fd)
-    : InputMethodStreaming(MemoryMapping, fd, V4L2_MEMORY_MMAP)
+InputMethodMemoryMapping::InputMethodMemoryMapping(NodeReference node)
+    : InputMethodStreaming(MemoryMapping, node, V4L2_MEMORY_MMAP)
 {
 }
 
 InputMethodMemoryMapping::~InputMethodMemoryMapping() = default;
 
-bool InputMethodMemoryMapping::supported(int fd)
+bool InputMethodMemoryMapping::supported(NodeReference node)
 {
-    return InputMethodStreaming::supported(fd, V4L2_MEMORY_MMAP);
+    return InputMethodStreaming::supported(node, V4L2_MEMORY_MMAP);
 }
 
-int InputMethodMemoryMapping::requestBuffers(int fd, int count, v4l2_requestbuffers& request)
+int InputMethodMemoryMapping::requestBuffers(NodeReference node, int count,
+                                             v4l2_requestbuffers& request)
 {
-    return InputMethodStreaming::requestBuffers(fd, count, V4L2_MEMORY_MMAP, request);
+    return InputMethodStreaming::requestBuffers(node, count, V4L2_MEMORY_MMAP, request);
 }
 
 int InputMethodMemoryMapping::setup(int bufferCount, unsigned int imageSize)
 {
     v4l2_requestbuffers request;
     if (InputMethod::setup(bufferCount, imageSize) != 0 ||
-        requestBuffers(fd(), bufferCount, request) != 0 || request.count == 0) {
+        requestBuffers(node(), bufferCount, request) != 0 || request.count == 0) {
         return -1;
     }
     // Those of an earlier setup that was not cleaned up: the driver has let go of them by now.
@@ -80,11 +80,11 @@ bool InputMethodMemoryMapping::mapBuffers(unsigned int count)
 bool InputMethodMemoryMapping::mapBuffer(unsigned int index)
 {
     v4l2_buffer buffer = bufferRecord(index);
-    if (HelperV4l2::xioctl(fd(), VIDIOC_QUERYBUF, &buffer) == -1) {
+    if (node().xioctl(VIDIOC_QUERYBUF, &buffer) == -1) {
         return false;
     }
     void* const address = v4l2_mmap(nullptr, buffer.length, PROT_READ | PROT_WRITE, MAP_SHARED,
-                                    fd(), buffer.m.offset);
+                                    node().descriptor(), buffer.m.offset);
     if (address == MAP_FAILED) {
         return false;
     }

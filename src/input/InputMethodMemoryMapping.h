@@ -12,14 +12,14 @@ class InputMethodMemoryMapping : public InputMethodStreaming
 public:
     class Frame;
 
-    explicit InputMethodMemoryMapping(int fd);
+    explicit InputMethodMemoryMapping(NodeReference node);
     /// Neither unmaps nor gives buffers back: cleanup() must have run.
     ~InputMethodMemoryMapping() override;
 
-    static bool supported(int fd);
+    static bool supported(NodeReference node);
 
     /// 0, or the errno of the refusal.
-    static int requestBuffers(int fd, int count, v4l2_requestbuffers& request);
+    static int requestBuffers(NodeReference node, int count, v4l2_requestbuffers& request);
 
     int setup(int bufferCount, unsigned int imageSize) override;
     IFrame* acquireFrame() override;

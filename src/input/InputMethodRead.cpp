@@ -16,7 +16,7 @@ constexpr int waitSeconds = 2;
 
 } // namespace
 
-InputMethodRead::InputMethodRead(int fd) : InputMethod(Read, fd) {}
+InputMethodRead::InputMethodRead(NodeReference node) : InputMethod(Read, node) {}
 
 InputMethodRead::~InputMethodRead() = default;
 
@@ -42,7 +42,7 @@ int InputMethodRead::startCapture()
 
 bool InputMethodRead::acquire(InputMethod::BaseFrame* frame) const
 {
-    ssize_t const result = v4l2_read(fd(), frame->bytePtr(), frame->allocSize());
+    ssize_t const result = v4l2_read(node().descriptor(), frame->bytePtr(), frame->allocSize());
     return result != -1 || errno != EAGAIN;
 }
 

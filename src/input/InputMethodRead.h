@@ -16,7 +16,7 @@ class InputMethodRead : public InputMethod
 public:
     class Frame;
 
-    explicit InputMethodRead(int fd);
+    explicit InputMethodRead(NodeReference node);
     ~InputMethodRead() override;
 
     /// Fails, and builds nothing, whenever the wake-up pipe could be opened; the pool is built only

@@ -1,45 +1,43 @@
 // SPDX-License-Identifier: MIT
 #include "input/InputMethodStreaming.h"
 
-#include "factory/HelperV4l2.h"
-
 #include <cerrno>
 
 namespace ImageAcquisition
 {
 
-InputMethodStreaming::InputMethodStreaming(Type type, int fd, v4l2_memory memory)
-    : InputMethod(type, fd), m_memory(memory)
+InputMethodStreaming::InputMethodStreaming(Type type, NodeReference node, v4l2_memory memory)
+    : InputMethod(type, node), m_memory(memory)
 {
 }
 
 InputMethodStreaming::~InputMethodStreaming() = default;
 
-int InputMethodStreaming::requestBuffers(int fd, int count, v4l2_memory memory,
+int InputMethodStreaming::requestBuffers(NodeReference node, int count, v4l2_memory memory,
                                          v4l2_requestbuffers& request)
 {
     request = {};
     request.count = static_cast<unsigned int>(count);
     request.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
     request.memory = memory;
-    return HelperV4l2::xioctl(fd, VIDIOC_REQBUFS, &request) == -1 ? errno : 0;
+    return node.xioctl(VIDIOC_REQBUFS, &request) == -1 ? errno : 0;
 }
 
-bool InputMethodStreaming::supported(int fd, v4l2_memory memory)
+bool InputMethodStreaming::supported(NodeReference node, v4l2_memory memory)
 {
     constexpr int probeCount = 4;
     v4l2_requestbuffers request;
-    if (requestBuffers(fd, probeCount, memory, request) == EINVAL) {
+    if (requestBuffers(node, probeCount, memory, request) == EINVAL) {
         return false;
     }
-    requestBuffers(fd, 0, memory, request);
+    requestBuffers(node, 0, memory, request);
     return true;
 }
 
 void InputMethodStreaming::releaseBuffers() const
 {
     v4l2_requestbuffers request;
-    requestBuffers(fd(), 0, m_memory, request);
+    requestBuffers(node(), 0, m_memory, request);
 }
 
 v4l2_buffer InputMethodStreaming::bufferRecord(unsigned int index) const
@@ -58,7 +56,7 @@ int InputMethodStreaming::startCapture()
     for (unsigned int index = 0; index < m_frames.size(); ++index) {
         v4l2_buffer buffer = bufferRecord(index);
         describe(*m_frames[index], buffer);
-        if (HelperV4l2::xioctl(fd(), VIDIOC_QBUF, &buffer) == -1) {
+        if (node().xioctl(VIDIOC_QBUF, &buffer) == -1) {
             return -1;
         }
     }
@@ -74,14 +72,14 @@ int InputMethodStreaming::stopCapture()
 int InputMethodStreaming::switchStream(unsigned long request) const
 {
     int type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
-    return HelperV4l2::xioctl(fd(), request, &type) == -1 ? -1 : 0;
+    return node().xioctl(request, &type) == -1 ? -1 : 0;
 }
 
 bool InputMethodStreaming::acquire(InputMethod::BaseFrame*& frame)
 {
     frame = invalidFrame();
     v4l2_buffer buffer = bufferRecord(0);
-    if (HelperV4l2::xioctl(fd(), VIDIOC_DQBUF, &buffer) == -1) {
+    if (node().xioctl(VIDIOC_DQBUF, &buffer) == -1) {
         return errno != EAGAIN;
     }
     if (StreamedFrame* const filled = frameOf(buffer)) {
@@ -101,7 +99,7 @@ int InputMethodStreaming::releaseFrame(IFrame* frame)
         return frame->isInvalid() ? 0 : -1;
     }
     v4l2_buffer buffer = own->buffer();
-    return HelperV4l2::xioctl(fd(), VIDIOC_QBUF, &buffer) == -1 ? -1 : 0;
+    return node().xioctl(VIDIOC_QBUF, &buffer) == -1 ? -1 : 0;
 }
 
 StreamedFrame const* InputMethodStreaming::ownFrame(IFrame const* frame) const

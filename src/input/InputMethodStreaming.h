@@ -15,7 +15,7 @@ namespace ImageAcquisition
 class InputMethodStreaming : public InputMethod
 {
 public:
-    InputMethodStreaming(Type type, int fd, v4l2_memory memory);
+    InputMethodStreaming(Type type, NodeReference node, v4l2_memory memory);
     ~InputMethodStreaming() override;
 
     int startCapture() override;
@@ -31,10 +31,11 @@ public:
 
 protected:
     /// Asks for buffers; 0, or the errno of the refusal. The driver's count is left in @p request.
-    static int requestBuffers(int fd, int count, v4l2_memory memory, v4l2_requestbuffers& request);
+    static int requestBuffers(NodeReference node, int count, v4l2_memory memory,
+                              v4l2_requestbuffers& request);
 
     /// Whether the driver knows this kind of memory. Only EINVAL says no: a busy device knows it.
-    static bool supported(int fd, v4l2_memory memory);
+    static bool supported(NodeReference node, v4l2_memory memory);
 
     /// Gives all buffers back to the driver.
     void releaseBuffers() const;

@@ -18,21 +18,22 @@ unsigned long driverAddress(StreamedFrame& frame)
 
 } // namespace
 
-InputMethodUserPointers::InputMethodUserPointers(int fd)
-    : InputMethodStreaming(UserPointers, fd, V4L2_MEMORY_USERPTR)
+InputMethodUserPointers::InputMethodUserPointers(NodeReference node)
+    : InputMethodStreaming(UserPointers, node, V4L2_MEMORY_USERPTR)
 {
 }
 
 InputMethodUserPointers::~InputMethodUserPointers() = default;
 
-bool InputMethodUserPointers::supported(int fd)
+bool InputMethodUserPointers::supported(NodeReference node)
 {
-    return InputMethodStreaming::supported(fd, V4L2_MEMORY_USERPTR);
+    return InputMethodStreaming::supported(node, V4L2_MEMORY_USERPTR);
 }
 
-int InputMethodUserPointers::requestBuffers(int fd, int count, v4l2_requestbuffers& request)
+int InputMethodUserPointers::requestBuffers(NodeReference node, int count,
+                                            v4l2_requestbuffers& request)
 {
-    return InputMethodStreaming::requestBuffers(fd, count, V4L2_MEMORY_USERPTR, request);
+    return InputMethodStreaming::requestBuffers(node, count, V4L2_MEMORY_USERPTR, request);
 }
 
 int InputMethodUserPointers::setup(int bufferCount, unsigned int imageSize)
@@ -42,7 +43,7 @@ int InputMethodUserPointers::setup(int bufferCount, unsigned int imageSize)
     }
     int const count = std::max(bufferCount, 0);
     v4l2_requestbuffers request;
-    if (requestBuffers(fd(), count, request) != 0) {
+    if (requestBuffers(node(), count, request) != 0) {
         return -1;
     }
     try {

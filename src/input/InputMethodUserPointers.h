@@ -12,13 +12,13 @@ class InputMethodUserPointers : public InputMethodStreaming
 public:
     class Frame;
 
-    explicit InputMethodUserPointers(int fd);
+    explicit InputMethodUserPointers(NodeReference node);
     ~InputMethodUserPointers() override;
 
-    static bool supported(int fd);
+    static bool supported(NodeReference node);
 
     /// 0, or the errno of the refusal.
-    static int requestBuffers(int fd, int count, v4l2_requestbuffers& request);
+    static int requestBuffers(NodeReference node, int count, v4l2_requestbuffers& request);
 
     /// Fails, and asks the driver for nothing, whenever the wake-up pipe could be opened; buffers
     /// are made only when it could not. Callers rely on this order of things.
