@@ -39,9 +39,16 @@ bool Camera::init()
         result = buildMainControlSet();
         m_formatManager.init(m_node);
     }
-    m_invalidControl.reset(CameraControlFactory::createInvalidControl(*this));
+    m_controls.setInvalid(
+        std::unique_ptr<ICameraControl>(CameraControlFactory::createInvalidControl(*this)));
     m_inputMethod = createBestInputMethod();
     return result;
+}
+
+bool Camera::buildMainControlSet()
+{
+    m_controls.fill(m_node);
+    return true;
 }
 
 ExtensionUnit* Camera::createExtensionUnit() const
@@ -91,6 +98,12 @@ bool Camera::softwareReset()
     // The camera may restart before it answers, so the answer tells nothing.
     readVendorRequest(handle, softwareResetRequest, reply, sizeof reply);
     return true;
+}
+
+ICameraControl* Camera::control(int position) const
+{
+    // A subclass may list fewer than there are.
+    return position < controlNumber() ? m_controls.at(position) : m_controls.invalid();
 }
 
 int Camera::formatNumber() const

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "IBlockingCamera.h"
-#include "ICameraControl.h"
+#include "camera/CameraControlSet.h"
 #include "camera/NamedControl.h"
 #include "control/ExtensionUnit.h"
 #include "device/Device.h"
@@ -11,7 +11,6 @@
 #include "system/VideoNode.h"
 
 #include <memory>
-#include <vector>
 
 namespace ImageAcquisition
 {
@@ -28,10 +27,10 @@ public:
     /// Closes the node. A capture must have been stopped and cleaned up before.
     ~Camera() override;
 
-    int controlNumber() const override;
+    int controlNumber() const override { return m_controls.size(); }
     IDevice const* device() const override { return &m_device; }
     ICameraControl* control(int position) const override;
-    ICameraControl* control(char const* name) const override;
+    ICameraControl* control(char const* name) const override { return m_controls.named(name); }
 
     ICameraControl* autoContrastBrightnessControl() const override;
     ICameraControl* autoExposureControl() const override;
@@ -68,7 +67,7 @@ public:
     ICameraControl* hueControl() const override;
     ICameraControl* gammaControl() const override;
     ICameraControl* autoGammaControl() const override;
-    ICameraControl* invalidControl() const override { return m_invalidControl.get(); }
+    ICameraControl* invalidControl() const override { return m_controls.invalid(); }
 
     int formatNumber() const override;
     IImageFormat const* format(int position) const override;
@@ -107,11 +106,14 @@ public:
     InputMethod const* inputMethod() const { return m_inputMethod.get(); }
 
     /// The first control of this id, or the invalid control.
-    ICameraControl* controlById(unsigned int id) const;
+    ICameraControl* controlById(unsigned int id) const { return m_controls.withId(id); }
 
     /// Whether @p a comes before @p b: by name, byte by byte.
     static bool compareControls(std::unique_ptr<ICameraControl> const& a,
-                                std::unique_ptr<ICameraControl> const& b);
+                                std::unique_ptr<ICameraControl> const& b)
+    {
+        return CameraControlSet::inOrder(a, b);
+    }
 
 protected:
     /// Fills the control set.
@@ -122,15 +124,17 @@ protected:
     virtual ExtensionUnit* createExtensionUnit() const;
 
     /// Adds a control at the end of the set.
-    void appendControl(std::unique_ptr<ICameraControl> control);
+    void appendControl(std::unique_ptr<ICameraControl> control)
+    {
+        m_controls.append(std::move(control));
+    }
 
     /// What the function of that name hands out; the invalid control when the camera has none.
     virtual ICameraControl* namedControl(NamedControl which) const;
 
 private:
     VideoNode m_node;
-    std::vector<std::unique_ptr<ICameraControl>> m_controls;
-    std::unique_ptr<ICameraControl> m_invalidControl;
+    CameraControlSet m_controls;
     Device m_device;
     std::unique_ptr<InputMethod> m_inputMethod;
     std::unique_ptr<ExtensionUnit> m_extensionUnit;

@@ -65,7 +65,7 @@ std::array<Row, namedControls> const rows = {{
 ICameraControl* Camera::namedControl(NamedControl which) const
 {
     Row const& row = rows.at(static_cast<std::size_t>(which));
-    return row.vendorOnly && !m_device.isaZorvaneDevice() ? m_invalidControl.get()
+    return row.vendorOnly && !m_device.isaZorvaneDevice() ? m_controls.invalid()
                                                           : controlById(row.id);
 }
 

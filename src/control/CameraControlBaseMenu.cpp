@@ -16,26 +16,31 @@ CameraControlBaseMenu::CameraControlBaseMenu(Type type, NodeReference node, unsi
 {
 }
 
+long long CameraControlBaseMenu::indicesToProbe(v4l2_queryctrl const& menu)
+{
+    // In 64 bits: the numbers from INT_MIN to INT_MAX are more than an int counts.
+    long long const width = static_cast<long long>(menu.maximum) - menu.minimum + 1;
+    return std::clamp<long long>(width, 0, maximumMenuIndices);
+}
+
 void CameraControlBaseMenu::init(v4l2_queryctrl const& qc)
 {
     CameraControl::init(qc);
     m_defaultValue = qc.default_value;
     m_minimum = qc.minimum;
-    m_maximum = qc.maximum;
+    m_indicesToProbe = indicesToProbe(qc);
     m_indices.clear();
 }
 
 void CameraControlBaseMenu::probeItems()
 {
-    // 64 bits, so that a maximum of INT_MAX ends the loop.
-    long long const end = std::min<long long>(
-        m_maximum + 1LL, m_minimum + static_cast<long long>(maximumMenuIndices));
-    for (long long index = m_minimum; index < end; ++index) {
+    for (long long probed = 0; probed < m_indicesToProbe; ++probed) {
+        auto const index = static_cast<unsigned int>(m_minimum + probed);
         v4l2_querymenu item{};
         item.id = id();
-        item.index = static_cast<unsigned int>(index);
+        item.index = index;
         if (node().xioctl(VIDIOC_QUERYMENU, &item) != -1) {
-            m_indices.push_back(static_cast<unsigned int>(index));
+            m_indices.push_back(index);
             itemFound(item);
         }
     }

@@ -15,6 +15,9 @@ class CameraControlBaseMenu : public CameraControl, public virtual ICameraContro
 public:
     CameraControlBaseMenu(Type type, NodeReference node, unsigned int id, char const* name);
 
+    /// How many numbers a driver is asked for to find the items of a menu of these bounds.
+    static long long indicesToProbe(v4l2_queryctrl const& menu);
+
     /// Takes over the bounds and forgets all items.
     void init(v4l2_queryctrl const& qc) override;
     int defaultIndex() const override;
@@ -36,7 +39,7 @@ protected:
 private:
     int m_defaultValue = 0;
     int m_minimum = 0;
-    int m_maximum = 0;
+    long long m_indicesToProbe = 0;
     std::vector<unsigned int> m_indices;
 };
 
