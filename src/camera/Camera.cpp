@@ -123,14 +123,12 @@ IImageFormat const* Camera::currentImageFormat() const
 
 IFrameSize const* Camera::currentFrameSize() const
 {
-    int const size = m_formatManager.currentFrameSize();
-    return currentImageFormat()->frameSize(size);
+    return m_formatManager.frameSizeOfDevice();
 }
 
 IFramePeriod const* Camera::currentFrameInterval() const
 {
-    int const interval = m_formatManager.currentFrameInterval();
-    return interval == -1 ? IFramePeriod::invalid() : currentFrameSize()->period(interval);
+    return m_formatManager.framePeriodOfDevice();
 }
 
 bool Camera::setCurrentImageFormat(int format, int frameSize, int framePeriod)

@@ -82,30 +82,40 @@ int ImageFormatManager::currentFormat() const
                                              : -1;
 }
 
-int ImageFormatManager::currentFrameSize() const
+ImageFormatManager::Selection ImageFormatManager::currentSelection() const
 {
     v4l2_format format;
     if (!queryDeviceFormat(m_node, format)) {
-        return -1;
-    }
-    return formatPtr(formatIndexByPixelFormat(format.fmt.pix.pixelformat))
-        ->frameSizeIndex(format.fmt.pix.width, format.fmt.pix.height);
-}
-
-int ImageFormatManager::currentFrameInterval() const
-{
-    v4l2_format format;
-    if (!queryDeviceFormat(m_node, format)) {
-        return -1;
+        return {};
     }
     ImageFormat const* const current =
         formatPtr(formatIndexByPixelFormat(format.fmt.pix.pixelformat));
-    int const sizeIndex = current->frameSizeIndex(format.fmt.pix.width, format.fmt.pix.height);
+    return {current, current->frameSizeIndex(format.fmt.pix.width, format.fmt.pix.height)};
+}
+
+int ImageFormatManager::currentInterval(Selection const& selection) const
+{
     v4l2_streamparm parameters;
-    if (sizeIndex == -1 || !queryDeviceParameters(m_node, parameters)) {
+    if (selection.size == -1 || !queryDeviceParameters(m_node, parameters)) {
         return -1;
     }
-    return current->sizeAt(sizeIndex).intervalIndex(parameters.parm.capture.timeperframe);
+    return selection.format->sizeAt(selection.size)
+        .intervalIndex(parameters.parm.capture.timeperframe);
+}
+
+IFrameSize const* ImageFormatManager::frameSizeOfDevice() const
+{
+    Selection const selection = currentSelection();
+    return selection.format == nullptr ? IFrameSize::invalid()
+                                       : selection.format->frameSize(selection.size);
+}
+
+IFramePeriod const* ImageFormatManager::framePeriodOfDevice() const
+{
+    Selection const selection = currentSelection();
+    int const interval = currentInterval(selection);
+    return interval == -1 ? IFramePeriod::invalid()
+                          : selection.format->sizeAt(selection.size).period(interval);
 }
 
 } // namespace ImageAcquisition

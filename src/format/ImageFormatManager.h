@@ -41,13 +41,30 @@ public:
     // Indices of what is set on the device, or -1. The latter two throw std::out_of_range when the
     // device's pixel format is not in the catalogue.
     int currentFormat() const;
-    int currentFrameSize() const;
-    int currentFrameInterval() const;
+    int currentFrameSize() const { return currentSelection().size; }
+    int currentFrameInterval() const { return currentInterval(currentSelection()); }
+
+    // The same as objects, the invalid ones for -1. They throw as the indices do.
+    IFrameSize const* frameSizeOfDevice() const;
+    IFramePeriod const* framePeriodOfDevice() const;
 
     /// Whether no pixel format was listed twice.
     bool invariants() const { return m_formats.size() == m_indexByPixelFormat.size(); }
 
 private:
+    /// A format of the catalogue, or null, and the index of one of its sizes, or -1.
+    struct Selection
+    {
+        ImageFormat const* format = nullptr;
+        int size = -1;
+    };
+
+    /// Asks the device for its format.
+    Selection currentSelection() const;
+
+    /// Asks the device for its interval, of which the index is returned.
+    int currentInterval(Selection const& selection) const;
+
     NodeReference m_node = -1;
     std::vector<std::unique_ptr<ImageFormat>> m_formats;
     std::map<unsigned int, int> m_indexByPixelFormat;

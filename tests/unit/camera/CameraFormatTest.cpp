@@ -72,6 +72,18 @@ TEST_F(CameraFormat, SelectsByNameAndValue)
     EXPECT_FALSE(m_camera.setCurrentImageFormat(nullptr, 320, 240, 1, 60));
 }
 
+TEST_F(CameraFormat, AsksTheDeviceOnceForWhatIsSet)
+{
+    m_camera.currentImageFormat();
+    m_camera.currentFrameSize();
+    EXPECT_EQ(m_virtualCamera.countOf(Call::Ioctl), 2u);
+    m_virtualCamera.clearLog();
+    m_camera.currentFrameInterval();
+    EXPECT_EQ(m_virtualCamera.countOf(VIDIOC_G_FMT), 1u);
+    EXPECT_EQ(m_virtualCamera.countOf(VIDIOC_G_PARM), 1u);
+    EXPECT_EQ(m_virtualCamera.countOf(Call::Ioctl), 2u);
+}
+
 TEST_F(CameraFormat, RefusesNegativePositionsWithoutAskingTheDevice)
 {
     EXPECT_FALSE(m_camera.setCurrentImageFormat(0, -1, 0));
