@@ -42,6 +42,7 @@ bool Camera::init()
     m_controls.setInvalid(
         std::unique_ptr<ICameraControl>(CameraControlFactory::createInvalidControl(*this)));
     m_inputMethod = createBestInputMethod();
+    m_transfer = m_inputMethod ? m_inputMethod.get() : &m_noInputMethod;
     return result;
 }
 
@@ -147,33 +148,9 @@ bool Camera::setCurrentImageFormat(char const* formatName, int width, int height
 
 int Camera::setup(int bufferCount)
 {
-    return m_inputMethod ? m_inputMethod->setup(bufferCount, m_formatManager.currentSizeImage())
-                         : -1;
-}
-
-int Camera::startCapture()
-{
-    return m_inputMethod ? m_inputMethod->startCapture() : -1;
-}
-
-IFrame* Camera::acquireFrame()
-{
-    return m_inputMethod ? m_inputMethod->acquireFrame() : IFrame::invalid();
-}
-
-int Camera::releaseFrame(IFrame* frame)
-{
-    return m_inputMethod ? m_inputMethod->releaseFrame(frame) : -1;
-}
-
-int Camera::stopCapture()
-{
-    return m_inputMethod ? m_inputMethod->stopCapture() : -1;
-}
-
-int Camera::cleanup()
-{
-    return m_inputMethod ? m_inputMethod->cleanup() : -1;
+    // A device that offers no way of transfer is not asked for the size of its images either.
+    unsigned int const imageSize = m_inputMethod ? m_formatManager.currentSizeImage() : 0;
+    return m_transfer->setup(bufferCount, imageSize);
 }
 
 } // namespace ImageAcquisition

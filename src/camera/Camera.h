@@ -7,7 +7,7 @@
 #include "control/ExtensionUnit.h"
 #include "device/Device.h"
 #include "format/ImageFormatManager.h"
-#include "input/InputMethod.h"
+#include "input/InputMethodNone.h"
 #include "system/VideoNode.h"
 
 #include <memory>
@@ -80,11 +80,11 @@ public:
                                int denominator) override;
 
     int setup(int bufferCount) override;
-    int startCapture() override;
-    IFrame* acquireFrame() override;
-    int releaseFrame(IFrame* frame) override;
-    int stopCapture() override;
-    int cleanup() override;
+    int startCapture() override { return m_transfer->startCapture(); }
+    IFrame* acquireFrame() override { return m_transfer->acquireFrame(); }
+    int releaseFrame(IFrame* frame) override { return m_transfer->releaseFrame(frame); }
+    int stopCapture() override { return m_transfer->stopCapture(); }
+    int cleanup() override { return m_transfer->cleanup(); }
 
     /// Opens the node and finds controls, formats and a way to transfer frames. True also when the
     /// node cannot be opened: the camera is then empty and its capture calls fail.
@@ -136,7 +136,9 @@ private:
     VideoNode m_node;
     CameraControlSet m_controls;
     Device m_device;
+    InputMethodNone m_noInputMethod;
     std::unique_ptr<InputMethod> m_inputMethod;
+    InputMethod* m_transfer = &m_noInputMethod;
     std::unique_ptr<ExtensionUnit> m_extensionUnit;
     ImageFormatManager m_formatManager;
 };
