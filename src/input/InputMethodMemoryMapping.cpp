@@ -17,13 +17,6 @@ namespace
 constexpr int maximumAttempts = 10;
 constexpr int waitSeconds = 2;
 
-struct Unmapper
-{
-    void operator()(void* address) const { v4l2_munmap(address, length); }
-
-    std::size_t length;
-};
-
 } // namespace
 
 InputMethodMemoryMapping::InputMethodMemoryMapping(NodeReference node)
@@ -31,7 +24,17 @@ InputMethodMemoryMapping::InputMethodMemoryMapping(NodeReference node)
 {
 }
 
-InputMethodMemoryMapping::~InputMethodMemoryMapping() = default;
+InputMethodMemoryMapping::~InputMethodMemoryMapping()
+{
+    for (Mapping& mapping : m_mappings) {
+        static_cast<void>(mapping.release());
+    }
+}
+
+void InputMethodMemoryMapping::Unmapper::operator()(void* address) const
+{
+    v4l2_munmap(address, length);
+}
 
 bool InputMethodMemoryMapping::supported(NodeReference node)
 {
@@ -88,18 +91,15 @@ bool InputMethodMemoryMapping::mapBuffer(unsigned int index)
     if (address == MAP_FAILED) {
         return false;
     }
-    std::unique_ptr<void, Unmapper> mapping(address, {buffer.length});
+    m_mappings.push_back(Mapping(address, {buffer.length}));
     m_frames.push_back(std::make_unique<Frame>(buffer.length, address));
-    static_cast<void>(mapping.release());
     return true;
 }
 
 void InputMethodMemoryMapping::unmapAll()
 {
-    for (auto const& frame : m_frames) {
-        v4l2_munmap(frame->bytePtr(), frame->allocSize());
-    }
     m_frames.clear();
+    m_mappings.clear();
 }
 
 void InputMethodMemoryMapping::giveBuffersBack()

@@ -13,7 +13,8 @@ public:
     class Frame;
 
     explicit InputMethodMemoryMapping(NodeReference node);
-    /// Neither unmaps nor gives buffers back: cleanup() must have run.
+    /// Neither unmaps nor gives buffers back, so that a frame that is still lent stays readable:
+    /// cleanup() must have run.
     ~InputMethodMemoryMapping() override;
 
     static bool supported(NodeReference node);
@@ -29,10 +30,20 @@ protected:
     StreamedFrame* frameOf(v4l2_buffer const& buffer) const override;
 
 private:
+    struct Unmapper
+    {
+        void operator()(void* address) const;
+
+        std::size_t length;
+    };
+    using Mapping = std::unique_ptr<void, Unmapper>;
+
     bool mapBuffers(unsigned int count);
     bool mapBuffer(unsigned int index);
     void unmapAll();
     void giveBuffersBack();
+
+    std::vector<Mapping> m_mappings; // One for each frame.
 };
 
 /// A mapped driver buffer. The mapping is the input method's to undo.
