@@ -5,10 +5,7 @@
 #include "system/DescriptorSet.h"
 #include "system/Pause.h"
 
-#include <libudev.h>
-
 #include <chrono>
-#include <memory>
 
 namespace ImageAcquisition
 {
@@ -31,11 +28,6 @@ private:
     std::atomic<int>& m_waiters;
 };
 
-struct DeviceDeleter
-{
-    void operator()(udev_device* device) const { udev_device_unref(device); }
-};
-
 void fill(CameraEvent& event, udev_device* device)
 {
     event.setDeviceSystemName(udev_device_get_devnode(device));
@@ -51,10 +43,7 @@ IBlockingCameraMonitor::~IBlockingCameraMonitor() = default;
 
 BlockingCameraMonitor::BlockingCameraMonitor() : m_udev(udev_new()) {}
 
-BlockingCameraMonitor::~BlockingCameraMonitor()
-{
-    udev_unref(m_udev);
-}
+BlockingCameraMonitor::~BlockingCameraMonitor() = default;
 
 bool BlockingCameraMonitor::startMonitoring()
 {
@@ -70,7 +59,7 @@ bool BlockingCameraMonitor::startMonitoring()
 
 bool BlockingCameraMonitor::startUdevMonitor()
 {
-    udev_monitor* const monitor = udev_monitor_new_from_netlink(m_udev, "udev");
+    udev_monitor* const monitor = udev_monitor_new_from_netlink(m_udev.get(), "udev");
     m_monitor = monitor;
     if (monitor == nullptr) {
         m_monitorFd = -1;
@@ -99,7 +88,7 @@ void BlockingCameraMonitor::releaseUdevMonitor()
     while (m_waiters != 0) {
         pauseFor(waiterPoll);
     }
-    udev_monitor_unref(m_monitor.exchange(nullptr));
+    UdevMonitor const released(m_monitor.exchange(nullptr));
 }
 
 bool BlockingCameraMonitor::getEvent(ICameraEvent* event) const
@@ -112,8 +101,7 @@ bool BlockingCameraMonitor::getEvent(ICameraEvent* event) const
     if (!m_monitoring || !waitForDevice()) {
         return false;
     }
-    std::unique_ptr<udev_device, DeviceDeleter> const device(
-        udev_monitor_receive_device(m_monitor));
+    UdevDevice const device(udev_monitor_receive_device(m_monitor));
     if (!device) {
         return false;
     }

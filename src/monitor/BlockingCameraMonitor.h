@@ -3,12 +3,9 @@
 
 #include "IBlockingCameraMonitor.h"
 #include "monitor/SelfPipe.h"
+#include "system/UdevHandles.h"
 
 #include <atomic>
-
-struct udev;
-struct udev_device;
-struct udev_monitor;
 
 namespace ImageAcquisition
 {
@@ -41,8 +38,8 @@ private:
     // announces itself before it looks whether monitoring goes on; whoever ends it says so before
     // it looks for waiters. One of the two sees the other, so nothing is released under a waiter.
     std::atomic<int> m_monitorFd{-1};
-    udev* m_udev;
-    std::atomic<udev_monitor*> m_monitor{nullptr};
+    UdevContext m_udev;
+    std::atomic<udev_monitor*> m_monitor{nullptr}; // Owned.
     SelfPipe m_wakeUp;
     std::atomic<bool> m_monitoring{false};
     mutable std::atomic<int> m_waiters{0};

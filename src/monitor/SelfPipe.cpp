@@ -16,12 +16,23 @@ namespace
 
 constexpr std::chrono::milliseconds writerPoll{1};
 
-void closeEnd(int fd)
+/// Owns an end that nobody else can reach any more.
+class PipeEnd
 {
-    if (fd != -1) {
-        ::close(fd);
+public:
+    explicit PipeEnd(int fd) : m_fd(fd) {}
+    PipeEnd(PipeEnd const&) = delete;
+    PipeEnd& operator=(PipeEnd const&) = delete;
+    ~PipeEnd()
+    {
+        if (m_fd != -1) {
+            ::close(m_fd);
+        }
     }
-}
+
+private:
+    int m_fd;
+};
 
 } // namespace
 
@@ -38,16 +49,14 @@ bool SelfPipe::open()
 
 void SelfPipe::close()
 {
-    int const writeEnd = m_writeEnd.exchange(-1);
-    int const readEnd = m_readEnd.exchange(-1);
+    // Closed in the opposite order: there is never an end to write to without one to read from.
+    PipeEnd const readEnd(m_readEnd.exchange(-1));
+    PipeEnd const writeEnd(m_writeEnd.exchange(-1));
     // A writer that is still on its way would write to whatever is opened next under that number,
     // or be killed by SIGPIPE. Its write does not block, so this is over soon.
     while (m_writers != 0) {
         pauseFor(writerPoll);
     }
-    // In this order there is never an end to write to without one to read from.
-    closeEnd(writeEnd);
-    closeEnd(readEnd);
 }
 
 void SelfPipe::write()
