@@ -19,11 +19,6 @@ constexpr int waitSeconds = 2;
 
 } // namespace
 
-InputMethodMemoryMapping::InputMethodMemoryMapping(NodeReference node)
-    : InputMethodStreaming(MemoryMapping, node, V4L2_MEMORY_MMAP)
-{
-}
-
 InputMethodMemoryMapping::~InputMethodMemoryMapping()
 {
     for (Mapping& mapping : m_mappings) {
@@ -34,17 +29,6 @@ InputMethodMemoryMapping::~InputMethodMemoryMapping()
 void InputMethodMemoryMapping::Unmapper::operator()(void* address) const
 {
     v4l2_munmap(address, length);
-}
-
-bool InputMethodMemoryMapping::supported(NodeReference node)
-{
-    return InputMethodStreaming::supported(node, V4L2_MEMORY_MMAP);
-}
-
-int InputMethodMemoryMapping::requestBuffers(NodeReference node, int count,
-                                             v4l2_requestbuffers& request)
-{
-    return InputMethodStreaming::requestBuffers(node, count, V4L2_MEMORY_MMAP, request);
 }
 
 int InputMethodMemoryMapping::setup(int bufferCount, unsigned int imageSize)

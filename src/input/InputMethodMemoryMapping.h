@@ -7,20 +7,16 @@ namespace ImageAcquisition
 {
 
 /// Streams through driver buffers that are mapped into the process; nothing is copied.
-class InputMethodMemoryMapping : public InputMethodStreaming
+class InputMethodMemoryMapping
+    : public InputMethodStreamingWith<InputMethod::MemoryMapping, V4L2_MEMORY_MMAP>
 {
 public:
     class Frame;
 
-    explicit InputMethodMemoryMapping(NodeReference node);
+    using InputMethodStreamingWith::InputMethodStreamingWith;
     /// Neither unmaps nor gives buffers back, so that a frame that is still lent stays readable:
     /// cleanup() must have run.
     ~InputMethodMemoryMapping() override;
-
-    static bool supported(NodeReference node);
-
-    /// 0, or the errno of the refusal.
-    static int requestBuffers(NodeReference node, int count, v4l2_requestbuffers& request);
 
     int setup(int bufferCount, unsigned int imageSize) override;
     IFrame* acquireFrame() override;

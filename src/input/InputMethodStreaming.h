@@ -62,4 +62,27 @@ private:
     std::unique_ptr<InputMethod::InvalidFrame> m_invalidFrame;
 };
 
+/// The streaming method of one kind of memory.
+template <InputMethod::Type methodType, v4l2_memory memory>
+class InputMethodStreamingWith : public InputMethodStreaming
+{
+public:
+    explicit InputMethodStreamingWith(NodeReference node)
+        : InputMethodStreaming(methodType, node, memory)
+    {
+    }
+
+    /// Whether the driver knows this kind of memory. Only EINVAL says no: a busy device knows it.
+    static bool supported(NodeReference node)
+    {
+        return InputMethodStreaming::supported(node, memory);
+    }
+
+    /// Asks for buffers; 0, or the errno of the refusal. The driver's count is left in @p request.
+    static int requestBuffers(NodeReference node, int count, v4l2_requestbuffers& request)
+    {
+        return InputMethodStreaming::requestBuffers(node, count, memory, request);
+    }
+};
+
 } // namespace ImageAcquisition

@@ -18,23 +18,7 @@ unsigned long driverAddress(StreamedFrame& frame)
 
 } // namespace
 
-InputMethodUserPointers::InputMethodUserPointers(NodeReference node)
-    : InputMethodStreaming(UserPointers, node, V4L2_MEMORY_USERPTR)
-{
-}
-
 InputMethodUserPointers::~InputMethodUserPointers() = default;
-
-bool InputMethodUserPointers::supported(NodeReference node)
-{
-    return InputMethodStreaming::supported(node, V4L2_MEMORY_USERPTR);
-}
-
-int InputMethodUserPointers::requestBuffers(NodeReference node, int count,
-                                            v4l2_requestbuffers& request)
-{
-    return InputMethodStreaming::requestBuffers(node, count, V4L2_MEMORY_USERPTR, request);
-}
 
 int InputMethodUserPointers::setup(int bufferCount, unsigned int imageSize)
 {

@@ -7,18 +7,14 @@ namespace ImageAcquisition
 {
 
 /// Streams into buffers of the process that are lent to the driver.
-class InputMethodUserPointers : public InputMethodStreaming
+class InputMethodUserPointers
+    : public InputMethodStreamingWith<InputMethod::UserPointers, V4L2_MEMORY_USERPTR>
 {
 public:
     class Frame;
 
-    explicit InputMethodUserPointers(NodeReference node);
+    using InputMethodStreamingWith::InputMethodStreamingWith;
     ~InputMethodUserPointers() override;
-
-    static bool supported(NodeReference node);
-
-    /// 0, or the errno of the refusal.
-    static int requestBuffers(NodeReference node, int count, v4l2_requestbuffers& request);
 
     /// Fails, and asks the driver for nothing, whenever the wake-up pipe could be opened; buffers
     /// are made only when it could not. Callers rely on this order of things.
