@@ -92,8 +92,6 @@ FrameTimeStamp InputMethod::BaseFrame::timeStamp() const
     return {};
 }
 
-InputMethod::InvalidFrame::InvalidFrame(unsigned int size) : m_bytes(size) {}
-
 InputMethod::InvalidFrame& InputMethod::InvalidFrame::getUniqueInstance()
 {
     static InvalidFrame instance(1);

@@ -4,8 +4,7 @@
 #include "IFrame.h"
 #include "monitor/SelfPipe.h"
 #include "system/VideoNode.h"
-
-#include <vector>
+#include "system/ZeroedBytes.h"
 
 namespace ImageAcquisition
 {
@@ -18,6 +17,7 @@ public:
     enum Type : int { Read = 0, MemoryMapping = 1, UserPointers = 2 };
 
     class BaseFrame;
+    class OwnedFrame;
     class InvalidFrame;
 
     /// The node stays the camera's.
@@ -64,17 +64,12 @@ public:
     FrameTimeStamp timeStamp() const override;
 };
 
-/// Stands for a frame that could not be had, with a zeroed buffer of a plausible length, so that a
-/// caller who does not look reads zeros.
-class InputMethod::InvalidFrame : public virtual InputMethod::BaseFrame
+/// A frame with memory of its own, all of which counts as used.
+class InputMethod::OwnedFrame : public virtual InputMethod::BaseFrame
 {
 public:
-    explicit InvalidFrame(unsigned int size);
+    explicit OwnedFrame(unsigned int size) : m_bytes(size) {}
 
-    /// The one of 1 byte that stands for all.
-    static InvalidFrame& getUniqueInstance();
-
-    bool isInvalid() const override { return true; }
     bool isCorrupted() const override { return false; }
     unsigned int allocSize() const override { return static_cast<unsigned int>(m_bytes.size()); }
     unsigned int bytesUsed() const override { return allocSize(); }
@@ -82,7 +77,20 @@ public:
     unsigned char* bytePtr() override { return m_bytes.data(); }
 
 private:
-    std::vector<unsigned char> m_bytes;
+    ZeroedBytes m_bytes;
+};
+
+/// Stands for a frame that could not be had, with a zeroed buffer of a plausible length, so that a
+/// caller who does not look reads zeros.
+class InputMethod::InvalidFrame : public InputMethod::OwnedFrame
+{
+public:
+    using OwnedFrame::OwnedFrame;
+
+    /// The one of 1 byte that stands for all.
+    static InvalidFrame& getUniqueInstance();
+
+    bool isInvalid() const override { return true; }
 };
 
 } // namespace ImageAcquisition

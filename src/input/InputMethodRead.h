@@ -39,20 +39,12 @@ private:
 };
 
 /// A buffer to read into.
-class InputMethodRead::Frame : public virtual InputMethod::BaseFrame
+class InputMethodRead::Frame : public InputMethod::OwnedFrame
 {
 public:
-    explicit Frame(unsigned int size) : m_bytes(size) {}
+    using OwnedFrame::OwnedFrame;
 
     bool isInvalid() const override { return false; }
-    bool isCorrupted() const override { return false; }
-    unsigned int allocSize() const override { return static_cast<unsigned int>(m_bytes.size()); }
-    unsigned int bytesUsed() const override { return allocSize(); }
-    unsigned char const* bytePtr() const override { return m_bytes.data(); }
-    unsigned char* bytePtr() override { return m_bytes.data(); }
-
-private:
-    std::vector<unsigned char> m_bytes;
 };
 
 } // namespace ImageAcquisition

@@ -41,7 +41,7 @@ public:
     unsigned char* bytePtr() override { return m_bytes.data(); }
 
 private:
-    std::vector<unsigned char> m_bytes;
+    ZeroedBytes m_bytes;
 };
 
 } // namespace ImageAcquisition
