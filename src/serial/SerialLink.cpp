@@ -88,7 +88,7 @@ QByteArray SerialLink::takeInput()
 {
     QElapsedTimer elapsed;
     elapsed.start();
-    while (m_port->waitForReadyRead(0) && elapsed.elapsed() < msReply) {
+    while (m_port->waitForReadyRead(0) && elapsed.elapsed() < m_limits.reply) {
     }
     return m_port->readAll();
 }
@@ -99,7 +99,7 @@ bool SerialLink::sendNow(QByteArray const& request)
 {
     bool sent = m_port->write(request) == request.size();
     while (sent && m_port->bytesToWrite() > 0) {
-        sent = m_port->waitForBytesWritten(msReply);
+        sent = m_port->waitForBytesWritten(m_limits.reply);
     }
     if (!sent) {
         m_port->clear(QSerialPort::Output);
