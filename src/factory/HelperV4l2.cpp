@@ -1,21 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "factory/HelperV4l2.h"
 
-#include <libv4l2.h>
-
-#include <cerrno>
-
 namespace ImageAcquisition
 {
 
-int HelperV4l2::xioctl(int fd, int request, void* arg)
+int HelperV4l2::repeat(int fd, unsigned long request, void* arg)
 {
-    // Read requests have the top bit set: widened as a signed number they would reach the driver
-    // with 32 more bits set, and match nothing.
-    auto const wideRequest = static_cast<unsigned long>(static_cast<unsigned int>(request));
     int result;
     do {
-        result = v4l2_ioctl(fd, wideRequest, arg);
+        result = v4l2_ioctl(fd, request, arg);
     } while (result == -1 && errno == EINTR);
     return result;
 }
