@@ -8,9 +8,10 @@
 namespace ImageAcquisition
 {
 
-/// The descriptors that a select() waits for. Unlike a bare fd_set, which a descriptor of 1024 or
-/// more overflows, it grows with its largest descriptor; below that it needs no heap, since a
-/// capture makes one for every frame.
+/// The descriptors that a select() waits for. A bare fd_set overflows with a descriptor of 1024 or
+/// more, and all of it is copied for the sake of one bit; this has the words that its largest
+/// descriptor needs, and writes only those that it has descriptors in. Who waits often keeps it:
+/// adding may allocate, waiting does not.
 class DescriptorSet
 {
 public:
@@ -20,20 +21,34 @@ public:
     /// Waits until one of them is readable. @p timeout null waits without limit; otherwise it is
     /// left with the time that remains. Returns what select() does: the number of descriptors that
     /// are ready, 0 when the time is up, -1 and errno on failure.
-    int waitReadable(timeval* timeout);
+    int waitReadable(timeval* timeout)
+    {
+        // select() overwrites what it is given: with zeros, wherever nothing was wanted.
+        for (Word const& word : m_wanted) {
+            m_words[word.index] = word.wanted;
+        }
+        int const result =
+            select(m_count, reinterpret_cast<fd_set*>(m_words.data()), nullptr, nullptr, timeout);
+        if (result < 1) {
+            forgetReady();
+        }
+        return result;
+    }
 
     /// Whether the last wait found the descriptor readable.
     bool isReady(int fd) const;
 
 private:
-    fd_mask* wanted();
-    fd_mask* ready();
+    void forgetReady();
 
-    fd_set m_smallWanted{};
-    fd_set m_smallReady{};
-    // In use, and then instead of the small ones, as soon as a descriptor needs it.
-    std::vector<fd_mask> m_largeWanted;
-    std::vector<fd_mask> m_largeReady;
+    struct Word
+    {
+        std::size_t index;
+        fd_mask wanted;
+    };
+
+    std::vector<Word> m_wanted;
+    std::vector<fd_mask> m_words; // What select() reads, and then what is ready.
     int m_count = 0;
 };
 
