@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "input/InputMethod.h"
 
-#include "system/DescriptorSet.h"
 #include "system/Pause.h"
 
 #include <cerrno>
@@ -34,7 +33,10 @@ InputMethod::~InputMethod()
 
 int InputMethod::setup(int /*bufferCount*/, unsigned int /*imageSize*/)
 {
-    return m_wakeUp.open() ? 0 : -1;
+    bool const opened = m_wakeUp.open();
+    // Here, so that no frame has to wait for memory.
+    watchDevice();
+    return opened ? 0 : -1;
 }
 
 int InputMethod::stopCapture()
@@ -50,31 +52,18 @@ int InputMethod::cleanup()
     return 0;
 }
 
-bool InputMethod::dataAvailable(int seconds, int microseconds) const
+void InputMethod::watch(int device, int wakeUp) const
 {
-    int const device = m_node.descriptor();
-    if (device < 0) {
-        return false;
-    }
-    DescriptorSet descriptors;
-    descriptors.add(device);
-    descriptors.add(m_wakeUp.readingEnd());
-    timeval timeout{};
-    timeout.tv_sec = seconds;
-    timeout.tv_usec = microseconds;
-    int ready;
-    do {
-        ready = descriptors.waitReadable(&timeout);
-    } while (ready == -1 && errno == EINTR);
-    return ready >= 1;
+    m_watched = {};
+    m_watched.add(device);
+    m_watched.add(wakeUp);
+    m_watchedDevice = device;
+    m_watchedWakeUp = wakeUp;
 }
 
 bool InputMethod::stopPending() const
 {
-    DescriptorSet pipe;
-    pipe.add(m_wakeUp.readingEnd());
-    timeval noTime{};
-    return pipe.waitReadable(&noTime) >= 1;
+    return m_watched.isReady(m_watchedWakeUp);
 }
 
 unsigned int InputMethod::BaseFrame::size() const

@@ -3,8 +3,11 @@
 
 #include "IFrame.h"
 #include "monitor/SelfPipe.h"
+#include "system/DescriptorSet.h"
 #include "system/VideoNode.h"
 #include "system/ZeroedBytes.h"
+
+#include <cerrno>
 
 namespace ImageAcquisition
 {
@@ -41,18 +44,53 @@ public:
 
     /// Waits for the device or a stop request; true for either, which the next transfer tells
     /// apart. False when the time is up.
-    bool dataAvailable(int seconds, int microseconds) const;
+    bool dataAvailable(int seconds, int microseconds) const
+    {
+        return watchDevice() && waitForData(seconds, microseconds);
+    }
 
 protected:
     NodeReference node() const { return m_node; }
 
-    /// Whether stopCapture() was called since setup().
+    // The two halves of dataAvailable(), for who waits again and again.
+
+    /// Makes sure that the wait is for the device and the wake-up pipe of now. False without a
+    /// device.
+    bool watchDevice() const
+    {
+        int const device = m_node.descriptor();
+        int const wakeUp = m_wakeUp.readingEnd();
+        if (device != m_watchedDevice || wakeUp != m_watchedWakeUp) {
+            watch(device, wakeUp);
+        }
+        return device >= 0;
+    }
+
+    bool waitForData(int seconds, int microseconds) const
+    {
+        timeval timeout{};
+        timeout.tv_sec = seconds;
+        timeout.tv_usec = microseconds;
+        int ready;
+        do {
+            ready = m_watched.waitReadable(&timeout);
+        } while (ready == -1 && errno == EINTR);
+        return ready >= 1;
+    }
+
+    /// Whether the last wait was ended by stopCapture(), or would have been.
     bool stopPending() const;
 
 private:
+    void watch(int device, int wakeUp) const;
+
     Type const m_type;
     NodeReference const m_node;
     SelfPipe m_wakeUp;
+    // What is waited for, kept from frame to frame. Only the waiting thread uses it.
+    mutable DescriptorSet m_watched;
+    mutable int m_watchedDevice = -1;
+    mutable int m_watchedWakeUp = -1;
 };
 
 /// What all frames answer alike.

@@ -99,18 +99,18 @@ StreamedFrame* InputMethodMemoryMapping::frameOf(v4l2_buffer const& buffer) cons
 
 IFrame* InputMethodMemoryMapping::acquireFrame()
 {
-    InputMethod::BaseFrame* result = invalidFrame();
-    if (!isSetUp()) {
-        return result;
+    if (!isSetUp() || !watchDevice()) {
+        return invalidFrame();
     }
+    v4l2_buffer buffer;
+    Attempt attempt = Attempt::CameTooEarly;
     // One more wait than attempts: the outcome of the last one does not matter.
-    for (int attempts = 0; dataAvailable(waitSeconds, 0) && attempts < maximumAttempts;
+    for (int attempts = 0; attempt == Attempt::CameTooEarly && waitForData(waitSeconds, 0) &&
+                           attempts < maximumAttempts;
          ++attempts) {
-        if (acquire(result)) {
-            break;
-        }
+        attempt = dequeue(buffer);
     }
-    return result;
+    return attempt == Attempt::Succeeded ? lend(frameOf(buffer), buffer) : invalidFrame();
 }
 
 int InputMethodMemoryMapping::cleanup()

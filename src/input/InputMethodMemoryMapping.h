@@ -23,7 +23,7 @@ public:
     int cleanup() override;
 
 protected:
-    StreamedFrame* frameOf(v4l2_buffer const& buffer) const override;
+    StreamedFrame* frameOf(v4l2_buffer const& buffer) const final;
 
 private:
     struct Unmapper

@@ -10,14 +10,14 @@ namespace ImageAcquisition
 class InputMethodNone : public InputMethod
 {
 public:
-    InputMethodNone() : InputMethod(Read, -1) {}
+    InputMethodNone();
 
-    int setup(int /*bufferCount*/, unsigned int /*imageSize*/) override { return -1; }
-    int startCapture() override { return -1; }
-    IFrame* acquireFrame() override { return IFrame::invalid(); }
-    int releaseFrame(IFrame* /*frame*/) override { return -1; }
-    int stopCapture() override { return -1; }
-    int cleanup() override { return -1; }
+    int setup(int bufferCount, unsigned int imageSize) override;
+    int startCapture() override;
+    IFrame* acquireFrame() override;
+    int releaseFrame(IFrame* frame) override;
+    int stopCapture() override;
+    int cleanup() override;
 };
 
 } // namespace ImageAcquisition

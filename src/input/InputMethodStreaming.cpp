@@ -77,16 +77,10 @@ int InputMethodStreaming::switchStream(unsigned long request) const
 
 bool InputMethodStreaming::acquire(InputMethod::BaseFrame*& frame)
 {
-    frame = invalidFrame();
-    v4l2_buffer buffer = bufferRecord(0);
-    if (node().xioctl(VIDIOC_DQBUF, &buffer) == -1) {
-        return errno != EAGAIN;
-    }
-    if (StreamedFrame* const filled = frameOf(buffer)) {
-        filled->setBuffer(buffer);
-        frame = filled;
-    }
-    return true;
+    v4l2_buffer buffer;
+    Attempt const attempt = dequeue(buffer);
+    frame = attempt == Attempt::Succeeded ? lend(frameOf(buffer), buffer) : invalidFrame();
+    return attempt != Attempt::CameTooEarly;
 }
 
 int InputMethodStreaming::releaseFrame(IFrame* frame)
@@ -104,9 +98,22 @@ int InputMethodStreaming::releaseFrame(IFrame* frame)
 
 StreamedFrame const* InputMethodStreaming::ownFrame(IFrame const* frame) const
 {
-    for (auto const& own : m_frames) {
-        if (own.get() == frame) {
-            return own.get();
+    // Mostly it is the frame lent last that comes back.
+    if (m_lastLent < m_frames.size() && m_frames[m_lastLent].get() == frame) {
+        return m_frames[m_lastLent].get();
+    }
+    return findFrame(frame);
+}
+
+StreamedFrame const* InputMethodStreaming::findFrame(IFrame const* frame) const
+{
+    // Backwards from the frame lent last: what comes back is not far behind it.
+    std::size_t const count = m_frames.size();
+    std::size_t index = m_lastLent;
+    for (std::size_t left = count; left > 0; --left) {
+        index = (index == 0 || index > count ? count : index) - 1;
+        if (m_frames[index].get() == frame) {
+            return m_frames[index].get();
         }
     }
     return nullptr;

@@ -5,6 +5,7 @@
 
 #include <linux/videodev2.h>
 
+#include <cerrno>
 #include <memory>
 #include <vector>
 
@@ -49,6 +50,31 @@ protected:
     /// The frame that a dequeued buffer belongs to, or null.
     virtual StreamedFrame* frameOf(v4l2_buffer const& buffer) const = 0;
 
+    /// What became of an attempt to dequeue a buffer.
+    enum class Attempt { Succeeded, CameTooEarly, Failed };
+
+    Attempt dequeue(v4l2_buffer& buffer) const
+    {
+        buffer = {};
+        buffer.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+        buffer.memory = m_memory;
+        if (node().xioctl(VIDIOC_DQBUF, &buffer) != -1) {
+            return Attempt::Succeeded;
+        }
+        return errno == EAGAIN ? Attempt::CameTooEarly : Attempt::Failed;
+    }
+
+    /// Hands out the frame that a buffer has filled; the invalid one when it is none of ours.
+    InputMethod::BaseFrame* lend(StreamedFrame* frame, v4l2_buffer const& buffer)
+    {
+        if (frame == nullptr) {
+            return invalidFrame();
+        }
+        frame->setBuffer(buffer);
+        m_lastLent = buffer.index;
+        return frame;
+    }
+
     bool isSetUp() const { return m_invalidFrame != nullptr; }
     InputMethod::BaseFrame* invalidFrame() const;
 
@@ -56,9 +82,11 @@ protected:
 
 private:
     StreamedFrame const* ownFrame(IFrame const* frame) const;
+    StreamedFrame const* findFrame(IFrame const* frame) const;
     int switchStream(unsigned long request) const;
 
     v4l2_memory const m_memory;
+    std::size_t m_lastLent = 0; // Where to look first; any number will do.
     std::unique_ptr<InputMethod::InvalidFrame> m_invalidFrame;
 };
 

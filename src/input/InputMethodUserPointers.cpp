@@ -69,14 +69,17 @@ StreamedFrame* InputMethodUserPointers::frameOf(v4l2_buffer const& buffer) const
 
 IFrame* InputMethodUserPointers::acquireFrame()
 {
-    InputMethod::BaseFrame* result = invalidFrame();
     if (!isSetUp()) {
-        return result;
+        return invalidFrame();
     }
-    // A pending stop keeps the wait from ever waiting again, so it has to end the loop as well.
-    while (dataAvailable(waitSeconds, 0) && !acquire(result) && !stopPending()) {
+    InputMethod::BaseFrame* result = nullptr;
+    while (dataAvailable(waitSeconds, 0)) {
+        // A pending stop keeps the wait from ever waiting again, so it has to end the loop as well.
+        if (acquire(result) || stopPending()) {
+            return result;
+        }
     }
-    return result;
+    return invalidFrame();
 }
 
 int InputMethodUserPointers::cleanup()
