@@ -24,7 +24,7 @@ foreach(page IN LISTS man_pages)
   install(FILES "${page}" DESTINATION "${CMAKE_INSTALL_MANDIR}/${section}" COMPONENT documentation)
 endforeach()
 file(GLOB guides CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/*.md")
-install(FILES README.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+install(FILES README.md INSTALL.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}"
   COMPONENT documentation)
 install(FILES ${guides} docs/frame.png DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
   COMPONENT documentation)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Holds the man pages and the completion against the programs. One case a call:
+# Holds the documents against each other and against the programs. One case a call:
 #   documents.sh CASE SOURCE_DIR BUILD_DIR
 set -euo pipefail
 
@@ -123,6 +123,42 @@ virtual_camera_parts_are_told() {
     done < <(grep '^| [`(]' <<<"$text")
     [ "$rows" -ge 2 ] || complain "the README has no table of parts"
     grep -q "${numbers[rows]} parts" <<<"$text" || complain "the README does not count $rows parts"
+}
+
+# anchors PAGE: those that its headings make, as every page that shows Markdown makes them.
+anchors() {
+    sed -n '/^```/,/^```/d; s/^##* //p' "$1" | tr '[:upper:]' '[:lower:]' |
+        sed "s/[^a-z0-9 _-]//g; s/ /-/g"
+}
+
+# links PAGE: those that are no addresses of the network's.
+links() {
+    sed '/^```/,/^```/d; s/`[^`]*`//g' "$1" | grep -oE '\]\([^)]*\)' | sed 's/^](//; s/)$//' | grep -v '://'
+}
+
+links_lead_somewhere() {
+    local page link target links=0
+    while IFS= read -rd '' page; do
+        for link in $(links "$page"); do
+            links=$((links + 1))
+            target=$(dirname "$page")/${link%%#*}
+            [[ "$link" != '#'* ]] || target=$page
+            [ -e "$target" ] || { complain "$page links $link, which is not there"; continue; }
+            [[ "$link" != *#* ]] || grep -qxF "${link#*#}" <<<"$(anchors "$target")" ||
+                complain "$page links $link, and there is no such heading"
+        done
+    done < <(find "$source" -path "$source/build" -prune -o -name '*.md' -print0)
+    [ "$links" -ge 20 ] || complain "only $links links: the check sees too little"
+}
+
+install_page_names_every_build_option() {
+    local name names
+    names=$(grep -hoE '(option|set)\(IMAGEACQUISITION_[A-Z_]+ ("[^"]*" CACHE|"[^"]*" O)' \
+                "$source"/cmake/*.cmake | grep -oE 'IMAGEACQUISITION_[A-Z_]+')
+    [ "$(wc -l <<<"$names")" -ge 10 ] || complain "only these options: $names"
+    for name in $names; do
+        grep -qF "| \`$name\` |" "$source/INSTALL.md" || complain "INSTALL.md lacks $name"
+    done
 }
 
 [ "$(type -t "$case_name")" = function ] || { echo "no such case: $case_name" >&2; exit 2; }

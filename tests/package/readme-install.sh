@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Does what the README says about installing, in a mount name space of its own:
+# Does what README.md and INSTALL.md say about installing, in a mount name space of its own:
 #   readme-install.sh CASE SOURCE_DIR BUILD_DIR WORK_DIR
 set -euo pipefail
 
@@ -9,10 +9,9 @@ stage="$work/stage/usr/local"
 
 fail() { echo "FAILED: $*" >&2; exit 1; }
 
-# What the README lets root do, without what the installation itself is.
+# commands_of_root PAGE: what it lets root do, without what the installation itself is.
 commands_of_root() {
-    sed -n '/^## Installing/,/^## Where/ s/^sudo //p' "$source/README.md" | sed 's/ *#.*//' |
-        grep -v '^cmake --install'
+    sed 's/ *#.*//; s/ && /\n/g' "$source/$1" | sed -n 's/^sudo //p' | grep -v '^cmake --install'
 }
 
 # The name space's root may be nobody outside, who cannot read all of /etc.
@@ -32,6 +31,17 @@ mount -t tmpfs tmpfs /run
 [ ! -d /var/cache/ldconfig ] || mount -t tmpfs tmpfs /var/cache/ldconfig
 PATH=$PATH:/usr/sbin:/sbin
 
+# starts_after_commands_of PAGE: the README's program finds its library then, and did not before.
+starts_after_commands_of() {
+    commands_of_root "$1" | grep -v 'DIR' >"$work/commands"
+    rm -f /etc/ld.so.cache
+    ldd "$work/readme" | grep -q 'libimageacquisition.*not found' ||
+        fail "the program finds the library, whatever $1 says"
+    sh -e "$work/commands"
+    "$build/virtualcamera/with-virtual-camera" "$work/readme" | tee "$work/readme.log"
+    grep -qE '[0-9]+ bytes' "$work/readme.log" || fail "it captured nothing after what $1 says"
+}
+
 program_starts_under_usr_local() {
     local flags
     mount --bind "$stage" /usr/local
@@ -39,10 +49,8 @@ program_starts_under_usr_local() {
         >"$work/readme.cpp"
     read -ra flags <<<"$(pkg-config --cflags --libs imageacquisition)"
     g++ -std=c++17 "$work/readme.cpp" -o "$work/readme" "${flags[@]}"
-    commands_of_root | grep -v 'DIR' >"$work/commands"
-    sh -e "$work/commands"
-    "$build/virtualcamera/with-virtual-camera" "$work/readme" | tee "$work/readme.log"
-    grep -qE '[0-9]+ bytes' "$work/readme.log" || fail "it captured nothing"
+    starts_after_commands_of README.md
+    starts_after_commands_of INSTALL.md
 }
 
 reads_rules_of() {
@@ -58,9 +66,9 @@ rules_are_read_under_usr_local() {
 }
 
 rules_of_another_prefix_are_read() {
-    commands_of_root | grep 'DIR' | sed "s|DIR|$stage|g" >"$work/commands"
-    [ -s "$work/commands" ] || fail "the README says nothing of another prefix"
-    ! reads_rules_of '.*' || fail "udev reads them, whatever the README says"
+    commands_of_root INSTALL.md | grep 'DIR' | sed "s|DIR|$stage|g" >"$work/commands"
+    [ -s "$work/commands" ] || fail "INSTALL.md says nothing of another prefix"
+    ! reads_rules_of '.*' || fail "udev reads them, whatever INSTALL.md says"
     sh -e "$work/commands"
     reads_rules_of /etc/udev/rules.d || fail "udev does not read them"
 }
