@@ -74,11 +74,10 @@ public:
     virtual bool isaZorvaneDevice() const = 0;
 
     /// USB revision that the device claims, as a binary coded decimal: 0x0200 for USB 2.0.
-    /// Cameras with equal USB ids all report what the one that libusb lists first reports.
+    /// Of cameras with equal USB ids one answers for all: the integrator's guide, Several cameras.
     virtual unsigned short usbRevision() const = 0;
 
-    /// Speed of the USB link. Cameras with equal USB ids all report what the one that libusb lists
-    /// first reports.
+    /// Speed of the USB link. Of cameras with equal USB ids one answers for all, as above.
     virtual UsbSpeed usbSpeed() const = 0;
 };
 
