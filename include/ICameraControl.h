@@ -112,7 +112,7 @@ public:
      * @brief A text for a family.
      *
      * The texts are indexed by the family's number and do not say what the families of this
-     * library are: Focus gives "MPEG". They are kept for programs that compare them; to show a
+     * library are: Focus gives "MPEG". Kept as they are: docs/behaviour.md, Controls. To show a
      * family to a person, use texts of your own.
      * @return the text, never null; "Unknown" for numbers from 12 on.
      */

@@ -47,7 +47,7 @@ std::unique_ptr<CameraControl> makeByType(NodeReference node, v4l2_queryctrl con
     case V4L2_CTRL_TYPE_U8:
         return make<CameraControlNumeric<unsigned char>>(node, qc);
     case V4L2_CTRL_TYPE_U16:
-    case V4L2_CTRL_TYPE_U32: // Programs count on 16 bits here; wider ranges are cut.
+    case V4L2_CTRL_TYPE_U32: // Cut to 16 bits. Kept as it is: docs/behaviour.md, Controls.
         return make<CameraControlNumeric<unsigned short>>(node, qc);
     default:
         return nullptr;

@@ -9,8 +9,8 @@
 namespace ImageAcquisition
 {
 
-/// A V4L2 menu whose items are numbers. The numbers are not kept: clients know these menus by
-/// position, with a count of 0.
+/// A V4L2 menu whose items are numbers. It has positions, but no numbers and a count of 0. Kept as
+/// it is: docs/behaviour.md, Controls.
 class CameraControlInt64Menu : public CameraControlBaseMenu, public virtual ICameraControlInt64Menu
 {
 public:

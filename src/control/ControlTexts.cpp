@@ -22,7 +22,8 @@ constexpr char const* typeTexts[] = {"UnknownType", "BitMask", "Boolean",   "But
                                      "Int32",       "Int64",   "Int64Menu", "UInt8",
                                      "UInt16",      "UInt32",  "String",    "StringMenu"};
 
-// These name V4L2's control classes, not the families; programs compare them as they are.
+// These name V4L2's control classes, not the families. Kept as they are: docs/behaviour.md,
+// Controls.
 constexpr char const* familyTexts[] = {"User",  "MPEG",     "Camera",       "FM Tx",
                                        "Flash", "JPEG",     "Image Source", "Image Proc",
                                        "FM Rx", "RF Tuner", "Detect",       "Unknown"};

@@ -36,8 +36,8 @@ bool queryCaptureCapability(char const* nodePath, v4l2_capability& capability)
     }
     capability = {};
     bool const answered = node.xioctl(VIDIOC_QUERYCAP, &capability) != -1;
-    // A metadata node of the same camera claims capture in the first word, which speaks for all
-    // nodes of the device, but not in the second.
+    // A metadata node of the same camera claims capture in `capabilities`, which speaks for all
+    // nodes of the device, but not in `device_caps`.
     return answered && (capability.capabilities & V4L2_CAP_VIDEO_CAPTURE) != 0 &&
            (capability.device_caps & V4L2_CAP_VIDEO_CAPTURE) != 0;
 }
@@ -82,7 +82,8 @@ struct UsbProperties
     UsbSpeed speed = UsbSpeedUnknown;
 };
 
-/// Of identical devices the first that libusb lists answers for all.
+/// Of devices with these ids the first that libusb lists answers for all. Kept as it is:
+/// docs/behaviour.md, Devices.
 UsbProperties findUsbProperties(libusb_device* const* devices, ssize_t count, unsigned long vendor,
                                 unsigned long product)
 {
@@ -158,8 +159,8 @@ void DeviceEnumerator::getUsbDescriptor(Device* device)
     UsbProperties properties;
     libusb_context* context = createUsbContext().release();
     if (context != nullptr) {
-        // A node without a USB device behind it has empty ids: the conversion throws, and callers
-        // rely on that. The context is not released then.
+        // A node without a USB device behind it has empty ids: the conversion throws, and the
+        // context is not released. Kept as it is: docs/behaviour.md, Calls that throw and Devices.
         unsigned long const vendor = usbIdNumber(device->vendorId());
         unsigned long const product = usbIdNumber(device->productId());
         properties = queryUsbProperties(context, vendor, product);

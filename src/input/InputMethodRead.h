@@ -20,7 +20,7 @@ public:
     ~InputMethodRead() override;
 
     /// Fails, and builds nothing, whenever the wake-up pipe could be opened; the pool is built only
-    /// when it could not. Callers rely on this order of things.
+    /// when it could not. Kept as it is: docs/behaviour.md, Capture.
     int setup(int bufferCount, unsigned int imageSize) override;
     int startCapture() override;
 

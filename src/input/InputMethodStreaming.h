@@ -12,7 +12,7 @@
 namespace ImageAcquisition
 {
 
-/// What both streaming methods do in the same words but for the kind of memory.
+/// What both streaming methods do alike, whatever the kind of memory.
 class InputMethodStreaming : public InputMethod
 {
 public:

@@ -17,7 +17,7 @@ public:
     ~InputMethodUserPointers() override;
 
     /// Fails, and asks the driver for nothing, whenever the wake-up pipe could be opened; buffers
-    /// are made only when it could not. Callers rely on this order of things.
+    /// are made only when it could not. Kept as it is: docs/behaviour.md, Capture.
     int setup(int bufferCount, unsigned int imageSize) override;
     IFrame* acquireFrame() override;
     int cleanup() override;

@@ -19,7 +19,7 @@ public:
     /// Not part of the interface.
     char const* deviceType() const { return m_deviceType.c_str(); }
 
-    /// Sets the type from udev's word for the action; an unknown word or null gives 0.
+    /// Sets the type from udev's name of the action; an unknown one or null gives 0.
     void setType(char const* action);
     void setDeviceSystemName(char const* name);
     void setSubSystemName(char const* name);

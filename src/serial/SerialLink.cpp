@@ -40,7 +40,8 @@ bool SerialLink::open(IDevice const& device)
 
 bool SerialLink::isHeldBySomebody(QString const& name) const
 {
-    // Looked up in the working directory, not on the PATH: the integrator provides the tool there.
+    // Looked up in the working directory, not on the PATH: docs/integrators-guide.md, The tool
+    // ./fuser.
     QByteArray const holders = SystemTool::run("./fuser", {"/dev/" + name}, m_limits.tool);
     return !QString(holders.constData()).isEmpty();
 }
@@ -93,8 +94,8 @@ QByteArray SerialLink::takeInput()
     return m_port->readAll();
 }
 
-/// Writes a request and sees it off. What cannot leave now must not leave later, together with the
-/// next attempt.
+/// Writes a request and waits until it has been sent. What cannot be sent now must not be sent
+/// later, together with the next attempt.
 bool SerialLink::sendNow(QByteArray const& request)
 {
     bool sent = m_port->write(request) == request.size();

@@ -50,7 +50,7 @@ bool ZorvaneCameraControl::isWriteOnly() const
 
 bool ZorvaneCameraControl::needsClassUpdate() const
 {
-    // The inverse of the bit: programs count on it as it is.
+    // The inverse of the bit. Kept as it is: docs/behaviour.md, The serial link.
     return (m_infoFlags & autoUpdate) == 0;
 }
 
