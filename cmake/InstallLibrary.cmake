@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # What a program that uses the library needs: headers, the shared library, and the files by which
-# CMake and pkg-config find both. The static twin serves the unit tests and stays here.
+# CMake and pkg-config find both. The static library serves the unit tests and stays here.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS ImageAcquisition EXPORT ImageAcquisitionTargets
