@@ -19,7 +19,7 @@ nlohmann::ordered_json describeControl(ImageAcquisition::ICameraControl const& c
 /// The present value alone; null when there is none to be read.
 nlohmann::ordered_json controlValue(ImageAcquisition::ICameraControl const& control);
 
-/// A described value as a text for people, with nothing in it that steers a terminal.
+/// A described value as a text for people, without characters that act on a terminal.
 std::string valueText(nlohmann::ordered_json const& value);
 
 } // namespace Iacq

@@ -44,7 +44,7 @@ void writeToSpecialFile(std::string const& path, std::vector<unsigned char> cons
 /// Leaves empty what it cannot write whole.
 void overwrite(std::string const& path, std::vector<unsigned char> const& bytes)
 {
-    SignalsHeld const held;
+    SignalsBlocked const blocked;
     int const error = writeAndClose(openForWriting(path), bytes);
     if (error != 0 && ::truncate(path.c_str(), 0) != 0) {
         failWriting(path);
@@ -97,7 +97,7 @@ bool takeAfter(int fd, struct stat const& file)
 int writeBesideAndRename(std::string const& target, struct stat const* old,
                          std::vector<unsigned char> const& bytes)
 {
-    SignalsHeld const held;
+    SignalsBlocked const blocked;
     std::string const partial = target + ".partial-" + std::to_string(::getpid());
     // Nobody may read meanwhile what the older file does not let him read.
     int const fd = ::open(partial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
@@ -168,7 +168,7 @@ bool isSpecialFile(std::string const& path)
            !S_ISDIR(status.st_mode);
 }
 
-SignalsHeld::SignalsHeld()
+SignalsBlocked::SignalsBlocked()
 {
     sigset_t signals;
     sigemptyset(&signals);
@@ -178,7 +178,7 @@ SignalsHeld::SignalsHeld()
     pthread_sigmask(SIG_BLOCK, &signals, &m_before);
 }
 
-SignalsHeld::~SignalsHeld()
+SignalsBlocked::~SignalsBlocked()
 {
     pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
 }

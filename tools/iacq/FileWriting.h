@@ -24,15 +24,15 @@ bool isSpecialFile(std::string const& path);
 /// @throws Failure when that is not possible.
 void writeFile(std::string const& path, std::vector<unsigned char> const& bytes);
 
-/// Holds back from this thread what would end the tool between two steps, and leave half of a file
-/// behind.
-class SignalsHeld
+/// Blocks the signals that would end the tool between two steps, and leave half of a file behind,
+/// in this thread.
+class SignalsBlocked
 {
 public:
-    SignalsHeld();
-    ~SignalsHeld();
-    SignalsHeld(SignalsHeld const&) = delete;
-    SignalsHeld& operator=(SignalsHeld const&) = delete;
+    SignalsBlocked();
+    ~SignalsBlocked();
+    SignalsBlocked(SignalsBlocked const&) = delete;
+    SignalsBlocked& operator=(SignalsBlocked const&) = delete;
 
 private:
     sigset_t m_before{};

@@ -29,7 +29,7 @@ bool isNamedPipe(std::string const& path)
     return ::stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
 }
 
-/// Waits for a reader outside of open(), in which some libraries hold signals back.
+/// Waits for a reader outside of open(), in which some libraries block signals.
 int openNamedPipe(std::string const& path)
 {
     Progress const progress("waiting for a reader of " + path);

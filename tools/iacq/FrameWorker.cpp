@@ -11,8 +11,8 @@ FrameWorker::FrameWorker(std::size_t mostBytes, Work work)
     : m_mostBytes(mostBytes), m_work(std::move(work))
 {
     m_thread = std::thread([this] { run(); });
-    // Only now, for a thread inherits what is held back.
-    m_held.emplace();
+    // Only now, for a thread inherits the mask of blocked signals.
+    m_blocked.emplace();
 }
 
 FrameWorker::~FrameWorker()
@@ -72,7 +72,7 @@ void FrameWorker::run()
     pthread_sigmask(SIG_SETMASK, nullptr, &ownMask);
     for (std::vector<unsigned char> bytes; waitForFrame(bytes);) {
         workOn(bytes);
-        // Libraries that hold signals back in calls of their own, as umockdev does, may now and
+        // Libraries that block signals in calls of their own, as umockdev does, may now and
         // then give this thread the other's mask; then nothing could end the tool.
         pthread_sigmask(SIG_SETMASK, &ownMask, nullptr);
         std::lock_guard<std::mutex> const lock(m_mutex);

@@ -57,7 +57,7 @@ private:
     std::size_t m_bytes = 0; ///< Of what waits and of what is being worked on.
     bool m_ending = false;
     std::exception_ptr m_failure;
-    std::optional<SignalsHeld> m_held;
+    std::optional<SignalsBlocked> m_blocked;
     std::thread m_thread;
 };
 

@@ -141,7 +141,7 @@ void demand(FrameView const& frame, std::size_t bytes)
     }
 }
 
-/// Not before the frame has shown its bytes: a size that is made up may not fit into memory.
+/// Not before the frame has shown its bytes: a forged size may not fit into memory.
 RgbImage blankImage(FrameView const& frame)
 {
     RgbImage image{frame.width, frame.height, {}};

@@ -60,7 +60,7 @@ std::optional<CodePoint> firstOf(std::string_view text)
                : std::nullopt;
 }
 
-bool steers(char32_t value)
+bool actsOnTerminal(char32_t value)
 {
     struct Range
     {
@@ -81,7 +81,8 @@ std::string escaped(char32_t value)
     return text;
 }
 
-/// Copies a text; what steers, and a byte that is no UTF-8 (as nothing), goes through @p replace.
+/// Copies a text; what acts on a terminal, and a byte that is no UTF-8 (as nothing), goes through
+/// @p replace.
 template <typename Replace>
 std::string copied(std::string_view text, Replace replace)
 {
@@ -89,8 +90,9 @@ std::string copied(std::string_view text, Replace replace)
     while (!text.empty()) {
         auto const character = firstOf(text);
         std::size_t const length = character ? character->length : 1;
-        result += character && !steers(character->value) ? std::string(text.substr(0, length))
-                                                         : replace(character);
+        result += character && !actsOnTerminal(character->value)
+                      ? std::string(text.substr(0, length))
+                      : replace(character);
         text.remove_prefix(length);
     }
     return result;

@@ -9,7 +9,7 @@ namespace Iacq
 {
 
 /// A text from elsewhere as it may stand in a line on a terminal. Question marks replace whatever
-/// would end the line, steer the terminal or change the direction of writing: control characters
+/// would end the line, act on the terminal or change the direction of writing: control characters
 /// (U+0000 to U+001F, U+007F to U+009F), separators of lines and paragraphs (U+2028, U+2029), marks
 /// of direction (U+061C, U+200E, U+200F, U+202A to U+202E, U+2066 to U+2069), and each byte that is
 /// no part of well-formed UTF-8.

@@ -97,8 +97,8 @@ private:
     std::atomic<bool> m_failed{false};
 };
 
-/// The signals that end the tool, held back in every thread so that one wait can take them.
-sigset_t heldSignals()
+/// The signals that end the tool, blocked in every thread so that one wait can take them.
+sigset_t blockedSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
@@ -135,7 +135,7 @@ void waitForSignal(sigset_t const& signals, double seconds)
 
 void monitor(MonitorOptions const& options)
 {
-    sigset_t const signals = heldSignals();
+    sigset_t const signals = blockedSignals();
     Printer printer(options);
     std::unique_ptr<IContinuousCameraMonitor> const monitor(
         ICameraFactory::getUniqueInstance().createContinuousCameraMonitor());
