@@ -9,7 +9,7 @@
 namespace VirtualCamera
 {
 
-/// A made-up machine for the real libudev and libusb: its sysfs, its device nodes and its uevents.
+/// A mocked machine for the real libudev and libusb: its sysfs, its device nodes and its uevents.
 /// There is one at a time in a process. The process itself sees it when it runs with umockdev's
 /// preload library (`Testbed::visible`); in any case the processes that it starts with that
 /// library do. Video nodes made here are plain files that exist: what they do when they are opened
@@ -24,7 +24,7 @@ public:
 
     /// True when this process sees testbeds.
     static bool visible();
-    /// The folder that holds the made-up `sys` and `dev`.
+    /// The folder that holds the mocked `sys` and `dev`.
     std::string const& rootDirectory() const { return m_rootDirectory; }
 
     /// Adds a device, its first interface and its "add" events.

@@ -47,7 +47,7 @@ void leaveToChild(int signal, pid_t child)
 
 } // namespace
 
-HeldSignals::HeldSignals()
+BlockedSignals::BlockedSignals()
 {
     sigset_t passed;
     sigemptyset(&passed);
@@ -60,7 +60,7 @@ HeldSignals::HeldSignals()
     pthread_sigmask(SIG_BLOCK, &passed, &m_earlier);
 }
 
-ChildProcess::ChildProcess(std::vector<std::string> const& command, HeldSignals const& held)
+ChildProcess::ChildProcess(std::vector<std::string> const& command, BlockedSignals const& blocked)
 {
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
@@ -70,7 +70,7 @@ ChildProcess::ChildProcess(std::vector<std::string> const& command, HeldSignals 
     arguments.push_back(nullptr);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
-    posix_spawnattr_setsigmask(&attributes, &held.earlier());
+    posix_spawnattr_setsigmask(&attributes, &blocked.earlier());
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
     int const error = posix_spawnp(&m_process, arguments.front(), nullptr, &attributes,
                                    arguments.data(), environ);
@@ -89,7 +89,7 @@ ChildProcess::ChildProcess(std::vector<std::string> const& command, HeldSignals 
     for (int const signal : terminalSignals) {
         leaveToChild(signal, m_process);
     }
-    pthread_sigmask(SIG_SETMASK, &held.earlier(), nullptr);
+    pthread_sigmask(SIG_SETMASK, &blocked.earlier(), nullptr);
     m_processDescriptor = static_cast<int>(syscall(SYS_pidfd_open, m_process, 0));
 }
 

@@ -12,10 +12,10 @@ namespace VirtualCamera
 
 /// Holds back the signals that are meant for a child until there is one. Has to exist before
 /// the process makes any thread, so that none of those takes a signal meanwhile.
-class HeldSignals
+class BlockedSignals
 {
 public:
-    HeldSignals();
+    BlockedSignals();
     sigset_t const& earlier() const { return m_earlier; }
 
 private:
@@ -28,7 +28,7 @@ class ChildProcess
 {
 public:
     /// Throws `std::system_error` when the program can't be started. Lets the signals through.
-    ChildProcess(std::vector<std::string> const& command, HeldSignals const& held);
+    ChildProcess(std::vector<std::string> const& command, BlockedSignals const& blocked);
 
     /// Waits for its end, at most so long; -1 waits for ever. True when it has ended.
     bool waitFor(int milliseconds);

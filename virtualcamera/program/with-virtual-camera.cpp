@@ -54,7 +54,7 @@ std::vector<HostCamera> camerasOf(CommandLine const& line)
 
 int run(CommandLine const& line, std::string const& preload)
 {
-    HeldSignals const held;
+    BlockedSignals const blocked;
     VirtualMachine machine(camerasOf(line));
     std::vector<HotPlug> changes;
     if (line.plugAfter >= 0) {
@@ -68,7 +68,7 @@ int run(CommandLine const& line, std::string const& preload)
     char const* const path = std::getenv("PATH");
     setenv("PATH", (machine.toolFolder() + ":" + (path == nullptr ? "" : path)).c_str(), 1);
     setenv("LD_PRELOAD", preload.c_str(), 1);
-    ChildProcess child(line.command, held);
+    ChildProcess child(line.command, blocked);
     unsetenv("LD_PRELOAD");
     performWhileRunning(child, std::move(changes));
     return child.exitStatus();
