@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Does what README.md and INSTALL.md say about installing, in a mount name space of its own:
+# Does what README.md and INSTALL.md say about installing, in a mount namespace of its own:
 #   readme-install.sh CASE SOURCE_DIR BUILD_DIR WORK_DIR
 set -euo pipefail
 
@@ -14,10 +14,10 @@ commands_of_root() {
     sed 's/ *#.*//; s/ && /\n/g' "$source/$1" | sed -n 's/^sudo //p' | grep -v '^cmake --install'
 }
 
-# The name space's root may be nobody outside, who cannot read all of /etc.
+# The namespace's root may be nobody outside, who cannot read all of /etc.
 if [ "${README_INSTALL_INSIDE:-}" != yes ]; then
     if ! unshare --user --map-root-user --mount true; then
-        echo "skipped: this machine lets nobody make name spaces and mounts"
+        echo "skipped: this machine lets nobody make namespaces and mounts"
         exit 77
     fi
     rm -rf "$work"
