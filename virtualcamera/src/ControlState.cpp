@@ -120,9 +120,9 @@ std::uint32_t ControlState::flagsOf(ControlNode const& control) const
     return flags;
 }
 
-int ControlState::query(v4l2_queryctrl& answer) const
+template <typename Answer>
+int ControlState::describe(Answer& answer, ControlNode*& found) const
 {
-    ControlNode* found = nullptr;
     if (int const result = select(answer.id, found)) {
         return result;
     }
@@ -131,6 +131,15 @@ int ControlState::query(v4l2_queryctrl& answer) const
     answer.type = found->type();
     copyFixedText(answer.name, found->name());
     answer.flags = flagsOf(*found);
+    return 0;
+}
+
+int ControlState::query(v4l2_queryctrl& answer) const
+{
+    ControlNode* found = nullptr;
+    if (int const result = describe(answer, found)) {
+        return result;
+    }
     auto const* const scripted = dynamic_cast<ScriptedControl const*>(found);
     if (scripted != nullptr && !scripted->script().rangeShown) {
         return 0;
@@ -146,14 +155,9 @@ int ControlState::query(v4l2_queryctrl& answer) const
 int ControlState::queryExtended(v4l2_query_ext_ctrl& answer) const
 {
     ControlNode* found = nullptr;
-    if (int const result = select(answer.id, found)) {
+    if (int const result = describe(answer, found)) {
         return result;
     }
-    answer = {};
-    answer.id = found->id();
-    answer.type = found->type();
-    copyFixedText(answer.name, found->name());
-    answer.flags = flagsOf(*found);
     ControlRange const range = found->range();
     answer.minimum = range.minimum;
     answer.maximum = range.maximum;
@@ -212,17 +216,24 @@ int ControlState::checkWritable(ControlNode const& control) const
     return (flags & V4L2_CTRL_FLAG_GRABBED) != 0 ? -EBUSY : 0;
 }
 
-int ControlState::get(v4l2_control& control) const
+int ControlState::findPlain(std::uint32_t id, int (ControlState::*check)(ControlNode const&) const,
+                            ControlNode*& found) const
 {
-    ControlNode const* const found = find(control.id);
-    if (found == nullptr || hiddenFromPlainCalls(control.id)) {
+    found = find(id);
+    if (found == nullptr || hiddenFromPlainCalls(id)) {
         return -EINVAL;
     }
-    if (int const refused = checkReadable(*found)) {
+    if (int const refused = (this->*check)(*found)) {
         return refused;
     }
-    if (!plainlyTransferable(found->type())) {
-        return -EINVAL;
+    return plainlyTransferable(found->type()) ? 0 : -EINVAL;
+}
+
+int ControlState::get(v4l2_control& control) const
+{
+    ControlNode* found = nullptr;
+    if (int const refused = findPlain(control.id, &ControlState::checkReadable, found)) {
+        return refused;
     }
     std::int64_t value = 0;
     int const result = found->read(value);
@@ -234,15 +245,9 @@ int ControlState::get(v4l2_control& control) const
 
 int ControlState::set(v4l2_control& control)
 {
-    ControlNode* const found = find(control.id);
-    if (found == nullptr || hiddenFromPlainCalls(control.id)) {
-        return -EINVAL;
-    }
-    if (int const refused = checkWritable(*found)) {
+    ControlNode* found = nullptr;
+    if (int const refused = findPlain(control.id, &ControlState::checkWritable, found)) {
         return refused;
-    }
-    if (!plainlyTransferable(found->type())) {
-        return -EINVAL;
     }
     std::int64_t value = control.value;
     int result = found->validate(value);

@@ -35,6 +35,12 @@ private:
     ControlNode* find(std::uint32_t id) const;
     int select(std::uint32_t requested, ControlNode*& found) const;
     ControlNode* following(std::uint32_t id) const;
+    /// Finds the control that a query asks for, and answers what both kinds of query have.
+    template <typename Answer>
+    int describe(Answer& answer, ControlNode*& found) const;
+    /// Finds a control for VIDIOC_G_CTRL or VIDIOC_S_CTRL, unless the check refuses it.
+    int findPlain(std::uint32_t id, int (ControlState::*check)(ControlNode const&) const,
+                  ControlNode*& found) const;
     bool hiddenFromPlainCalls(std::uint32_t id) const;
     int checkReadable(ControlNode const& control) const;
     int checkWritable(ControlNode const& control) const;

@@ -17,16 +17,16 @@ public:
     std::uint32_t type() const override { return m_script.type; }
     std::string const& name() const override { return m_script.name; }
     std::uint32_t flags() const override { return m_script.flags; }
+    void setFlags(std::uint32_t flags) { m_script.flags = flags; }
     ControlRange range() const override;
     int menuItem(v4l2_querymenu& item) const override;
+    ControlScript const& script() const { return m_script; }
 
     int read(std::int64_t& value) const override;
     int validate(std::int64_t& value) const override;
     int write(std::int64_t value) override;
     void force(std::int64_t value) override;
 
-    ControlScript const& script() const { return m_script; }
-    void setFlags(std::uint32_t flags) { m_script.flags = flags; }
     std::string const& text() const { return m_script.text; }
     int validateText(std::string const& text) const;
     void setText(std::string text);
