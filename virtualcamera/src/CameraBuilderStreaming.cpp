@@ -4,6 +4,21 @@
 namespace VirtualCamera
 {
 
+namespace
+{
+
+/// A frame with one thing wrong.
+template <typename Member, typename Value>
+FrameFault faultOf(std::uint32_t frame, Member FrameFault::*member, Value value)
+{
+    FrameFault fault;
+    fault.frame = frame;
+    fault.*member = value;
+    return fault;
+}
+
+} // namespace
+
 CameraBuilder& CameraBuilder::offeringMmap(bool offered)
 {
     m_script.mmapOffered = offered;
@@ -66,75 +81,49 @@ CameraBuilder& CameraBuilder::withFrameFault(FrameFault const& fault)
 
 CameraBuilder& CameraBuilder::withLateFrame(std::uint32_t frame, std::uint32_t milliseconds)
 {
-    FrameFault fault;
-    fault.frame = frame;
-    fault.lateMilliseconds = milliseconds;
-    return withFrameFault(fault);
+    return withFrameFault(faultOf(frame, &FrameFault::lateMilliseconds, milliseconds));
 }
 
 CameraBuilder& CameraBuilder::withCorruptedFrame(std::uint32_t frame)
 {
-    FrameFault fault;
-    fault.frame = frame;
-    fault.corrupted = true;
-    return withFrameFault(fault);
+    return withFrameFault(faultOf(frame, &FrameFault::corrupted, true));
 }
 
 CameraBuilder& CameraBuilder::withShortFrame(std::uint32_t frame, std::uint32_t bytesUsed)
 {
-    FrameFault fault;
-    fault.frame = frame;
-    fault.bytesUsed = bytesUsed;
-    return withFrameFault(fault);
+    return withFrameFault(faultOf(frame, &FrameFault::bytesUsed, bytesUsed));
 }
 
 CameraBuilder& CameraBuilder::withOverstatedFrame(std::uint32_t frame, std::uint32_t claimedBytes)
 {
-    FrameFault fault;
-    fault.frame = frame;
-    fault.claimedBytes = claimedBytes;
-    return withFrameFault(fault);
+    return withFrameFault(faultOf(frame, &FrameFault::claimedBytes, claimedBytes));
 }
 
 CameraBuilder& CameraBuilder::withMissingFrame(std::uint32_t frame)
 {
-    FrameFault fault;
-    fault.frame = frame;
-    fault.missing = true;
-    return withFrameFault(fault);
+    return withFrameFault(faultOf(frame, &FrameFault::missing, true));
 }
 
 CameraBuilder& CameraBuilder::withoutFrames(std::uint32_t fromFrame)
 {
-    FrameFault fault;
-    fault.frame = fromFrame;
+    FrameFault fault = faultOf(fromFrame, &FrameFault::missing, true);
     fault.fromThenOn = true;
-    fault.missing = true;
     return withFrameFault(fault);
 }
 
 CameraBuilder& CameraBuilder::withWrongIndex(std::uint32_t frame, std::uint32_t index)
 {
-    FrameFault fault;
-    fault.frame = frame;
-    fault.index = index;
-    return withFrameFault(fault);
+    return withFrameFault(faultOf(frame, &FrameFault::index, index));
 }
 
 CameraBuilder& CameraBuilder::withWrongUserPointer(std::uint32_t frame, std::uintptr_t userPointer)
 {
-    FrameFault fault;
-    fault.frame = frame;
-    fault.userPointer = userPointer;
-    return withFrameFault(fault);
+    return withFrameFault(faultOf(frame, &FrameFault::userPointer, userPointer));
 }
 
 CameraBuilder& CameraBuilder::withWrongLength(std::uint32_t frame, std::uint32_t length)
 {
-    FrameFault fault;
-    fault.frame = frame;
-    fault.length = length;
-    return withFrameFault(fault);
+    return withFrameFault(faultOf(frame, &FrameFault::length, length));
 }
 
 CameraBuilder& CameraBuilder::vanishingAtFrame(std::uint32_t frame)
