@@ -9,6 +9,16 @@ namespace VirtualCamera
 /// The keys of a configuration, each script's in one function that both reads and writes.
 struct ScriptFields
 {
+    /// Keys, each followed by what it stands for.
+    template <typename Archive, typename Value, typename... Rest>
+    static void fields(Archive& archive, char const* key, Value& value, Rest&... rest)
+    {
+        archive.field(key, value);
+        if constexpr (sizeof...(rest) > 0) {
+            fields(archive, rest...);
+        }
+    }
+
     template <typename Archive>
     static void interval(Archive& archive, char const* key, Interval& value)
     {
@@ -33,20 +43,16 @@ struct ScriptFields
     template <typename Archive>
     static void size(Archive& archive, SizeScript& script)
     {
-        archive.field("width", script.width);
-        archive.field("height", script.height);
+        fields(archive, "width", script.width, "height", script.height);
         intervals(archive, script.intervals);
     }
 
     template <typename Archive>
     static void sizeRange(Archive& archive, SizeRangeScript& script)
     {
-        archive.field("minimumWidth", script.minimumWidth);
-        archive.field("maximumWidth", script.maximumWidth);
-        archive.field("stepWidth", script.stepWidth);
-        archive.field("minimumHeight", script.minimumHeight);
-        archive.field("maximumHeight", script.maximumHeight);
-        archive.field("stepHeight", script.stepHeight);
+        fields(archive, "minimumWidth", script.minimumWidth, "maximumWidth", script.maximumWidth,
+               "stepWidth", script.stepWidth, "minimumHeight", script.minimumHeight,
+               "maximumHeight", script.maximumHeight, "stepHeight", script.stepHeight);
         intervals(archive, script.intervals);
     }
 
@@ -65,17 +71,14 @@ struct ScriptFields
             archive.object("sizeRange", script.sizeRange,
                            [](auto& nested, SizeRangeScript& value) { sizeRange(nested, value); });
         }
-        archive.field("bytesPerLine", script.bytesPerLine);
-        archive.field("sizeImage", script.sizeImage);
+        fields(archive, "bytesPerLine", script.bytesPerLine, "sizeImage", script.sizeImage);
         bytes(archive, "frameBytes", script.frameBytes);
     }
 
     template <typename Archive>
     static void menuItem(Archive& archive, MenuItem& script)
     {
-        archive.field("index", script.index);
-        archive.field("label", script.label);
-        archive.field("value", script.value);
+        fields(archive, "index", script.index, "label", script.label, "value", script.value);
     }
 
     template <typename Archive>
@@ -95,31 +98,24 @@ struct ScriptFields
                 script.maximum = item.index;
             }
         }
-        archive.field("minimum", script.minimum);
-        archive.field("maximum", script.maximum);
-        archive.field("step", script.step);
-        archive.field("default", script.defaultValue);
-        archive.field("value", script.value);
-        archive.field("text", script.text);
+        fields(archive, "minimum", script.minimum, "maximum", script.maximum, "step", script.step,
+               "default", script.defaultValue, "value", script.value, "text", script.text);
         id(archive, "activeOnlyWhenControl", script.masterId);
         archive.field("activeOnlyWhenValue", script.masterValue);
         error(archive, "readError", script.readError);
         error(archive, "writeError", script.writeError);
-        archive.field("showRange", script.rangeShown);
-        archive.field("nameExactSize", script.exactSizeNamed);
+        fields(archive, "showRange", script.rangeShown, "nameExactSize", script.exactSizeNamed);
     }
 
     template <typename Archive>
     static void selector(Archive& archive, SelectorScript& script)
     {
-        archive.field("selector", script.selector);
-        archive.field("size", script.size);
+        fields(archive, "selector", script.selector, "size", script.size);
         bytes(archive, "current", script.current);
         bytes(archive, "minimum", script.minimum);
         bytes(archive, "maximum", script.maximum);
         bytes(archive, "default", script.defaults);
-        archive.field("readable", script.readable);
-        archive.field("writable", script.writable);
+        fields(archive, "readable", script.readable, "writable", script.writable);
     }
 
     template <typename Archive>
@@ -130,23 +126,17 @@ struct ScriptFields
             [](Json const& json) { return callByName(json.get<std::string>()); },
             [](CallId const& value) { return Json(callName(value)); });
         error(archive, "errno", script.error);
-        archive.field("use", script.use);
-        archive.field("fromThenOn", script.fromThenOn);
+        fields(archive, "use", script.use, "fromThenOn", script.fromThenOn);
     }
 
     template <typename Archive>
     static void frameFault(Archive& archive, FrameFault& script)
     {
-        archive.field("frame", script.frame);
-        archive.field("fromThenOn", script.fromThenOn);
-        archive.field("lateMilliseconds", script.lateMilliseconds);
-        archive.field("corrupted", script.corrupted);
-        archive.field("missing", script.missing);
-        archive.field("bytesUsed", script.bytesUsed);
-        archive.field("claimedBytes", script.claimedBytes);
-        archive.field("index", script.index);
-        archive.field("userPointer", script.userPointer);
-        archive.field("length", script.length);
+        fields(archive, "frame", script.frame, "fromThenOn", script.fromThenOn);
+        fields(archive, "lateMilliseconds", script.lateMilliseconds, "corrupted", script.corrupted);
+        fields(archive, "missing", script.missing, "bytesUsed", script.bytesUsed);
+        fields(archive, "claimedBytes", script.claimedBytes, "index", script.index);
+        fields(archive, "userPointer", script.userPointer, "length", script.length);
     }
 
     template <typename Archive>
