@@ -47,6 +47,9 @@ void addControlOfEveryType(CameraBuilder& camera)
 {
     // Ids of the user class that no standard control has.
     constexpr std::uint32_t base = V4L2_CID_USER_BASE | 0x1000;
+    auto const flagged = [](std::uint32_t id, char const* name, std::uint32_t flag) {
+        return integerControl(id, name).range(0, 10).withFlags(flag);
+    };
     camera
         .withControl(integerControl(base + 0, "Integer")
                          .range(-100, 100, 5)
@@ -73,22 +76,11 @@ void addControlOfEveryType(CameraBuilder& camera)
         .withControl(unsigned32Control(base + 10, "Unsigned 32 Bits").range(0, 70000).byDefault(5))
         .withControl(
             integerControl(base + 11, "Read-Only Integer").range(0, 10).currently(7).readOnly())
-        .withControl(integerControl(base + 12, "Write-Only Integer")
-                         .range(0, 10)
-                         .withFlags(V4L2_CTRL_FLAG_WRITE_ONLY))
-        .withControl(integerControl(base + 13, "Inactive Integer")
-                         .range(0, 10)
-                         .withFlags(V4L2_CTRL_FLAG_INACTIVE))
-        .withControl(integerControl(base + 14, "Grabbed Integer")
-                         .range(0, 10)
-                         .withFlags(V4L2_CTRL_FLAG_GRABBED))
-        .withControl(integerControl(base + 15, "Disabled Integer")
-                         .range(0, 10)
-                         .withFlags(V4L2_CTRL_FLAG_DISABLED))
-        .withControl(integerControl(base + 16, "Volatile Integer")
-                         .range(0, 10)
-                         .currently(3)
-                         .withFlags(V4L2_CTRL_FLAG_VOLATILE));
+        .withControl(flagged(base + 12, "Write-Only Integer", V4L2_CTRL_FLAG_WRITE_ONLY))
+        .withControl(flagged(base + 13, "Inactive Integer", V4L2_CTRL_FLAG_INACTIVE))
+        .withControl(flagged(base + 14, "Grabbed Integer", V4L2_CTRL_FLAG_GRABBED))
+        .withControl(flagged(base + 15, "Disabled Integer", V4L2_CTRL_FLAG_DISABLED))
+        .withControl(flagged(base + 16, "Volatile Integer", V4L2_CTRL_FLAG_VOLATILE).currently(3));
 }
 
 ExtensionUnitScript vendorExtensionUnit()

@@ -12,6 +12,8 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -50,15 +52,15 @@ std::string takeText(gchar* text)
 class TextList
 {
 public:
-    void add(std::string name, std::string value)
+    using Entry = std::pair<char const*, std::optional<std::string>>;
+
+    /// Leaves out what has no value.
+    TextList(std::initializer_list<Entry> entries)
     {
-        m_texts.push_back(std::move(name));
-        m_texts.push_back(std::move(value));
-    }
-    void add(std::string name, std::optional<std::string> const& value)
-    {
-        if (value) {
-            add(std::move(name), *value);
+        for (auto const& [name, value] : entries) {
+            if (value) {
+                m_texts.insert(m_texts.end(), {name, *value});
+            }
         }
     }
     gchar** pointers()
@@ -136,20 +138,17 @@ UsbDevice Testbed::plug(UsbDeviceScript const& script)
     int const number = m_state->nextDeviceNumber++;
     char node[64];
     std::snprintf(node, sizeof node, "/dev/bus/usb/%03d/%03d", bus, number);
-    TextList attributes;
-    attributes.add("idVendor", script.vendorId);
-    attributes.add("idProduct", script.productId);
-    attributes.add("manufacturer", script.manufacturer);
-    attributes.add("product", script.product);
-    attributes.add("serial", script.serial);
-    attributes.add("speed", script.speed);
-    attributes.add("busnum", std::to_string(bus));
-    attributes.add("devnum", std::to_string(number));
-    attributes.add("bConfigurationValue", std::string("1"));
-    attributes.add("dev", "189:" + std::to_string((bus - 1) * 128 + number - 1));
-    TextList properties;
-    properties.add("DEVTYPE", std::string("usb_device"));
-    properties.add("DEVNAME", std::string(node));
+    TextList attributes{{"idVendor", script.vendorId},
+                        {"idProduct", script.productId},
+                        {"manufacturer", script.manufacturer},
+                        {"product", script.product},
+                        {"serial", script.serial},
+                        {"speed", script.speed},
+                        {"busnum", std::to_string(bus)},
+                        {"devnum", std::to_string(number)},
+                        {"bConfigurationValue", "1"},
+                        {"dev", "189:" + std::to_string((bus - 1) * 128 + number - 1)}};
+    TextList properties{{"DEVTYPE", "usb_device"}, {"DEVNAME", node}};
     if (!script.openRefused) {
         addNodeFile(node);
     }
@@ -161,9 +160,8 @@ UsbDevice Testbed::plug(UsbDeviceScript const& script)
                                           descriptors.data(),
                                           static_cast<gint>(descriptors.size()));
 
-    TextList noAttributes;
-    TextList interfaceProperties;
-    interfaceProperties.add("DEVTYPE", std::string("usb_interface"));
+    TextList noAttributes{};
+    TextList interfaceProperties{{"DEVTYPE", "usb_interface"}};
     State::PluggedDevice& plugged = m_state->devices[syspath];
     plugged.interfacePath = takeText(umockdev_testbed_add_devicev(
         m_state->testbed, "usb", (script.port + ":1.0").c_str(), syspath.c_str(),
@@ -214,11 +212,8 @@ std::string Testbed::addVideo(std::string const& name, char const* parent)
 {
     // First the node, so that whoever hears of the device finds it.
     addNodeFile("/dev/" + name);
-    TextList attributes;
-    attributes.add("dev", "81:" + std::to_string(m_state->nextMinor++));
-    attributes.add("index", std::string("0"));
-    TextList properties;
-    properties.add("DEVNAME", "/dev/" + name);
+    TextList attributes{{"dev", "81:" + std::to_string(m_state->nextMinor++)}, {"index", "0"}};
+    TextList properties{{"DEVNAME", "/dev/" + name}};
     std::string syspath =
         takeText(umockdev_testbed_add_devicev(m_state->testbed, "video4linux", name.c_str(), parent,
                                               attributes.pointers(), properties.pointers()));
@@ -238,12 +233,13 @@ void Testbed::removeVideoNode(std::string const& name)
 void Testbed::addOtherDevice(std::string const& subsystem, std::string const& name,
                              std::string const& node)
 {
-    TextList attributes;
-    TextList properties;
+    std::optional<std::string> nodeName;
     if (!node.empty()) {
         addNodeFile(node);
-        properties.add("DEVNAME", node);
+        nodeName = node;
     }
+    TextList attributes{};
+    TextList properties{{"DEVNAME", nodeName}};
     m_syspaths[name] = takeText(
         umockdev_testbed_add_devicev(m_state->testbed, subsystem.c_str(), name.c_str(), nullptr,
                                      attributes.pointers(), properties.pointers()));
