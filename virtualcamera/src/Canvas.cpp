@@ -4,6 +4,7 @@
 #include <linux/videodev2.h>
 
 #include <algorithm>
+#include <array>
 
 namespace VirtualCamera
 {
@@ -16,12 +17,22 @@ std::uint8_t toByte(double value)
     return static_cast<std::uint8_t>(std::clamp(value + 0.5, 0.0, 255.0));
 }
 
-class PackedYuvCanvas : public Canvas
+/// The bytes that a line of one colour repeats, which may be those of two pixels.
+struct PixelBytes
+{
+    std::size_t count;
+    std::array<std::uint8_t, 4> bytes;
+};
+
+/// A format whose pixels lie one behind the other.
+class PackedCanvas : public Canvas
 {
 public:
-    PackedYuvCanvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine,
-                    bool lumaFirst)
-        : Canvas(width, height, bytesPerLine), m_lumaFirst(lumaFirst)
+    using BytesOf = PixelBytes (*)(Colour const&);
+
+    PackedCanvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine,
+                 std::size_t bytesPerPixel, BytesOf bytesOf)
+        : Canvas(width, height, bytesPerLine), m_bytesPerPixel(bytesPerPixel), m_bytesOf(bytesOf)
     {
     }
 
@@ -29,39 +40,36 @@ private:
     void fillLine(unsigned char* image, std::uint32_t x, std::uint32_t y, std::uint32_t width,
                   Colour const& colour) const override
     {
-        unsigned char* at = image + std::size_t{y} * bytesPerLine() + std::size_t{x} * 2;
-        for (std::uint32_t pixel = 0; pixel < width; ++pixel, at += 2) {
-            std::uint8_t const chroma = pixel % 2 == 0 ? colour.chromaBlue : colour.chromaRed;
-            at[m_lumaFirst ? 0 : 1] = colour.luma;
-            at[m_lumaFirst ? 1 : 0] = chroma;
+        unsigned char* const at = image + std::size_t{y} * bytesPerLine() + x * m_bytesPerPixel;
+        PixelBytes const pixel = m_bytesOf(colour);
+        for (std::size_t byte = 0; byte < width * m_bytesPerPixel; ++byte) {
+            at[byte] = byte < pixel.count ? pixel.bytes[byte] : at[byte - pixel.count];
         }
     }
 
-    bool m_lumaFirst;
+    std::size_t m_bytesPerPixel;
+    BytesOf m_bytesOf;
 };
 
-class RgbCanvas : public Canvas
+PixelBytes yuyvOf(Colour const& colour)
 {
-public:
-    RgbCanvas(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerLine, bool redFirst)
-        : Canvas(width, height, bytesPerLine), m_redFirst(redFirst)
-    {
-    }
+    return {4, {colour.luma, colour.chromaBlue, colour.luma, colour.chromaRed}};
+}
 
-private:
-    void fillLine(unsigned char* image, std::uint32_t x, std::uint32_t y, std::uint32_t width,
-                  Colour const& colour) const override
-    {
-        unsigned char* at = image + std::size_t{y} * bytesPerLine() + std::size_t{x} * 3;
-        for (std::uint32_t pixel = 0; pixel < width; ++pixel, at += 3) {
-            at[0] = m_redFirst ? colour.red : colour.blue;
-            at[1] = colour.green;
-            at[2] = m_redFirst ? colour.blue : colour.red;
-        }
-    }
+PixelBytes uyvyOf(Colour const& colour)
+{
+    return {4, {colour.chromaBlue, colour.luma, colour.chromaRed, colour.luma}};
+}
 
-    bool m_redFirst;
-};
+PixelBytes rgbOf(Colour const& colour)
+{
+    return {3, {colour.red, colour.green, colour.blue}};
+}
+
+PixelBytes bgrOf(Colour const& colour)
+{
+    return {3, {colour.blue, colour.green, colour.red}};
+}
 
 class GreyCanvas : public Canvas
 {
@@ -154,13 +162,13 @@ std::unique_ptr<Canvas> canvasFor(std::uint32_t pixelFormat, std::uint32_t width
 {
     switch (pixelFormat) {
     case V4L2_PIX_FMT_YUYV:
-        return std::make_unique<PackedYuvCanvas>(width, height, bytesPerLine, true);
+        return std::make_unique<PackedCanvas>(width, height, bytesPerLine, 2, yuyvOf);
     case V4L2_PIX_FMT_UYVY:
-        return std::make_unique<PackedYuvCanvas>(width, height, bytesPerLine, false);
+        return std::make_unique<PackedCanvas>(width, height, bytesPerLine, 2, uyvyOf);
     case V4L2_PIX_FMT_RGB24:
-        return std::make_unique<RgbCanvas>(width, height, bytesPerLine, true);
+        return std::make_unique<PackedCanvas>(width, height, bytesPerLine, 3, rgbOf);
     case V4L2_PIX_FMT_BGR24:
-        return std::make_unique<RgbCanvas>(width, height, bytesPerLine, false);
+        return std::make_unique<PackedCanvas>(width, height, bytesPerLine, 3, bgrOf);
     case V4L2_PIX_FMT_GREY:
         return std::make_unique<GreyCanvas>(width, height, bytesPerLine);
     case V4L2_PIX_FMT_NV12:
