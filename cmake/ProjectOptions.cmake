@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 # Build options, the vendor's USB ids and the flags that every target of the project shares.
 
-option(IMAGEACQUISITION_BUILD_TOOLS "Build the command-line tool and the viewer" ON)
+option(IMAGEACQUISITION_BUILD_TOOLS "Build the command-line tool" ON)
 option(IMAGEACQUISITION_BUILD_VIRTUALCAMERA "Build the virtual camera" ON)
 option(IMAGEACQUISITION_BUILD_EXAMPLES "Build the examples" ON)
 option(IMAGEACQUISITION_BUILD_TESTS "Build the tests" ON)
@@ -34,13 +34,24 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 if(IMAGEACQUISITION_WARNINGS_AS_ERRORS)
   add_compile_options(-Werror)
 endif()
+
+# What tests are preloaded with to see mocked devices. In a build with a sanitizer its runtime comes
+# first: it does not see the calls of libraries that come before it.
+set(IMAGEACQUISITION_SANITIZER_RUNTIME "")
+set(IMAGEACQUISITION_TEST_PRELOAD "libumockdev-preload.so.0")
 if(IMAGEACQUISITION_SANITIZE)
   add_compile_options(-fsanitize=${IMAGEACQUISITION_SANITIZE} -fno-omit-frame-pointer
                       -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${IMAGEACQUISITION_SANITIZE})
   # The check of virtual tables looks at memory through a pipe of its own for each object, and calls
-  # every object broken when there is none. Tests run the process out of descriptors on purpose.
+  # every object broken when there is none. Some tests run the process out of descriptors.
   if(IMAGEACQUISITION_SANITIZE MATCHES "undefined")
     add_compile_options(-fno-sanitize=vptr)
+  endif()
+  if(IMAGEACQUISITION_SANITIZE MATCHES "(a)ddress|(t)hread") # libasan.so, libtsan.so
+    execute_process(
+      COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=lib${CMAKE_MATCH_1}${CMAKE_MATCH_2}san.so"
+      OUTPUT_VARIABLE IMAGEACQUISITION_SANITIZER_RUNTIME OUTPUT_STRIP_TRAILING_WHITESPACE)
+    string(PREPEND IMAGEACQUISITION_TEST_PRELOAD "${IMAGEACQUISITION_SANITIZER_RUNTIME}:")
   endif()
 endif()
