@@ -2,7 +2,7 @@
 #include "HostCamera.h"
 
 #include "CameraJson.h"
-#include "JsonArchive.h"
+#include "JsonReader.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "JsonArchive.h"
+#include "JsonReader.h"
+#include "JsonWriter.h"
+#include "ScriptNames.h"
 
 namespace VirtualCamera
 {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "JsonNumber.h"
-#include "ScriptNames.h"
 
 #include <optional>
 #include <set>
@@ -13,8 +12,8 @@
 namespace VirtualCamera
 {
 
-/// Reads the members of a JSON object into a script; the writer below does the reverse. Both are
-/// driven by the one description of each script in `ScriptFields.h`.
+/// Reads the members of a JSON object into a script; `JsonWriter` does the reverse. Both are driven
+/// by the one description of each script in `ScriptFields.h`.
 class JsonReader
 {
 public:
@@ -74,7 +73,7 @@ public:
             }
             for (std::size_t index = 0; index < json.size(); ++index) {
                 JsonReader nested(json[index], place + "[" + std::to_string(index) + "]");
-                values.push_back(nested.guarded([&] { return make(nested); }));
+                values.push_back(guarded(nested.m_place, [&] { return make(nested); }));
                 describe(nested, values.back());
                 nested.finish();
             }
@@ -107,14 +106,14 @@ private:
     }
 
     template <typename Action>
-    auto guarded(Action const& action) -> decltype(action())
+    static auto guarded(std::string const& place, Action const& action) -> decltype(action())
     {
         try {
             return action();
         } catch (Json::exception const& failure) {
-            fail(m_place, failure.what());
+            fail(place, failure.what());
         } catch (std::logic_error const& failure) {
-            fail(m_place, failure.what());
+            fail(place, failure.what());
         }
     }
 
@@ -126,13 +125,7 @@ private:
             return;
         }
         std::string const place = m_place + "." + key;
-        try {
-            action(m_object[key], place);
-        } catch (Json::exception const& failure) {
-            fail(place, failure.what());
-        } catch (std::logic_error const& failure) {
-            fail(place, failure.what());
-        }
+        guarded(place, [&] { action(m_object[key], place); });
     }
 
     [[noreturn]] static void fail(std::string const& place, std::string const& why)
@@ -143,55 +136,6 @@ private:
     Json const& m_object;
     std::string m_place;
     std::set<std::string> m_used;
-};
-
-class JsonWriter
-{
-public:
-    template <typename Value>
-    void field(char const* key, Value const& value)
-    {
-        m_object[key] = value;
-    }
-    template <typename Value>
-    void field(char const* key, std::optional<Value> const& value)
-    {
-        if (value) {
-            m_object[key] = *value;
-        }
-    }
-    template <typename Value, typename Parse, typename Print>
-    void field(char const* key, Value const& value, Parse const&, Print const& print)
-    {
-        Json json = print(value);
-        if (!json.is_null()) {
-            m_object[key] = std::move(json);
-        }
-    }
-    template <typename Value, typename Describe>
-    void object(char const* key, Value& value, Describe const& describe)
-    {
-        JsonWriter nested;
-        describe(nested, value);
-        m_object[key] = std::move(nested.m_object);
-    }
-    template <typename Value, typename Make, typename Describe>
-    void list(char const* key, std::vector<Value>& values, Make const&, Describe const& describe)
-    {
-        Json array = Json::array();
-        for (Value& value : values) {
-            JsonWriter nested;
-            describe(nested, value);
-            array.push_back(std::move(nested.m_object));
-        }
-        m_object[key] = std::move(array);
-    }
-
-    Json take() { return std::move(m_object); }
-    static constexpr bool reading = false;
-
-private:
-    Json m_object = Json::object();
 };
 
 } // namespace VirtualCamera
