@@ -30,7 +30,7 @@ void FrameSize::enumeratePeriods(unsigned int pixelformat, CatalogueBudget& budg
     interval.height = m_height;
     while (interval.index < maximumEnumerated &&
            m_node.xioctl(VIDIOC_ENUM_FRAMEINTERVALS, &interval) != -1) {
-        // A range is told in the first answer, and no list is made up from it.
+        // A range comes with the first answer, and is not expanded into a list.
         bool const isRange = interval.index == 0 && interval.type != V4L2_FRMIVAL_TYPE_DISCRETE;
         if (isRange || !budget.take()) {
             return;

@@ -40,7 +40,7 @@ void ImageFormat::enumerateSizes(CatalogueBudget& budget)
     v4l2_frmsizeenum size{};
     size.pixel_format = m_pixelFormat;
     while (size.index < maximumEnumerated && m_node.xioctl(VIDIOC_ENUM_FRAMESIZES, &size) != -1) {
-        // A range is told in the first answer, and no list is made up from it.
+        // A range comes with the first answer, and is not expanded into a list.
         bool const isRange = size.index == 0 && size.type != V4L2_FRMSIZE_TYPE_DISCRETE;
         if (isRange || !budget.take()) {
             return;
