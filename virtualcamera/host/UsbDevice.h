@@ -31,7 +31,7 @@ public:
     std::string const& syspath() const { return m_syspath; }
     /// Every control transfer so far, oldest first.
     std::vector<UsbRequest> requests() const;
-    /// How many asked for the firmware text, and how many for a reset.
+    /// How many asked for the firmware revision, and how many for a reset.
     int firmwareRequests() const;
     int resetRequests() const;
     void setFirmware(std::optional<std::vector<std::uint8_t>> firmware);

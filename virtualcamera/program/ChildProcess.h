@@ -10,7 +10,7 @@
 namespace VirtualCamera
 {
 
-/// Holds back the signals that are meant for a child until there is one. Has to exist before
+/// Blocks the signals that are meant for a child until there is one. Has to exist before
 /// the process makes any thread, so that none of those takes a signal meanwhile.
 class BlockedSignals
 {

@@ -17,7 +17,7 @@ public:
     explicit VirtualMachine(std::vector<HostCamera> cameras);
 
     std::string configurationFile() const;
-    /// The folder of the tools that stand in for the machine's own; to be searched first.
+    /// The folder of the tools that replace the machine's own; to be searched first.
     std::string toolFolder() const { return m_serialPorts.toolFolder(); }
     /// Take away and bring back the camera that was named last.
     void unplugLast();

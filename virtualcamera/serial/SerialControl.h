@@ -10,8 +10,8 @@ namespace VirtualCamera
 
 using SerialBytes = std::vector<std::uint8_t>;
 
-/// One UVC control that a camera offers over its serial port. Data is in the order of the wire,
-/// the least significant byte first; the size of `current` is the size of the control.
+/// One UVC control that a camera offers over its serial port. Data is in little-endian order;
+/// the size of `current` is the size of the control.
 struct SerialControl
 {
     std::uint8_t unit = 0; ///< 1 camera terminal, 2 processing unit, 3 extension unit.

@@ -25,7 +25,7 @@ struct Buffer
     timeval timestamp{};
 };
 
-/// The streaming buffers of one device, kept by the rules of the kernel's videobuf2. Results are
+/// The streaming buffers of one device, with the rules of the kernel's videobuf2. Results are
 /// 0 or a negative errno; `file` is the descriptor that the call came through.
 class BufferQueue
 {
