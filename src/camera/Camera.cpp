@@ -148,7 +148,7 @@ bool Camera::setCurrentImageFormat(char const* formatName, int width, int height
 
 int Camera::setup(int bufferCount)
 {
-    // A device that offers no way of transfer is not asked for the size of its images either.
+    // A device that offers no I/O method is not asked for the size of its images either.
     unsigned int const imageSize = m_inputMethod ? m_formatManager.currentSizeImage() : 0;
     return m_transfer->setup(bufferCount, imageSize);
 }
