@@ -115,7 +115,7 @@ std::vector<std::string> namesOf(Camera const& camera)
     return names;
 }
 
-TEST(CameraControlSet, IsEmptyForADriverWithoutControls)
+TEST(CameraControlSetTest, IsEmptyForADriverWithoutControls)
 {
     OpenedCamera const opened(aCamera());
     Camera const& camera = opened.camera;
@@ -129,7 +129,7 @@ TEST(CameraControlSet, IsEmptyForADriverWithoutControls)
     EXPECT_STREQ(invalid->name(), "Invalid control");
 }
 
-TEST(CameraControlSet, IsEmptyForADriverThatCannotNameTheNextControl)
+TEST(CameraControlSetTest, IsEmptyForADriverThatCannotNameTheNextControl)
 {
     OpenedCamera const opened(
         aCamera().withControl(integerControl(V4L2_CID_GAIN, "Gain")).withoutNextControl());
@@ -137,7 +137,7 @@ TEST(CameraControlSet, IsEmptyForADriverThatCannotNameTheNextControl)
     EXPECT_EQ(opened.virtualCamera.countOf(VIDIOC_QUERYCTRL), 1u);
 }
 
-TEST(CameraControlSet, AsksForTheNextControlAfterEachAnswer)
+TEST(CameraControlSetTest, AsksForTheNextControlAfterEachAnswer)
 {
     OpenedCamera const opened(aCamera()
                                   .withControl(integerControl(V4L2_CID_BRIGHTNESS, "B").range(0, 9))
@@ -152,13 +152,13 @@ TEST(CameraControlSet, AsksForTheNextControlAfterEachAnswer)
     EXPECT_EQ(asked[2], V4L2_CID_GAIN | V4L2_CTRL_FLAG_NEXT_CTRL);
 }
 
-TEST(CameraControlSet, EndsWhereTheDriverFails)
+TEST(CameraControlSetTest, EndsWhereTheDriverFails)
 {
     OpenedCamera const opened(cameraWithEveryControl().failing(VIDIOC_QUERYCTRL, EIO, 3));
     EXPECT_EQ(opened.camera.controlNumber(), 2);
 }
 
-TEST(CameraControlSet, EndsWhereTheDriversIdsDoNotRise)
+TEST(CameraControlSetTest, EndsWhereTheDriversIdsDoNotRise)
 {
     OpenedCamera const opened(aCamera()
                                   .withControl(integerControl(V4L2_CID_BRIGHTNESS, "B").range(0, 9))
@@ -167,7 +167,7 @@ TEST(CameraControlSet, EndsWhereTheDriversIdsDoNotRise)
     EXPECT_EQ(namesOf(opened.camera), std::vector<std::string>{"B"});
 }
 
-TEST(CameraControlSet, IsSortedByNameByteByByte)
+TEST(CameraControlSetTest, IsSortedByNameByteByByte)
 {
     OpenedCamera const opened(
         aCamera()
@@ -182,7 +182,7 @@ TEST(CameraControlSet, IsSortedByNameByteByByte)
                                         "brightness", "\xc3\xa4"}));
 }
 
-TEST(CameraControlSet, ComparesStrictly)
+TEST(CameraControlSetTest, ComparesStrictly)
 {
     OpenedCamera const opened(aCamera()
                                   .withControl(integerControl(V4L2_CID_HUE, "Twin").range(0, 9))
@@ -192,7 +192,7 @@ TEST(CameraControlSet, ComparesStrictly)
     EXPECT_EQ(opened.camera.control(0), opened.camera.control("Twin"));
 }
 
-TEST(CameraControlSet, GivesTheInvalidControlOutsideItsPositions)
+TEST(CameraControlSetTest, GivesTheInvalidControlOutsideItsPositions)
 {
     OpenedCamera const opened(cameraWithEveryControl());
     Camera const& camera = opened.camera;
@@ -202,7 +202,7 @@ TEST(CameraControlSet, GivesTheInvalidControlOutsideItsPositions)
     EXPECT_NE(camera.invalidControl(), camera.control(camera.controlNumber() - 1));
 }
 
-TEST(CameraControlSet, FindsAControlByItsNameToTheLetter)
+TEST(CameraControlSetTest, FindsAControlByItsNameToTheLetter)
 {
     OpenedCamera const opened(
         aCamera().withControl(integerControl(V4L2_CID_GAIN, "Gain, Automatic").range(0, 9)));
@@ -214,14 +214,14 @@ TEST(CameraControlSet, FindsAControlByItsNameToTheLetter)
     EXPECT_EQ(camera.invalidControl(), camera.control(static_cast<char const*>(nullptr)));
 }
 
-TEST(CameraControlSet, FindsAControlByItsId)
+TEST(CameraControlSetTest, FindsAControlByItsId)
 {
     OpenedCamera const opened(cameraWithEveryControl());
     EXPECT_EQ(opened.camera.controlById(privateBase + 3)->id(), privateBase + 3);
     EXPECT_EQ(opened.camera.invalidControl(), opened.camera.controlById(privateBase + 29));
 }
 
-TEST(CameraControlSet, HasStandardGettersOnEveryCamera)
+TEST(CameraControlSetTest, HasStandardGettersOnEveryCamera)
 {
     for (bool const ofTheVendor : {false, true}) {
         OpenedCamera const opened(cameraWithEveryControl(), ofTheVendor);
@@ -231,7 +231,7 @@ TEST(CameraControlSet, HasStandardGettersOnEveryCamera)
     }
 }
 
-TEST(CameraControlSet, HasVendorGettersOnTheVendorsCameras)
+TEST(CameraControlSetTest, HasVendorGettersOnTheVendorsCameras)
 {
     OpenedCamera const opened(cameraWithEveryControl(), true);
     for (NamedGetter const& named : vendorGetters) {
@@ -239,7 +239,7 @@ TEST(CameraControlSet, HasVendorGettersOnTheVendorsCameras)
     }
 }
 
-TEST(CameraControlSet, HasNoVendorControlsByNameOnOtherCameras)
+TEST(CameraControlSetTest, HasNoVendorControlsByNameOnOtherCameras)
 {
     OpenedCamera const opened(cameraWithEveryControl());
     ASSERT_EQ(opened.camera.controlById(privateBase)->id(), privateBase);
@@ -248,7 +248,7 @@ TEST(CameraControlSet, HasNoVendorControlsByNameOnOtherCameras)
     }
 }
 
-TEST(CameraControlSet, ReachesPrivateControlsWithoutAGetterByPositionAndName)
+TEST(CameraControlSetTest, ReachesPrivateControlsWithoutAGetterByPositionAndName)
 {
     OpenedCamera const opened(cameraWithEveryControl(), true);
     std::set<unsigned int> named;
@@ -262,7 +262,7 @@ TEST(CameraControlSet, ReachesPrivateControlsWithoutAGetterByPositionAndName)
     }
 }
 
-TEST(CameraControlSet, GivesTheInvalidControlForStandardControlsThatAreMissing)
+TEST(CameraControlSetTest, GivesTheInvalidControlForStandardControlsThatAreMissing)
 {
     OpenedCamera const opened(aCamera(), true);
     for (NamedGetter const& named : standardGetters) {

@@ -19,7 +19,7 @@ namespace
 using namespace ImageAcquisition;
 using VirtualCamera::Call;
 
-class CameraFormat : public testing::Test
+class CameraFormatTest : public testing::Test
 {
 protected:
     void SetUp() override
@@ -43,7 +43,7 @@ protected:
     Camera m_camera{&m_device};
 };
 
-TEST_F(CameraFormat, ListsTheFormats)
+TEST_F(CameraFormatTest, ListsTheFormats)
 {
     ASSERT_EQ(m_camera.formatNumber(), 2);
     EXPECT_STREQ(m_camera.format(0)->name(), "YUYV");
@@ -52,7 +52,7 @@ TEST_F(CameraFormat, ListsTheFormats)
     EXPECT_EQ(IImageFormat::invalid(), m_camera.format(2));
 }
 
-TEST_F(CameraFormat, SelectsByPosition)
+TEST_F(CameraFormatTest, SelectsByPosition)
 {
     EXPECT_TRUE(m_camera.setCurrentImageFormat(0, 0, 1));
     EXPECT_EQ(m_camera.format(0), m_camera.currentImageFormat());
@@ -62,7 +62,7 @@ TEST_F(CameraFormat, SelectsByPosition)
     EXPECT_EQ(m_camera.format(1), m_camera.currentImageFormat());
 }
 
-TEST_F(CameraFormat, SelectsByNameAndValue)
+TEST_F(CameraFormatTest, SelectsByNameAndValue)
 {
     EXPECT_TRUE(m_camera.setCurrentImageFormat("YUYV", 320, 240, 1, 60));
     EXPECT_EQ(m_camera.format(0)->frameSize(1), m_camera.currentFrameSize());
@@ -72,7 +72,7 @@ TEST_F(CameraFormat, SelectsByNameAndValue)
     EXPECT_FALSE(m_camera.setCurrentImageFormat(nullptr, 320, 240, 1, 60));
 }
 
-TEST_F(CameraFormat, AsksTheDeviceOnceForWhatIsSet)
+TEST_F(CameraFormatTest, AsksTheDeviceOnceForWhatIsSet)
 {
     m_camera.currentImageFormat();
     m_camera.currentFrameSize();
@@ -84,7 +84,7 @@ TEST_F(CameraFormat, AsksTheDeviceOnceForWhatIsSet)
     EXPECT_EQ(m_virtualCamera.countOf(Call::Ioctl), 2u);
 }
 
-TEST_F(CameraFormat, RefusesNegativePositionsWithoutAskingTheDevice)
+TEST_F(CameraFormatTest, RefusesNegativePositionsWithoutAskingTheDevice)
 {
     EXPECT_FALSE(m_camera.setCurrentImageFormat(0, -1, 0));
     EXPECT_FALSE(m_camera.setCurrentImageFormat(-1, 0, 0));
@@ -92,20 +92,20 @@ TEST_F(CameraFormat, RefusesNegativePositionsWithoutAskingTheDevice)
     EXPECT_EQ(m_virtualCamera.countOf(Call::Ioctl), 0u);
 }
 
-TEST_F(CameraFormat, RefusesPositionsThatAreTooLarge)
+TEST_F(CameraFormatTest, RefusesPositionsThatAreTooLarge)
 {
     EXPECT_FALSE(m_camera.setCurrentImageFormat(2, 0, 0));
     EXPECT_FALSE(m_camera.setCurrentImageFormat(0, 2, 0));
     EXPECT_EQ(m_virtualCamera.countOf(Call::Ioctl), 0u);
 }
 
-TEST_F(CameraFormat, LetsTheDeviceChooseForAnIntervalPositionThatIsTooLarge)
+TEST_F(CameraFormatTest, LetsTheDeviceChooseForAnIntervalPositionThatIsTooLarge)
 {
     EXPECT_TRUE(m_camera.setCurrentImageFormat(0, 0, 2));
     EXPECT_EQ(m_camera.format(0)->frameSize(0)->period(0), m_camera.currentFrameInterval());
 }
 
-TEST_F(CameraFormat, ReportsWhatIsNotInTheListsAsInvalid)
+TEST_F(CameraFormatTest, ReportsWhatIsNotInTheListsAsInvalid)
 {
     m_virtualCamera.setCurrentInterval(1, 7);
     EXPECT_EQ(m_camera.format(0)->frameSize(0), m_camera.currentFrameSize());
@@ -116,7 +116,7 @@ TEST_F(CameraFormat, ReportsWhatIsNotInTheListsAsInvalid)
     EXPECT_EQ(IFramePeriod::invalid(), m_camera.currentFrameInterval());
 }
 
-TEST_F(CameraFormat, ThrowsForTheSizeOfAFormatThatIsNotInTheList)
+TEST_F(CameraFormatTest, ThrowsForTheSizeOfAFormatThatIsNotInTheList)
 {
     m_virtualCamera.setCurrentFormat("NV12", 640, 480);
     EXPECT_EQ(IImageFormat::invalid(), m_camera.currentImageFormat());
@@ -124,7 +124,7 @@ TEST_F(CameraFormat, ThrowsForTheSizeOfAFormatThatIsNotInTheList)
     EXPECT_THROW(m_camera.currentFrameInterval(), std::out_of_range);
 }
 
-TEST_F(CameraFormat, ReportsEverythingInvalidWhenTheDeviceDoesNotAnswer)
+TEST_F(CameraFormatTest, ReportsEverythingInvalidWhenTheDeviceDoesNotAnswer)
 {
     m_virtualCamera.failFrom(VIDIOC_G_FMT, EIO);
     EXPECT_EQ(IImageFormat::invalid(), m_camera.currentImageFormat());
@@ -133,7 +133,7 @@ TEST_F(CameraFormat, ReportsEverythingInvalidWhenTheDeviceDoesNotAnswer)
 }
 
 // The size and the interval are looked up in two steps, and the device may fail between them.
-TEST_F(CameraFormat, StaysSafeWhenTheDeviceStopsAnsweringInBetween)
+TEST_F(CameraFormatTest, StaysSafeWhenTheDeviceStopsAnsweringInBetween)
 {
     for (unsigned int answers = 1; answers <= 3; ++answers) {
         m_virtualCamera.failFrom(VIDIOC_G_FMT, ENODEV, answers);

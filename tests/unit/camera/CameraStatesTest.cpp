@@ -19,7 +19,7 @@ namespace
 
 using namespace ImageAcquisition;
 
-class CameraStates : public testing::Test
+class CameraStatesTest : public testing::Test
 {
 protected:
     void reachInitialised() { ASSERT_TRUE(m_camera.init()); }
@@ -73,7 +73,7 @@ protected:
     Camera m_camera{&m_device};
 };
 
-TEST_F(CameraStates, ConstructedKnowsItsRecordAndNothingElse)
+TEST_F(CameraStatesTest, ConstructedKnowsItsRecordAndNothingElse)
 {
     EXPECT_STREQ(m_camera.device()->systemName(), "/dev/video0");
     EXPECT_EQ(m_camera.controlNumber(), 0);
@@ -91,7 +91,7 @@ TEST_F(CameraStates, ConstructedKnowsItsRecordAndNothingElse)
     EXPECT_EQ(m_virtualCamera.countOf(VirtualCamera::Call::Ioctl), 0u);
 }
 
-TEST_F(CameraStates, InitialisedSelectsFormatsAndSetsControlsButDoesNotCapture)
+TEST_F(CameraStatesTest, InitialisedSelectsFormatsAndSetsControlsButDoesNotCapture)
 {
     reachInitialised();
     expectControlsWork();
@@ -105,7 +105,7 @@ TEST_F(CameraStates, InitialisedSelectsFormatsAndSetsControlsButDoesNotCapture)
     EXPECT_EQ(m_camera.setup(3), 0);
 }
 
-TEST_F(CameraStates, SetUpStartsButKeepsItsFormatAndHasNoFrames)
+TEST_F(CameraStatesTest, SetUpStartsButKeepsItsFormatAndHasNoFrames)
 {
     reachSetUp();
     expectControlsWork();
@@ -116,7 +116,7 @@ TEST_F(CameraStates, SetUpStartsButKeepsItsFormatAndHasNoFrames)
     EXPECT_EQ(m_camera.startCapture(), 0);
 }
 
-TEST_F(CameraStates, CapturingDeliversFramesAndKeepsItsFormat)
+TEST_F(CameraStatesTest, CapturingDeliversFramesAndKeepsItsFormat)
 {
     reachCapturing();
     expectControlsWork();
@@ -134,7 +134,7 @@ TEST_F(CameraStates, CapturingDeliversFramesAndKeepsItsFormat)
     EXPECT_EQ(m_camera.stopCapture(), 0);
 }
 
-TEST_F(CameraStates, StoppedTakesFramesBackButDeliversNoneUntilItIsSetUpAgain)
+TEST_F(CameraStatesTest, StoppedTakesFramesBackButDeliversNoneUntilItIsSetUpAgain)
 {
     reachCapturing();
     IFrame* const frame = m_camera.acquireFrame();
@@ -151,7 +151,7 @@ TEST_F(CameraStates, StoppedTakesFramesBackButDeliversNoneUntilItIsSetUpAgain)
     EXPECT_EQ(m_camera.cleanup(), 0);
 }
 
-TEST_F(CameraStates, StoppedDoesNotDeliverWhenItIsStartedWithoutCleanup)
+TEST_F(CameraStatesTest, StoppedDoesNotDeliverWhenItIsStartedWithoutCleanup)
 {
     reachStopped();
     EXPECT_EQ(m_camera.startCapture(), 0);
@@ -159,7 +159,7 @@ TEST_F(CameraStates, StoppedDoesNotDeliverWhenItIsStartedWithoutCleanup)
     EXPECT_EQ(m_camera.stopCapture(), 0);
 }
 
-TEST_F(CameraStates, StartedWithoutCleanupDeliversFramesThatAreAlreadyFilled)
+TEST_F(CameraStatesTest, StartedWithoutCleanupDeliversFramesThatAreAlreadyFilled)
 {
     reachStopped();
     EXPECT_EQ(m_camera.startCapture(), 0);
@@ -174,7 +174,7 @@ TEST_F(CameraStates, StartedWithoutCleanupDeliversFramesThatAreAlreadyFilled)
     expectNoFrame();
 }
 
-TEST_F(CameraStates, CleanedUpIsLikeInitialised)
+TEST_F(CameraStatesTest, CleanedUpIsLikeInitialised)
 {
     reachCleanedUp();
     EXPECT_EQ(m_virtualCamera.accounting().liveMappings, 0);

@@ -26,7 +26,7 @@ std::unique_ptr<IBlockingCamera> openedCamera()
         ICameraFactory::getUniqueInstance().createBlockingCamera(&device));
 }
 
-TEST(StopCapture, EndsAWaitOfAnotherThread)
+TEST(CameraStopTest, EndsAWaitOfAnotherThread)
 {
     auto const virtualCamera = smallCamera().withoutFrames().install();
     auto const camera = openedCamera();
@@ -50,7 +50,7 @@ TEST(StopCapture, EndsAWaitOfAnotherThread)
     EXPECT_TRUE(virtualCamera.accounting().liveMappings == 0);
 }
 
-TEST(StopCapture, EndsACaptureLoopOfAnotherThread)
+TEST(CameraStopTest, EndsACaptureLoopOfAnotherThread)
 {
     auto const virtualCamera = smallCamera().install();
     auto const camera = openedCamera();
@@ -80,7 +80,7 @@ TEST(StopCapture, EndsACaptureLoopOfAnotherThread)
     }
 }
 
-TEST(StopCapture, IsNotForgottenWhenItComesBeforeTheWait)
+TEST(CameraStopTest, IsNotForgottenWhenItComesBeforeTheWait)
 {
     auto const virtualCamera = smallCamera().withoutFrames().install();
     auto const camera = openedCamera();
@@ -93,7 +93,7 @@ TEST(StopCapture, IsNotForgottenWhenItComesBeforeTheWait)
     EXPECT_EQ(camera->cleanup(), 0);
 }
 
-TEST(StopCapture, LeavesOtherCamerasAlone)
+TEST(CameraStopTest, LeavesOtherCamerasAlone)
 {
     auto const firstVirtual = smallCamera().withoutFrames().install();
     auto const secondVirtual = VirtualCamera::CameraBuilder("/dev/video1")

@@ -35,7 +35,7 @@ DeviceStub vendorDevice()
     return device;
 }
 
-TEST(Camera, OpensNothingWhenItIsConstructed)
+TEST(CameraTest, OpensNothingWhenItIsConstructed)
 {
     auto const virtualCamera = smallCamera().install();
     DeviceStub const device{};
@@ -44,7 +44,7 @@ TEST(Camera, OpensNothingWhenItIsConstructed)
     EXPECT_EQ(virtualCamera.accounting().totalOpens, 0u);
 }
 
-TEST(Camera, OpensItsNodeForReadingAndWritingWithoutBlocking)
+TEST(CameraTest, OpensItsNodeForReadingAndWritingWithoutBlocking)
 {
     auto const virtualCamera = VirtualCamera::aCamera("/dev/video7").install();
     DeviceStub device;
@@ -57,7 +57,7 @@ TEST(Camera, OpensItsNodeForReadingAndWritingWithoutBlocking)
     EXPECT_EQ(opened.front().openFlags, O_RDWR | O_NONBLOCK);
 }
 
-TEST(Camera, ClosesItsNodeWithItself)
+TEST(CameraTest, ClosesItsNodeWithItself)
 {
     auto const virtualCamera = smallCamera().failing(Call::Close, EINTR).install();
     DeviceStub const device{};
@@ -70,7 +70,7 @@ TEST(Camera, ClosesItsNodeWithItself)
     EXPECT_EQ(virtualCamera.countOf(Call::Close), 2u);
 }
 
-TEST(Camera, ClosesNothingWhenItWasNeverOpened)
+TEST(CameraTest, ClosesNothingWhenItWasNeverOpened)
 {
     auto const virtualCamera = smallCamera().install();
     DeviceStub const device{};
@@ -80,7 +80,7 @@ TEST(Camera, ClosesNothingWhenItWasNeverOpened)
     EXPECT_EQ(virtualCamera.countOf(Call::Close), 0u);
 }
 
-TEST(Camera, KeepsItsOwnCopyOfTheRecord)
+TEST(CameraTest, KeepsItsOwnCopyOfTheRecord)
 {
     auto device = std::make_unique<DeviceStub>();
     device->card = "Original";
@@ -90,7 +90,7 @@ TEST(Camera, KeepsItsOwnCopyOfTheRecord)
     EXPECT_STREQ(camera.device()->name(), "Original");
 }
 
-TEST(Camera, FindsControlsThenFormatsThenTheWayToTransfer)
+TEST(CameraTest, FindsControlsThenFormatsThenTheWayToTransfer)
 {
     auto const virtualCamera =
         smallCamera().withControl(integerControl(V4L2_CID_GAIN, "Gain")).install();
@@ -113,7 +113,7 @@ TEST(Camera, FindsControlsThenFormatsThenTheWayToTransfer)
     EXPECT_EQ(virtualCamera.countOf(UVCIOC_CTRL_MAP), 0u) << "not one of the vendor's";
 }
 
-TEST(Camera, InstallsTheVendorsControlsBeforeItListsControls)
+TEST(CameraTest, InstallsTheVendorsControlsBeforeItListsControls)
 {
     auto const virtualCamera = smallCamera().install();
     DeviceStub const device = vendorDevice();
@@ -131,7 +131,7 @@ TEST(Camera, InstallsTheVendorsControlsBeforeItListsControls)
     EXPECT_LT(lastMapping.base() - 1, firstQuery);
 }
 
-TEST(Camera, InitialisesEmptyWhenItsNodeHasVanished)
+TEST(CameraTest, InitialisesEmptyWhenItsNodeHasVanished)
 {
     DeviceStub device;
     device.node = absentNode;
@@ -150,7 +150,7 @@ TEST(Camera, InitialisesEmptyWhenItsNodeHasVanished)
     EXPECT_EQ(camera.lightModeControl(), invalid);
 }
 
-TEST(Camera, FailsItsCaptureCallsWhenItsNodeHasVanished)
+TEST(CameraTest, FailsItsCaptureCallsWhenItsNodeHasVanished)
 {
     DeviceStub device;
     device.node = absentNode;
@@ -169,7 +169,7 @@ TEST(Camera, FailsItsCaptureCallsWhenItsNodeHasVanished)
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST(Camera, InitialisesEmptyWhenItsNodeCannotBeOpened)
+TEST(CameraTest, InitialisesEmptyWhenItsNodeCannotBeOpened)
 {
     for (int const error : {EACCES, EBUSY, ENODEV, EINTR, EIO}) {
         auto const virtualCamera = smallCamera().failing(Call::Open, error).install();
@@ -183,7 +183,7 @@ TEST(Camera, InitialisesEmptyWhenItsNodeCannotBeOpened)
     }
 }
 
-TEST(Camera, SendsAResetOnlyToTheVendorsCameras)
+TEST(CameraTest, SendsAResetOnlyToTheVendorsCameras)
 {
     auto const virtualCamera = smallCamera().install();
     DeviceStub const device{};
@@ -213,7 +213,7 @@ protected:
     }
 };
 
-TEST(Camera, FailsToInitialiseWhenASubclassCannotBuildItsControls)
+TEST(CameraTest, FailsToInitialiseWhenASubclassCannotBuildItsControls)
 {
     auto const virtualCamera = smallCamera().install();
     DeviceStub const device{};
@@ -225,7 +225,7 @@ TEST(Camera, FailsToInitialiseWhenASubclassCannotBuildItsControls)
     EXPECT_NE(camera.inputMethod(), nullptr);
 }
 
-TEST(Camera, BuildsNoControlsWhenItsNodeCannotBeOpened)
+TEST(CameraTest, BuildsNoControlsWhenItsNodeCannotBeOpened)
 {
     DeviceStub device;
     device.node = absentNode;

@@ -41,7 +41,7 @@ CameraBuilder offering(bool mapping, bool userPointers)
     return smallCamera().offeringMmap(mapping).offeringUserPointers(userPointers);
 }
 
-TEST(CameraTransfer, PrefersMemoryMappingToUserPointersToRead)
+TEST(CameraTransferTest, PrefersMemoryMappingToUserPointersToRead)
 {
     EXPECT_EQ(chosen(offering(true, true), true, true), InputMethod::MemoryMapping);
     EXPECT_EQ(chosen(offering(true, false), true, true), InputMethod::MemoryMapping);
@@ -49,25 +49,25 @@ TEST(CameraTransfer, PrefersMemoryMappingToUserPointersToRead)
     EXPECT_EQ(chosen(offering(false, false), true, true), InputMethod::Read);
 }
 
-TEST(CameraTransfer, DoesNotStreamFromADeviceThatDoesNotSayThatItCan)
+TEST(CameraTransferTest, DoesNotStreamFromADeviceThatDoesNotSayThatItCan)
 {
     EXPECT_EQ(chosen(offering(true, true), false, true), InputMethod::Read);
     EXPECT_EQ(chosen(offering(true, true), false, false), std::nullopt);
 }
 
-TEST(CameraTransfer, HasNoWayWhenTheDeviceOffersNone)
+TEST(CameraTransferTest, HasNoWayWhenTheDeviceOffersNone)
 {
     EXPECT_EQ(chosen(offering(false, false), true, false), std::nullopt);
     EXPECT_EQ(chosen(offering(false, false), false, false), std::nullopt);
 }
 
-TEST(CameraTransfer, CountsABusyDeviceAsSupportingMemoryMapping)
+TEST(CameraTransferTest, CountsABusyDeviceAsSupportingMemoryMapping)
 {
     EXPECT_EQ(chosen(offering(false, true).failing(VIDIOC_REQBUFS, EBUSY), true, true),
               InputMethod::MemoryMapping);
 }
 
-TEST(CameraTransfer, AsksTheDriverWhatItSupports)
+TEST(CameraTransferTest, AsksTheDriverWhatItSupports)
 {
     auto const virtualCamera = offering(false, true).install();
     DeviceStub const device{};
@@ -77,7 +77,7 @@ TEST(CameraTransfer, AsksTheDriverWhatItSupports)
     EXPECT_TRUE(camera.supportsUserPointers());
 }
 
-TEST(CameraTransfer, FailsEveryCallWithoutAWay)
+TEST(CameraTransferTest, FailsEveryCallWithoutAWay)
 {
     auto const virtualCamera = offering(false, false).offeringRead(false).install();
     DeviceStub device;
@@ -95,7 +95,7 @@ TEST(CameraTransfer, FailsEveryCallWithoutAWay)
     EXPECT_EQ(virtualCamera.countOf(Call::Ioctl), before);
 }
 
-TEST(CameraTransfer, CapturesThroughMappedBuffers)
+TEST(CameraTransferTest, CapturesThroughMappedBuffers)
 {
     auto const virtualCamera = smallCamera().install();
     DeviceStub const device{};
@@ -117,7 +117,7 @@ TEST(CameraTransfer, CapturesThroughMappedBuffers)
     EXPECT_EQ(virtualCamera.accounting().allocatedBuffers, 0);
 }
 
-TEST(CameraTransfer, SizesItsOwnBuffersForTheFormatThatIsSetNow)
+TEST(CameraTransferTest, SizesItsOwnBuffersForTheFormatThatIsSetNow)
 {
     for (bool const userPointers : {true, false}) {
         auto const virtualCamera = VirtualCamera::aCamera()
@@ -148,7 +148,7 @@ TEST(CameraTransfer, SizesItsOwnBuffersForTheFormatThatIsSetNow)
     }
 }
 
-TEST(CameraTransfer, TakesANullFrameOnlyWhereItReads)
+TEST(CameraTransferTest, TakesANullFrameOnlyWhereItReads)
 {
     struct
     {
@@ -166,7 +166,7 @@ TEST(CameraTransfer, TakesANullFrameOnlyWhereItReads)
     }
 }
 
-TEST(CameraTransfer, FailsToSetUpReadAndUserPointersWhereAPipeCanBeMade)
+TEST(CameraTransferTest, FailsToSetUpReadAndUserPointersWhereAPipeCanBeMade)
 {
     for (bool const userPointers : {true, false}) {
         auto const virtualCamera =

@@ -19,7 +19,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-TEST(CaptureExample, WritesNoMoreThanTheBufferOfAFrameThatClaimsMore)
+TEST(CaptureExampleTest, WritesNoMoreThanTheBufferOfAFrameThatClaimsMore)
 {
     ASSERT_TRUE(VirtualCamera::Testbed::visible());
     Machine machine;

@@ -58,7 +58,7 @@ extern "C" int select(int count, fd_set* read, fd_set* write, fd_set* except, ti
 namespace
 {
 
-TEST(FrameCost, IsNoAllocationAndOneWaitAndTwoDriverCalls)
+TEST(FrameCostTest, IsNoAllocationAndOneWaitAndTwoDriverCalls)
 {
     auto const virtualCamera = smallCamera().install();
     DeviceStub const device{};
@@ -92,7 +92,7 @@ TEST(FrameCost, IsNoAllocationAndOneWaitAndTwoDriverCalls)
 }
 
 // The counters themselves have to count.
-TEST(FrameCost, WouldBeNoticed)
+TEST(FrameCostTest, WouldBeNoticed)
 {
     allocations = 0;
     waits = 0;

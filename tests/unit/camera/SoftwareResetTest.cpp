@@ -24,7 +24,7 @@ DeviceStub vendorRecord()
     return device;
 }
 
-class SoftwareReset : public testing::Test
+class SoftwareResetTest : public testing::Test
 {
 protected:
     void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
@@ -34,7 +34,7 @@ protected:
     Camera m_camera{&m_record};
 };
 
-TEST_F(SoftwareReset, SendsTheVendorsRequest)
+TEST_F(SoftwareResetTest, SendsTheVendorsRequest)
 {
     auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
     EXPECT_TRUE(m_camera.softwareReset());
@@ -47,7 +47,7 @@ TEST_F(SoftwareReset, SendsTheVendorsRequest)
     EXPECT_EQ(requests[0].length, 16);
 }
 
-TEST_F(SoftwareReset, DoesNotNeedTheVideoNode)
+TEST_F(SoftwareResetTest, DoesNotNeedTheVideoNode)
 {
     auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
     auto const& node = m_machine.add(0, usb);
@@ -55,14 +55,14 @@ TEST_F(SoftwareReset, DoesNotNeedTheVideoNode)
     EXPECT_EQ(node.accounting().totalOpens, 0u);
 }
 
-TEST_F(SoftwareReset, CountsAsSentWhateverTheCameraAnswers)
+TEST_F(SoftwareResetTest, CountsAsSentWhateverTheCameraAnswers)
 {
     auto const usb = m_machine.plug(vendorUsbDevice().stallingFirmwareRequests());
     EXPECT_TRUE(m_camera.softwareReset());
     EXPECT_EQ(usb.resetRequests(), 1);
 }
 
-TEST_F(SoftwareReset, SendsNothingToOtherCameras)
+TEST_F(SoftwareResetTest, SendsNothingToOtherCameras)
 {
     auto const usb = m_machine.plug(aUsbDevice().withIds("1234", "abcd").withFirmware("TJ8-1.2.3"));
     DeviceStub const other{};
@@ -71,14 +71,14 @@ TEST_F(SoftwareReset, SendsNothingToOtherCameras)
     EXPECT_TRUE(usb.requests().empty());
 }
 
-TEST_F(SoftwareReset, FailsWhenTheUsbDeviceIsGoneOrCannotBeOpened)
+TEST_F(SoftwareResetTest, FailsWhenTheUsbDeviceIsGoneOrCannotBeOpened)
 {
     EXPECT_FALSE(m_camera.softwareReset());
     m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3").refusingOpen());
     EXPECT_FALSE(m_camera.softwareReset());
 }
 
-TEST_F(SoftwareReset, FailsWithoutLibusb)
+TEST_F(SoftwareResetTest, FailsWithoutLibusb)
 {
     auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
     DescriptorLimit const none;
@@ -86,7 +86,7 @@ TEST_F(SoftwareReset, FailsWithoutLibusb)
     EXPECT_TRUE(usb.requests().empty());
 }
 
-TEST_F(SoftwareReset, LeavesNoDescriptorBehind)
+TEST_F(SoftwareResetTest, LeavesNoDescriptorBehind)
 {
     m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
     EXPECT_TRUE(m_camera.softwareReset());
@@ -114,7 +114,7 @@ public:
     DeviceStub mistaken;
 };
 
-TEST_F(SoftwareReset, ThrowsForMalformedIdsAndReleasesLibusb)
+TEST_F(SoftwareResetTest, ThrowsForMalformedIdsAndReleasesLibusb)
 {
     MistakenCamera mistaken;
     EXPECT_THROW(mistaken.softwareReset(), std::invalid_argument);

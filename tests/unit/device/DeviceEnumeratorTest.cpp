@@ -28,7 +28,7 @@ std::unique_ptr<IDevice> describe(char const* nodeName)
     return std::unique_ptr<IDevice>(DeviceEnumerator::createDevice(nodeName));
 }
 
-class DeviceEnumeration : public testing::Test
+class DeviceEnumeratorTest : public testing::Test
 {
 protected:
     void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
@@ -43,7 +43,7 @@ protected:
     DeviceList m_list;
 };
 
-TEST_F(DeviceEnumeration, FindsNothingOnAMachineWithoutNodes)
+TEST_F(DeviceEnumeratorTest, FindsNothingOnAMachineWithoutNodes)
 {
     EXPECT_EQ(listed(), 0);
     EXPECT_EQ(describe("video0"), nullptr);
@@ -51,7 +51,7 @@ TEST_F(DeviceEnumeration, FindsNothingOnAMachineWithoutNodes)
     EXPECT_EQ(describe(""), nullptr);
 }
 
-TEST_F(DeviceEnumeration, NumbersDevicesByTheirPositionInTheList)
+TEST_F(DeviceEnumeratorTest, NumbersDevicesByTheirPositionInTheList)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     m_machine.add(0, usb);
@@ -63,7 +63,7 @@ TEST_F(DeviceEnumeration, NumbersDevicesByTheirPositionInTheList)
     EXPECT_STREQ(m_list.at(1)->systemName(), "/dev/video2");
 }
 
-TEST_F(DeviceEnumeration, WalksToNode64AndNoFurther)
+TEST_F(DeviceEnumeratorTest, WalksToNode64AndNoFurther)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     m_machine.add(64, usb);
@@ -72,7 +72,7 @@ TEST_F(DeviceEnumeration, WalksToNode64AndNoFurther)
     EXPECT_STREQ(m_list.at(0)->systemName(), "/dev/video64");
 }
 
-TEST_F(DeviceEnumeration, DescribesASingleNodeOfAnyNumberWithIndexZero)
+TEST_F(DeviceEnumeratorTest, DescribesASingleNodeOfAnyNumberWithIndexZero)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     m_machine.add(3, usb);
@@ -84,7 +84,7 @@ TEST_F(DeviceEnumeration, DescribesASingleNodeOfAnyNumberWithIndexZero)
     EXPECT_EQ(describe("video3")->index(), 0);
 }
 
-TEST_F(DeviceEnumeration, ForgetsWhatTheListHeldBefore)
+TEST_F(DeviceEnumeratorTest, ForgetsWhatTheListHeldBefore)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     m_machine.add(0, usb);
@@ -94,7 +94,7 @@ TEST_F(DeviceEnumeration, ForgetsWhatTheListHeldBefore)
     EXPECT_EQ(listed(), 0);
 }
 
-TEST_F(DeviceEnumeration, SkipsNodesThatDoNotCapture)
+TEST_F(DeviceEnumeratorTest, SkipsNodesThatDoNotCapture)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     constexpr unsigned int capture = V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_STREAMING;
@@ -120,7 +120,7 @@ TEST_F(DeviceEnumeration, SkipsNodesThatDoNotCapture)
     EXPECT_EQ(listed(), 0);
 }
 
-TEST_F(DeviceEnumeration, ListsANodeThatCapturesMultiPlanarAsWell)
+TEST_F(DeviceEnumeratorTest, ListsANodeThatCapturesMultiPlanarAsWell)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     constexpr unsigned int both = V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_VIDEO_CAPTURE_MPLANE;
@@ -130,7 +130,7 @@ TEST_F(DeviceEnumeration, ListsANodeThatCapturesMultiPlanarAsWell)
     EXPECT_TRUE(m_list.at(0)->supportsVideoCapture());
 }
 
-TEST_F(DeviceEnumeration, TakesEachFlagFromItsOwnBit)
+TEST_F(DeviceEnumeratorTest, TakesEachFlagFromItsOwnBit)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     constexpr unsigned int capture = V4L2_CAP_VIDEO_CAPTURE;
@@ -168,7 +168,7 @@ TEST_F(DeviceEnumeration, TakesEachFlagFromItsOwnBit)
     }
 }
 
-TEST_F(DeviceEnumeration, TakesTheTextsOfTheDriver)
+TEST_F(DeviceEnumeratorTest, TakesTheTextsOfTheDriver)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     m_machine.add(0, usb,
@@ -185,7 +185,7 @@ TEST_F(DeviceEnumeration, TakesTheTextsOfTheDriver)
     EXPECT_EQ(dynamic_cast<Device&>(*device).driverVersionCode(), 0x00060100u);
 }
 
-TEST_F(DeviceEnumeration, OpensTheNodeForTheCapabilityQueryAlone)
+TEST_F(DeviceEnumeratorTest, OpensTheNodeForTheCapabilityQueryAlone)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     auto const& camera = m_machine.add(0, usb);
@@ -198,7 +198,7 @@ TEST_F(DeviceEnumeration, OpensTheNodeForTheCapabilityQueryAlone)
     EXPECT_EQ(CallId(Call::Close), calls[2].call);
 }
 
-TEST_F(DeviceEnumeration, SkipsANodeThatIsNotThere)
+TEST_F(DeviceEnumeratorTest, SkipsANodeThatIsNotThere)
 {
     // The driver would answer, but the file is missing.
     auto const camera = aCamera().install();
@@ -206,7 +206,7 @@ TEST_F(DeviceEnumeration, SkipsANodeThatIsNotThere)
     EXPECT_EQ(camera.countOf(Call::Open), 0u);
 }
 
-TEST_F(DeviceEnumeration, SkipsNodesThatFailAndFindsTheOthers)
+TEST_F(DeviceEnumeratorTest, SkipsNodesThatFailAndFindsTheOthers)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     auto const& unopened =
@@ -221,7 +221,7 @@ TEST_F(DeviceEnumeration, SkipsNodesThatFailAndFindsTheOthers)
     EXPECT_EQ(silent.countOf(Call::Close), 1u);
 }
 
-TEST_F(DeviceEnumeration, AsksAgainWhenASignalInterruptsIt)
+TEST_F(DeviceEnumeratorTest, AsksAgainWhenASignalInterruptsIt)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     auto const& camera = m_machine.add(

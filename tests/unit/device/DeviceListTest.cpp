@@ -32,7 +32,7 @@ struct CountedDevice : public DeviceStub
     int& count;
 };
 
-TEST(DeviceList, StartsEmpty)
+TEST(DeviceListTest, StartsEmpty)
 {
     DeviceList const list;
     EXPECT_EQ(list.size(), 0);
@@ -40,7 +40,7 @@ TEST(DeviceList, StartsEmpty)
     EXPECT_EQ(list.deviceByName("Camera"), nullptr);
 }
 
-TEST(DeviceList, KeepsTheOrderOfAppending)
+TEST(DeviceListTest, KeepsTheOrderOfAppending)
 {
     DeviceList list;
     IDevice const* const first = named(0, "A");
@@ -52,7 +52,7 @@ TEST(DeviceList, KeepsTheOrderOfAppending)
     EXPECT_EQ(list.at(1), second);
 }
 
-TEST(DeviceList, GivesNullOutsideItsPositions)
+TEST(DeviceListTest, GivesNullOutsideItsPositions)
 {
     DeviceList list;
     list.append(named(0, "A"));
@@ -62,7 +62,7 @@ TEST(DeviceList, GivesNullOutsideItsPositions)
     EXPECT_EQ(list.at(-2147483647 - 1), nullptr);
 }
 
-TEST(DeviceList, FindsTheFirstOfTwoDevicesThatShareAName)
+TEST(DeviceListTest, FindsTheFirstOfTwoDevicesThatShareAName)
 {
     DeviceList list;
     list.append(named(0, "Other"));
@@ -72,7 +72,7 @@ TEST(DeviceList, FindsTheFirstOfTwoDevicesThatShareAName)
     EXPECT_EQ(list.deviceByName("Twin")->index(), 1);
 }
 
-TEST(DeviceList, ComparesNamesToTheLetter)
+TEST(DeviceListTest, ComparesNamesToTheLetter)
 {
     DeviceList list;
     list.append(named(0, "Camera"));
@@ -84,7 +84,7 @@ TEST(DeviceList, ComparesNamesToTheLetter)
     EXPECT_EQ(list.deviceByName(nullptr), nullptr);
 }
 
-TEST(DeviceList, FindsANodePathOnlyWhereACardIsCalledSo)
+TEST(DeviceListTest, FindsANodePathOnlyWhereACardIsCalledSo)
 {
     DeviceList list;
     list.append(named(0, "Camera"));
@@ -94,7 +94,7 @@ TEST(DeviceList, FindsANodePathOnlyWhereACardIsCalledSo)
     EXPECT_EQ(list.deviceByName("/dev/video0")->index(), 1);
 }
 
-TEST(DeviceList, DestroysItsDevicesWhenItIsCleared)
+TEST(DeviceListTest, DestroysItsDevicesWhenItIsCleared)
 {
     int alive = 0;
     DeviceList list;
@@ -106,7 +106,7 @@ TEST(DeviceList, DestroysItsDevicesWhenItIsCleared)
     EXPECT_EQ(alive, 0);
 }
 
-TEST(DeviceList, DestroysItsDevicesWithItself)
+TEST(DeviceListTest, DestroysItsDevicesWithItself)
 {
     int alive = 0;
     {
@@ -119,7 +119,7 @@ TEST(DeviceList, DestroysItsDevicesWithItself)
     EXPECT_EQ(alive, 0);
 }
 
-TEST(DeviceList, IgnoresANullDevice)
+TEST(DeviceListTest, IgnoresANullDevice)
 {
     DeviceList list;
     list.append(nullptr);

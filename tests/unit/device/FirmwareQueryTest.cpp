@@ -17,7 +17,7 @@ using namespace ImageAcquisition;
 using VirtualCamera::aUsbDevice;
 using VirtualCamera::UsbDeviceScript;
 
-class FirmwareQuery : public testing::Test
+class FirmwareQueryTest : public testing::Test
 {
 protected:
     void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
@@ -33,7 +33,7 @@ protected:
     Machine m_machine;
 };
 
-TEST_F(FirmwareQuery, AsksOnceWithTheVendorsRequest)
+TEST_F(FirmwareQueryTest, AsksOnceWithTheVendorsRequest)
 {
     auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.4"));
     m_machine.add(0, usb);
@@ -50,7 +50,7 @@ TEST_F(FirmwareQuery, AsksOnceWithTheVendorsRequest)
     EXPECT_EQ(requests[0].length, 32);
 }
 
-TEST_F(FirmwareQuery, DoesNotAskOtherCameras)
+TEST_F(FirmwareQueryTest, DoesNotAskOtherCameras)
 {
     auto const usb = m_machine.plug(aUsbDevice().withFirmware("TJ8-1.2.4"));
     m_machine.add(0, usb);
@@ -59,51 +59,51 @@ TEST_F(FirmwareQuery, DoesNotAskOtherCameras)
     EXPECT_TRUE(usb.requests().empty());
 }
 
-TEST_F(FirmwareQuery, IgnoresAReplyOfThreeBytes)
+TEST_F(FirmwareQueryTest, IgnoresAReplyOfThreeBytes)
 {
     EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8'})), "");
 }
 
-TEST_F(FirmwareQuery, TakesAReplyOfFourBytes)
+TEST_F(FirmwareQueryTest, TakesAReplyOfFourBytes)
 {
     EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8', '-'})), "TJ8-");
 }
 
-TEST_F(FirmwareQuery, ReadsAReplyWithoutAnEndNoFurtherThanItCame)
+TEST_F(FirmwareQueryTest, ReadsAReplyWithoutAnEndNoFurtherThanItCame)
 {
     EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes(
                   {'T', 'J', '8', '-', '1', '.', '3', '.', '0'})),
               "TJ8-1.3.0");
 }
 
-TEST_F(FirmwareQuery, ReadsAFullReplyWithoutAnEndNoFurtherThanItsBuffer)
+TEST_F(FirmwareQueryTest, ReadsAFullReplyWithoutAnEndNoFurtherThanItsBuffer)
 {
     std::string const text = "TJ8-1.2.3 and 22 bytes of more..";
     ASSERT_EQ(text.size(), 32u);
     EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes({text.begin(), text.end()})), text);
 }
 
-TEST_F(FirmwareQuery, EndsTheTextAtItsZero)
+TEST_F(FirmwareQueryTest, EndsTheTextAtItsZero)
 {
     EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes({'T', 'J', '8', 0, 'x'})), "TJ8");
 }
 
-TEST_F(FirmwareQuery, LeavesTheTextEmptyWhenTheRequestFails)
+TEST_F(FirmwareQueryTest, LeavesTheTextEmptyWhenTheRequestFails)
 {
     EXPECT_EQ(firmwareOf(vendorUsbDevice().stallingFirmwareRequests()), "");
 }
 
-TEST_F(FirmwareQuery, LeavesTheTextEmptyWhenTheReplyIsEmpty)
+TEST_F(FirmwareQueryTest, LeavesTheTextEmptyWhenTheReplyIsEmpty)
 {
     EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmwareBytes({})), "");
 }
 
-TEST_F(FirmwareQuery, LeavesTheTextEmptyWhenTheUsbDeviceCannotBeOpened)
+TEST_F(FirmwareQueryTest, LeavesTheTextEmptyWhenTheUsbDeviceCannotBeOpened)
 {
     EXPECT_EQ(firmwareOf(vendorUsbDevice().withFirmware("TJ8-1.2.4").refusingOpen()), "");
 }
 
-TEST_F(FirmwareQuery, KeepsAnEarlierTextWhenItFails)
+TEST_F(FirmwareQueryTest, KeepsAnEarlierTextWhenItFails)
 {
     Device device(0);
     device.setIdVendor(IMAGEACQUISITION_VENDOR_ID);

@@ -13,26 +13,26 @@ using ImageAcquisition::hasSerialControls;
 
 constexpr long long largestInt = 2147483647;
 
-TEST(FirmwareRevision, RanksMajorMinorAndPatchWithTheWeights100And10And1)
+TEST(FirmwareRevisionTest, RanksMajorMinorAndPatchWithTheWeights100And10And1)
 {
     EXPECT_EQ(firmwareRank("TJ8-1.2.9"), 129);
     EXPECT_EQ(firmwareRank("TJ8-1.3.0"), 130);
     EXPECT_EQ(firmwareRank("TJ8-30.0.10"), 3010);
 }
 
-TEST(FirmwareRevision, LetsAMinorNumberOfTenOrMoreOverlapTheMajorNumber)
+TEST(FirmwareRevisionTest, LetsAMinorNumberOfTenOrMoreOverlapTheMajorNumber)
 {
     EXPECT_EQ(firmwareRank("TJ8-1.3.0"), firmwareRank("TJ8-0.13.0"));
 }
 
-TEST(FirmwareRevision, HasSerialControlsFromRank130On)
+TEST(FirmwareRevisionTest, HasSerialControlsFromRank130On)
 {
     EXPECT_FALSE(hasSerialControls(129));
     EXPECT_TRUE(hasSerialControls(130));
     EXPECT_FALSE(hasSerialControls(0));
 }
 
-TEST(FirmwareRevision, CountsNumbersThatTheTextLacksAsZero)
+TEST(FirmwareRevisionTest, CountsNumbersThatTheTextLacksAsZero)
 {
     EXPECT_EQ(firmwareRank("TJ8-1"), 100);
     EXPECT_EQ(firmwareRank("TJ8-1."), 100);
@@ -43,13 +43,13 @@ TEST(FirmwareRevision, CountsNumbersThatTheTextLacksAsZero)
     EXPECT_EQ(firmwareRank("TJ8-1-3.9"), 100);
 }
 
-TEST(FirmwareRevision, IgnoresWhatFollowsThePatchNumber)
+TEST(FirmwareRevisionTest, IgnoresWhatFollowsThePatchNumber)
 {
     EXPECT_EQ(firmwareRank("TJ8-1.3.4-rc2"), 134);
     EXPECT_EQ(firmwareRank("TJ8-1.3.4.9"), 134);
 }
 
-TEST(FirmwareRevision, GivesRankZeroToTextsOfAnotherForm)
+TEST(FirmwareRevisionTest, GivesRankZeroToTextsOfAnotherForm)
 {
     EXPECT_EQ(firmwareRank(""), 0);
     EXPECT_EQ(firmwareRank(nullptr), 0);
@@ -61,13 +61,13 @@ TEST(FirmwareRevision, GivesRankZeroToTextsOfAnotherForm)
 }
 
 // Numbers are read as scanf reads them, which takes spaces and signs in front of them.
-TEST(FirmwareRevision, AcceptsSpacesAndSignsInFrontOfANumber)
+TEST(FirmwareRevisionTest, AcceptsSpacesAndSignsInFrontOfANumber)
 {
     EXPECT_EQ(firmwareRank("TJ8- 1. 3.+4"), 134);
     EXPECT_EQ(firmwareRank("TJ8--1.0.0"), -100);
 }
 
-TEST(FirmwareRevision, SaturatesNumbersThatDoNotFitAnInt)
+TEST(FirmwareRevisionTest, SaturatesNumbersThatDoNotFitAnInt)
 {
     EXPECT_EQ(firmwareRank("TJ8-2147483648.0.0"), largestInt * 100);
     EXPECT_EQ(firmwareRank("TJ8-99999999999999999999999.0.0"), largestInt * 100);
@@ -75,7 +75,7 @@ TEST(FirmwareRevision, SaturatesNumbersThatDoNotFitAnInt)
     EXPECT_EQ((-largestInt - 1) * 100, firmwareRank("TJ8--99999999999999999999999.0.0"));
 }
 
-TEST(FirmwareRevision, AddsUpTheLargestNumbersWithoutOverflow)
+TEST(FirmwareRevisionTest, AddsUpTheLargestNumbersWithoutOverflow)
 {
     std::string const largest = std::to_string(largestInt);
     EXPECT_EQ(firmwareRank(("TJ8-" + largest + "." + largest + "." + largest).c_str()),

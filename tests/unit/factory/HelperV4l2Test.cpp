@@ -33,7 +33,7 @@ struct Answers
     std::size_t used = 0;
 };
 
-TEST(HelperV4l2, HandsTheRequestOnWithoutItsSign)
+TEST(HelperV4l2Test, HandsTheRequestOnWithoutItsSign)
 {
     unsigned long seen = 0;
     V4l2Hook const hook([&seen](int, unsigned long request, void*) {
@@ -46,7 +46,7 @@ TEST(HelperV4l2, HandsTheRequestOnWithoutItsSign)
     EXPECT_EQ(seen, VIDIOC_QUERYCAP);
 }
 
-TEST(HelperV4l2, RepeatsAnIoctlThatASignalInterrupted)
+TEST(HelperV4l2Test, RepeatsAnIoctlThatASignalInterrupted)
 {
     auto const camera = aCamera().failing(VIDIOC_QUERYCAP, EINTR, 1).install();
     OpenNode const node;
@@ -55,7 +55,7 @@ TEST(HelperV4l2, RepeatsAnIoctlThatASignalInterrupted)
     EXPECT_EQ(camera.countOf(VIDIOC_QUERYCAP), 2u);
 }
 
-TEST(HelperV4l2, RepeatsAnIoctlForAsLongAsItIsInterrupted)
+TEST(HelperV4l2Test, RepeatsAnIoctlForAsLongAsItIsInterrupted)
 {
     Answers answers{{-1, -1, -1, 0}, {EINTR, EINTR, EINTR, 0}};
     V4l2Hook const hook([&answers](int, unsigned long, void*) { return answers.next(); });
@@ -63,7 +63,7 @@ TEST(HelperV4l2, RepeatsAnIoctlForAsLongAsItIsInterrupted)
     EXPECT_EQ(answers.used, 4u);
 }
 
-TEST(HelperV4l2, ReturnsAnyOtherFailureOfAnIoctlAtOnce)
+TEST(HelperV4l2Test, ReturnsAnyOtherFailureOfAnIoctlAtOnce)
 {
     for (int const error : {EINVAL, EAGAIN, ENODEV, EBUSY, EIO, EBADF}) {
         Answers answers{{-1}, {error}};
@@ -73,14 +73,14 @@ TEST(HelperV4l2, ReturnsAnyOtherFailureOfAnIoctlAtOnce)
     }
 }
 
-TEST(HelperV4l2, ReturnsAPositiveResultOfAnIoctl)
+TEST(HelperV4l2Test, ReturnsAPositiveResultOfAnIoctl)
 {
     Answers answers{{7}, {EINTR}};
     V4l2Hook const hook([&answers](int, unsigned long, void*) { return answers.next(); });
     EXPECT_EQ(HelperV4l2::xioctl(3, VIDIOC_QUERYCAP, nullptr), 7);
 }
 
-TEST(HelperV4l2, RepeatsACloseThatASignalInterrupted)
+TEST(HelperV4l2Test, RepeatsACloseThatASignalInterrupted)
 {
     auto const camera = aCamera().failing(Call::Close, EINTR, 1).install();
     int const fd = v4l2_open("/dev/video0", O_RDWR | O_NONBLOCK);
@@ -89,7 +89,7 @@ TEST(HelperV4l2, RepeatsACloseThatASignalInterrupted)
     EXPECT_EQ(camera.accounting().openDescriptors, 0);
 }
 
-TEST(HelperV4l2, ReturnsAnyOtherFailureOfACloseAtOnce)
+TEST(HelperV4l2Test, ReturnsAnyOtherFailureOfACloseAtOnce)
 {
     Answers answers{{-1}, {EIO}};
     V4l2Hook const hook([&answers](int) { return answers.next(); });
@@ -97,7 +97,7 @@ TEST(HelperV4l2, ReturnsAnyOtherFailureOfACloseAtOnce)
     EXPECT_EQ(errno, EIO);
 }
 
-TEST(HelperV4l2, RepeatsACloseWithAResultThatIsNeitherSuccessNorFailure)
+TEST(HelperV4l2Test, RepeatsACloseWithAResultThatIsNeitherSuccessNorFailure)
 {
     Answers answers{{1, -2, -1, 0}, {EIO, EIO, EINTR, 0}};
     V4l2Hook const hook([&answers](int) { return answers.next(); });

@@ -24,10 +24,10 @@ v4l2_fmtdesc const mjpg = [] {
     return description;
 }();
 
-class ImageFormatSelection : public testing::Test
+class ImageFormatSelectionTest : public testing::Test
 {
 protected:
-    ImageFormatSelection() { m_camera.clearLog(); }
+    ImageFormatSelectionTest() { m_camera.clearLog(); }
 
     /// Two formats; the second with a size that has a list of intervals and one that has not.
     VirtualCamera::InstalledCamera m_camera = aCamera()
@@ -43,7 +43,7 @@ protected:
     ImageFormat const m_format{m_node.fd(), mjpg};
 };
 
-TEST_F(ImageFormatSelection, TriesAndSetsTheFormatThenTheInterval)
+TEST_F(ImageFormatSelectionTest, TriesAndSetsTheFormatThenTheInterval)
 {
     m_camera.clearLog();
     EXPECT_TRUE(m_format.setToDevice(0, 1));
@@ -59,7 +59,7 @@ TEST_F(ImageFormatSelection, TriesAndSetsTheFormatThenTheInterval)
     EXPECT_EQ(set.type, static_cast<__u32>(V4L2_BUF_TYPE_VIDEO_CAPTURE));
 }
 
-TEST_F(ImageFormatSelection, LeavesAllOtherMembersOfTheFormatZero)
+TEST_F(ImageFormatSelectionTest, LeavesAllOtherMembersOfTheFormatZero)
 {
     m_camera.clearLog();
     EXPECT_TRUE(m_format.setToDevice(1, 0));
@@ -72,7 +72,7 @@ TEST_F(ImageFormatSelection, LeavesAllOtherMembersOfTheFormatZero)
     EXPECT_EQ(std::memcmp(&expected, &sent, sizeof sent), 0);
 }
 
-TEST_F(ImageFormatSelection, SetsTheFormatAsTheDriverLeftItAfterTrying)
+TEST_F(ImageFormatSelectionTest, SetsTheFormatAsTheDriverLeftItAfterTrying)
 {
     m_camera.clearLog();
     EXPECT_TRUE(m_format.setToDevice(0, 0));
@@ -82,7 +82,7 @@ TEST_F(ImageFormatSelection, SetsTheFormatAsTheDriverLeftItAfterTrying)
     EXPECT_EQ(std::memcmp(&tried, &set, sizeof set), 0);
 }
 
-TEST_F(ImageFormatSelection, LeavesTheFrameRateAloneForASizeWithoutIntervals)
+TEST_F(ImageFormatSelectionTest, LeavesTheFrameRateAloneForASizeWithoutIntervals)
 {
     m_camera.clearLog();
     EXPECT_TRUE(m_format.setToDevice(1, 7));
@@ -91,7 +91,7 @@ TEST_F(ImageFormatSelection, LeavesTheFrameRateAloneForASizeWithoutIntervals)
     EXPECT_EQ(m_camera.countOf(VIDIOC_S_PARM), 0u);
 }
 
-TEST_F(ImageFormatSelection, RefusesASizePositionThatIsTooLargeWithoutAskingTheDevice)
+TEST_F(ImageFormatSelectionTest, RefusesASizePositionThatIsTooLargeWithoutAskingTheDevice)
 {
     m_camera.clearLog();
     EXPECT_FALSE(m_format.setToDevice(m_format.sizeNumber(), 0));
@@ -99,14 +99,14 @@ TEST_F(ImageFormatSelection, RefusesASizePositionThatIsTooLargeWithoutAskingTheD
     EXPECT_EQ(m_camera.countOf(Call::Ioctl), 0u);
 }
 
-TEST_F(ImageFormatSelection, ThrowsForANegativeSizePosition)
+TEST_F(ImageFormatSelectionTest, ThrowsForANegativeSizePosition)
 {
     m_camera.clearLog();
     EXPECT_THROW(m_format.setToDevice(-1, 0), std::out_of_range);
     EXPECT_EQ(m_camera.countOf(Call::Ioctl), 0u);
 }
 
-TEST_F(ImageFormatSelection, SendsTheInvalidPeriodForAnIntervalPositionOutsideTheList)
+TEST_F(ImageFormatSelectionTest, SendsTheInvalidPeriodForAnIntervalPositionOutsideTheList)
 {
     for (int const position : {-1, 2, 2147483647}) {
         m_camera.clearLog();
@@ -117,7 +117,7 @@ TEST_F(ImageFormatSelection, SendsTheInvalidPeriodForAnIntervalPositionOutsideTh
     }
 }
 
-TEST_F(ImageFormatSelection, FailsWithAnyCallThatFails)
+TEST_F(ImageFormatSelectionTest, FailsWithAnyCallThatFails)
 {
     struct
     {
@@ -134,7 +134,7 @@ TEST_F(ImageFormatSelection, FailsWithAnyCallThatFails)
     }
 }
 
-TEST_F(ImageFormatSelection, KeepsTheNewFormatWhenOnlyTheIntervalIsRefused)
+TEST_F(ImageFormatSelectionTest, KeepsTheNewFormatWhenOnlyTheIntervalIsRefused)
 {
     m_camera.fail(VIDIOC_S_PARM, EINVAL);
     EXPECT_FALSE(m_format.setToDevice(0, 1));
@@ -145,7 +145,7 @@ TEST_F(ImageFormatSelection, KeepsTheNewFormatWhenOnlyTheIntervalIsRefused)
     EXPECT_EQ(present.fmt.pix.width, 640u);
 }
 
-TEST_F(ImageFormatSelection, TakesSizeAndIntervalByValueToo)
+TEST_F(ImageFormatSelectionTest, TakesSizeAndIntervalByValueToo)
 {
     m_camera.clearLog();
     EXPECT_TRUE(m_format.setToDevice(640, 480, 1, 15));
@@ -153,7 +153,7 @@ TEST_F(ImageFormatSelection, TakesSizeAndIntervalByValueToo)
     EXPECT_EQ(set.parm.capture.timeperframe.denominator, 15u);
 }
 
-TEST_F(ImageFormatSelection, RefusesValuesThatAreNotInTheLists)
+TEST_F(ImageFormatSelectionTest, RefusesValuesThatAreNotInTheLists)
 {
     m_camera.clearLog();
     EXPECT_FALSE(m_format.setToDevice(640, 481, 1, 30));
@@ -165,7 +165,7 @@ TEST_F(ImageFormatSelection, RefusesValuesThatAreNotInTheLists)
     EXPECT_EQ(m_camera.countOf(Call::Ioctl), 0u);
 }
 
-TEST_F(ImageFormatSelection, CannotSetASizeWithoutIntervalsByValue)
+TEST_F(ImageFormatSelectionTest, CannotSetASizeWithoutIntervalsByValue)
 {
     m_camera.clearLog();
     EXPECT_FALSE(m_format.setToDevice(320, 240, 1, 30));

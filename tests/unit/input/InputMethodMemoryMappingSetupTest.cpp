@@ -26,7 +26,7 @@ v4l2_requestbuffers lastRequest(InstalledCamera const& camera)
     return camera.calls(VIDIOC_REQBUFS).back().argument<v4l2_requestbuffers>();
 }
 
-TEST(InputMethodMemoryMapping, AsksForMappedCaptureBuffers)
+TEST(InputMethodMemoryMappingSetupTest, AsksForMappedCaptureBuffers)
 {
     auto const camera = smallCamera().install();
     OpenNode const node;
@@ -42,7 +42,7 @@ TEST(InputMethodMemoryMapping, AsksForMappedCaptureBuffers)
     EXPECT_EQ(std::memcmp(&expected, &sent, sizeof sent), 0);
 }
 
-TEST(InputMethodMemoryMapping, ReportsTheErrorOfARefusedRequest)
+TEST(InputMethodMemoryMappingSetupTest, ReportsTheErrorOfARefusedRequest)
 {
     auto const camera = smallCamera().failing(VIDIOC_REQBUFS, EBUSY).install();
     OpenNode const node;
@@ -50,7 +50,7 @@ TEST(InputMethodMemoryMapping, ReportsTheErrorOfARefusedRequest)
     EXPECT_EQ(InputMethodMemoryMapping::requestBuffers(node.fd(), 3, request), EBUSY);
 }
 
-TEST(InputMethodMemoryMapping, IsSupportedByADriverThatGrantsBuffers)
+TEST(InputMethodMemoryMappingSetupTest, IsSupportedByADriverThatGrantsBuffers)
 {
     auto const camera = smallCamera().install();
     OpenNode const node;
@@ -62,7 +62,7 @@ TEST(InputMethodMemoryMapping, IsSupportedByADriverThatGrantsBuffers)
     EXPECT_TRUE(camera.accounting().allocatedBuffers == 0);
 }
 
-TEST(InputMethodMemoryMapping, IsNotSupportedByADriverThatAnswersEinval)
+TEST(InputMethodMemoryMappingSetupTest, IsNotSupportedByADriverThatAnswersEinval)
 {
     auto const camera = smallCamera().offeringMmap(false).install();
     OpenNode const node;
@@ -70,7 +70,7 @@ TEST(InputMethodMemoryMapping, IsNotSupportedByADriverThatAnswersEinval)
     EXPECT_EQ(camera.countOf(VIDIOC_REQBUFS), 1u);
 }
 
-TEST(InputMethodMemoryMapping, CountsAnyOtherErrorAsSupport)
+TEST(InputMethodMemoryMappingSetupTest, CountsAnyOtherErrorAsSupport)
 {
     for (int const error : {EBUSY, EIO, ENODEV, ENOTTY, ENOMEM}) {
         auto const camera = smallCamera().failing(VIDIOC_REQBUFS, error).install();
@@ -81,7 +81,7 @@ TEST(InputMethodMemoryMapping, CountsAnyOtherErrorAsSupport)
     }
 }
 
-TEST(InputMethodMemoryMapping, MapsEveryBufferThatTheDriverGrants)
+TEST(InputMethodMemoryMappingSetupTest, MapsEveryBufferThatTheDriverGrants)
 {
     struct
     {
@@ -124,7 +124,7 @@ V4l2Hook::Ioctl granting(unsigned int count)
     };
 }
 
-TEST(InputMethodMemoryMapping, MapsNoMoreThan1024OfTheBuffersThatTheDriverGrants)
+TEST(InputMethodMemoryMappingSetupTest, MapsNoMoreThan1024OfTheBuffersThatTheDriverGrants)
 {
     struct
     {
@@ -144,7 +144,7 @@ TEST(InputMethodMemoryMapping, MapsNoMoreThan1024OfTheBuffersThatTheDriverGrants
     }
 }
 
-TEST(InputMethodMemoryMapping, MapsForReadingAndWritingAtTheDriversOffsets)
+TEST(InputMethodMemoryMappingSetupTest, MapsForReadingAndWritingAtTheDriversOffsets)
 {
     auto const camera = smallCamera().install();
     OpenNode const node;
@@ -163,7 +163,7 @@ TEST(InputMethodMemoryMapping, MapsForReadingAndWritingAtTheDriversOffsets)
     method.cleanup();
 }
 
-TEST(InputMethodMemoryMapping, FailsToSetUpWhenTheDriverGrantsNothing)
+TEST(InputMethodMemoryMappingSetupTest, FailsToSetUpWhenTheDriverGrantsNothing)
 {
     auto const camera = smallCamera().grantingAtMost(0).install();
     OpenNode const node;
@@ -172,7 +172,7 @@ TEST(InputMethodMemoryMapping, FailsToSetUpWhenTheDriverGrantsNothing)
     EXPECT_TRUE(method.acquireFrame()->isInvalid());
 }
 
-TEST(InputMethodMemoryMapping, FailsToSetUpWhenTheDriverRefuses)
+TEST(InputMethodMemoryMappingSetupTest, FailsToSetUpWhenTheDriverRefuses)
 {
     auto const camera = smallCamera().failing(VIDIOC_REQBUFS, EBUSY).install();
     OpenNode const node;
@@ -181,7 +181,7 @@ TEST(InputMethodMemoryMapping, FailsToSetUpWhenTheDriverRefuses)
     EXPECT_EQ(camera.countOf(VIDIOC_QUERYBUF), 0u);
 }
 
-TEST(InputMethodMemoryMapping, FailsToSetUpWithoutAPipeBeforeItTouchesTheDevice)
+TEST(InputMethodMemoryMappingSetupTest, FailsToSetUpWithoutAPipeBeforeItTouchesTheDevice)
 {
     auto const camera = smallCamera().install();
     OpenNode const node;
@@ -193,7 +193,7 @@ TEST(InputMethodMemoryMapping, FailsToSetUpWithoutAPipeBeforeItTouchesTheDevice)
     EXPECT_EQ(camera.countOf(Call::Ioctl), 0u);
 }
 
-TEST(InputMethodMemoryMapping, PassesANegativeCountOnToTheDriver)
+TEST(InputMethodMemoryMappingSetupTest, PassesANegativeCountOnToTheDriver)
 {
     auto const camera = smallCamera().grantingAtMost(3).install();
     OpenNode const node;
@@ -204,7 +204,7 @@ TEST(InputMethodMemoryMapping, PassesANegativeCountOnToTheDriver)
     method.cleanup();
 }
 
-TEST(InputMethodMemoryMapping, GivesEverythingBackWhenABufferCannotBeHad)
+TEST(InputMethodMemoryMappingSetupTest, GivesEverythingBackWhenABufferCannotBeHad)
 {
     struct
     {
@@ -225,7 +225,7 @@ TEST(InputMethodMemoryMapping, GivesEverythingBackWhenABufferCannotBeHad)
     }
 }
 
-TEST(InputMethodMemoryMapping, ReleasesBuffersInTheOrderThatDriversNeed)
+TEST(InputMethodMemoryMappingSetupTest, ReleasesBuffersInTheOrderThatDriversNeed)
 {
     auto const camera = smallCamera().install();
     OpenNode const node;
@@ -240,7 +240,7 @@ TEST(InputMethodMemoryMapping, ReleasesBuffersInTheOrderThatDriversNeed)
     EXPECT_TRUE(calls.back().succeeded());
 }
 
-TEST(InputMethodMemoryMapping, IgnoresFailuresOfCleaningUp)
+TEST(InputMethodMemoryMappingSetupTest, IgnoresFailuresOfCleaningUp)
 {
     auto camera = smallCamera().install();
     OpenNode const node;
@@ -252,7 +252,7 @@ TEST(InputMethodMemoryMapping, IgnoresFailuresOfCleaningUp)
     EXPECT_EQ(camera.accounting().liveMappings, 0);
 }
 
-TEST(InputMethodMemoryMapping, KeepsItsBuffersWhenTheDriverRefusesASecondSetup)
+TEST(InputMethodMemoryMappingSetupTest, KeepsItsBuffersWhenTheDriverRefusesASecondSetup)
 {
     auto const camera = smallCamera().install();
     OpenNode const node;
@@ -264,7 +264,7 @@ TEST(InputMethodMemoryMapping, KeepsItsBuffersWhenTheDriverRefusesASecondSetup)
     EXPECT_EQ(camera.accounting().liveMappings, 0);
 }
 
-TEST(InputMethodMemoryMapping, UnmapsItsBuffersWhenTheDriverAllowsASecondSetup)
+TEST(InputMethodMemoryMappingSetupTest, UnmapsItsBuffersWhenTheDriverAllowsASecondSetup)
 {
     auto const camera = smallCamera().install();
     OpenNode const node;
@@ -282,7 +282,7 @@ TEST(InputMethodMemoryMapping, UnmapsItsBuffersWhenTheDriverAllowsASecondSetup)
     EXPECT_EQ(camera.accounting().liveMappings, 0);
 }
 
-TEST(InputMethodMemoryMapping, LeavesMappingsToCleanupAndNotToItsDestruction)
+TEST(InputMethodMemoryMappingSetupTest, LeavesMappingsToCleanupAndNotToItsDestruction)
 {
     auto const camera = smallCamera().install();
     OpenNode const node;

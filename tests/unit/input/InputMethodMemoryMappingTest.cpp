@@ -52,7 +52,7 @@ private:
     bool m_setUp = false;
 };
 
-TEST(MappedStream, QueuesAllBuffersInOrderAndStarts)
+TEST(InputMethodMemoryMappingTest, QueuesAllBuffersInOrderAndStarts)
 {
     Stream stream(smallCamera());
     auto const queued = stream.camera.calls(VIDIOC_QBUF);
@@ -69,7 +69,7 @@ TEST(MappedStream, QueuesAllBuffersInOrderAndStarts)
     EXPECT_EQ(stream.method.type(), InputMethod::MemoryMapping);
 }
 
-TEST(MappedStream, DoesNotStartWhenABufferIsRefused)
+TEST(InputMethodMemoryMappingTest, DoesNotStartWhenABufferIsRefused)
 {
     auto const camera = smallCamera().failing(VIDIOC_QBUF, EIO, 2).install();
     OpenNode const node;
@@ -81,7 +81,7 @@ TEST(MappedStream, DoesNotStartWhenABufferIsRefused)
     method.cleanup();
 }
 
-TEST(MappedStream, DoesNotStartWhenTheDriverRefuses)
+TEST(InputMethodMemoryMappingTest, DoesNotStartWhenTheDriverRefuses)
 {
     auto const camera = smallCamera().failing(VIDIOC_STREAMON, EIO).install();
     OpenNode const node;
@@ -91,7 +91,7 @@ TEST(MappedStream, DoesNotStartWhenTheDriverRefuses)
     method.cleanup();
 }
 
-TEST(MappedStream, HandsOutAFrameThatClaimsMoreThanItsBufferHolds)
+TEST(InputMethodMemoryMappingTest, HandsOutAFrameThatClaimsMoreThanItsBufferHolds)
 {
     Stream stream(smallCamera());
     V4l2Hook const hook([](int fd, unsigned long request, void* argument) {
@@ -109,7 +109,7 @@ TEST(MappedStream, HandsOutAFrameThatClaimsMoreThanItsBufferHolds)
     EXPECT_EQ(stream.method.releaseFrame(frame), 0);
 }
 
-TEST(MappedStream, OnlyStartsWhenItHasNoBuffers)
+TEST(InputMethodMemoryMappingTest, OnlyStartsWhenItHasNoBuffers)
 {
     auto const camera = smallCamera().install();
     OpenNode const node;
@@ -119,7 +119,7 @@ TEST(MappedStream, OnlyStartsWhenItHasNoBuffers)
     EXPECT_EQ(camera.countOf(VIDIOC_STREAMON), 1u);
 }
 
-TEST(MappedStream, DeliversThePicturesInOrder)
+TEST(InputMethodMemoryMappingTest, DeliversThePicturesInOrder)
 {
     Stream stream(smallCamera().paced(Pace::OnDemand));
     std::int64_t earlier = 0;
@@ -144,7 +144,7 @@ TEST(MappedStream, DeliversThePicturesInOrder)
     }
 }
 
-TEST(MappedStream, ShowsTheDriversOwnMemory)
+TEST(InputMethodMemoryMappingTest, ShowsTheDriversOwnMemory)
 {
     Stream stream(smallCamera().paced(Pace::OnDemand), 1);
     stream.camera.deliverFrames(1);
@@ -161,14 +161,14 @@ TEST(MappedStream, ShowsTheDriversOwnMemory)
               std::find_if(bytes, bytes + second->bytesUsed(), [](auto b) { return b != 0; }));
 }
 
-TEST(MappedStream, GapsInTheCounterTellOfLostFrames)
+TEST(InputMethodMemoryMappingTest, GapsInTheCounterTellOfLostFrames)
 {
     Stream stream(smallCamera().withMissingFrame(1));
     EXPECT_EQ(stream.method.acquireFrame()->counter(), 0u);
     EXPECT_EQ(stream.method.acquireFrame()->counter(), 2u);
 }
 
-TEST(MappedStream, ReportsShortFramesByTheirBytes)
+TEST(InputMethodMemoryMappingTest, ReportsShortFramesByTheirBytes)
 {
     Stream stream(smallCamera().withShortFrame(0, 100));
     IFrame* const frame = stream.method.acquireFrame();
@@ -177,7 +177,7 @@ TEST(MappedStream, ReportsShortFramesByTheirBytes)
     EXPECT_EQ(frame->allocSize(), smallImageSize);
 }
 
-TEST(MappedStream, HandsOutDamagedFramesMarked)
+TEST(InputMethodMemoryMappingTest, HandsOutDamagedFramesMarked)
 {
     Stream stream(smallCamera().withCorruptedFrame(0), 1);
     IFrame* const frame = stream.method.acquireFrame();
@@ -189,7 +189,7 @@ TEST(MappedStream, HandsOutDamagedFramesMarked)
     EXPECT_FALSE(stream.method.acquireFrame()->isCorrupted());
 }
 
-TEST(MappedStream, GivesBackTheBufferAsItWasDequeued)
+TEST(InputMethodMemoryMappingTest, GivesBackTheBufferAsItWasDequeued)
 {
     Stream stream(smallCamera());
     IFrame* const frame = stream.method.acquireFrame();
@@ -199,7 +199,7 @@ TEST(MappedStream, GivesBackTheBufferAsItWasDequeued)
     EXPECT_EQ(std::memcmp(&dequeued, &queued, sizeof queued), 0);
 }
 
-TEST(MappedStream, ReportsThatTheDriverRefusedAFrame)
+TEST(InputMethodMemoryMappingTest, ReportsThatTheDriverRefusedAFrame)
 {
     Stream stream(smallCamera());
     IFrame* const frame = stream.method.acquireFrame();
@@ -208,7 +208,7 @@ TEST(MappedStream, ReportsThatTheDriverRefusedAFrame)
     EXPECT_EQ(stream.method.releaseFrame(frame), 0);
 }
 
-TEST(MappedStream, TakesInvalidFramesBackWithoutTheDriver)
+TEST(InputMethodMemoryMappingTest, TakesInvalidFramesBackWithoutTheDriver)
 {
     Stream stream(smallCamera().paced(Pace::OnDemand));
     stream.camera.failFrom(VIDIOC_DQBUF, EIO);
@@ -224,7 +224,7 @@ TEST(MappedStream, TakesInvalidFramesBackWithoutTheDriver)
     EXPECT_EQ(stream.camera.countOf(Call::Ioctl), before);
 }
 
-TEST(MappedStream, RefusesNullAndForeignFramesWithoutTheDriver)
+TEST(InputMethodMemoryMappingTest, RefusesNullAndForeignFramesWithoutTheDriver)
 {
     Stream stream(smallCamera());
     InputMethodRead::Frame foreign(10);
@@ -234,7 +234,7 @@ TEST(MappedStream, RefusesNullAndForeignFramesWithoutTheDriver)
     EXPECT_EQ(stream.camera.countOf(Call::Ioctl), before);
 }
 
-TEST(MappedStream, GivesUpAfterTwoSecondsWithoutAFrame)
+TEST(InputMethodMemoryMappingTest, GivesUpAfterTwoSecondsWithoutAFrame)
 {
     Stream stream(smallCamera().withoutFrames());
     Stopwatch const watch;
@@ -248,7 +248,7 @@ TEST(MappedStream, GivesUpAfterTwoSecondsWithoutAFrame)
                             [](unsigned char byte) { return byte == 0; }));
 }
 
-TEST(MappedStream, TriesTenTimesWhenTheDriverSaysAgain)
+TEST(InputMethodMemoryMappingTest, TriesTenTimesWhenTheDriverSaysAgain)
 {
     Stream stream(smallCamera());
     stream.camera.failFrom(VIDIOC_DQBUF, EAGAIN);
@@ -256,7 +256,7 @@ TEST(MappedStream, TriesTenTimesWhenTheDriverSaysAgain)
     EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 10u);
 }
 
-TEST(MappedStream, TakesTheFrameOfATenthAttempt)
+TEST(InputMethodMemoryMappingTest, TakesTheFrameOfATenthAttempt)
 {
     Stream stream(smallCamera());
     for (unsigned int use = 1; use <= 9; ++use) {
@@ -266,7 +266,7 @@ TEST(MappedStream, TakesTheFrameOfATenthAttempt)
     EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 10u);
 }
 
-TEST(MappedStream, GivesUpAtOnceForAnyOtherError)
+TEST(InputMethodMemoryMappingTest, GivesUpAtOnceForAnyOtherError)
 {
     for (int const error : {EIO, ENODEV, EINVAL, EPIPE}) {
         Stream stream(smallCamera());
@@ -278,14 +278,14 @@ TEST(MappedStream, GivesUpAtOnceForAnyOtherError)
     }
 }
 
-TEST(MappedStream, IsNotDisturbedByASignal)
+TEST(InputMethodMemoryMappingTest, IsNotDisturbedByASignal)
 {
     Stream stream(smallCamera());
     stream.camera.fail(VIDIOC_DQBUF, EINTR);
     EXPECT_FALSE(stream.method.acquireFrame()->isInvalid());
 }
 
-TEST(MappedStream, GivesUpForABufferIndexThatItDoesNotHave)
+TEST(InputMethodMemoryMappingTest, GivesUpForABufferIndexThatItDoesNotHave)
 {
     for (unsigned int const index : {3u, 4u, 0x7fffffffu, 0xffffffffu}) {
         Stream stream(smallCamera().withWrongIndex(0, index));
@@ -294,7 +294,7 @@ TEST(MappedStream, GivesUpForABufferIndexThatItDoesNotHave)
     }
 }
 
-TEST(MappedStream, GivesUpAtOnceWhenTheCameraVanishes)
+TEST(InputMethodMemoryMappingTest, GivesUpAtOnceWhenTheCameraVanishes)
 {
     Stream stream(smallCamera().paced(Pace::Interval).vanishingAtFrame(2));
     EXPECT_FALSE(stream.method.acquireFrame()->isInvalid());
@@ -306,7 +306,7 @@ TEST(MappedStream, GivesUpAtOnceWhenTheCameraVanishes)
     EXPECT_EQ(stream.method.cleanup(), 0);
 }
 
-TEST(MappedStream, HandsOutAnInvalidFrameBeforeSetupAndAfterCleanup)
+TEST(InputMethodMemoryMappingTest, HandsOutAnInvalidFrameBeforeSetupAndAfterCleanup)
 {
     auto const camera = smallCamera().install();
     OpenNode const node;
@@ -320,7 +320,7 @@ TEST(MappedStream, HandsOutAnInvalidFrameBeforeSetupAndAfterCleanup)
     EXPECT_EQ(camera.countOf(VIDIOC_DQBUF), 0u);
 }
 
-TEST(MappedStream, StopsStreamingAfterItWokeTheWaiter)
+TEST(InputMethodMemoryMappingTest, StopsStreamingAfterItWokeTheWaiter)
 {
     Stream stream(smallCamera());
     Stopwatch const watch;
@@ -330,7 +330,7 @@ TEST(MappedStream, StopsStreamingAfterItWokeTheWaiter)
     EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
 }
 
-TEST(MappedStream, ReportsThatTheDriverDidNotStop)
+TEST(InputMethodMemoryMappingTest, ReportsThatTheDriverDidNotStop)
 {
     Stream stream(smallCamera());
     stream.camera.fail(VIDIOC_STREAMOFF, EIO);
@@ -338,7 +338,7 @@ TEST(MappedStream, ReportsThatTheDriverDidNotStop)
     EXPECT_EQ(stream.method.stopCapture(), 0);
 }
 
-TEST(MappedStream, LeavesABlockedWaitWhenAnotherThreadStopsIt)
+TEST(InputMethodMemoryMappingTest, LeavesABlockedWaitWhenAnotherThreadStopsIt)
 {
     Stream stream(smallCamera().withoutFrames());
     bool invalid = false;
@@ -355,7 +355,7 @@ TEST(MappedStream, LeavesABlockedWaitWhenAnotherThreadStopsIt)
     EXPECT_LT(waited, 1.9);
 }
 
-TEST(MappedStream, WorksAgainAfterCleanupAndSetup)
+TEST(InputMethodMemoryMappingTest, WorksAgainAfterCleanupAndSetup)
 {
     Stream stream(smallCamera());
     for (int round = 0; round < 3; ++round) {

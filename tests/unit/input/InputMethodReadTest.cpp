@@ -46,7 +46,7 @@ public:
     InputMethodRead method;
 };
 
-TEST(InputMethodRead, FailsToSetUpWithAPipeAndKeepsItsPool)
+TEST(InputMethodReadTest, FailsToSetUpWithAPipeAndKeepsItsPool)
 {
     auto const camera = readingCamera().install();
     OpenNode const node;
@@ -66,7 +66,7 @@ TEST(InputMethodRead, FailsToSetUpWithAPipeAndKeepsItsPool)
     EXPECT_EQ(method.cleanup(), 0);
 }
 
-TEST(InputMethodRead, LosesNoDescriptorByFailingSetups)
+TEST(InputMethodReadTest, LosesNoDescriptorByFailingSetups)
 {
     auto const camera = readingCamera().install();
     OpenNode const node;
@@ -80,14 +80,14 @@ TEST(InputMethodRead, LosesNoDescriptorByFailingSetups)
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST(InputMethodRead, StartsAndSetsUpWithoutTheDevice)
+TEST(InputMethodReadTest, StartsAndSetsUpWithoutTheDevice)
 {
     Reader reader(readingCamera());
     EXPECT_EQ(reader.camera.countOf(Call::Ioctl), 0u);
     EXPECT_EQ(reader.method.type(), InputMethod::Read);
 }
 
-TEST(InputMethodRead, EmptiesThePoolForACountBelowOne)
+TEST(InputMethodReadTest, EmptiesThePoolForACountBelowOne)
 {
     for (int const count : {0, -1, -2147483647 - 1}) {
         Reader reader(readingCamera());
@@ -100,7 +100,7 @@ TEST(InputMethodRead, EmptiesThePoolForACountBelowOne)
     }
 }
 
-TEST(InputMethodRead, ReplacesItsFramesWhenItIsSetUpAgain)
+TEST(InputMethodReadTest, ReplacesItsFramesWhenItIsSetUpAgain)
 {
     Reader reader(readingCamera(), 1);
     DescriptorLimit const none;
@@ -117,7 +117,7 @@ TEST(InputMethodRead, ReplacesItsFramesWhenItIsSetUpAgain)
     reader.method.releaseFrame(frame);
 }
 
-TEST(InputMethodRead, ReadsAWholePictureWithOneCall)
+TEST(InputMethodReadTest, ReadsAWholePictureWithOneCall)
 {
     Reader reader(readingCamera().withStillPattern());
     IFrame* const frame = reader.method.acquireFrame();
@@ -136,7 +136,7 @@ TEST(InputMethodRead, ReadsAWholePictureWithOneCall)
     EXPECT_EQ(reader.method.releaseFrame(frame), 0);
 }
 
-TEST(InputMethodRead, DoesNotRecordHowMuchCame)
+TEST(InputMethodReadTest, DoesNotRecordHowMuchCame)
 {
     Reader reader(readingCamera().withShortFrame(0, 100));
     IFrame* const frame = reader.method.acquireFrame();
@@ -146,7 +146,7 @@ TEST(InputMethodRead, DoesNotRecordHowMuchCame)
     reader.method.releaseFrame(frame);
 }
 
-TEST(InputMethodRead, HandsOutTheFrameThatWasReleasedLastFirst)
+TEST(InputMethodReadTest, HandsOutTheFrameThatWasReleasedLastFirst)
 {
     Reader reader(readingCamera(), 3);
     IFrame* const a = reader.method.acquireFrame();
@@ -164,7 +164,7 @@ TEST(InputMethodRead, HandsOutTheFrameThatWasReleasedLastFirst)
     }
 }
 
-TEST(InputMethodRead, HandsOutTheInvalidFrameWhenThePoolIsEmpty)
+TEST(InputMethodReadTest, HandsOutTheInvalidFrameWhenThePoolIsEmpty)
 {
     Reader reader(readingCamera(), 1);
     IFrame* const only = reader.method.acquireFrame();
@@ -176,7 +176,7 @@ TEST(InputMethodRead, HandsOutTheInvalidFrameWhenThePoolIsEmpty)
     reader.method.releaseFrame(only);
 }
 
-TEST(InputMethodRead, KeepsAnEmptyPlaceForWhatIsNoFrameOfItsKind)
+TEST(InputMethodReadTest, KeepsAnEmptyPlaceForWhatIsNoFrameOfItsKind)
 {
     Reader reader(readingCamera(), 1);
     char bytes[10];
@@ -190,7 +190,7 @@ TEST(InputMethodRead, KeepsAnEmptyPlaceForWhatIsNoFrameOfItsKind)
     }
 }
 
-TEST(InputMethodRead, PutsNoInvalidFrameIntoThePool)
+TEST(InputMethodReadTest, PutsNoInvalidFrameIntoThePool)
 {
     Reader reader(readingCamera(), 1);
     InputMethod::InvalidFrame other(5);
@@ -201,7 +201,7 @@ TEST(InputMethodRead, PutsNoInvalidFrameIntoThePool)
     reader.method.releaseFrame(frame);
 }
 
-TEST(InputMethodRead, IgnoresAFrameThatIsReleasedTwice)
+TEST(InputMethodReadTest, IgnoresAFrameThatIsReleasedTwice)
 {
     Reader reader(readingCamera(), 1);
     IFrame* const frame = reader.method.acquireFrame();
@@ -212,7 +212,7 @@ TEST(InputMethodRead, IgnoresAFrameThatIsReleasedTwice)
     reader.method.releaseFrame(frame);
 }
 
-TEST(InputMethodRead, TakesFramesBackAfterCleanup)
+TEST(InputMethodReadTest, TakesFramesBackAfterCleanup)
 {
     Reader reader(readingCamera(), 2);
     IFrame* const frame = reader.method.acquireFrame();
@@ -224,7 +224,7 @@ TEST(InputMethodRead, TakesFramesBackAfterCleanup)
     EXPECT_EQ(IFrame::invalid(), reader.method.acquireFrame());
 }
 
-TEST(InputMethodRead, HandsOutTheFrameAsItWasWhenNothingCameForTwoSeconds)
+TEST(InputMethodReadTest, HandsOutTheFrameAsItWasWhenNothingCameForTwoSeconds)
 {
     Reader reader(readingCamera().withoutFrames(), 1);
     {
@@ -244,7 +244,7 @@ TEST(InputMethodRead, HandsOutTheFrameAsItWasWhenNothingCameForTwoSeconds)
     reader.method.releaseFrame(frame);
 }
 
-TEST(InputMethodRead, HandsOutTheFrameAsItWasWhenTheReadFailed)
+TEST(InputMethodReadTest, HandsOutTheFrameAsItWasWhenTheReadFailed)
 {
     for (int const error : {EIO, ENODEV, EINVAL, EBUSY, EINTR}) {
         Reader reader(readingCamera().failing(Call::Read, error), 1);
@@ -256,7 +256,7 @@ TEST(InputMethodRead, HandsOutTheFrameAsItWasWhenTheReadFailed)
     }
 }
 
-TEST(InputMethodRead, TriesAsOftenAsTheDriverSaysAgain)
+TEST(InputMethodReadTest, TriesAsOftenAsTheDriverSaysAgain)
 {
     Reader reader(readingCamera());
     for (unsigned int use = 1; use <= 50; ++use) {
@@ -267,7 +267,7 @@ TEST(InputMethodRead, TriesAsOftenAsTheDriverSaysAgain)
     reader.method.releaseFrame(frame);
 }
 
-TEST(InputMethodRead, TellsWhetherAnAttemptWasTheLast)
+TEST(InputMethodReadTest, TellsWhetherAnAttemptWasTheLast)
 {
     Reader reader(readingCamera());
     InputMethodRead::Frame frame(smallImageSize);
@@ -283,7 +283,7 @@ TEST(InputMethodRead, TellsWhetherAnAttemptWasTheLast)
     EXPECT_TRUE(reader.method.acquire(&frame));
 }
 
-TEST(InputMethodRead, EndsTheAttemptsOnceAStopIsPending)
+TEST(InputMethodReadTest, EndsTheAttemptsOnceAStopIsPending)
 {
     Reader reader(readingCamera());
     // A second setup leaves the pool alone, and opens the pipe that the first could not.
@@ -298,7 +298,7 @@ TEST(InputMethodRead, EndsTheAttemptsOnceAStopIsPending)
     reader.method.releaseFrame(frame);
 }
 
-TEST(InputMethodRead, StopsWithoutTheDevice)
+TEST(InputMethodReadTest, StopsWithoutTheDevice)
 {
     Reader reader(readingCamera());
     Stopwatch const watch;

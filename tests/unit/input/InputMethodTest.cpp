@@ -31,7 +31,7 @@ public:
     using InputMethod::stopPending;
 };
 
-class InputMethodBase : public testing::Test
+class InputMethodTest : public testing::Test
 {
 protected:
     void SetUp() override
@@ -56,7 +56,7 @@ private:
     int m_ends[2] = {-1, -1};
 };
 
-TEST_F(InputMethodBase, NumbersTheMethods)
+TEST_F(InputMethodTest, NumbersTheMethods)
 {
     EXPECT_EQ(InputMethod::Read, 0);
     EXPECT_EQ(InputMethod::MemoryMapping, 1);
@@ -64,7 +64,7 @@ TEST_F(InputMethodBase, NumbersTheMethods)
     EXPECT_EQ(m_method->type(), InputMethod::Read);
 }
 
-TEST_F(InputMethodBase, WaitsAsLongAsItIsToldForADeviceThatDeliversNothing)
+TEST_F(InputMethodTest, WaitsAsLongAsItIsToldForADeviceThatDeliversNothing)
 {
     ASSERT_EQ(m_method->setup(1, 1), 0);
     Stopwatch const watch;
@@ -73,7 +73,7 @@ TEST_F(InputMethodBase, WaitsAsLongAsItIsToldForADeviceThatDeliversNothing)
     EXPECT_LT(watch.seconds(), 3);
 }
 
-TEST_F(InputMethodBase, TakesTheMicrosecondsOfAWaitIntoAccount)
+TEST_F(InputMethodTest, TakesTheMicrosecondsOfAWaitIntoAccount)
 {
     Stopwatch const watch;
     EXPECT_FALSE(m_method->dataAvailable(0, 50000));
@@ -81,7 +81,7 @@ TEST_F(InputMethodBase, TakesTheMicrosecondsOfAWaitIntoAccount)
     EXPECT_LT(watch.seconds(), 1);
 }
 
-TEST_F(InputMethodBase, EndsAWaitWhenTheDeviceDelivers)
+TEST_F(InputMethodTest, EndsAWaitWhenTheDeviceDelivers)
 {
     ASSERT_EQ(m_method->setup(1, 1), 0);
     deliver();
@@ -90,7 +90,7 @@ TEST_F(InputMethodBase, EndsAWaitWhenTheDeviceDelivers)
     EXPECT_LT(watch.seconds(), 1);
 }
 
-TEST_F(InputMethodBase, EndsEveryWaitAtOnceAfterAStopUntilCleanup)
+TEST_F(InputMethodTest, EndsEveryWaitAtOnceAfterAStopUntilCleanup)
 {
     ASSERT_EQ(m_method->setup(1, 1), 0);
     EXPECT_FALSE(m_method->stopPending());
@@ -106,14 +106,14 @@ TEST_F(InputMethodBase, EndsEveryWaitAtOnceAfterAStopUntilCleanup)
     EXPECT_FALSE(m_method->stopPending());
 }
 
-TEST_F(InputMethodBase, GivesAWaiterTenMillisecondsToLeave)
+TEST_F(InputMethodTest, GivesAWaiterTenMillisecondsToLeave)
 {
     Stopwatch const watch;
     EXPECT_EQ(m_method->stopCapture(), 0);
     EXPECT_GE(watch.seconds(), 0.01);
 }
 
-TEST_F(InputMethodBase, GivesAWaiterItsTenMillisecondsWhateverSignalsCome)
+TEST_F(InputMethodTest, GivesAWaiterItsTenMillisecondsWhateverSignalsCome)
 {
     Interruptions const interruptions;
     Stopwatch const watch;
@@ -122,14 +122,14 @@ TEST_F(InputMethodBase, GivesAWaiterItsTenMillisecondsWhateverSignalsCome)
     EXPECT_GE(Interruptions::count, 1);
 }
 
-TEST_F(InputMethodBase, WaitsForTheDeviceAloneWhileItHasNoPipe)
+TEST_F(InputMethodTest, WaitsForTheDeviceAloneWhileItHasNoPipe)
 {
     EXPECT_FALSE(m_method->dataAvailable(0, 1000));
     deliver();
     EXPECT_TRUE(m_method->dataAvailable(2, 0));
 }
 
-TEST_F(InputMethodBase, DoesNotWaitForANegativeDevice)
+TEST_F(InputMethodTest, DoesNotWaitForANegativeDevice)
 {
     PlainInputMethod without(-1);
     ASSERT_EQ(without.setup(1, 1), 0);
@@ -140,7 +140,7 @@ TEST_F(InputMethodBase, DoesNotWaitForANegativeDevice)
     EXPECT_LT(watch.seconds(), 1);
 }
 
-TEST_F(InputMethodBase, ReportsNothingWhenTheWaitFails)
+TEST_F(InputMethodTest, ReportsNothingWhenTheWaitFails)
 {
     int const closed = dup(device());
     close(closed);
@@ -150,7 +150,7 @@ TEST_F(InputMethodBase, ReportsNothingWhenTheWaitFails)
     EXPECT_LT(watch.seconds(), 1);
 }
 
-TEST_F(InputMethodBase, WaitsForTheRestOfItsTimeAfterASignal)
+TEST_F(InputMethodTest, WaitsForTheRestOfItsTimeAfterASignal)
 {
     Interruptions const interruptions;
     Stopwatch const watch;
@@ -161,7 +161,7 @@ TEST_F(InputMethodBase, WaitsForTheRestOfItsTimeAfterASignal)
     EXPECT_GE(Interruptions::count, 1);
 }
 
-TEST_F(InputMethodBase, WaitsForADescriptorBeyondAnFdSet)
+TEST_F(InputMethodTest, WaitsForADescriptorBeyondAnFdSet)
 {
     constexpr int large = FD_SETSIZE + 500;
     rlimit earlier{};
@@ -179,13 +179,13 @@ TEST_F(InputMethodBase, WaitsForADescriptorBeyondAnFdSet)
     setrlimit(RLIMIT_NOFILE, &earlier);
 }
 
-TEST_F(InputMethodBase, FailsToSetUpWithoutAPipe)
+TEST_F(InputMethodTest, FailsToSetUpWithoutAPipe)
 {
     DescriptorLimit const none;
     EXPECT_EQ(m_method->setup(1, 1), -1);
 }
 
-TEST_F(InputMethodBase, LosesNoDescriptorWhenItIsSetUpAgain)
+TEST_F(InputMethodTest, LosesNoDescriptorWhenItIsSetUpAgain)
 {
     int const before = openDescriptors();
     for (int i = 0; i < 3; ++i) {
@@ -196,7 +196,7 @@ TEST_F(InputMethodBase, LosesNoDescriptorWhenItIsSetUpAgain)
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST_F(InputMethodBase, ForgetsAStopWhenItIsSetUpAgain)
+TEST_F(InputMethodTest, ForgetsAStopWhenItIsSetUpAgain)
 {
     ASSERT_EQ(m_method->setup(1, 1), 0);
     m_method->stopCapture();
@@ -205,7 +205,7 @@ TEST_F(InputMethodBase, ForgetsAStopWhenItIsSetUpAgain)
     EXPECT_FALSE(m_method->dataAvailable(0, 0));
 }
 
-TEST_F(InputMethodBase, ClosesItsPipeWithItself)
+TEST_F(InputMethodTest, ClosesItsPipeWithItself)
 {
     int const before = openDescriptors();
     {

@@ -26,7 +26,7 @@ CameraBuilder userPointerCamera()
     return smallCamera().offeringMmap(false).offeringUserPointers();
 }
 
-TEST(InputMethodUserPointers, AsksForUserPointerCaptureBuffers)
+TEST(InputMethodUserPointersSetupTest, AsksForUserPointerCaptureBuffers)
 {
     auto const camera = userPointerCamera().install();
     OpenNode const node;
@@ -41,7 +41,7 @@ TEST(InputMethodUserPointers, AsksForUserPointerCaptureBuffers)
     EXPECT_EQ(std::memcmp(&expected, &sent, sizeof sent), 0);
 }
 
-TEST(InputMethodUserPointers, ReportsTheErrorOfARefusedRequest)
+TEST(InputMethodUserPointersSetupTest, ReportsTheErrorOfARefusedRequest)
 {
     auto const camera = userPointerCamera().failing(VIDIOC_REQBUFS, ENOMEM).install();
     OpenNode const node;
@@ -49,7 +49,7 @@ TEST(InputMethodUserPointers, ReportsTheErrorOfARefusedRequest)
     EXPECT_EQ(InputMethodUserPointers::requestBuffers(node.fd(), 3, request), ENOMEM);
 }
 
-TEST(InputMethodUserPointers, IsSupportedUnlessTheDriverAnswersEinval)
+TEST(InputMethodUserPointersSetupTest, IsSupportedUnlessTheDriverAnswersEinval)
 {
     {
         auto const camera = smallCamera().install();
@@ -72,7 +72,7 @@ TEST(InputMethodUserPointers, IsSupportedUnlessTheDriverAnswersEinval)
     }
 }
 
-TEST(InputMethodUserPointers, FailsToSetUpWithAPipeBeforeItTouchesTheDevice)
+TEST(InputMethodUserPointersSetupTest, FailsToSetUpWithAPipeBeforeItTouchesTheDevice)
 {
     auto const camera = userPointerCamera().install();
     OpenNode const node;
@@ -83,7 +83,7 @@ TEST(InputMethodUserPointers, FailsToSetUpWithAPipeBeforeItTouchesTheDevice)
     EXPECT_EQ(method.cleanup(), 0);
 }
 
-TEST(InputMethodUserPointers, LosesNoDescriptorByFailingSetups)
+TEST(InputMethodUserPointersSetupTest, LosesNoDescriptorByFailingSetups)
 {
     auto const camera = userPointerCamera().install();
     OpenNode const node;
@@ -98,7 +98,7 @@ TEST(InputMethodUserPointers, LosesNoDescriptorByFailingSetups)
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST(InputMethodUserPointers, SetsUpWithoutAPipe)
+TEST(InputMethodUserPointersSetupTest, SetsUpWithoutAPipe)
 {
     auto const camera = userPointerCamera().install();
     OpenNode const node;
@@ -112,7 +112,7 @@ TEST(InputMethodUserPointers, SetsUpWithoutAPipe)
     EXPECT_EQ(camera.accounting().allocatedBuffers, 0);
 }
 
-TEST(InputMethodUserPointers, MakesTheBuffersThatItAskedForWhateverWasGranted)
+TEST(InputMethodUserPointersSetupTest, MakesTheBuffersThatItAskedForWhateverWasGranted)
 {
     struct
     {
@@ -136,7 +136,7 @@ TEST(InputMethodUserPointers, MakesTheBuffersThatItAskedForWhateverWasGranted)
     }
 }
 
-TEST(InputMethodUserPointers, TakesANegativeCountForNone)
+TEST(InputMethodUserPointersSetupTest, TakesANegativeCountForNone)
 {
     auto const camera = userPointerCamera().install();
     OpenNode const node;
@@ -154,7 +154,7 @@ TEST(InputMethodUserPointers, TakesANegativeCountForNone)
     }
 }
 
-TEST(InputMethodUserPointers, MakesItsInvalidFrameEvenWithoutBuffers)
+TEST(InputMethodUserPointersSetupTest, MakesItsInvalidFrameEvenWithoutBuffers)
 {
     auto const camera = userPointerCamera().install();
     OpenNode const node;
@@ -171,7 +171,7 @@ TEST(InputMethodUserPointers, MakesItsInvalidFrameEvenWithoutBuffers)
     EXPECT_EQ(IFrame::invalid(), method.acquireFrame());
 }
 
-TEST(InputMethodUserPointers, FailsToSetUpWhenTheDriverRefuses)
+TEST(InputMethodUserPointersSetupTest, FailsToSetUpWhenTheDriverRefuses)
 {
     for (int const error : {EINVAL, EBUSY, EIO}) {
         auto const camera = userPointerCamera().failing(VIDIOC_REQBUFS, error).install();

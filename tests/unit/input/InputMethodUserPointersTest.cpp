@@ -58,7 +58,7 @@ private:
     bool m_setUp = false;
 };
 
-TEST(UserPointerStream, LendsItsBuffersInOrderAndStarts)
+TEST(InputMethodUserPointersTest, LendsItsBuffersInOrderAndStarts)
 {
     UserPointerStream stream(userPointerCamera());
     auto const queued = stream.camera.calls(VIDIOC_QBUF);
@@ -77,7 +77,7 @@ TEST(UserPointerStream, LendsItsBuffersInOrderAndStarts)
     EXPECT_EQ(stream.method.type(), InputMethod::UserPointers);
 }
 
-TEST(UserPointerStream, DoesNotStartWhenTheDriverRefuses)
+TEST(InputMethodUserPointersTest, DoesNotStartWhenTheDriverRefuses)
 {
     struct
     {
@@ -98,7 +98,7 @@ TEST(UserPointerStream, DoesNotStartWhenTheDriverRefuses)
     }
 }
 
-TEST(UserPointerStream, DeliversThePicturesInOrder)
+TEST(InputMethodUserPointersTest, DeliversThePicturesInOrder)
 {
     UserPointerStream stream(userPointerCamera().paced(Pace::OnDemand));
     for (unsigned int number = 0; number < 10; ++number) {
@@ -116,7 +116,7 @@ TEST(UserPointerStream, DeliversThePicturesInOrder)
     }
 }
 
-TEST(UserPointerStream, GivesBackTheBufferAsItWasDequeued)
+TEST(InputMethodUserPointersTest, GivesBackTheBufferAsItWasDequeued)
 {
     UserPointerStream stream(userPointerCamera());
     IFrame* const frame = stream.method.acquireFrame();
@@ -127,7 +127,7 @@ TEST(UserPointerStream, GivesBackTheBufferAsItWasDequeued)
     EXPECT_EQ(std::memcmp(&dequeued, &queued, sizeof queued), 0);
 }
 
-TEST(UserPointerStream, ReportsThatTheDriverRefusedAFrame)
+TEST(InputMethodUserPointersTest, ReportsThatTheDriverRefusedAFrame)
 {
     UserPointerStream stream(userPointerCamera());
     IFrame* const frame = stream.method.acquireFrame();
@@ -135,7 +135,7 @@ TEST(UserPointerStream, ReportsThatTheDriverRefusedAFrame)
     EXPECT_EQ(stream.method.releaseFrame(frame), -1);
 }
 
-TEST(UserPointerStream, RefusesNullAndForeignFramesAndTakesInvalidOnes)
+TEST(InputMethodUserPointersTest, RefusesNullAndForeignFramesAndTakesInvalidOnes)
 {
     UserPointerStream stream(userPointerCamera());
     InputMethodRead::Frame foreign(10);
@@ -146,7 +146,7 @@ TEST(UserPointerStream, RefusesNullAndForeignFramesAndTakesInvalidOnes)
     EXPECT_EQ(stream.camera.countOf(Call::Ioctl), before);
 }
 
-TEST(UserPointerStream, FindsTheFrameByItsAddressAndNotByTheIndex)
+TEST(InputMethodUserPointersTest, FindsTheFrameByItsAddressAndNotByTheIndex)
 {
     UserPointerStream stream(userPointerCamera().withWrongIndex(0, 77));
     IFrame* const frame = stream.method.acquireFrame();
@@ -156,7 +156,7 @@ TEST(UserPointerStream, FindsTheFrameByItsAddressAndNotByTheIndex)
     EXPECT_EQ(reinterpret_cast<unsigned long>(frame->bytePtr()), dequeued.m.userptr);
 }
 
-TEST(UserPointerStream, GivesUpAtOnceForABufferThatIsNotItsOwn)
+TEST(InputMethodUserPointersTest, GivesUpAtOnceForABufferThatIsNotItsOwn)
 {
     for (bool const wrongLength : {true, false}) {
         auto builder = userPointerCamera();
@@ -175,7 +175,7 @@ TEST(UserPointerStream, GivesUpAtOnceForABufferThatIsNotItsOwn)
     }
 }
 
-TEST(UserPointerStream, HandsOutDamagedFramesMarked)
+TEST(InputMethodUserPointersTest, HandsOutDamagedFramesMarked)
 {
     UserPointerStream stream(userPointerCamera().withCorruptedFrame(0));
     IFrame* const frame = stream.method.acquireFrame();
@@ -184,7 +184,7 @@ TEST(UserPointerStream, HandsOutDamagedFramesMarked)
     EXPECT_EQ(stream.method.releaseFrame(frame), 0);
 }
 
-TEST(UserPointerStream, ReportsShortFramesByTheirBytes)
+TEST(InputMethodUserPointersTest, ReportsShortFramesByTheirBytes)
 {
     UserPointerStream stream(userPointerCamera().withShortFrame(0, 100));
     IFrame* const frame = stream.method.acquireFrame();
@@ -193,7 +193,7 @@ TEST(UserPointerStream, ReportsShortFramesByTheirBytes)
     EXPECT_EQ(frame->allocSize(), smallImageSize);
 }
 
-TEST(UserPointerStream, GivesUpAfterTwoSecondsWithoutAFrame)
+TEST(InputMethodUserPointersTest, GivesUpAfterTwoSecondsWithoutAFrame)
 {
     UserPointerStream stream(userPointerCamera().withoutFrames());
     Stopwatch const watch;
@@ -203,7 +203,7 @@ TEST(UserPointerStream, GivesUpAfterTwoSecondsWithoutAFrame)
     EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 0u);
 }
 
-TEST(UserPointerStream, TriesAsOftenAsTheDriverSaysAgain)
+TEST(InputMethodUserPointersTest, TriesAsOftenAsTheDriverSaysAgain)
 {
     UserPointerStream stream(userPointerCamera());
     for (unsigned int use = 1; use <= 50; ++use) {
@@ -213,7 +213,7 @@ TEST(UserPointerStream, TriesAsOftenAsTheDriverSaysAgain)
     EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 51u);
 }
 
-TEST(UserPointerStream, GivesUpAtOnceForAnyOtherError)
+TEST(InputMethodUserPointersTest, GivesUpAtOnceForAnyOtherError)
 {
     for (int const error : {EIO, ENODEV, EINVAL}) {
         UserPointerStream stream(userPointerCamera());
@@ -223,7 +223,7 @@ TEST(UserPointerStream, GivesUpAtOnceForAnyOtherError)
     }
 }
 
-TEST(UserPointerStream, EndsTheAttemptsOnceAStopIsPending)
+TEST(InputMethodUserPointersTest, EndsTheAttemptsOnceAStopIsPending)
 {
     UserPointerStream stream(userPointerCamera());
     // A second setup leaves the buffers alone, and opens the pipe that the first could not.
@@ -237,7 +237,7 @@ TEST(UserPointerStream, EndsTheAttemptsOnceAStopIsPending)
     EXPECT_LT(watch.seconds(), 1);
 }
 
-TEST(UserPointerStream, StopsStreaming)
+TEST(InputMethodUserPointersTest, StopsStreaming)
 {
     UserPointerStream stream(userPointerCamera());
     EXPECT_EQ(stream.method.stopCapture(), 0);

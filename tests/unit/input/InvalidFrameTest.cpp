@@ -10,7 +10,7 @@ namespace
 
 using namespace ImageAcquisition;
 
-TEST(InvalidFrame, OfTheProcessHasOneByteThatReadsZero)
+TEST(InvalidFrameTest, OfTheProcessHasOneByteThatReadsZero)
 {
     IFrame* const frame = IFrame::invalid();
     EXPECT_TRUE(frame->isInvalid());
@@ -25,14 +25,14 @@ TEST(InvalidFrame, OfTheProcessHasOneByteThatReadsZero)
     EXPECT_EQ(*frame->bytePtr(), 0);
 }
 
-TEST(InvalidFrame, OfTheProcessIsTheOneInstance)
+TEST(InvalidFrameTest, OfTheProcessIsTheOneInstance)
 {
     InputMethod::InvalidFrame& instance = InputMethod::InvalidFrame::getUniqueInstance();
     EXPECT_EQ(IFrame::invalid(), &instance);
     EXPECT_EQ(&InputMethod::InvalidFrame::getUniqueInstance(), &instance);
 }
 
-TEST(InvalidFrame, HasAZeroedBufferOfItsSize)
+TEST(InvalidFrameTest, HasAZeroedBufferOfItsSize)
 {
     InputMethod::InvalidFrame frame(1000);
     EXPECT_EQ(frame.allocSize(), 1000u);
@@ -44,7 +44,7 @@ TEST(InvalidFrame, HasAZeroedBufferOfItsSize)
     EXPECT_EQ(asConst.bytePtr(), frame.bytePtr());
 }
 
-TEST(InvalidFrame, MayBeEmpty)
+TEST(InvalidFrameTest, MayBeEmpty)
 {
     InputMethod::InvalidFrame const frame(0);
     EXPECT_TRUE(frame.isInvalid());

@@ -16,7 +16,7 @@ namespace
 
 using namespace ImageAcquisition;
 
-class Client : public testing::Test
+class ClientTest : public testing::Test
 {
 protected:
     VirtualCamera::InstalledCamera m_virtualCamera =
@@ -33,7 +33,7 @@ protected:
         ICameraFactory::getUniqueInstance().createBlockingCamera(&m_device)};
 };
 
-TEST_F(Client, CapturesThroughTheInterfaces)
+TEST_F(ClientTest, CapturesThroughTheInterfaces)
 {
     ASSERT_NE(m_camera, nullptr);
     EXPECT_TRUE(m_camera->setCurrentImageFormat("YUYV", 64, 48, 1, 30));
@@ -51,7 +51,7 @@ TEST_F(Client, CapturesThroughTheInterfaces)
     EXPECT_TRUE(m_virtualCamera.accounting().nothingHeld());
 }
 
-TEST_F(Client, ReachesTypedControlsByDynamicCast)
+TEST_F(ClientTest, ReachesTypedControlsByDynamicCast)
 {
     ASSERT_NE(m_camera, nullptr);
     auto* const gain = dynamic_cast<ICameraControlNumeric<int>*>(m_camera->gainControl());
@@ -63,7 +63,7 @@ TEST_F(Client, ReachesTypedControlsByDynamicCast)
     EXPECT_EQ(dynamic_cast<ICameraControlNumeric<int>*>(m_camera->invalidControl()), nullptr);
 }
 
-TEST_F(Client, IsHandedTheInvalidObjectsOfTheLibrary)
+TEST_F(ClientTest, IsHandedTheInvalidObjectsOfTheLibrary)
 {
     ASSERT_NE(m_camera, nullptr);
     EXPECT_EQ(IImageFormat::invalid(), m_camera->format(-1));

@@ -23,7 +23,7 @@ std::string contentOf(fs::path const& path)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-TEST(Environment, NamesAFileThatIsEmptiedWhenANodeIsOpened)
+TEST(EnvironmentTest, NamesAFileThatIsEmptiedWhenANodeIsOpened)
 {
     std::string folder = (fs::temp_directory_path() / "environment-XXXXXX").string();
     ASSERT_NE(mkdtemp(folder.data()), nullptr);

@@ -36,7 +36,7 @@ void expectSlots(std::ptrdiff_t slot, Members... members)
     }
 }
 
-TEST(SlotOrder, OfTheFactoryStays)
+TEST(SlotOrderTest, OfTheFactoryStays)
 {
     using I = ICameraFactory;
     expectSlots(2, &I::createDevice, &I::createDeviceList, &I::createBlockingCamera,
@@ -44,7 +44,7 @@ TEST(SlotOrder, OfTheFactoryStays)
                 &I::createContinuousCameraMonitor);
 }
 
-TEST(SlotOrder, OfTheDeviceStays)
+TEST(SlotOrderTest, OfTheDeviceStays)
 {
     using I = IDevice;
     expectSlots(2, &I::index, &I::name, &I::systemName, &I::driverName, &I::busInfo,
@@ -54,13 +54,13 @@ TEST(SlotOrder, OfTheDeviceStays)
                 &I::isaZorvaneDevice, &I::usbRevision, &I::usbSpeed);
 }
 
-TEST(SlotOrder, OfTheDeviceListStays)
+TEST(SlotOrderTest, OfTheDeviceListStays)
 {
     using I = IDeviceList;
     expectSlots(2, &I::size, &I::at, &I::deviceByName);
 }
 
-TEST(SlotOrder, OfTheCameraStays)
+TEST(SlotOrderTest, OfTheCameraStays)
 {
     using I = ICamera;
     using ByPosition = ICameraControl* (I::*)(int) const;
@@ -80,7 +80,7 @@ TEST(SlotOrder, OfTheCameraStays)
                 &I::contrastControl, &I::hueControl, &I::gammaControl, &I::autoGammaControl);
 }
 
-TEST(SlotOrder, OfTheCamerasFormatsStays)
+TEST(SlotOrderTest, OfTheCamerasFormatsStays)
 {
     using I = ICamera;
     using ByPosition = bool (I::*)(int, int, int);
@@ -91,14 +91,14 @@ TEST(SlotOrder, OfTheCamerasFormatsStays)
                 static_cast<ByName>(&I::setCurrentImageFormat));
 }
 
-TEST(SlotOrder, OfTheCamerasCaptureStays)
+TEST(SlotOrderTest, OfTheCamerasCaptureStays)
 {
     using I = IBlockingCamera;
     expectSlots(50, &I::setup, &I::startCapture, &I::acquireFrame, &I::releaseFrame,
                 &I::stopCapture, &I::cleanup);
 }
 
-TEST(SlotOrder, OfFormatsStays)
+TEST(SlotOrderTest, OfFormatsStays)
 {
     expectSlots(2, &IFramePeriod::isInvalid, &IFramePeriod::numerator, &IFramePeriod::denominator);
     expectSlots(2, &IFrameSize::isInvalid, &IFrameSize::width, &IFrameSize::height,
@@ -108,7 +108,7 @@ TEST(SlotOrder, OfFormatsStays)
                 &IImageFormat::frameSize);
 }
 
-TEST(SlotOrder, OfFramesStays)
+TEST(SlotOrderTest, OfFramesStays)
 {
     using I = IFrame;
     using Bytes = unsigned char const* (I::*)() const;
@@ -118,7 +118,7 @@ TEST(SlotOrder, OfFramesStays)
                 static_cast<WritableBytes>(&I::bytePtr));
 }
 
-TEST(SlotOrder, OfEventsStays)
+TEST(SlotOrderTest, OfEventsStays)
 {
     expectSlots(2, &ICameraEvent::type, &ICameraEvent::deviceSystemName,
                 &ICameraEvent::subSystemName);

@@ -15,7 +15,7 @@ int typeOf(char const* action)
     return event.type();
 }
 
-TEST(CameraEvent, StartsEmpty)
+TEST(CameraEventTest, StartsEmpty)
 {
     CameraEvent const event;
     EXPECT_EQ(event.type(), 0);
@@ -24,7 +24,7 @@ TEST(CameraEvent, StartsEmpty)
     EXPECT_STREQ(event.deviceType(), "");
 }
 
-TEST(CameraEvent, NumbersTheActionsOfUdev)
+TEST(CameraEventTest, NumbersTheActionsOfUdev)
 {
     EXPECT_EQ(typeOf("add"), 1);
     EXPECT_EQ(typeOf("remove"), 2);
@@ -32,7 +32,7 @@ TEST(CameraEvent, NumbersTheActionsOfUdev)
     EXPECT_EQ(typeOf("move"), 4);
 }
 
-TEST(CameraEvent, GivesZeroToOtherActions)
+TEST(CameraEventTest, GivesZeroToOtherActions)
 {
     for (char const* const action :
          {"Add", "ADD", "REMOVE", "", "ad", "adds", " add", "bind", "unbind", "online"}) {
@@ -41,7 +41,7 @@ TEST(CameraEvent, GivesZeroToOtherActions)
     EXPECT_EQ(typeOf(nullptr), 0);
 }
 
-TEST(CameraEvent, ForgetsTheEarlierTypeForAnUnknownAction)
+TEST(CameraEventTest, ForgetsTheEarlierTypeForAnUnknownAction)
 {
     CameraEvent event;
     event.setType("remove");
@@ -52,7 +52,7 @@ TEST(CameraEvent, ForgetsTheEarlierTypeForAnUnknownAction)
     EXPECT_EQ(event.type(), 0);
 }
 
-TEST(CameraEvent, KeepsTextsThatAreNotReported)
+TEST(CameraEventTest, KeepsTextsThatAreNotReported)
 {
     CameraEvent event;
     event.setDeviceSystemName("/dev/video3");

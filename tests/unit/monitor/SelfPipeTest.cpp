@@ -47,7 +47,7 @@ std::vector<int> endsOf(int end)
     return ends;
 }
 
-TEST(SelfPipe, IsClosedUntilItIsOpened)
+TEST(SelfPipeTest, IsClosedUntilItIsOpened)
 {
     SelfPipe pipe;
     EXPECT_EQ(pipe.readingEnd(), -1);
@@ -57,7 +57,7 @@ TEST(SelfPipe, IsClosedUntilItIsOpened)
     EXPECT_EQ(pipe.readingEnd(), -1);
 }
 
-TEST(SelfPipe, MakesBothEndsNonBlocking)
+TEST(SelfPipeTest, MakesBothEndsNonBlocking)
 {
     SelfPipe pipe;
     ASSERT_TRUE(pipe.open());
@@ -69,7 +69,7 @@ TEST(SelfPipe, MakesBothEndsNonBlocking)
     pipe.close();
 }
 
-TEST(SelfPipe, IsNotReadableBeforeItIsWrittenTo)
+TEST(SelfPipeTest, IsNotReadableBeforeItIsWrittenTo)
 {
     SelfPipe pipe;
     ASSERT_TRUE(pipe.open());
@@ -77,7 +77,7 @@ TEST(SelfPipe, IsNotReadableBeforeItIsWrittenTo)
     pipe.close();
 }
 
-TEST(SelfPipe, StaysReadableOnceItWasWrittenTo)
+TEST(SelfPipeTest, StaysReadableOnceItWasWrittenTo)
 {
     SelfPipe pipe;
     ASSERT_TRUE(pipe.open());
@@ -88,7 +88,7 @@ TEST(SelfPipe, StaysReadableOnceItWasWrittenTo)
     pipe.close();
 }
 
-TEST(SelfPipe, WritesTheOneByteX)
+TEST(SelfPipeTest, WritesTheOneByteX)
 {
     SelfPipe pipe;
     ASSERT_TRUE(pipe.open());
@@ -99,7 +99,7 @@ TEST(SelfPipe, WritesTheOneByteX)
     pipe.close();
 }
 
-TEST(SelfPipe, IsFreshAfterItWasOpenedAgain)
+TEST(SelfPipeTest, IsFreshAfterItWasOpenedAgain)
 {
     SelfPipe pipe;
     ASSERT_TRUE(pipe.open());
@@ -110,7 +110,7 @@ TEST(SelfPipe, IsFreshAfterItWasOpenedAgain)
     pipe.close();
 }
 
-TEST(SelfPipe, ClosesEndsThatAreOpenBeforeItOpensNewOnes)
+TEST(SelfPipeTest, ClosesEndsThatAreOpenBeforeItOpensNewOnes)
 {
     int const before = openDescriptors();
     SelfPipe pipe;
@@ -122,7 +122,7 @@ TEST(SelfPipe, ClosesEndsThatAreOpenBeforeItOpensNewOnes)
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST(SelfPipe, ReportsThatNoPipeCouldBeMade)
+TEST(SelfPipeTest, ReportsThatNoPipeCouldBeMade)
 {
     SelfPipe pipe;
     {
@@ -134,7 +134,7 @@ TEST(SelfPipe, ReportsThatNoPipeCouldBeMade)
     pipe.close();
 }
 
-TEST(SelfPipe, DoesNothingWhenItIsWrittenToOrClosedWhileClosed)
+TEST(SelfPipeTest, DoesNothingWhenItIsWrittenToOrClosedWhileClosed)
 {
     int const before = openDescriptors();
     SelfPipe pipe;
@@ -144,7 +144,7 @@ TEST(SelfPipe, DoesNothingWhenItIsWrittenToOrClosedWhileClosed)
     EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST(SelfPipe, IsNotInheritedByProgramsThatTheProcessStarts)
+TEST(SelfPipeTest, IsNotInheritedByProgramsThatTheProcessStarts)
 {
     SelfPipe pipe;
     ASSERT_TRUE(pipe.open());
@@ -156,7 +156,7 @@ TEST(SelfPipe, IsNotInheritedByProgramsThatTheProcessStarts)
     pipe.close();
 }
 
-TEST(SelfPipe, WaitsForAWriterBeforeItClosesItsEnds)
+TEST(SelfPipeTest, WaitsForAWriterBeforeItClosesItsEnds)
 {
     SelfPipe pipe;
     ASSERT_TRUE(pipe.open());
@@ -178,7 +178,7 @@ TEST(SelfPipe, WaitsForAWriterBeforeItClosesItsEnds)
 }
 
 // A write to a pipe that nobody can read any more ends the process.
-TEST(SelfPipe, DoesNotEndTheProcessOfAWriterThatComesBetweenItsTwoEnds)
+TEST(SelfPipeTest, DoesNotEndTheProcessOfAWriterThatComesBetweenItsTwoEnds)
 {
     SelfPipe pipe;
     ASSERT_TRUE(pipe.open());
@@ -193,7 +193,7 @@ TEST(SelfPipe, DoesNotEndTheProcessOfAWriterThatComesBetweenItsTwoEnds)
     EXPECT_EQ(readable, (std::vector<bool>{true, false})) << "the writing end goes first";
 }
 
-TEST(SelfPipe, DoesNotEndTheProcessOfAThreadThatWritesWhileItCloses)
+TEST(SelfPipeTest, DoesNotEndTheProcessOfAThreadThatWritesWhileItCloses)
 {
     SelfPipe pipe;
     std::atomic<bool> finished{false};
@@ -214,7 +214,7 @@ TEST(SelfPipe, DoesNotEndTheProcessOfAThreadThatWritesWhileItCloses)
     writer.join();
 }
 
-TEST(SelfPipe, WritesToNothingOnceItIsClosed)
+TEST(SelfPipeTest, WritesToNothingOnceItIsClosed)
 {
     SelfPipe pipe;
     ASSERT_TRUE(pipe.open());
@@ -228,7 +228,7 @@ TEST(SelfPipe, WritesToNothingOnceItIsClosed)
     other.close();
 }
 
-TEST(SelfPipe, LeavesItsDescriptorsToItsOwner)
+TEST(SelfPipeTest, LeavesItsDescriptorsToItsOwner)
 {
     int const free = dup(STDERR_FILENO);
     ASSERT_NE(free, -1);

@@ -17,10 +17,10 @@ using namespace ImageAcquisition;
 
 /// What a whole life of a camera leaves behind, compared with what a life before left: Qt and the
 /// testbed set up some things once.
-class RemainsTest : public SerialMachineTest
+class SerialRemainsTest : public SerialMachineTest
 {
 protected:
-    RemainsTest()
+    SerialRemainsTest()
     {
         // The first control of the table: the set ends with it.
         silence({VirtualCamera::GetLen, 1, 6});
@@ -60,31 +60,31 @@ protected:
     int m_msTool = SerialLink::msTool;
 };
 
-TEST_F(RemainsTest, AreNoneAfterExchanges)
+TEST_F(SerialRemainsTest, AreNoneAfterExchanges)
 {
     expectNoRemains(true);
 }
 
-TEST_F(RemainsTest, AreNoneWithoutDmesg)
+TEST_F(SerialRemainsTest, AreNoneWithoutDmesg)
 {
     std::filesystem::remove("../bin/dmesg");
     expectNoRemains(false);
 }
 
-TEST_F(RemainsTest, AreNoneAfterAHangingDmesg)
+TEST_F(SerialRemainsTest, AreNoneAfterAHangingDmesg)
 {
     m_tools.onPath("dmesg", "sleep 600");
     m_msTool = 300;
     expectNoRemains(false);
 }
 
-TEST_F(RemainsTest, AreNoneAfterAPortThatCannotBeOpened)
+TEST_F(SerialRemainsTest, AreNoneAfterAPortThatCannotBeOpened)
 {
     m_testbed.removeNodeFile(m_tty.path());
     expectNoRemains(false);
 }
 
-TEST_F(RemainsTest, AreNoneAfterAnUnplugging)
+TEST_F(SerialRemainsTest, AreNoneAfterAnUnplugging)
 {
     std::vector<std::string> descriptors = descriptorsButSockets();
     // The firmware goes with the camera.
@@ -100,7 +100,7 @@ TEST_F(RemainsTest, AreNoneAfterAnUnplugging)
     expectNothingElse(descriptors, threads);
 }
 
-TEST_F(RemainsTest, AreNoneOfALifeInAThreadOfTheClient)
+TEST_F(SerialRemainsTest, AreNoneOfALifeInAThreadOfTheClient)
 {
     std::vector<std::string> const descriptors = descriptorsButSockets();
     int const threads = threadCount();
@@ -110,7 +110,7 @@ TEST_F(RemainsTest, AreNoneOfALifeInAThreadOfTheClient)
     expectNothingElse(descriptors, threads);
 }
 
-TEST_F(RemainsTest, AreNoneWithACoreApplication)
+TEST_F(SerialRemainsTest, AreNoneWithACoreApplication)
 {
     int argumentCount = 1;
     char name[] = "test";

@@ -16,7 +16,7 @@ std::string portIn(std::string const& log, char const* busInfo = bus)
     return findTty(QString::fromStdString(log), busInfo).port.toStdString();
 }
 
-TEST(TtyFinder, MakesThePatternOfTheLastPartOfTheBusText)
+TEST(TtyFinderTest, MakesThePatternOfTheLastPartOfTheBusText)
 {
     EXPECT_EQ(ttyPattern(bus).toStdString(),
               "cdc_acm\\s(?<bus>[\\d\\.:]+-2\\.3):1\\.5:\\s(?<port>ttyACM\\d)");
@@ -24,7 +24,7 @@ TEST(TtyFinder, MakesThePatternOfTheLastPartOfTheBusText)
               "cdc_acm\\s(?<bus>[\\d\\.:]+-1\\.4\\.2):1\\.5:\\s(?<port>ttyACM\\d)");
 }
 
-TEST(TtyFinder, TakesABusTextWithoutDashWholeAndANullOneAsEmpty)
+TEST(TtyFinderTest, TakesABusTextWithoutDashWholeAndANullOneAsEmpty)
 {
     std::string const rest = "):1\\.5:\\s(?<port>ttyACM\\d)";
     EXPECT_EQ("cdc_acm\\s(?<bus>[\\d\\.:]+-7" + rest, ttyPattern("7").toStdString());
@@ -33,14 +33,14 @@ TEST(TtyFinder, TakesABusTextWithoutDashWholeAndANullOneAsEmpty)
     EXPECT_EQ("cdc_acm\\s(?<bus>[\\d\\.:]+-" + rest, ttyPattern(nullptr).toStdString());
 }
 
-TEST(TtyFinder, FindsTheTtyAndTheUsbPath)
+TEST(TtyFinderTest, FindsTheTtyAndTheUsbPath)
 {
     auto const found = findTty("[    5.0] cdc_acm 1-2.3:1.5: ttyACM0: USB ACM device\n", bus);
     EXPECT_EQ(found.bus.toStdString(), "1-2.3");
     EXPECT_EQ(found.port.toStdString(), "ttyACM0");
 }
 
-TEST(TtyFinder, GivesTheLastOfSeveralAnnouncements)
+TEST(TtyFinderTest, GivesTheLastOfSeveralAnnouncements)
 {
     EXPECT_EQ(portIn("[ 5.0] cdc_acm 1-2.3:1.5: ttyACM0: USB ACM device\n"
                      "[ 7.0] usb 1-2.3: USB disconnect, device number 4\n"
@@ -49,7 +49,7 @@ TEST(TtyFinder, GivesTheLastOfSeveralAnnouncements)
               "ttyACM1");
 }
 
-TEST(TtyFinder, PassesOverOtherInterfacesAndPorts)
+TEST(TtyFinderTest, PassesOverOtherInterfacesAndPorts)
 {
     EXPECT_EQ(portIn("cdc_acm 1-2.3:1.4: ttyACM0: USB ACM device"), "");
     EXPECT_EQ(portIn("cdc_acm 1-2.3:2.5: ttyACM0: USB ACM device"), "");
@@ -60,42 +60,42 @@ TEST(TtyFinder, PassesOverOtherInterfacesAndPorts)
     EXPECT_EQ(portIn("cdc_ether 1-2.3:1.5: ttyACM0: USB ACM device"), "");
 }
 
-TEST(TtyFinder, TakesADotOfThePortPathForADotOnly)
+TEST(TtyFinderTest, TakesADotOfThePortPathForADotOnly)
 {
     EXPECT_EQ(portIn("cdc_acm 1-2x3:1.5: ttyACM0: USB ACM device"), "");
     EXPECT_EQ(portIn("cdc_acm 1-213:1.5: ttyACM0: USB ACM device"), "");
 }
 
 // The bus text does not say which controller it is, so both look alike.
-TEST(TtyFinder, TakesTheSamePortPathOnAnotherController)
+TEST(TtyFinderTest, TakesTheSamePortPathOnAnotherController)
 {
     EXPECT_EQ(portIn("cdc_acm 7-2.3:1.5: ttyACM4: USB ACM device"), "ttyACM4");
 }
 
-TEST(TtyFinder, TakesOneDigitOfTheNumberOnly)
+TEST(TtyFinderTest, TakesOneDigitOfTheNumberOnly)
 {
     EXPECT_EQ(portIn("cdc_acm 1-2.3:1.5: ttyACM12: USB ACM device"), "ttyACM1");
     EXPECT_EQ(portIn("cdc_acm 1-2.3:1.5: ttyACM: USB ACM device"), "");
 }
 
-TEST(TtyFinder, IgnoresTheCaseOfLetters)
+TEST(TtyFinderTest, IgnoresTheCaseOfLetters)
 {
     EXPECT_EQ(portIn("CDC_ACM 1-2.3:1.5: TTYACM0: USB ACM DEVICE"), "TTYACM0");
 }
 
-TEST(TtyFinder, FindsNothingInAnEmptyLog)
+TEST(TtyFinderTest, FindsNothingInAnEmptyLog)
 {
     auto const found = findTty(QString(), bus);
     EXPECT_TRUE(found.bus.isEmpty());
     EXPECT_TRUE(found.port.isEmpty());
 }
 
-TEST(TtyFinder, FindsNothingForABusTextThatIsNoPattern)
+TEST(TtyFinderTest, FindsNothingForABusTextThatIsNoPattern)
 {
     EXPECT_EQ(portIn("cdc_acm 1-2.3:1.5: ttyACM0: USB ACM device", "usb-(["), "");
 }
 
-TEST(TtyFinder, FindsALineBehindMegabytesOfLog)
+TEST(TtyFinderTest, FindsALineBehindMegabytesOfLog)
 {
     std::string log;
     while (log.size() < 8 * 1024 * 1024) {

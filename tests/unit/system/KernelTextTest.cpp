@@ -10,13 +10,13 @@ namespace
 
 using ImageAcquisition::kernelText;
 
-TEST(KernelText, EndsAtTheFirstZero)
+TEST(KernelTextTest, EndsAtTheFirstZero)
 {
     unsigned char const field[8] = {'a', 'b', 0, 'c', 0, 0, 0, 0};
     EXPECT_EQ(kernelText(field), "ab");
 }
 
-TEST(KernelText, EndsWithTheFieldWhenThereIsNoZero)
+TEST(KernelTextTest, EndsWithTheFieldWhenThereIsNoZero)
 {
     struct
     {
@@ -28,13 +28,13 @@ TEST(KernelText, EndsWithTheFieldWhenThereIsNoZero)
     EXPECT_EQ(kernelText(record.field), "full");
 }
 
-TEST(KernelText, IsEmptyForAnEmptyField)
+TEST(KernelTextTest, IsEmptyForAnEmptyField)
 {
     char const field[4] = {};
     EXPECT_EQ(kernelText(field), "");
 }
 
-TEST(KernelText, KeepsBytesAbove127)
+TEST(KernelTextTest, KeepsBytesAbove127)
 {
     unsigned char const field[4] = {0xc3, 0xa4, 0, 0};
     EXPECT_EQ(kernelText(field), "\xc3\xa4");
