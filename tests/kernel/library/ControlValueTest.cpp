@@ -92,9 +92,9 @@ long long valueOf(ICameraControl const& control, ListedControl const& listed)
 
 } // namespace
 
-using Controls = FreshOrdinaryCamera;
+using ControlValueTest = FreshOrdinaryCamera;
 
-TEST_F(Controls, WrittenHereReachTheCameraAndAreReadByV4l2Ctl)
+TEST_F(ControlValueTest, WrittenHereReachTheCameraAndAreReadByV4l2Ctl)
 {
     // The automatic modes first: they hold numbers back.
     for (bool const areNumbers : {false, true}) {
@@ -120,7 +120,7 @@ TEST_F(Controls, WrittenHereReachTheCameraAndAreReadByV4l2Ctl)
     }
 }
 
-TEST_F(Controls, WrittenByV4l2CtlAreReadHere)
+TEST_F(ControlValueTest, WrittenByV4l2CtlAreReadHere)
 {
     for (bool const areNumbers : {false, true}) {
         std::vector<ListedControl> const controls = writable(m_node, areNumbers);
@@ -137,7 +137,7 @@ TEST_F(Controls, WrittenByV4l2CtlAreReadHere)
     }
 }
 
-TEST_F(Controls, ThatAnAutomaticHoldsAreRefusedUntilItIsOff)
+TEST_F(ControlValueTest, ThatAnAutomaticHoldsAreRefusedUntilItIsOff)
 {
     auto& automatic =
         dynamic_cast<ICameraControlBoolean&>(*m_camera->control("White Balance, Automatic"));
@@ -156,7 +156,7 @@ TEST_F(Controls, ThatAnAutomaticHoldsAreRefusedUntilItIsOff)
     EXPECT_EQ(m_cameras.command("get 2 10"), "b80b");
 }
 
-TEST_F(Controls, AreReadAndSetByTheTool)
+TEST_F(ControlValueTest, AreReadAndSetByTheTool)
 {
     EXPECT_EQ(runTool("set 0 brightness=-5 'Contrast=12' 2> /dev/null").status, 0);
     EXPECT_EQ(m_cameras.command("get 2 2"), "fbff");

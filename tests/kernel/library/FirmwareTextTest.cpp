@@ -31,7 +31,7 @@ struct Reply
 
 // libusb finds a device by its ids and lists the last of a bus first, which then answers for all:
 // as each is unplugged, the one before it is asked.
-TEST(FirmwareText, IsWhatTheCameraSendsUpToAZeroWhenItIsFourBytesOrMore)
+TEST(FirmwareTextTest, IsWhatTheCameraSendsUpToAZeroWhenItIsFourBytesOrMore)
 {
     std::vector<Reply> const replies{
         {"", ""},
@@ -58,7 +58,7 @@ TEST(FirmwareText, IsWhatTheCameraSendsUpToAZeroWhenItIsFourBytesOrMore)
     }
 }
 
-TEST(FirmwareText, OfACameraThatRefusesTheRequestIsEmpty)
+TEST(FirmwareTextTest, OfACameraThatRefusesTheRequestIsEmpty)
 {
     EmulatedCameras const cameras({"vendor-new"}, {"1 stall vendor"});
     std::unique_ptr<IDevice> const refused = describe(cameras.videoNode());
@@ -67,13 +67,13 @@ TEST(FirmwareText, OfACameraThatRefusesTheRequestIsEmpty)
     EXPECT_STREQ(describe(cameras.videoNode())->firmwareVersion(), "TJ8-1.3.0");
 }
 
-TEST(FirmwareText, OfAnyBytesIsPrintedAsValidJson)
+TEST(FirmwareTextTest, OfAnyBytesIsPrintedAsValidJson)
 {
     EmulatedCameras const cameras({"vendor-old,firmware-bytes=41ff0742"});
     EXPECT_EQ(readTool("list --json").at(0).at("firmware"), "A\xef\xbf\xbd\aB");
 }
 
-TEST(FirmwareText, OfCamerasWithTheSameIdsIsThatOfTheOneThatLibusbListsFirst)
+TEST(FirmwareTextTest, OfCamerasWithTheSameIdsIsThatOfTheOneThatLibusbListsFirst)
 {
     EmulatedCameras const cameras({"vendor-new,serial=NEW", "vendor-old,serial=OLD"});
     std::string const answer =
@@ -95,7 +95,7 @@ TEST(FirmwareText, OfCamerasWithTheSameIdsIsThatOfTheOneThatLibusbListsFirst)
     EXPECT_STREQ(listDevices()->at(0)->firmwareVersion(), "TJ8-1.3.0");
 }
 
-TEST(FirmwareText, OfANewCameraMakesAnOldOneWithTheSameIdsUnusable)
+TEST(FirmwareTextTest, OfANewCameraMakesAnOldOneWithTheSameIdsUnusable)
 {
     // A line of a camera that had the port before would be taken for this one's.
     ASSERT_EQ(runShell("dmesg --clear").status, 0);

@@ -87,7 +87,7 @@ std::size_t countVideoNodes()
 
 } // namespace
 
-TEST(Records, OfAnOrdinaryAndAnOldVendorCameraAreWhatTheSystemSays)
+TEST(RecordTest, OfAnOrdinaryAndAnOldVendorCameraAreWhatTheSystemSays)
 {
     EmulatedCameras const cameras(
         {"ordinary,serial=SN 42,manufacturer=Some Maker,name=Some Camera", "vendor-old"});
@@ -105,7 +105,7 @@ TEST(Records, OfAnOrdinaryAndAnOldVendorCameraAreWhatTheSystemSays)
     EXPECT_EQ(list->deviceByName(records[1]->systemName()), nullptr);
 }
 
-TEST(Records, LeaveOutTheNodesForMetadata)
+TEST(RecordTest, LeaveOutTheNodesForMetadata)
 {
     EmulatedCameras const cameras({"ordinary", "ordinary,product=0103"});
     ASSERT_EQ(countVideoNodes(), 4U);
@@ -124,7 +124,7 @@ TEST(Records, LeaveOutTheNodesForMetadata)
     }
 }
 
-TEST(Records, OfANewVendorCameraAndOfOneWithoutTextsAreWhatTheSystemSays)
+TEST(RecordTest, OfANewVendorCameraAndOfOneWithoutTextsAreWhatTheSystemSays)
 {
     EmulatedCameras const cameras({"vendor-new", "ordinary,serial=,manufacturer="});
     ListPointer const list = listDevices();
@@ -136,7 +136,7 @@ TEST(Records, OfANewVendorCameraAndOfOneWithoutTextsAreWhatTheSystemSays)
     EXPECT_STREQ(records[1]->manufacturer(), "");
 }
 
-TEST(Records, TellTheSpeedAndRevisionOfEveryLink)
+TEST(RecordTest, TellTheSpeedAndRevisionOfEveryLink)
 {
     EmulatedCameras const cameras({"ordinary,vendor=1234,product=0001,speed=full,usb=0110",
                                    "ordinary,vendor=1234,product=0002,speed=high,usb=0210",
@@ -151,7 +151,7 @@ TEST(Records, TellTheSpeedAndRevisionOfEveryLink)
     EXPECT_EQ(records[2]->usbRevision(), 0x0300);
 }
 
-TEST(Records, OfAMachineWithoutCamerasAreNone)
+TEST(RecordTest, OfAMachineWithoutCamerasAreNone)
 {
     EXPECT_EQ(listDevices()->size(), 0);
     EXPECT_EQ(runTool("list").output, "No camera.\n");

@@ -12,7 +12,7 @@ using Json = nlohmann::json;
 namespace
 {
 
-class Rights : public testing::Test
+class RightsTest : public testing::Test
 {
 protected:
     void openToAllNodes() const
@@ -34,7 +34,7 @@ protected:
 
 } // namespace
 
-TEST_F(Rights, OnTheVideoNodeAloneGiveAGenericCameraWithoutFirmwareText)
+TEST_F(RightsTest, OnTheVideoNodeAloneGiveAGenericCameraWithoutFirmwareText)
 {
     openToAll(m_node);
     Json const seen = seenByNobody();
@@ -51,7 +51,7 @@ TEST_F(Rights, OnTheVideoNodeAloneGiveAGenericCameraWithoutFirmwareText)
     EXPECT_EQ(m_cameras.status()["serialPackets"], 0);
 }
 
-TEST_F(Rights, OnTheVideoNodeAloneAreToldByTheTool)
+TEST_F(RightsTest, OnTheVideoNodeAloneAreToldByTheTool)
 {
     openToAll(m_node);
     CommandResult const list = runToolAsUser(nobody, "list --json");
@@ -67,13 +67,13 @@ TEST_F(Rights, OnTheVideoNodeAloneAreToldByTheTool)
     EXPECT_EQ(m_cameras.status()["plugs"], 1);
 }
 
-TEST_F(Rights, OnNoNodeGiveAnEmptyList)
+TEST_F(RightsTest, OnNoNodeGiveAnEmptyList)
 {
     std::filesystem::permissions(m_node, std::filesystem::perms(0600));
     EXPECT_EQ(seenByNobody(), Json({{"listed", 0}}));
 }
 
-TEST_F(Rights, OnAllNodesAndTheKernelsLogGiveTheSerialLink)
+TEST_F(RightsTest, OnAllNodesAndTheKernelsLogGiveTheSerialLink)
 {
     openToAllNodes();
     ReadableLog const log(true);
@@ -87,7 +87,7 @@ TEST_F(Rights, OnAllNodesAndTheKernelsLogGiveTheSerialLink)
     EXPECT_TRUE(m_cameras.waitUntilReady());
 }
 
-TEST_F(Rights, OnAllNodesButNotTheKernelsLogGiveNoCameraAndResetIt)
+TEST_F(RightsTest, OnAllNodesButNotTheKernelsLogGiveNoCameraAndResetIt)
 {
     openToAllNodes();
     ReadableLog const log(false);
@@ -96,7 +96,7 @@ TEST_F(Rights, OnAllNodesButNotTheKernelsLogGiveNoCameraAndResetIt)
     EXPECT_TRUE(m_cameras.waitUntilReady());
 }
 
-TEST_F(Rights, OnAllNodesButTheTerminalGiveNoCameraAndResetIt)
+TEST_F(RightsTest, OnAllNodesButTheTerminalGiveNoCameraAndResetIt)
 {
     openToAll(m_node);
     openToAll(usbNode(m_cameras));

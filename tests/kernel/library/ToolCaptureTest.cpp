@@ -24,7 +24,7 @@ std::uint32_t numberInPicture(Bytes const& picture, std::string const& header, u
     return number;
 }
 
-class ToolCaptures : public OrdinaryCamera
+class ToolCaptureTest : public OrdinaryCamera
 {
 protected:
     void SetUp() override { m_camera.reset(); }
@@ -32,7 +32,7 @@ protected:
 
 } // namespace
 
-TEST_F(ToolCaptures, AreTheCamerasFrames)
+TEST_F(ToolCaptureTest, AreTheCamerasFrames)
 {
     CommandResult const result =
         runTool("capture 0 --format YUYV --size 320x240 --fps 15 --buffers 16 -n 4 "
@@ -49,7 +49,7 @@ TEST_F(ToolCaptures, AreTheCamerasFrames)
     EXPECT_NE(text.find("Frames per second: 15.000"), std::string::npos) << text;
 }
 
-TEST_F(ToolCaptures, AreTheCamerasJpegImages)
+TEST_F(ToolCaptureTest, AreTheCamerasJpegImages)
 {
     CommandResult const result =
         runTool("capture 0 --format MJPG --size 320x240 --output-format raw -o /tmp/one.jpg");
@@ -58,7 +58,7 @@ TEST_F(ToolCaptures, AreTheCamerasJpegImages)
     EXPECT_TRUE(fileBytes("/tmp/one.jpg") == images.frame(0));
 }
 
-TEST_F(ToolCaptures, BecomePicturesWhateverTheFormat)
+TEST_F(ToolCaptureTest, BecomePicturesWhateverTheFormat)
 {
     std::string const header = "P6\n320 240\n255\n";
     for (char const* const format : {"YUYV", "MJPG", "RGB3", "YU12"}) {
@@ -77,7 +77,7 @@ TEST_F(ToolCaptures, BecomePicturesWhateverTheFormat)
     }
 }
 
-TEST_F(ToolCaptures, FailWhileAnotherProgramStreamsAndLeaveNoFile)
+TEST_F(ToolCaptureTest, FailWhileAnotherProgramStreamsAndLeaveNoFile)
 {
     CameraPointer const other = openListed(m_node);
     ASSERT_TRUE(other->setCurrentImageFormat("YUYV", 160, 120, 1, 30));

@@ -88,7 +88,7 @@ bool mayOpen(unsigned user, std::string const& node)
 
 } // namespace
 
-TEST(UdevRules, MarkTheVendorsNodesForTheUserAtTheSeatAndNoOthers)
+TEST(UdevRulesTest, MarkTheVendorsNodesForTheUserAtTheSeatAndNoOthers)
 {
     InstalledRules const rules(projectsRules());
     EmulatedCameras const cameras({"vendor-new", "ordinary,serial-port=yes"});
@@ -106,7 +106,7 @@ TEST(UdevRules, MarkTheVendorsNodesForTheUserAtTheSeatAndNoOthers)
     }
 }
 
-TEST(UdevRules, GiveTheUserAtTheSeatTheSerialLinkAndOthersNothing)
+TEST(UdevRulesTest, GiveTheUserAtTheSeatTheSerialLinkAndOthersNothing)
 {
     FuserFolder const folder;
     InstalledRules const rules(projectsRules());
@@ -131,7 +131,7 @@ TEST(UdevRules, GiveTheUserAtTheSeatTheSerialLinkAndOthersNothing)
     EXPECT_TRUE(cameras.waitUntilReady(1));
 }
 
-TEST(UdevRules, OfTheGuideForAServiceGiveTheGroupTheUsbNode)
+TEST(UdevRulesTest, OfTheGuideForAServiceGiveTheGroupTheUsbNode)
 {
     InstalledRules const rules(serviceRule());
     EmulatedCameras const cameras({"vendor-old", "ordinary"});

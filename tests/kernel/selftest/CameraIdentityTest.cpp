@@ -22,7 +22,7 @@ bool shows(CommandResult const& result, std::string const& text)
 
 } // namespace
 
-TEST(CameraIdentity, AnOrdinaryCameraIsDescribedAsChosen)
+TEST(CameraIdentityTest, AnOrdinaryCameraIsDescribedAsChosen)
 {
     EmulatedCameras const cameras({"ordinary,vendor=1234,product=5678,manufacturer=Some "
                                    "Maker,name=Some Camera,serial=SN42,usb=0210,release=0305"});
@@ -42,7 +42,7 @@ TEST(CameraIdentity, AnOrdinaryCameraIsDescribedAsChosen)
     EXPECT_EQ(cameras.serialNode(), "");
 }
 
-TEST(CameraIdentity, AMissingStringIsNoAttribute)
+TEST(CameraIdentityTest, AMissingStringIsNoAttribute)
 {
     EmulatedCameras const cameras({"ordinary,serial=,manufacturer="});
     EXPECT_EQ(runShell("test -e " + cameras.usbFolder() + "/serial").status, 1);
@@ -50,7 +50,7 @@ TEST(CameraIdentity, AMissingStringIsNoAttribute)
     EXPECT_EQ(attribute(cameras, "product"), "Ordinary Camera");
 }
 
-TEST(CameraIdentity, EveryLinkSpeedIsTakenByTheKernel)
+TEST(CameraIdentityTest, EveryLinkSpeedIsTakenByTheKernel)
 {
     for (auto const& [name, speed] :
          {std::pair{"full", "12"}, std::pair{"high", "480"}, std::pair{"super", "5000"}}) {
@@ -61,7 +61,7 @@ TEST(CameraIdentity, EveryLinkSpeedIsTakenByTheKernel)
     }
 }
 
-TEST(CameraIdentity, TheExtensionUnitHasTheVendorsGuidAndSelectors)
+TEST(CameraIdentityTest, TheExtensionUnitHasTheVendorsGuidAndSelectors)
 {
     EmulatedCameras const cameras({"vendor-old"});
     CommandResult const listed = runShell("lsusb -v -d " + attribute(cameras, "idVendor") + ":" +
@@ -71,7 +71,7 @@ TEST(CameraIdentity, TheExtensionUnitHasTheVendorsGuidAndSelectors)
     EXPECT_EQ(cameras.serialNode(), "");
 }
 
-TEST(CameraIdentity, TheSerialPortIsAnnouncedForInterfaceFive)
+TEST(CameraIdentityTest, TheSerialPortIsAnnouncedForInterfaceFive)
 {
     EmulatedCameras const cameras({"vendor-new"});
     std::string const line = lastKernelLine("USB ACM device");
@@ -79,7 +79,7 @@ TEST(CameraIdentity, TheSerialPortIsAnnouncedForInterfaceFive)
     EXPECT_EQ(cameras.serialNode(), "/dev/ttyACM0");
 }
 
-TEST(CameraIdentity, TheFirmwareTextIsAnsweredToAVendorRequest)
+TEST(CameraIdentityTest, TheFirmwareTextIsAnsweredToAVendorRequest)
 {
     EmulatedCameras const cameras({"vendor-old,firmware=TJ8-1.2.3"});
     UsbAnswer const answer = requestVendor(USBCAMERA_VENDOR_ID, USBCAMERA_PRODUCT_ID, 0xb0, 32);
@@ -87,7 +87,7 @@ TEST(CameraIdentity, TheFirmwareTextIsAnsweredToAVendorRequest)
     EXPECT_STREQ(answer.text.c_str(), "TJ8-1.2.3");
 }
 
-TEST(CameraIdentity, AFirmwareReplyCanBeAnyBytes)
+TEST(CameraIdentityTest, AFirmwareReplyCanBeAnyBytes)
 {
     EmulatedCameras const cameras({"vendor-old,firmware-bytes=544a38"});
     EXPECT_EQ(requestVendor(USBCAMERA_VENDOR_ID, USBCAMERA_PRODUCT_ID, 0xb0, 32).text, "TJ8");
@@ -96,13 +96,13 @@ TEST(CameraIdentity, AFirmwareReplyCanBeAnyBytes)
     EXPECT_EQ(requestVendor(USBCAMERA_VENDOR_ID, USBCAMERA_PRODUCT_ID, 0xb0, 32).result, 3);
 }
 
-TEST(CameraIdentity, AnOrdinaryCameraRefusesVendorRequests)
+TEST(CameraIdentityTest, AnOrdinaryCameraRefusesVendorRequests)
 {
     EmulatedCameras const cameras({"ordinary"});
     EXPECT_LT(requestVendor(0x1d6b, 0x0102, 0xb0, 32).result, 0);
 }
 
-TEST(CameraIdentity, SeveralCamerasHaveNodesOfTheirOwn)
+TEST(CameraIdentityTest, SeveralCamerasHaveNodesOfTheirOwn)
 {
     EmulatedCameras const cameras(
         {"vendor-new,serial=A", "vendor-new,serial=B", "ordinary", "vendor-new,controller=1"});
@@ -116,7 +116,7 @@ TEST(CameraIdentity, SeveralCamerasHaveNodesOfTheirOwn)
     EXPECT_NE(cameras.serialNode(1), cameras.serialNode(4));
 }
 
-TEST(CameraIdentity, AResetRequestMakesTheCameraLeaveAndComeBack)
+TEST(CameraIdentityTest, AResetRequestMakesTheCameraLeaveAndComeBack)
 {
     EmulatedCameras const cameras({"vendor-new,reset-delay=100"});
     cameras.command("set 3 2 0700");

@@ -33,7 +33,7 @@ public:
 
 } // namespace
 
-TEST(CameraStream, EveryFormatSizeAndIntervalIsListed)
+TEST(CameraStreamTest, EveryFormatSizeAndIntervalIsListed)
 {
     EmulatedCameras const cameras({"ordinary"});
     std::string const listed =
@@ -45,7 +45,7 @@ TEST(CameraStream, EveryFormatSizeAndIntervalIsListed)
     }
 }
 
-TEST(CameraStream, ThreeHundredFramesArriveWithEveryByteAndNoneLost)
+TEST(CameraStreamTest, ThreeHundredFramesArriveWithEveryByteAndNoneLost)
 {
     EmulatedCameras const cameras({"ordinary"});
     FramePainter painter(640, 480);
@@ -62,7 +62,7 @@ TEST(CameraStream, ThreeHundredFramesArriveWithEveryByteAndNoneLost)
     RecordProperty("framesPerSecond", std::to_string(300 / took.count()));
 }
 
-TEST(CameraStream, EverySizeArrivesWhole)
+TEST(CameraStreamTest, EverySizeArrivesWhole)
 {
     EmulatedCameras const cameras({"ordinary"});
     for (auto const& [width, height, rate] :
@@ -75,7 +75,7 @@ TEST(CameraStream, EverySizeArrivesWhole)
     }
 }
 
-TEST(CameraStream, JpegImagesCountTheirFrames)
+TEST(CameraStreamTest, JpegImagesCountTheirFrames)
 {
     EmulatedCameras const cameras({"ordinary"});
     JpegFrames images(640, 480);
@@ -88,7 +88,7 @@ TEST(CameraStream, JpegImagesCountTheirFrames)
     }
 }
 
-TEST(CameraStream, EveryStartCountsFromZeroAgain)
+TEST(CameraStreamTest, EveryStartCountsFromZeroAgain)
 {
     EmulatedCameras const cameras({"ordinary"});
     for (int round = 0; round < 3; ++round) {
@@ -99,7 +99,7 @@ TEST(CameraStream, EveryStartCountsFromZeroAgain)
     }
 }
 
-TEST(CameraStream, FramesComeAtThePaceThatWasChosen)
+TEST(CameraStreamTest, FramesComeAtThePaceThatWasChosen)
 {
     EmulatedCameras const cameras({"ordinary"});
     RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 320, 240, 15);
@@ -112,7 +112,7 @@ TEST(CameraStream, FramesComeAtThePaceThatWasChosen)
     EXPECT_GT(took.count(), 0.9);
 }
 
-TEST(CameraStream, FullAndSuperSpeedCamerasStreamToo)
+TEST(CameraStreamTest, FullAndSuperSpeedCamerasStreamToo)
 {
     for (char const* speed : {"full", "super"}) {
         EmulatedCameras const cameras({std::string("ordinary,speed=") + speed});
@@ -125,7 +125,7 @@ TEST(CameraStream, FullAndSuperSpeedCamerasStreamToo)
     }
 }
 
-TEST(CameraStream, TwoCamerasStreamAtOnce)
+TEST(CameraStreamTest, TwoCamerasStreamAtOnce)
 {
     EmulatedCameras const cameras({"ordinary", "vendor-old"});
     RawCapture first(cameras.videoNode(1), V4L2_PIX_FMT_YUYV, 320, 240, 15);
@@ -136,7 +136,7 @@ TEST(CameraStream, TwoCamerasStreamAtOnce)
     }
 }
 
-TEST(CameraStream, TheDriverDropsACorruptedFrame)
+TEST(CameraStreamTest, TheDriverDropsACorruptedFrame)
 {
     EmulatedCameras const cameras({"ordinary"}, {"1 corrupt 2"});
     RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 160, 120);
@@ -147,7 +147,7 @@ TEST(CameraStream, TheDriverDropsACorruptedFrame)
     }
 }
 
-TEST(CameraStream, FaultyFramesArriveMarkedWhenTheDriverKeepsThem)
+TEST(CameraStreamTest, FaultyFramesArriveMarkedWhenTheDriverKeepsThem)
 {
     KeptFrames const kept;
     EmulatedCameras const cameras({"ordinary"}, {"1 corrupt 1", "1 cut 3 10000"});
@@ -160,7 +160,7 @@ TEST(CameraStream, FaultyFramesArriveMarkedWhenTheDriverKeepsThem)
     }
 }
 
-TEST(CameraStream, AHeldCameraSendsNothingUntilItIsReleased)
+TEST(CameraStreamTest, AHeldCameraSendsNothingUntilItIsReleased)
 {
     EmulatedCameras const cameras({"ordinary"}, {"1 hold 2"});
     RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 160, 120);
@@ -172,7 +172,7 @@ TEST(CameraStream, AHeldCameraSendsNothingUntilItIsReleased)
     EXPECT_EQ(FramePainter::readNumber(capture.next().bytes.data(), 160), 2U);
 }
 
-TEST(CameraStream, ACameraUnpluggedInAFrameIsGoneForTheReader)
+TEST(CameraStreamTest, ACameraUnpluggedInAFrameIsGoneForTheReader)
 {
     EmulatedCameras const cameras({"ordinary"}, {"1 unplug frame 3"});
     {

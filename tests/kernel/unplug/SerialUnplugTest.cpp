@@ -14,7 +14,7 @@ using namespace KernelTest;
 namespace
 {
 
-class SerialUnplugging : public testing::Test
+class SerialUnplugTest : public testing::Test
 {
 protected:
     ICameraControlNumeric<int>& focus()
@@ -47,7 +47,7 @@ protected:
 
 } // namespace
 
-TEST_F(SerialUnplugging, InsteadOfAReplyEndsTheExchangeWithinItsAttempts)
+TEST_F(SerialUnplugTest, InsteadOfAReplyEndsTheExchangeWithinItsAttempts)
 {
     repeat(2, [this] {
         m_victim.device().command("unplug serial 1");
@@ -60,7 +60,7 @@ TEST_F(SerialUnplugging, InsteadOfAReplyEndsTheExchangeWithinItsAttempts)
     });
 }
 
-TEST_F(SerialUnplugging, WhileAReplyIsAwaitedEndsTheExchangeWithinItsAttempts)
+TEST_F(SerialUnplugTest, WhileAReplyIsAwaitedEndsTheExchangeWithinItsAttempts)
 {
     repeat(2, [this] {
         m_victim.device().command("serial silent");
@@ -86,7 +86,7 @@ TEST_F(SerialUnplugging, WhileAReplyIsAwaitedEndsTheExchangeWithinItsAttempts)
     });
 }
 
-TEST_F(SerialUnplugging, BetweenListAndOpenGivesNoCamera)
+TEST_F(SerialUnplugTest, BetweenListAndOpenGivesNoCamera)
 {
     repeat(2, [this] { EXPECT_EQ(m_victim.openFromStaleList(), nullptr); });
 }

@@ -48,7 +48,7 @@ ExpectedMapping const& rowNamed(std::string const& name)
 
 } // namespace
 
-TEST(PrivateValues, ChangedInTheCameraAreReadHere)
+TEST(PrivateControlFaultTest, ChangedInTheCameraAreReadHere)
 {
     EmulatedCameras const cameras({"vendor-old"});
     CameraPointer const camera = openListed(cameras.videoNode());
@@ -60,7 +60,7 @@ TEST(PrivateValues, ChangedInTheCameraAreReadHere)
     }
 }
 
-TEST(PrivateValues, AreRememberedByTheDriverUnlessTheyChangeByThemselves)
+TEST(PrivateControlFaultTest, AreRememberedByTheDriverUnlessTheyChangeByThemselves)
 {
     EmulatedCameras const cameras({"vendor-old"});
     CameraPointer const camera = openListed(cameras.videoNode());
@@ -74,7 +74,7 @@ TEST(PrivateValues, AreRememberedByTheDriverUnlessTheyChangeByThemselves)
     EXPECT_EQ(valueOf(controlOf(*camera, temperature.name), temperature), 40);
 }
 
-TEST(PrivateValues, ThatTheCameraRefusesAreNotSet)
+TEST(PrivateControlFaultTest, ThatTheCameraRefusesAreNotSet)
 {
     EmulatedCameras const cameras({"vendor-old"});
     CameraPointer const camera = openListed(cameras.videoNode());
@@ -86,7 +86,7 @@ TEST(PrivateValues, ThatTheCameraRefusesAreNotSet)
     EXPECT_EQ(cameras.command("get 3 1"), "03");
 }
 
-TEST(PrivateValues, AreMissingWithoutTheExtensionUnitAndAllElseIsThere)
+TEST(PrivateControlFaultTest, AreMissingWithoutTheExtensionUnitAndAllElseIsThere)
 {
     EmulatedCameras const cameras({"vendor-old,extension-unit=no"});
     CameraPointer const camera = openListed(cameras.videoNode());
@@ -101,7 +101,7 @@ TEST(PrivateValues, AreMissingWithoutTheExtensionUnitAndAllElseIsThere)
     EXPECT_FALSE(camera->acquireFrame()->isInvalid());
 }
 
-TEST(PrivateValues, OfAControlWithAnAbsurdLengthCannotBeSetAndTheOthersCan)
+TEST(PrivateControlFaultTest, OfAControlWithAnAbsurdLengthCannotBeSetAndTheOthersCan)
 {
     EmulatedCameras const cameras({"vendor-old"}, {"1 length 3 1 5000"});
     CameraPointer const camera = openListed(cameras.videoNode());

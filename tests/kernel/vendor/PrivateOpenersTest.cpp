@@ -24,7 +24,7 @@ using Json = nlohmann::json;
 namespace
 {
 
-class PrivateControlOpeners : public testing::Test
+class PrivateOpenersTest : public testing::Test
 {
 protected:
     EmulatedCameras const m_cameras{{"vendor-old"}};
@@ -84,7 +84,7 @@ char const* shownFamily(ExpectedMapping const& row)
 
 } // namespace
 
-TEST_F(PrivateControlOpeners, FindThemMappedAlreadyAndHaveTheSameControls)
+TEST_F(PrivateOpenersTest, FindThemMappedAlreadyAndHaveTheSameControls)
 {
     std::vector<unsigned> const ids = idsOf(*m_camera);
     for (ExpectedMapping const& row : expectedMappings()) {
@@ -106,7 +106,7 @@ TEST_F(PrivateControlOpeners, FindThemMappedAlreadyAndHaveTheSameControls)
     EXPECT_EQ(valueOf(controlOf(*m_camera, row.name), row), 3);
 }
 
-TEST_F(PrivateControlOpeners, MayBeAnotherProgramMeanwhile)
+TEST_F(PrivateOpenersTest, MayBeAnotherProgramMeanwhile)
 {
     ExpectedMapping const& row = expectedMappings().front();
     EXPECT_TRUE(setValue(controlOf(*m_camera, row.name), row, 3));
@@ -117,7 +117,7 @@ TEST_F(PrivateControlOpeners, MayBeAnotherProgramMeanwhile)
     EXPECT_EQ(m_cameras.command("get 3 9"), "00002c010100");
 }
 
-TEST_F(PrivateControlOpeners, SeeThemInTheToolAsTheTableSays)
+TEST_F(PrivateOpenersTest, SeeThemInTheToolAsTheTableSays)
 {
     std::map<std::string, Json> shown;
     Json const all = readTool("show 0 --json");

@@ -26,7 +26,7 @@ bool isOpenHere(std::string const& node)
     return std::find(targets.begin(), targets.end(), node) != targets.end();
 }
 
-class SerialCamera : public testing::Test
+class SerialCameraTest : public testing::Test
 {
 protected:
     FuserFolder const m_folder;
@@ -35,7 +35,7 @@ protected:
 
 } // namespace
 
-TEST_F(SerialCamera, FindsItsPortInTheKernelsLogAndHoldsIt)
+TEST_F(SerialCameraTest, FindsItsPortInTheKernelsLogAndHoldsIt)
 {
     std::string const node = m_cameras.serialNode();
     std::string const line = lastKernelLine("ttyACM");
@@ -52,7 +52,7 @@ TEST_F(SerialCamera, FindsItsPortInTheKernelsLogAndHoldsIt)
     EXPECT_EQ(runShell("./fuser " + node + " 2> /dev/null").output, "");
 }
 
-TEST_F(SerialCamera, DeliversEveryFrameWhileItsControlsAreUsed)
+TEST_F(SerialCameraTest, DeliversEveryFrameWhileItsControlsAreUsed)
 {
     CameraPointer const camera = openListed(m_cameras.videoNode());
     ASSERT_NE(camera, nullptr);
@@ -72,7 +72,7 @@ TEST_F(SerialCamera, DeliversEveryFrameWhileItsControlsAreUsed)
     }
 }
 
-TEST_F(SerialCamera, IsShownReadSetAndCapturedByTheTool)
+TEST_F(SerialCameraTest, IsShownReadSetAndCapturedByTheTool)
 {
     nlohmann::json const shown = readTool("show 0 --json");
     ASSERT_EQ(shown.at("controls").size(), serialRows().size());

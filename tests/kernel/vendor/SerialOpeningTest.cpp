@@ -30,7 +30,7 @@ std::vector<std::string> openNodes()
 }
 
 /// A camera that is reset when it does not open.
-class SerialOpening : public testing::Test
+class SerialOpeningTest : public testing::Test
 {
 protected:
     void start(std::string const& model, EmulatedCameras::Texts const& commands = {})
@@ -72,7 +72,7 @@ protected:
 
 } // namespace
 
-TEST_F(SerialOpening, OfAHeldPortResetsTheCamera)
+TEST_F(SerialOpeningTest, OfAHeldPortResetsTheCamera)
 {
     start("vendor-new");
     std::string const node = m_cameras->serialNode();
@@ -88,7 +88,7 @@ TEST_F(SerialOpening, OfAHeldPortResetsTheCamera)
     ::close(holder);
 }
 
-TEST_F(SerialOpening, OfACameraThatDoesNotAnswerEndsAtItsFirstControl)
+TEST_F(SerialOpeningTest, OfACameraThatDoesNotAnswerEndsAtItsFirstControl)
 {
     start("vendor-new", {"1 serial silent"});
     m_children = childrenOfThisProcess();
@@ -109,7 +109,7 @@ TEST_F(SerialOpening, OfACameraThatDoesNotAnswerEndsAtItsFirstControl)
     awaitReset();
 }
 
-TEST_F(SerialOpening, OfACameraWithoutAPortResetsIt)
+TEST_F(SerialOpeningTest, OfACameraWithoutAPortResetsIt)
 {
     start("vendor-new,serial-port=no");
     m_children = childrenOfThisProcess();

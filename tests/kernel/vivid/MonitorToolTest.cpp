@@ -13,7 +13,7 @@ namespace
 {
 
 /// `iacq monitor` while vivid comes and goes.
-class MonitorTool : public testing::Test
+class MonitorToolTest : public testing::Test
 {
 protected:
     void start(std::string const& arguments)
@@ -37,7 +37,7 @@ protected:
 
 } // namespace
 
-TEST_F(MonitorTool, PrintsALineForEachEventAndEndsAfterSoMany)
+TEST_F(MonitorToolTest, PrintsALineForEachEventAndEndsAfterSoMany)
 {
     start("--count 2 --timeout 120");
     comeAndGo();
@@ -47,7 +47,7 @@ TEST_F(MonitorTool, PrintsALineForEachEventAndEndsAfterSoMany)
     EXPECT_NE(lines()[1].find(" remove /dev/video0 video4linux"), std::string::npos) << lines()[1];
 }
 
-TEST_F(MonitorTool, PrintsObjectsAndEndsWithCtrlC)
+TEST_F(MonitorToolTest, PrintsObjectsAndEndsWithCtrlC)
 {
     start("--json");
     comeAndGo();
@@ -62,7 +62,7 @@ TEST_F(MonitorTool, PrintsObjectsAndEndsWithCtrlC)
     EXPECT_EQ(lines().size(), 2U);
 }
 
-TEST_F(MonitorTool, EndsInTimeWhenNothingHappens)
+TEST_F(MonitorToolTest, EndsInTimeWhenNothingHappens)
 {
     start("--timeout 1");
     EXPECT_EQ(m_command->wait(), 0);

@@ -19,7 +19,7 @@ using namespace KernelTest;
 namespace
 {
 
-class VividCapture : public testing::Test
+class VividCaptureTest : public testing::Test
 {
 protected:
     void SetUp() override
@@ -91,7 +91,7 @@ unsigned long long countLost(FrameRecords const& frames)
 
 } // namespace
 
-TEST_F(VividCapture, FramesRiseInNumberAndTimeAndThreeHundredInARowComeWithoutLoss)
+TEST_F(VividCaptureTest, FramesRiseInNumberAndTimeAndThreeHundredInARowComeWithoutLoss)
 {
     double const begin = monotonicSeconds();
     // vivid skips a frame by itself when a busy host keeps the whole machine from running, so the
@@ -115,7 +115,7 @@ TEST_F(VividCapture, FramesRiseInNumberAndTimeAndThreeHundredInARowComeWithoutLo
     EXPECT_NEAR(interval, 1.0 / 25, 0.2 / 25);
 }
 
-TEST_F(VividCapture, NumbersStartAnewWithEachCapture)
+TEST_F(VividCaptureTest, NumbersStartAnewWithEachCapture)
 {
     for (int round = 0; round < 3; ++round) {
         FrameRecords const frames = captureFrames(*m_camera, 3);
@@ -124,7 +124,7 @@ TEST_F(VividCapture, NumbersStartAnewWithEachCapture)
     }
 }
 
-TEST_F(VividCapture, FramesAreThoseThatV4l2CtlWrites)
+TEST_F(VividCaptureTest, FramesAreThoseThatV4l2CtlWrites)
 {
     for (char const* format : {"YUYV", "UYVY", "GREY", "NV12", "RGB3", "YU12", "RGGB"}) {
         SCOPED_TRACE(format);
@@ -139,7 +139,7 @@ TEST_F(VividCapture, FramesAreThoseThatV4l2CtlWrites)
     }
 }
 
-TEST_F(VividCapture, AStillPictureIsTheSameInEveryFrameAndDiffersFromAnother)
+TEST_F(VividCaptureTest, AStillPictureIsTheSameInEveryFrameAndDiffersFromAnother)
 {
     Bytes const other = capturedByV4l2Ctl(firstNode);
     v4l2Ctl(firstNode, "--set-ctrl=test_pattern=10");
@@ -153,7 +153,7 @@ TEST_F(VividCapture, AStillPictureIsTheSameInEveryFrameAndDiffersFromAnother)
     }
 }
 
-TEST_F(VividCapture, AFrameWithTheErrorBitIsCorruptedAndTheNextIsNot)
+TEST_F(VividCaptureTest, AFrameWithTheErrorBitIsCorruptedAndTheNextIsNot)
 {
     Stream const stream(*m_camera, 4);
     EXPECT_FALSE(m_camera->acquireFrame()->isCorrupted());
@@ -169,14 +169,14 @@ TEST_F(VividCapture, AFrameWithTheErrorBitIsCorruptedAndTheNextIsNot)
     EXPECT_FALSE(m_camera->acquireFrame()->isCorrupted());
 }
 
-TEST_F(VividCapture, DroppedFramesAreGapsInTheNumbers)
+TEST_F(VividCaptureTest, DroppedFramesAreGapsInTheNumbers)
 {
     ControlKeeper const keeper(firstNode);
     v4l2Ctl(firstNode, "--set-ctrl=percentage_of_dropped_buffers=50");
     EXPECT_GT(countLost(captureFrames(*m_camera, 20)), 0U);
 }
 
-TEST_F(VividCapture, RefusedCallsFailAndTheNextCaptureWorks)
+TEST_F(VividCaptureTest, RefusedCallsFailAndTheNextCaptureWorks)
 {
     press("Inject VIDIOC_REQBUFS Error");
     EXPECT_EQ(m_camera->setup(4), -1);
@@ -195,7 +195,7 @@ TEST_F(VividCapture, RefusedCallsFailAndTheNextCaptureWorks)
     EXPECT_EQ(captureFrames(*m_camera, 5).size(), 5U);
 }
 
-TEST_F(VividCapture, AFatalErrorEndsInTheInvalidFrameAndTheNextCaptureWorks)
+TEST_F(VividCaptureTest, AFatalErrorEndsInTheInvalidFrameAndTheNextCaptureWorks)
 {
     {
         Stream const stream(*m_camera, 4);
@@ -205,7 +205,7 @@ TEST_F(VividCapture, AFatalErrorEndsInTheInvalidFrameAndTheNextCaptureWorks)
     EXPECT_EQ(captureFrames(*m_camera, 5).size(), 5U);
 }
 
-TEST_F(VividCapture, WithAllBuffersHeldNoFrameComesWithinTwoSeconds)
+TEST_F(VividCaptureTest, WithAllBuffersHeldNoFrameComesWithinTwoSeconds)
 {
     Stream const stream(*m_camera, 4);
     std::vector<IFrame*> held;
@@ -224,13 +224,13 @@ TEST_F(VividCapture, WithAllBuffersHeldNoFrameComesWithinTwoSeconds)
     EXPECT_FALSE(m_camera->acquireFrame()->isInvalid());
 }
 
-TEST_F(VividCapture, TheDriverMayGrantMoreBuffersThanAskedFor)
+TEST_F(VividCaptureTest, TheDriverMayGrantMoreBuffersThanAskedFor)
 {
     Stream const stream(*m_camera, 1);
     EXPECT_EQ(stream.takeAll().size(), 2U);
 }
 
-TEST_F(VividCapture, TheDriverMayGrantFewerBuffersThanAskedFor)
+TEST_F(VividCaptureTest, TheDriverMayGrantFewerBuffersThanAskedFor)
 {
     ASSERT_TRUE(m_camera->setCurrentImageFormat("YUYV", 320, 180, 1, 50));
     for (int const asked : {40, -1}) {
@@ -239,14 +239,14 @@ TEST_F(VividCapture, TheDriverMayGrantFewerBuffersThanAskedFor)
     }
 }
 
-TEST_F(VividCapture, NoBuffersAreNoCapture)
+TEST_F(VividCaptureTest, NoBuffersAreNoCapture)
 {
     EXPECT_EQ(m_camera->setup(0), -1);
     EXPECT_TRUE(m_camera->acquireFrame()->isInvalid());
     EXPECT_EQ(m_camera->cleanup(), 0);
 }
 
-TEST_F(VividCapture, StoppingFromAnotherThreadEndsAWait)
+TEST_F(VividCaptureTest, StoppingFromAnotherThreadEndsAWait)
 {
     Stream const stream(*m_camera, 2);
     ASSERT_FALSE(m_camera->acquireFrame()->isInvalid());
@@ -267,7 +267,7 @@ TEST_F(VividCapture, StoppingFromAnotherThreadEndsAWait)
     EXPECT_LT(ended - begin, 1.9);
 }
 
-TEST_F(VividCapture, TheFormatStaysWhileStreaming)
+TEST_F(VividCaptureTest, TheFormatStaysWhileStreaming)
 {
     IFrameSize const* const before = m_camera->currentFrameSize();
     {
@@ -280,7 +280,7 @@ TEST_F(VividCapture, TheFormatStaysWhileStreaming)
     EXPECT_TRUE(m_camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
 }
 
-TEST_F(VividCapture, TheFormatStaysWhileBuffersArePrepared)
+TEST_F(VividCaptureTest, TheFormatStaysWhileBuffersArePrepared)
 {
     ASSERT_EQ(m_camera->setup(4), 0);
     EXPECT_FALSE(m_camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
@@ -288,7 +288,7 @@ TEST_F(VividCapture, TheFormatStaysWhileBuffersArePrepared)
     EXPECT_TRUE(m_camera->setCurrentImageFormat("YUYV", 640, 360, 1, 25));
 }
 
-TEST_F(VividCapture, TwoCamerasCaptureAtOnce)
+TEST_F(VividCaptureTest, TwoCamerasCaptureAtOnce)
 {
     showStillPicture(secondNode);
     CameraPointer const other = openCamera(secondNode);

@@ -9,9 +9,9 @@
 using namespace ImageAcquisition;
 using namespace KernelTest;
 
-using VividControlSet = VividControls;
+using VividControlSetTest = VividControls;
 
-TEST_F(VividControlSet, HasEveryPlainControlAsListed)
+TEST_F(VividControlSetTest, HasEveryPlainControlAsListed)
 {
     std::vector<ListedControl> const listed = plainControls(firstNode);
     ASSERT_GT(listed.size(), 50U);
@@ -21,7 +21,7 @@ TEST_F(VividControlSet, HasEveryPlainControlAsListed)
     }
 }
 
-TEST_F(VividControlSet, HasMenusWithHoles)
+TEST_F(VividControlSetTest, HasMenusWithHoles)
 {
     unsigned holes = 0;
     for (ListedControl const& one : plainControls(firstNode)) {
@@ -34,7 +34,7 @@ TEST_F(VividControlSet, HasMenusWithHoles)
     EXPECT_GE(holes, 3U);
 }
 
-TEST_F(VividControlSet, HasAControlOfEachTypeThatVividOffers)
+TEST_F(VividControlSetTest, HasAControlOfEachTypeThatVividOffers)
 {
     std::set<ICameraControl::Type> types;
     for (int i = 0; i < m_camera->controlNumber(); ++i) {
@@ -45,7 +45,7 @@ TEST_F(VividControlSet, HasAControlOfEachTypeThatVividOffers)
     }
 }
 
-TEST_F(VividControlSet, IsSortedByName)
+TEST_F(VividControlSetTest, IsSortedByName)
 {
     for (int i = 1; i < m_camera->controlNumber(); ++i) {
         EXPECT_LE(std::strcmp(m_camera->control(i - 1)->name(), m_camera->control(i)->name()), 0)
@@ -53,7 +53,7 @@ TEST_F(VividControlSet, IsSortedByName)
     }
 }
 
-TEST_F(VividControlSet, HasNoCompoundControl)
+TEST_F(VividControlSetTest, HasNoCompoundControl)
 {
     unsigned compound = 0;
     for (ListedControl const& one : listControls(firstNode)) {
@@ -66,7 +66,7 @@ TEST_F(VividControlSet, HasNoCompoundControl)
     EXPECT_EQ(m_camera->control("U8 2x3x4x5 Array"), m_camera->invalidControl());
 }
 
-TEST_F(VividControlSet, AnswersByTheNamedGetters)
+TEST_F(VividControlSetTest, AnswersByTheNamedGetters)
 {
     EXPECT_STREQ(m_camera->brightnessControl()->name(), "Brightness");
     EXPECT_STREQ(m_camera->contrastControl()->name(), "Contrast");

@@ -45,7 +45,7 @@ private:
 
 } // namespace
 
-TEST(VividFormats, AreThoseThatV4l2CtlListsInEveryField)
+TEST(VividFormatTest, AreThoseThatV4l2CtlListsInEveryField)
 {
     CameraPointer const camera = openCamera();
     std::vector<ListedFormat> const listed = listFormats(firstNode);
@@ -53,7 +53,7 @@ TEST(VividFormats, AreThoseThatV4l2CtlListsInEveryField)
     expectListedFormats(*camera, listed);
 }
 
-TEST(VividFormats, EndWithTheInvalidOne)
+TEST(VividFormatTest, EndWithTheInvalidOne)
 {
     CameraPointer const camera = openCamera();
     EXPECT_TRUE(camera->format(camera->formatNumber())->isInvalid());
@@ -64,7 +64,7 @@ TEST(VividFormats, EndWithTheInvalidOne)
     EXPECT_FALSE(camera->setCurrentImageFormat("YUYV", 320, 180, 1, 26));
 }
 
-TEST(VividFormats, EachOneIsSelectedAndReadBack)
+TEST(VividFormatTest, EachOneIsSelectedAndReadBack)
 {
     CameraPointer const camera = openCamera();
     for (int i = 0; i < camera->formatNumber(); ++i) {
@@ -79,7 +79,7 @@ TEST(VividFormats, EachOneIsSelectedAndReadBack)
     }
 }
 
-TEST(VividFormats, EachSizeAndIntervalIsSelectedAndReadBack)
+TEST(VividFormatTest, EachSizeAndIntervalIsSelectedAndReadBack)
 {
     CameraPointer const camera = openCamera();
     IImageFormat const* const format = camera->format(1);
@@ -92,7 +92,7 @@ TEST(VividFormats, EachSizeAndIntervalIsSelectedAndReadBack)
     }
 }
 
-TEST(VividFormats, WhatIsSelectedByIndexIsWhatV4l2CtlReports)
+TEST(VividFormatTest, WhatIsSelectedByIndexIsWhatV4l2CtlReports)
 {
     CameraPointer const camera = openCamera();
     ASSERT_STREQ(camera->format(1)->name(), "UYVY");
@@ -106,7 +106,7 @@ TEST(VividFormats, WhatIsSelectedByIndexIsWhatV4l2CtlReports)
     EXPECT_EQ(camera->currentFrameSize()->bytesPerLine(), 640 * 2);
 }
 
-TEST(VividFormats, WhatIsSelectedByNameIsWhatV4l2CtlReports)
+TEST(VividFormatTest, WhatIsSelectedByNameIsWhatV4l2CtlReports)
 {
     CameraPointer const camera = openCamera();
     ASSERT_TRUE(camera->setCurrentImageFormat("GREY", 1280, 720, 2, 25));
@@ -116,7 +116,7 @@ TEST(VividFormats, WhatIsSelectedByNameIsWhatV4l2CtlReports)
     expectPrinted(text, "Frames per second: 12.500 (25/2)");
 }
 
-TEST(VividFormats, WhatV4l2CtlSelectsIsReadByACameraOpenedLater)
+TEST(VividFormatTest, WhatV4l2CtlSelectsIsReadByACameraOpenedLater)
 {
     v4l2Ctl(firstNode, "--set-fmt-video=width=640,height=360,pixelformat=NV12 --set-parm=15");
     CameraPointer const camera = openCamera();
@@ -127,7 +127,7 @@ TEST(VividFormats, WhatV4l2CtlSelectsIsReadByACameraOpenedLater)
     EXPECT_EQ(camera->currentFrameInterval()->denominator(), 15U);
 }
 
-TEST(VividFormats, WhatV4l2CtlSelectsIsNotSeenByAnOpenCamera)
+TEST(VividFormatTest, WhatV4l2CtlSelectsIsNotSeenByAnOpenCamera)
 {
     CameraPointer const camera = openCamera();
     ASSERT_TRUE(selectSmall(*camera));
@@ -140,7 +140,7 @@ TEST(VividFormats, WhatV4l2CtlSelectsIsNotSeenByAnOpenCamera)
     EXPECT_EQ(camera->acquireFrame()->bytesUsed(), smallSize);
 }
 
-TEST(VividFormats, ARangeOfSizesMakesNoListAndNoSelection)
+TEST(VividFormatTest, ARangeOfSizesMakesNoListAndNoSelection)
 {
     OtherInput const television(1);
     CameraPointer const camera = openCamera();

@@ -75,7 +75,7 @@ void expectCaptures()
 
 } // namespace
 
-TEST(VividRemoval, EndsTheWaitOfABlockedReader)
+TEST(VividRemovalTest, EndsTheWaitOfABlockedReader)
 {
     CameraPointer camera = openCamera();
     ASSERT_TRUE(selectSmall(*camera));
@@ -102,7 +102,7 @@ TEST(VividRemoval, EndsTheWaitOfABlockedReader)
     expectCaptures();
 }
 
-TEST(VividRemoval, ReachesACaptureThatRunsAndAnIdleCamera)
+TEST(VividRemovalTest, ReachesACaptureThatRunsAndAnIdleCamera)
 {
     CameraPointer capturing = openCamera();
     CameraPointer idle = openCamera(secondNode);
@@ -130,7 +130,7 @@ TEST(VividRemoval, ReachesACaptureThatRunsAndAnIdleCamera)
     expectCaptures();
 }
 
-TEST(VividRemoval, OfTheModuleHasToWaitForTheCamera)
+TEST(VividRemovalTest, OfTheModuleHasToWaitForTheCamera)
 {
     CameraPointer camera = openCamera();
     EXPECT_NE(runShell("rmmod vivid").status, 0);
@@ -149,7 +149,7 @@ TEST(VividRemoval, OfTheModuleHasToWaitForTheCamera)
     expectCaptures();
 }
 
-TEST(VividRemoval, OfADisconnectedDeviceEndsWithTheLastCamera)
+TEST(VividRemovalTest, OfADisconnectedDeviceEndsWithTheLastCamera)
 {
     {
         CameraPointer const camera = openCamera();

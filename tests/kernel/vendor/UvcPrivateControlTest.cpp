@@ -35,7 +35,7 @@ ICameraControl::Type typeOf(ExpectedMapping const& row)
     }
 }
 
-class PrivateControls : public testing::Test
+class UvcPrivateControlTest : public testing::Test
 {
 protected:
     EmulatedCameras const m_cameras{{"vendor-old"}};
@@ -55,7 +55,7 @@ int errorOfPlainCall(std::string const& node, unsigned long request, unsigned id
 
 } // namespace
 
-TEST_F(PrivateControls, AreListedWithNameTypeFamilyAndItems)
+TEST_F(UvcPrivateControlTest, AreListedWithNameTypeFamilyAndItems)
 {
     int found = 0;
     for (int i = 0; i < m_camera->controlNumber(); ++i) {
@@ -80,7 +80,7 @@ TEST_F(PrivateControls, AreListedWithNameTypeFamilyAndItems)
     EXPECT_EQ(m_camera->autoGammaControl()->id(), V4L2_CID_PRIVATE_BASE + 28U);
 }
 
-TEST_F(PrivateControls, WrittenHereArriveAtTheExtensionUnitAndTouchNothingElse)
+TEST_F(UvcPrivateControlTest, WrittenHereArriveAtTheExtensionUnitAndTouchNothingElse)
 {
     for (ExpectedMapping const& row : expectedMappings()) {
         if (readOnly.count(row.name) != 0) {
@@ -104,7 +104,7 @@ TEST_F(PrivateControls, WrittenHereArriveAtTheExtensionUnitAndTouchNothingElse)
     }
 }
 
-TEST_F(PrivateControls, ThatAreReadOnlyAreNotSent)
+TEST_F(UvcPrivateControlTest, ThatAreReadOnlyAreNotSent)
 {
     m_cameras.mark();
     for (std::string const& name : readOnly) {
@@ -114,7 +114,7 @@ TEST_F(PrivateControls, ThatAreReadOnlyAreNotSent)
     EXPECT_TRUE(m_cameras.requests("SET_CUR").empty());
 }
 
-TEST_F(PrivateControls, AreRefusedByThePlainCallsOfThisKernel)
+TEST_F(UvcPrivateControlTest, AreRefusedByThePlainCallsOfThisKernel)
 {
     std::string const node = m_cameras.videoNode();
     m_cameras.mark();

@@ -39,9 +39,9 @@ std::string selectionOf(IImageFormat const& format, IFrameSize const& size,
 
 } // namespace
 
-using Formats = OrdinaryCamera;
+using UvcFormatTest = OrdinaryCamera;
 
-TEST_F(Formats, AreThoseThatV4l2CtlListsThroughLibv4l2)
+TEST_F(UvcFormatTest, AreThoseThatV4l2CtlListsThroughLibv4l2)
 {
     std::vector<ListedFormat> const listed = listFormats(m_node, "-w");
     expectListedFormats(*m_camera, listed);
@@ -51,7 +51,7 @@ TEST_F(Formats, AreThoseThatV4l2CtlListsThroughLibv4l2)
     EXPECT_TRUE(m_camera->format(6)->isInvalid());
 }
 
-TEST_F(Formats, AreSelectedByPositionAndByName)
+TEST_F(UvcFormatTest, AreSelectedByPositionAndByName)
 {
     for (int f = 0; f < 2; ++f) {
         IImageFormat const& format = *m_camera->format(f);
@@ -76,7 +76,7 @@ TEST_F(Formats, AreSelectedByPositionAndByName)
     }
 }
 
-TEST_F(Formats, ThatTheCameraDoesNotHaveAreRefused)
+TEST_F(UvcFormatTest, ThatTheCameraDoesNotHaveAreRefused)
 {
     ASSERT_TRUE(m_camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
     std::string const before = driversFormat(m_node);
@@ -88,7 +88,7 @@ TEST_F(Formats, ThatTheCameraDoesNotHaveAreRefused)
     EXPECT_EQ(driversFormat(m_node), before);
 }
 
-TEST_F(Formats, CannotBeSelectedWhileStreaming)
+TEST_F(UvcFormatTest, CannotBeSelectedWhileStreaming)
 {
     ASSERT_TRUE(m_camera->setCurrentImageFormat("YUYV", 320, 240, 1, 30));
     std::string const before = driversFormat(m_node);
@@ -102,7 +102,7 @@ TEST_F(Formats, CannotBeSelectedWhileStreaming)
     EXPECT_TRUE(m_camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
 }
 
-TEST_F(Formats, AreShownByTheToolAsTheyAre)
+TEST_F(UvcFormatTest, AreShownByTheToolAsTheyAre)
 {
     Json const shown = readTool("show 0 --json").at("formats");
     ASSERT_EQ(shown.size(), static_cast<std::size_t>(m_camera->formatNumber()));

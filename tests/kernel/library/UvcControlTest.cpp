@@ -10,9 +10,9 @@
 using namespace ImageAcquisition;
 using namespace KernelTest;
 
-using Controls = FreshOrdinaryCamera;
+using UvcControlTest = FreshOrdinaryCamera;
 
-TEST_F(Controls, AreThoseThatV4l2CtlLists)
+TEST_F(UvcControlTest, AreThoseThatV4l2CtlLists)
 {
     std::vector<ListedControl> const listed = plainControls(m_node);
     ASSERT_GT(listed.size(), 15U);
@@ -22,7 +22,7 @@ TEST_F(Controls, AreThoseThatV4l2CtlLists)
     }
 }
 
-TEST_F(Controls, HaveTheirGetters)
+TEST_F(UvcControlTest, HaveTheirGetters)
 {
     std::pair<ICameraControl*, unsigned> const standard[] = {
         {m_camera->brightnessControl(), V4L2_CID_BRIGHTNESS},
@@ -47,7 +47,7 @@ TEST_F(Controls, HaveTheirGetters)
     EXPECT_EQ(m_camera->autoGammaControl(), m_camera->invalidControl());
 }
 
-TEST_F(Controls, AreShownByTheToolAsV4l2CtlListsThem)
+TEST_F(UvcControlTest, AreShownByTheToolAsV4l2CtlListsThem)
 {
     std::vector<ListedControl> const listed = plainControls(m_node);
     nlohmann::json const shown = readTool("show 0 --json").at("controls");
