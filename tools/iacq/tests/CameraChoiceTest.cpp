@@ -47,7 +47,7 @@ std::vector<Iacq::DevicePtr> camerasWith(std::vector<std::string> const& serials
     return cameras;
 }
 
-TEST(CameraChoice, IsByPosition)
+TEST(CameraChoiceTest, IsByPosition)
 {
     auto const cameras = camerasWith({"A", "B"});
     EXPECT_EQ(Iacq::chooseCamera(cameras, "0"), 0u);
@@ -58,7 +58,7 @@ TEST(CameraChoice, IsByPosition)
     EXPECT_EQ(Iacq::chooseCamera(camerasWith({}), "0"), std::nullopt);
 }
 
-TEST(CameraChoice, IsBySerialNumberToTheLetter)
+TEST(CameraChoiceTest, IsBySerialNumberToTheLetter)
 {
     auto const cameras = camerasWith({"SN 1", "sn 1", "SN 12", ""});
     EXPECT_EQ(Iacq::chooseCamera(cameras, "sn 1"), 1u);
@@ -67,14 +67,14 @@ TEST(CameraChoice, IsBySerialNumberToTheLetter)
     EXPECT_EQ(Iacq::chooseCamera(cameras, ""), std::nullopt);
 }
 
-TEST(CameraChoice, TakesANumberBeyondTheListForASerialNumber)
+TEST(CameraChoiceTest, TakesANumberBeyondTheListForASerialNumber)
 {
     auto const cameras = camerasWith({"1", "20417"});
     EXPECT_EQ(Iacq::chooseCamera(cameras, "20417"), 1u);
     EXPECT_EQ(Iacq::chooseCamera(cameras, "1"), 1u);
 }
 
-TEST(CameraChoice, RefusesASerialNumberOfSeveralCameras)
+TEST(CameraChoiceTest, RefusesASerialNumberOfSeveralCameras)
 {
     auto const cameras = camerasWith({"SAME", "OTHER", "SAME"});
     try {

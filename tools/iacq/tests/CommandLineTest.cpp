@@ -27,7 +27,7 @@ bool isNameEverywhere(std::string const& name)
            std::none_of(name.begin(), name.end(), isControlOrSpace);
 }
 
-TEST(CommandLine, HasNamesThatEveryVersionOfItsParserTakes)
+TEST(CommandLineTest, HasNamesThatEveryVersionOfItsParserTakes)
 {
     Iacq::CommandLine const commandLine;
     int positionals = 0;
@@ -65,7 +65,7 @@ Outcome outcomeOf(std::vector<char const*> arguments)
     return outcome;
 }
 
-TEST(CommandLine, NamesTheCommandThatItDoesNotKnow)
+TEST(CommandLineTest, NamesTheCommandThatItDoesNotKnow)
 {
     for (std::vector<char const*> const& arguments :
          {std::vector<char const*>{"lst"}, {"lst", "0", "--json"}, {"help", "lst"}}) {
@@ -79,7 +79,7 @@ TEST(CommandLine, NamesTheCommandThatItDoesNotKnow)
     EXPECT_THAT(outcomeOf({"list", "more"}).failure, HasSubstr("more"));
 }
 
-TEST(CommandLine, TellsItsVersion)
+TEST(CommandLineTest, TellsItsVersion)
 {
     Outcome const outcome = outcomeOf({"--version"});
     EXPECT_EQ(outcome.failure, "");
@@ -87,7 +87,7 @@ TEST(CommandLine, TellsItsVersion)
     EXPECT_THAT(outcomeOf({"list", "--version"}).failure, StartsWith("2: "));
 }
 
-TEST(CommandLine, HelpsByWordAndByOption)
+TEST(CommandLineTest, HelpsByWordAndByOption)
 {
     Outcome const outcome = outcomeOf({"help"});
     EXPECT_EQ(outcome.failure, "");
@@ -102,7 +102,7 @@ TEST(CommandLine, HelpsByWordAndByOption)
     }
 }
 
-TEST(CommandLine, SaysWhatIsAssigned)
+TEST(CommandLineTest, SaysWhatIsAssigned)
 {
     std::string const help = outcomeOf({"set", "--help"}).output;
     EXPECT_THAT(help, HasSubstr("Usage: iacq set [OPTIONS] CAMERA ASSIGNMENT...\n"));

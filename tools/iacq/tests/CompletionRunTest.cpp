@@ -62,7 +62,7 @@ std::string wordsOf(std::string const& piece)
     return runInEmptyFolder({}, R"(eval "set -- $1"; printf '%s\n' "$@")", {piece}).output;
 }
 
-TEST(Completion, OffersCommandsAndWhatStandsInTheirPlace)
+TEST(CompletionRunTest, OffersCommandsAndWhatStandsInTheirPlace)
 {
     EXPECT_THAT(completionsOf({""}), ElementsAre("list", "show", "capture", "get", "set", "monitor",
                                                  "reset", "help", "--help", "--version"));
@@ -71,7 +71,7 @@ TEST(Completion, OffersCommandsAndWhatStandsInTheirPlace)
     EXPECT_THAT(completionsOf({"help", "s"}), ElementsAre("show", "set"));
 }
 
-TEST(Completion, OffersCamerasByIndexAndNode)
+TEST(CompletionRunTest, OffersCamerasByIndexAndNode)
 {
     Words const two = {"--model", "webcam", "--model", "vendor"};
     for (std::string const command : {"show", "get", "set", "capture", "reset"}) {
@@ -84,7 +84,7 @@ TEST(Completion, OffersCamerasByIndexAndNode)
     EXPECT_THAT(completionsOf({"show", "0", ""}, two), IsEmpty());
 }
 
-TEST(Completion, OffersOptionsAndTheirValues)
+TEST(CompletionRunTest, OffersOptionsAndTheirValues)
 {
     EXPECT_THAT(completionsOf({"capture", "0", "--f"}), ElementsAre("--format", "--fps"));
     EXPECT_THAT(completionsOf({"capture", "0", "--output-format", "p"}), ElementsAre("png", "ppm"));
@@ -93,7 +93,7 @@ TEST(Completion, OffersOptionsAndTheirValues)
     EXPECT_THAT(completionsOf({"capture", "0", "--count", ""}), IsEmpty());
 }
 
-TEST(Completion, OffersWhatTheCameraCanDeliver)
+TEST(CompletionRunTest, OffersWhatTheCameraCanDeliver)
 {
     EXPECT_THAT(completionsOf({"capture", "--format", ""}), IsSupersetOf({"YUYV", "MJPG"}));
     EXPECT_THAT(completionsOf({"capture", "video0", "--format", "M"}), ElementsAre("MJPG"));
@@ -115,7 +115,7 @@ TEST(Completion, OffersWhatTheCameraCanDeliver)
                 ElementsAre("30", "29.97", "10", "7.5"));
 }
 
-TEST(Completion, OffersControlsByTheirShortForm)
+TEST(CompletionRunTest, OffersControlsByTheirShortForm)
 {
     EXPECT_THAT(completionsOf({"get", "0", ""}, allControls),
                 IsSupersetOf({"integer", "string", "button", "read_only_integer"}));
@@ -131,7 +131,7 @@ TEST(Completion, OffersControlsByTheirShortForm)
     EXPECT_THAT(completionsOf({"get", "nonsense", ""}, allControls), IsEmpty());
 }
 
-TEST(Completion, EscapesFullNames)
+TEST(CompletionRunTest, EscapesFullNames)
 {
     Words const escaped = completionsOf({"get", "0", "Exposure"}, allControls);
     ASSERT_EQ(escaped.size(), 1u);
@@ -143,7 +143,7 @@ TEST(Completion, EscapesFullNames)
                 ElementsAre(escaped[0] + "="));
 }
 
-TEST(Completion, OffersValuesOfSwitchesAndMenus)
+TEST(CompletionRunTest, OffersValuesOfSwitchesAndMenus)
 {
     EXPECT_THAT(completionsOf({"set", "0", "boolean", "="}, allControls), ElementsAre("on", "off"));
     EXPECT_THAT(completionsOf({"set", "0", "boolean", "=", "of"}, allControls), ElementsAre("off"));
@@ -155,7 +155,7 @@ TEST(Completion, OffersValuesOfSwitchesAndMenus)
     EXPECT_EQ(wordsOf(manual[0]), "Manual Mode\n");
 }
 
-TEST(Completion, LetsNoTextOfACameraBeCarriedOut)
+TEST(CompletionRunTest, LetsNoTextOfACameraBeCarriedOut)
 {
     ScratchFolder const folder;
     Words const camera = {"--config", folder.write("camera.json", R"json({"cameras": [{
@@ -186,7 +186,7 @@ TEST(Completion, LetsNoTextOfACameraBeCarriedOut)
     EXPECT_THAT(completionsOf({"get", "0", "$(touch i)"}, camera), IsEmpty());
 }
 
-TEST(Completion, OpensNoneOfTheVendorsCameras)
+TEST(CompletionRunTest, OpensNoneOfTheVendorsCameras)
 {
     Words const vendors = {"--model", "vendor"};
     EXPECT_THAT(completionsOf({"get", "0", ""}, vendors), IsEmpty());

@@ -34,7 +34,7 @@ ProgramRun runDemo(ScratchFolder const& folder, Words const& cameras)
     return runProgram(command);
 }
 
-TEST(Demo, UsesTheCameraThatIsAttachedBesideALoopback)
+TEST(DemoRunTest, UsesTheCameraThatIsAttachedBesideALoopback)
 {
     ScratchFolder const folder;
     ProgramRun const run = runDemo(folder, {"--model", "platform", "--model", "webcam"});
@@ -45,7 +45,7 @@ TEST(Demo, UsesTheCameraThatIsAttachedBesideALoopback)
     EXPECT_THAT(folder.names(), Contains("frame.png"));
 }
 
-TEST(Demo, MakesDoWithAVirtualCameraWhereThereIsOnlyALoopback)
+TEST(DemoRunTest, MakesDoWithAVirtualCameraWhereThereIsOnlyALoopback)
 {
     ScratchFolder const folder;
     ProgramRun const run = runDemo(folder, {"--model", "platform"});

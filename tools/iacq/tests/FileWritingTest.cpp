@@ -20,7 +20,7 @@
 namespace
 {
 
-class WriteFile : public testing::Test
+class FileWritingTest : public testing::Test
 {
 protected:
     void SetUp() override
@@ -112,7 +112,7 @@ private:
     }
 };
 
-TEST_F(WriteFile, ReplacesWhatWasThere)
+TEST_F(FileWritingTest, ReplacesWhatWasThere)
 {
     Iacq::writeFile(m_directory + "/a.raw", {'o', 'l', 'd', '!'});
     Iacq::writeFile(m_directory + "/a.raw", {'n', 'e', 'w'});
@@ -120,25 +120,25 @@ TEST_F(WriteFile, ReplacesWhatWasThere)
     EXPECT_EQ(names().size(), 1u);
 }
 
-TEST_F(WriteFile, LeavesNothingBehindWhenTheDirectoryIsAbsent)
+TEST_F(FileWritingTest, LeavesNothingBehindWhenTheDirectoryIsAbsent)
 {
     EXPECT_THROW(Iacq::writeFile(m_directory + "/absent/a.raw", {'x'}), Iacq::Failure);
     EXPECT_TRUE(names().empty());
 }
 
-TEST_F(WriteFile, LeavesNothingBehindWhenTheTargetIsADirectory)
+TEST_F(FileWritingTest, LeavesNothingBehindWhenTheTargetIsADirectory)
 {
     EXPECT_THROW(Iacq::writeFile(m_directory, {'x'}), Iacq::Failure);
     EXPECT_TRUE(names().empty());
 }
 
-TEST_F(WriteFile, WritesToADeviceWithoutReplacingIt)
+TEST_F(FileWritingTest, WritesToADeviceWithoutReplacingIt)
 {
     EXPECT_NO_THROW(Iacq::writeFile("/dev/null", {'x'}));
     EXPECT_THROW(Iacq::writeFile("/dev/full", {'x'}), Iacq::Failure);
 }
 
-TEST_F(WriteFile, KeepsWhatWasThereWhenItFails)
+TEST_F(FileWritingTest, KeepsWhatWasThereWhenItFails)
 {
     Iacq::writeFile(m_directory + "/a.raw", {'o', 'l', 'd'});
     rlimit limit{};
@@ -153,7 +153,7 @@ TEST_F(WriteFile, KeepsWhatWasThereWhenItFails)
     EXPECT_EQ(names().size(), 1u);
 }
 
-TEST_F(WriteFile, KeepsALinkAndWritesWhatItLeadsTo)
+TEST_F(FileWritingTest, KeepsALinkAndWritesWhatItLeadsTo)
 {
     Iacq::writeFile(m_directory + "/picture", {'o', 'l', 'd'});
     ASSERT_EQ(symlink("picture", (m_directory + "/near").c_str()), 0);
@@ -166,7 +166,7 @@ TEST_F(WriteFile, KeepsALinkAndWritesWhatItLeadsTo)
     EXPECT_EQ(names().size(), 3u);
 }
 
-TEST_F(WriteFile, MakesTheFileThatALinkLeadsTo)
+TEST_F(FileWritingTest, MakesTheFileThatALinkLeadsTo)
 {
     ASSERT_EQ(symlink("picture", (m_directory + "/link").c_str()), 0);
     Iacq::writeFile(m_directory + "/link", {'n', 'e', 'w'});
@@ -174,7 +174,7 @@ TEST_F(WriteFile, MakesTheFileThatALinkLeadsTo)
     EXPECT_EQ(contents("picture"), "new");
 }
 
-TEST_F(WriteFile, RefusesLinksThatLeadNowhere)
+TEST_F(FileWritingTest, RefusesLinksThatLeadNowhere)
 {
     ASSERT_EQ(symlink("round", (m_directory + "/round").c_str()), 0);
     EXPECT_THROW(Iacq::writeFile(m_directory + "/round", {'x'}), Iacq::Failure);
@@ -182,7 +182,7 @@ TEST_F(WriteFile, RefusesLinksThatLeadNowhere)
     EXPECT_EQ(names().size(), 1u);
 }
 
-TEST_F(WriteFile, KeepsThePermissionsOfAnExistingFile)
+TEST_F(FileWritingTest, KeepsThePermissionsOfAnExistingFile)
 {
     for (mode_t const mode : {0640u, 0604u, 0666u, 0444u}) {
         Iacq::writeFile(m_directory + "/a.raw", {'o', 'l', 'd'});
@@ -193,7 +193,7 @@ TEST_F(WriteFile, KeepsThePermissionsOfAnExistingFile)
     }
 }
 
-TEST_F(WriteFile, GivesANewFileTheUsualPermissions)
+TEST_F(FileWritingTest, GivesANewFileTheUsualPermissions)
 {
     mode_t const before = umask(027);
     Iacq::writeFile(m_directory + "/a.raw", {'n', 'e', 'w'});
@@ -201,7 +201,7 @@ TEST_F(WriteFile, GivesANewFileTheUsualPermissions)
     EXPECT_EQ(modeOf("a.raw"), 0640u);
 }
 
-TEST_F(WriteFile, WritesWhereOnlyTheFileIsWritable)
+TEST_F(FileWritingTest, WritesWhereOnlyTheFileIsWritable)
 {
     Iacq::writeFile(m_directory + "/a.raw", {'o', 'l', 'd', '!'});
     ASSERT_EQ(chmod((m_directory + "/a.raw").c_str(), 0666), 0);
@@ -215,7 +215,7 @@ TEST_F(WriteFile, WritesWhereOnlyTheFileIsWritable)
 }
 
 // As in /tmp: what belongs to others may be written there, but not be renamed away.
-TEST_F(WriteFile, WritesAnothersFileInAStickyDirectory)
+TEST_F(FileWritingTest, WritesAnothersFileInAStickyDirectory)
 {
     if (geteuid() != 0) {
         GTEST_SKIP() << "only root has two users' files";
@@ -229,7 +229,7 @@ TEST_F(WriteFile, WritesAnothersFileInAStickyDirectory)
     EXPECT_EQ(names().size(), 1u);
 }
 
-TEST_F(WriteFile, LeavesNoHalfOfAPictureInPlace)
+TEST_F(FileWritingTest, LeavesNoHalfOfAPictureInPlace)
 {
     Iacq::writeFile(m_directory + "/a.raw", {'o', 'l', 'd', '!'});
     ASSERT_EQ(chmod((m_directory + "/a.raw").c_str(), 0666), 0);

@@ -47,7 +47,7 @@ private:
     std::promise<void> m_letGo;
 };
 
-TEST(FrameWorker, WorksOnCopiesWhileMoreAreTaken)
+TEST(FrameWorkerTest, WorksOnCopiesWhileMoreAreTaken)
 {
     Notes notes;
     Iacq::FrameWorker worker(plenty, notes.work());
@@ -64,7 +64,7 @@ TEST(FrameWorker, WorksOnCopiesWhileMoreAreTaken)
     EXPECT_THAT(notes.seen, ElementsAre(Pair(1, "one"), Pair(2, "two"), Pair(3, "three")));
 }
 
-TEST(FrameWorker, TakesNoMoreThanMayWait)
+TEST(FrameWorkerTest, TakesNoMoreThanMayWait)
 {
     Notes notes;
     Iacq::FrameWorker worker(10, notes.work());
@@ -79,7 +79,7 @@ TEST(FrameWorker, TakesNoMoreThanMayWait)
     EXPECT_THAT(notes.seen, ElementsAre(Pair(1, "1234"), Pair(2, "5678"), Pair(3, "90")));
 }
 
-TEST(FrameWorker, TakesASingleFrameOfAnySize)
+TEST(FrameWorkerTest, TakesASingleFrameOfAnySize)
 {
     Notes notes;
     Iacq::FrameWorker worker(2, notes.work());
@@ -91,7 +91,7 @@ TEST(FrameWorker, TakesASingleFrameOfAnySize)
     EXPECT_THAT(notes.seen, ElementsAre(Pair(1, "12345")));
 }
 
-TEST(FrameWorker, HandsOnWhatWentWrongAndWorksOnNothingMore)
+TEST(FrameWorkerTest, HandsOnWhatWentWrongAndWorksOnNothingMore)
 {
     int calls = 0;
     Iacq::FrameWorker worker(plenty, [&calls](int, std::vector<unsigned char> const&) {
@@ -106,7 +106,7 @@ TEST(FrameWorker, HandsOnWhatWentWrongAndWorksOnNothingMore)
     EXPECT_EQ(calls, 1);
 }
 
-TEST(FrameWorker, FinishesWhatItIsWorkingOnWhenItGoes)
+TEST(FrameWorkerTest, FinishesWhatItIsWorkingOnWhenItGoes)
 {
     Notes notes;
     {
@@ -125,7 +125,7 @@ bool holdsBack(int signal)
     return sigismember(&held, signal) == 1;
 }
 
-TEST(FrameWorker, LeavesTheSignalsThatEndTheToolToItsThread)
+TEST(FrameWorkerTest, LeavesTheSignalsThatEndTheToolToItsThread)
 {
     std::vector<bool> heldByThread;
     {

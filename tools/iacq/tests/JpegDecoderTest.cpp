@@ -76,7 +76,7 @@ std::string faultOf(Bytes const& picture, unsigned int mostWidth, unsigned int m
     return "";
 }
 
-TEST(JpegDecoder, TakesAPictureUpToTheSizeThatIsSet)
+TEST(JpegDecoderTest, TakesAPictureUpToTheSizeThatIsSet)
 {
     for (auto const& [width, height] : {std::pair{64u, 48u}, {65u, 48u}, {1280u, 720u}}) {
         Iacq::RgbImage const image = decode(jpeg(64, 48), width, height);
@@ -88,7 +88,7 @@ TEST(JpegDecoder, TakesAPictureUpToTheSizeThatIsSet)
     }
 }
 
-TEST(JpegDecoder, RefusesAPictureLargerThanTheSizeThatIsSet)
+TEST(JpegDecoderTest, RefusesAPictureLargerThanTheSizeThatIsSet)
 {
     EXPECT_EQ(faultOf(jpeg(65, 48), 64, 48),
               "the frame is a JPEG picture of 65x48, but 64x48 is set");
@@ -96,13 +96,13 @@ TEST(JpegDecoder, RefusesAPictureLargerThanTheSizeThatIsSet)
               "the frame is a JPEG picture of 64x49, but 64x48 is set");
 }
 
-TEST(JpegDecoder, RefusesAFewBytesThatClaimToBeAHugePicture)
+TEST(JpegDecoderTest, RefusesAFewBytesThatClaimToBeAHugePicture)
 {
     EXPECT_EQ(faultOf(claiming(16384, 16384, jpeg(8, 8)), 640, 480),
               "the frame is a JPEG picture of 16384x16384, but 640x480 is set");
 }
 
-TEST(JpegDecoder, MeasuresAPictureByItsBytesWhereNoSizeIsKnown)
+TEST(JpegDecoderTest, MeasuresAPictureByItsBytesWhereNoSizeIsKnown)
 {
     EXPECT_EQ(decode(jpeg(640, 480), 0, 0).pixels.size(), 640u * 480 * 3);
     EXPECT_THAT(faultOf(claiming(2048, 2048, jpeg(8, 8)), 0, 0),
@@ -113,7 +113,7 @@ TEST(JpegDecoder, MeasuresAPictureByItsBytesWhereNoSizeIsKnown)
     EXPECT_THAT(faultOf(padded, 0, 0), HasSubstr("claim to be 16384x8192"));
 }
 
-TEST(JpegDecoder, RefusesMoreScansThanAnyPictureNeeds)
+TEST(JpegDecoderTest, RefusesMoreScansThanAnyPictureNeeds)
 {
     Bytes const progressive = jpeg(64, 48, TJFLAG_PROGRESSIVE);
     EXPECT_EQ(decode(progressive, 64, 48).width, 64u);
@@ -121,7 +121,7 @@ TEST(JpegDecoder, RefusesMoreScansThanAnyPictureNeeds)
               "the frame is a broken JPEG picture: it has too many scans");
 }
 
-TEST(JpegDecoder, TakesDamagedDataForAPictureOfTheSameSizeOrForNone)
+TEST(JpegDecoderTest, TakesDamagedDataForAPictureOfTheSameSizeOrForNone)
 {
     for (int const flags : {0, TJFLAG_PROGRESSIVE}) {
         Bytes const whole = jpeg(32, 16, flags);

@@ -18,31 +18,31 @@ std::string textAfter(std::initializer_list<unsigned long long> counters, int dr
     return losses.text();
 }
 
-TEST(LossCount, SaysNothingWhereNothingIsLost)
+TEST(LossCountTest, SaysNothingWhereNothingIsLost)
 {
     EXPECT_EQ(textAfter({}), "");
     EXPECT_EQ(textAfter({0, 1, 2, 3}), "");
 }
 
-TEST(LossCount, CountsTheGapsInTheDriversNumbers)
+TEST(LossCountTest, CountsTheGapsInTheDriversNumbers)
 {
     EXPECT_EQ(textAfter({0, 1, 3, 4, 9}), "frames lost: 5 by the driver");
 }
 
 // Cameras often begin with a damaged frame, which the driver keeps to itself.
-TEST(LossCount, BeginsWithTheFirstFrame)
+TEST(LossCountTest, BeginsWithTheFirstFrame)
 {
     EXPECT_EQ(textAfter({7, 8}), "");
 }
 
-TEST(LossCount, TakesNumbersThatDoNotGrowForNoNumbers)
+TEST(LossCountTest, TakesNumbersThatDoNotGrowForNoNumbers)
 {
     EXPECT_EQ(textAfter({0, 0, 0}), "");
     EXPECT_EQ(textAfter({0xffffffff, 0, 1}), "");
     EXPECT_EQ(textAfter({5, 0, 2}), "frames lost: 1 by the driver");
 }
 
-TEST(LossCount, TellsWhatCouldNotBeWrittenByItself)
+TEST(LossCountTest, TellsWhatCouldNotBeWrittenByItself)
 {
     EXPECT_EQ(textAfter({0, 1}, 2), "frames lost: 2 by slow writing");
     EXPECT_EQ(textAfter({0, 2}, 3), "frames lost: 1 by the driver, 3 by slow writing");

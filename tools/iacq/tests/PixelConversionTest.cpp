@@ -21,7 +21,7 @@ Iacq::RgbImage convert(char const* format, unsigned int width, unsigned int heig
 // BT.601 of limited range: 16 is black, 235 white, and (81, 90, 240) red.
 constexpr unsigned char black = 16, white = 235, neutral = 128;
 
-TEST(PixelConversion, TurnsYuvIntoRgb)
+TEST(PixelConversionTest, TurnsYuvIntoRgb)
 {
     EXPECT_THAT(convert("YUYV", 2, 1, {black, neutral, white, neutral}).pixels,
                 ElementsAre(0, 0, 0, 255, 255, 255));
@@ -30,7 +30,7 @@ TEST(PixelConversion, TurnsYuvIntoRgb)
                 ElementsAre(0, 0, 255, 0, 0, 255));
 }
 
-TEST(PixelConversion, KnowsTheOrderOfEachPackedFormat)
+TEST(PixelConversionTest, KnowsTheOrderOfEachPackedFormat)
 {
     EXPECT_THAT(convert("UYVY", 2, 1, {neutral, black, neutral, white}).pixels,
                 ElementsAre(0, 0, 0, 255, 255, 255));
@@ -39,7 +39,7 @@ TEST(PixelConversion, KnowsTheOrderOfEachPackedFormat)
     EXPECT_THAT(convert("GREY", 2, 1, {7, 9}).pixels, ElementsAre(7, 7, 7, 9, 9, 9));
 }
 
-TEST(PixelConversion, FindsTheChromaOfEachPlanarFormat)
+TEST(PixelConversionTest, FindsTheChromaOfEachPlanarFormat)
 {
     // One block of 2x2 red pixels: u 90, v 240.
     for (auto const& [format, bytes] :
@@ -56,7 +56,7 @@ TEST(PixelConversion, FindsTheChromaOfEachPlanarFormat)
     }
 }
 
-TEST(PixelConversion, SkipsThePaddingOfLines)
+TEST(PixelConversionTest, SkipsThePaddingOfLines)
 {
     EXPECT_THAT(convert("GREY", 2, 2, {1, 2, 99, 99, 3, 4}, 4).pixels,
                 ElementsAreArray(Bytes{1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4}));
@@ -64,12 +64,12 @@ TEST(PixelConversion, SkipsThePaddingOfLines)
                 ElementsAre(1, 2, 3, 4, 5, 6));
 }
 
-TEST(PixelConversion, TakesALineLengthThatIsTooSmallForNone)
+TEST(PixelConversionTest, TakesALineLengthThatIsTooSmallForNone)
 {
     EXPECT_THAT(convert("GREY", 2, 1, {1, 2}, 1).pixels, ElementsAre(1, 1, 1, 2, 2, 2));
 }
 
-TEST(PixelConversion, TakesOddSizes)
+TEST(PixelConversionTest, TakesOddSizes)
 {
     EXPECT_EQ(convert("YUYV", 3, 1, Bytes(8, neutral)).pixels.size(), 9u);
     EXPECT_EQ(convert("YU12", 3, 3, Bytes(9 + 4 + 4, neutral)).pixels.size(), 27u);
@@ -80,7 +80,7 @@ TEST(PixelConversion, TakesOddSizes)
     EXPECT_THAT(Bytes(pixels.end() - 3, pixels.end()), ElementsAre(255, 0, 0));
 }
 
-TEST(PixelConversion, NeverReadsBeyondAShortFrame)
+TEST(PixelConversionTest, NeverReadsBeyondAShortFrame)
 {
     struct Case
     {
@@ -95,7 +95,7 @@ TEST(PixelConversion, NeverReadsBeyondAShortFrame)
     }
 }
 
-TEST(PixelConversion, AsksForAnAbsurdSizesBytesBeforeItTakesMemory)
+TEST(PixelConversionTest, AsksForAnAbsurdSizesBytesBeforeItTakesMemory)
 {
     for (char const* const format : {"YUYV", "RGB3", "GREY", "NV12", "YU12"}) {
         EXPECT_THROW(convert(format, 0x55555556, 1, {1, 2, 3, 4}), Iacq::Failure) << format;
@@ -104,7 +104,7 @@ TEST(PixelConversion, AsksForAnAbsurdSizesBytesBeforeItTakesMemory)
     }
 }
 
-TEST(PixelConversion, RefusesWhatItDoesNotKnow)
+TEST(PixelConversionTest, RefusesWhatItDoesNotKnow)
 {
     EXPECT_FALSE(Iacq::canConvert("BA81"));
     EXPECT_THROW(convert("BA81", 1, 1, {1, 2, 3, 4}), Iacq::Failure);

@@ -58,7 +58,7 @@ private:
     int m_master = -1;
 };
 
-TEST(Progress, ShowsALineOnATerminalAndTakesItAway)
+TEST(ProgressTest, ShowsALineOnATerminalAndTakesItAway)
 {
     std::string text;
     Terminal terminal;
@@ -74,7 +74,7 @@ TEST(Progress, ShowsALineOnATerminalAndTakesItAway)
     EXPECT_THAT(text, EndsWith("\r\033[K"));
 }
 
-TEST(Progress, ShowsNothingOffATerminal)
+TEST(ProgressTest, ShowsNothingOffATerminal)
 {
     testing::internal::CaptureStderr();
     {

@@ -13,10 +13,10 @@ namespace
 using Iacq::WantedSelection;
 using testing::HasSubstr;
 
-class Selection : public testing::Test
+class SelectionTest : public testing::Test
 {
 protected:
-    Selection()
+    SelectionTest()
     {
         std::vector<FakePeriod> const slow = {{1, 30}, {1, 15}};
         m_camera.formats = {
@@ -49,13 +49,13 @@ protected:
 
 using Positions = std::vector<int>;
 
-TEST_F(Selection, IsLeftAloneWhenNothingIsWanted)
+TEST_F(SelectionTest, IsLeftAloneWhenNothingIsWanted)
 {
     Iacq::select(m_camera, {});
     EXPECT_EQ(m_camera.timesSet, 0);
 }
 
-TEST_F(Selection, KeepsWhatIsSetWhereItGoesWithWhatIsWanted)
+TEST_F(SelectionTest, KeepsWhatIsSetWhereItGoesWithWhatIsWanted)
 {
     Iacq::select(m_camera, {"", "320x240", "", ""});
     EXPECT_EQ(set(), (Positions{0, 1, 1}));
@@ -65,7 +65,7 @@ TEST_F(Selection, KeepsWhatIsSetWhereItGoesWithWhatIsWanted)
     EXPECT_EQ(set(), (Positions{1, 0, 0}));
 }
 
-TEST_F(Selection, TakesTheFirstThatGoesWithWhatIsWanted)
+TEST_F(SelectionTest, TakesTheFirstThatGoesWithWhatIsWanted)
 {
     Iacq::select(m_camera, {"", "1280x720", "", ""});
     EXPECT_EQ(set(), (Positions{1, 1, 0}));
@@ -77,13 +77,13 @@ TEST_F(Selection, TakesTheFirstThatGoesWithWhatIsWanted)
     EXPECT_EQ(set(), (Positions{2, 0, 0}));
 }
 
-TEST_F(Selection, ComparesIntervalsAsFractions)
+TEST_F(SelectionTest, ComparesIntervalsAsFractions)
 {
     Iacq::select(m_camera, {"", "", "2/60", ""});
     EXPECT_EQ(set(), (Positions{0, 0, 0}));
 }
 
-TEST_F(Selection, FindsAnIntervalByFramesASecond)
+TEST_F(SelectionTest, FindsAnIntervalByFramesASecond)
 {
     Iacq::select(m_camera, {"", "", "", "30"});
     EXPECT_EQ(set(), (Positions{0, 0, 0}));
@@ -93,7 +93,7 @@ TEST_F(Selection, FindsAnIntervalByFramesASecond)
     EXPECT_EQ(set(), (Positions{1, 1, 2}));
 }
 
-TEST_F(Selection, TakesTheNearestFrameRateWithinItsTolerance)
+TEST_F(SelectionTest, TakesTheNearestFrameRateWithinItsTolerance)
 {
     // 30; 29.97 rounded down to units of 100 ns, and exactly; 23.976; 59.94; 119.88; 8.333
     m_camera.formats = {{"YUYV",
@@ -126,7 +126,7 @@ TEST_F(Selection, TakesTheNearestFrameRateWithinItsTolerance)
     }
 }
 
-TEST_F(Selection, StartsWithTheFirstWhenTheDeviceIsSetToNoneOfTheList)
+TEST_F(SelectionTest, StartsWithTheFirstWhenTheDeviceIsSetToNoneOfTheList)
 {
     m_camera.setFormat = -1;
     EXPECT_TRUE(Iacq::currentSelection(m_camera).size->isInvalid());
@@ -134,7 +134,7 @@ TEST_F(Selection, StartsWithTheFirstWhenTheDeviceIsSetToNoneOfTheList)
     EXPECT_EQ(set(), (Positions{0, 0, 0}));
 }
 
-TEST_F(Selection, SaysWhatThereIsInstead)
+TEST_F(SelectionTest, SaysWhatThereIsInstead)
 {
     EXPECT_EQ(refusal({"ABCD", "", "", ""}),
               "2: the camera has no format 'ABCD'; it has YUYV MJPG GREY");
@@ -153,20 +153,20 @@ TEST_F(Selection, SaysWhatThereIsInstead)
     EXPECT_EQ(m_camera.timesSet, 0);
 }
 
-TEST_F(Selection, RefusesWhatIsMisspelt)
+TEST_F(SelectionTest, RefusesWhatIsMisspelt)
 {
     EXPECT_THAT(refusal({"", "640*480", "", ""}), HasSubstr("2: '640*480' is no size"));
     EXPECT_THAT(refusal({"", "", "30", ""}), HasSubstr("2: '30' is no interval"));
     EXPECT_THAT(refusal({"", "", "", "fast"}), HasSubstr("2: 'fast' is no number"));
 }
 
-TEST_F(Selection, TellsOfADriverThatRefuses)
+TEST_F(SelectionTest, TellsOfADriverThatRefuses)
 {
     m_camera.refusing = true;
     EXPECT_EQ(refusal({"MJPG", "", "", ""}), "1: the camera refused the format MJPG 320x240");
 }
 
-TEST_F(Selection, KeepsWhatIsSetOnACameraWithARangeOfSizes)
+TEST_F(SelectionTest, KeepsWhatIsSetOnACameraWithARangeOfSizes)
 {
     m_camera.formats = {{"YUYV", {}}};
     Iacq::select(m_camera, {"YUYV", "", "", ""});

@@ -12,15 +12,15 @@ namespace
 
 namespace files = std::filesystem;
 
-class SerialLinkFault : public testing::Test
+class SerialLinkFaultTest : public testing::Test
 {
 protected:
-    SerialLinkFault()
+    SerialLinkFaultTest()
     {
         char name[] = "/tmp/iacq-serial-XXXXXX";
         m_folder = mkdtemp(name);
     }
-    ~SerialLinkFault() override { files::remove_all(m_folder); }
+    ~SerialLinkFaultTest() override { files::remove_all(m_folder); }
 
     std::string fault(std::string const& log) const
     {
@@ -31,14 +31,14 @@ protected:
     std::string m_folder;
 };
 
-TEST_F(SerialLinkFault, IsAnEmptyLog)
+TEST_F(SerialLinkFaultTest, IsAnEmptyLog)
 {
     EXPECT_EQ(fault(""),
               "dmesg prints nothing, and so names no serial port of it; it may need more "
               "rights");
 }
 
-TEST_F(SerialLinkFault, IsALogWithoutThePort)
+TEST_F(SerialLinkFaultTest, IsALogWithoutThePort)
 {
     for (char const* const line :
          {"[ 1.0] Linux version 6.1.0\n", "[ 1.0] cdc_acm 1-2:1.5: ttyACM0: USB ACM device\n",
@@ -50,7 +50,7 @@ TEST_F(SerialLinkFault, IsALogWithoutThePort)
     }
 }
 
-TEST_F(SerialLinkFault, IsAPortThatCannotBeOpened)
+TEST_F(SerialLinkFaultTest, IsAPortThatCannotBeOpened)
 {
     files::create_symlink("ttyACM12", m_folder + "/ttyACM12");
     EXPECT_EQ(fault("[ 1.0] cdc_acm 1-2.3:1.5: ttyACM3: USB ACM device\n"
@@ -60,7 +60,7 @@ TEST_F(SerialLinkFault, IsAPortThatCannotBeOpened)
                   "/ttyACM12 cannot be opened: Too many levels of symbolic links");
 }
 
-TEST_F(SerialLinkFault, IsElseBehindThePort)
+TEST_F(SerialLinkFaultTest, IsElseBehindThePort)
 {
     EXPECT_EQ(fault("[ 1.0] cdc_acm 1-2.3:1.5: ttyACM0: USB ACM device\n"),
               "its serial port " + m_folder +
