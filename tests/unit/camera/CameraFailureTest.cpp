@@ -174,7 +174,7 @@ struct Case
     int error;
 };
 
-class CameraFailure : public testing::TestWithParam<Case>
+class CameraFailureTest : public testing::TestWithParam<Case>
 {
 protected:
     /// How often the call at @p position had been made by then.
@@ -188,7 +188,7 @@ protected:
     }
 };
 
-TEST_P(CameraFailure, OfAnyCallGivesTheResultOfItsStepAndLeaksNothing)
+TEST_P(CameraFailureTest, OfAnyCallGivesTheResultOfItsStepAndLeaksNothing)
 {
     auto const [method, error] = GetParam();
     InstalledCamera undisturbed = install(method);
@@ -242,10 +242,10 @@ std::vector<Case> everyCase()
     return cases;
 }
 
-INSTANTIATE_TEST_SUITE_P(EachCall, CameraFailure, testing::ValuesIn(everyCase()), nameOfCase);
+INSTANTIATE_TEST_SUITE_P(EachCall, CameraFailureTest, testing::ValuesIn(everyCase()), nameOfCase);
 
 /// From one call on the device is gone: an unplugged camera fails everything but close and munmap.
-TEST(CameraUnplugged, AtAnyMomentLeaksNothingAndDoesNotWait)
+TEST(CameraFailureTest, UnpluggingAtAnyMomentLeaksNothingAndDoesNotWait)
 {
     InstalledCamera undisturbed = install(InputMethod::MemoryMapping);
     CaptureRun const clean(undisturbed, InputMethod::MemoryMapping);

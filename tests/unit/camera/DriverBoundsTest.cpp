@@ -22,7 +22,7 @@ using namespace ImageAcquisition;
 
 constexpr unsigned int most = 4096;
 
-class DriverBounds : public testing::Test
+class DriverBoundsTest : public testing::Test
 {
 protected:
     /// Opens the camera on a driver that answers so; returns how many calls that took.
@@ -60,85 +60,6 @@ protected:
         });
     }
 
-    VirtualCamera::InstalledCamera m_node = smallCamera().install();
-    DeviceStub const m_device{};
-    Camera m_camera{&m_device};
-};
-
-TEST_F(DriverBounds, EndTheControlsOfADriverWhoseIdsRiseForEver)
-{
-    unsigned int const calls = callsToOpenWithControls(0, V4L2_CTRL_TYPE_BUTTON);
-    EXPECT_EQ(m_camera.controlNumber(), static_cast<int>(most));
-    EXPECT_LT(calls, most + 100);
-}
-
-TEST_F(DriverBounds, EndTheClassHeadingsOfADriverWhoseIdsRiseForEver)
-{
-    unsigned int const calls = callsToOpenWithControls(0, V4L2_CTRL_TYPE_CTRL_CLASS);
-    EXPECT_EQ(m_camera.controlNumber(), 0);
-    EXPECT_LT(calls, most + 100);
-}
-
-TEST_F(DriverBounds, KeepAsManyControlsWhateverHeadingsComeBefore)
-{
-    callsToOpenWithControls(most, V4L2_CTRL_TYPE_BUTTON, 20);
-    EXPECT_EQ(m_camera.controlNumber(), static_cast<int>(most));
-    EXPECT_EQ(m_camera.controlById(20 + most)->id(), 20 + most);
-}
-
-TEST_F(DriverBounds, EndTheOpeningOfADriverThatAnswersZeroToEverything)
-{
-    unsigned int const calls = callsToOpen([](int, unsigned long, void*) { return 0; });
-    EXPECT_LT(calls, 10000u);
-}
-
-TEST_F(DriverBounds, EndTheOpeningOfADriverThatHasMoreOfEverything)
-{
-    unsigned int const calls = callsToOpen([](int, unsigned long request, void* argument) {
-        switch (request) {
-        case VIDIOC_ENUM_FRAMESIZES:
-            static_cast<v4l2_frmsizeenum*>(argument)->type = V4L2_FRMSIZE_TYPE_DISCRETE;
-            break;
-        case VIDIOC_ENUM_FRAMEINTERVALS:
-            static_cast<v4l2_frmivalenum*>(argument)->type = V4L2_FRMIVAL_TYPE_DISCRETE;
-            break;
-        case VIDIOC_QUERYCTRL: {
-            auto& query = *static_cast<v4l2_queryctrl*>(argument);
-            query.id = (query.id & ~V4L2_CTRL_FLAG_NEXT_CTRL) + 1;
-            query.type = V4L2_CTRL_TYPE_INTEGER;
-            break;
-        }
-        default:
-            break;
-        }
-        return 0;
-    });
-    EXPECT_LT(calls, 80000u);
-    EXPECT_EQ(m_camera.controlNumber(), static_cast<int>(most));
-    EXPECT_LE(m_camera.formatNumber(), 65536);
-}
-
-TEST_F(DriverBounds, EndTheOpeningOfADriverThatHasMenusOnly)
-{
-    unsigned int const calls = callsToOpen([](int, unsigned long request, void* argument) {
-        if (request == VIDIOC_QUERYCTRL) {
-            auto& query = *static_cast<v4l2_queryctrl*>(argument);
-            query.id = (query.id & ~V4L2_CTRL_FLAG_NEXT_CTRL) + 1;
-            query.type = V4L2_CTRL_TYPE_MENU;
-            query.maximum = INT_MAX;
-            return 0;
-        }
-        return request == VIDIOC_QUERYMENU ? 0 : -1;
-    });
-    EXPECT_LT(calls, 70000U);
-    EXPECT_EQ(m_camera.controlNumber(), 16);
-}
-
-class MenuBounds : public testing::Test
-{
-protected:
-    MenuBounds() { EXPECT_TRUE(m_camera.init()); }
-
     /// The lowest and the highest number that a menu of these bounds asks the driver for.
     void expectAsked(int minimum, int maximum, std::int64_t first, std::int64_t last)
     {
@@ -164,16 +85,87 @@ protected:
     Camera m_camera{&m_device};
 };
 
-TEST_F(MenuBounds, EndTheSearchForItems)
+TEST_F(DriverBoundsTest, EndTheControlsOfADriverWhoseIdsRiseForEver)
 {
+    unsigned int const calls = callsToOpenWithControls(0, V4L2_CTRL_TYPE_BUTTON);
+    EXPECT_EQ(m_camera.controlNumber(), static_cast<int>(most));
+    EXPECT_LT(calls, most + 100);
+}
+
+TEST_F(DriverBoundsTest, EndTheClassHeadingsOfADriverWhoseIdsRiseForEver)
+{
+    unsigned int const calls = callsToOpenWithControls(0, V4L2_CTRL_TYPE_CTRL_CLASS);
+    EXPECT_EQ(m_camera.controlNumber(), 0);
+    EXPECT_LT(calls, most + 100);
+}
+
+TEST_F(DriverBoundsTest, KeepAsManyControlsWhateverHeadingsComeBefore)
+{
+    callsToOpenWithControls(most, V4L2_CTRL_TYPE_BUTTON, 20);
+    EXPECT_EQ(m_camera.controlNumber(), static_cast<int>(most));
+    EXPECT_EQ(m_camera.controlById(20 + most)->id(), 20 + most);
+}
+
+TEST_F(DriverBoundsTest, EndTheOpeningOfADriverThatAnswersZeroToEverything)
+{
+    unsigned int const calls = callsToOpen([](int, unsigned long, void*) { return 0; });
+    EXPECT_LT(calls, 10000u);
+}
+
+TEST_F(DriverBoundsTest, EndTheOpeningOfADriverThatHasMoreOfEverything)
+{
+    unsigned int const calls = callsToOpen([](int, unsigned long request, void* argument) {
+        switch (request) {
+        case VIDIOC_ENUM_FRAMESIZES:
+            static_cast<v4l2_frmsizeenum*>(argument)->type = V4L2_FRMSIZE_TYPE_DISCRETE;
+            break;
+        case VIDIOC_ENUM_FRAMEINTERVALS:
+            static_cast<v4l2_frmivalenum*>(argument)->type = V4L2_FRMIVAL_TYPE_DISCRETE;
+            break;
+        case VIDIOC_QUERYCTRL: {
+            auto& query = *static_cast<v4l2_queryctrl*>(argument);
+            query.id = (query.id & ~V4L2_CTRL_FLAG_NEXT_CTRL) + 1;
+            query.type = V4L2_CTRL_TYPE_INTEGER;
+            break;
+        }
+        default:
+            break;
+        }
+        return 0;
+    });
+    EXPECT_LT(calls, 80000u);
+    EXPECT_EQ(m_camera.controlNumber(), static_cast<int>(most));
+    EXPECT_LE(m_camera.formatNumber(), 65536);
+}
+
+TEST_F(DriverBoundsTest, EndTheOpeningOfADriverThatHasMenusOnly)
+{
+    unsigned int const calls = callsToOpen([](int, unsigned long request, void* argument) {
+        if (request == VIDIOC_QUERYCTRL) {
+            auto& query = *static_cast<v4l2_queryctrl*>(argument);
+            query.id = (query.id & ~V4L2_CTRL_FLAG_NEXT_CTRL) + 1;
+            query.type = V4L2_CTRL_TYPE_MENU;
+            query.maximum = INT_MAX;
+            return 0;
+        }
+        return request == VIDIOC_QUERYMENU ? 0 : -1;
+    });
+    EXPECT_LT(calls, 70000U);
+    EXPECT_EQ(m_camera.controlNumber(), 16);
+}
+
+TEST_F(DriverBoundsTest, EndTheSearchForMenuItems)
+{
+    ASSERT_TRUE(m_camera.init());
     expectAsked(0, INT_MAX, 0, 4095);
     expectAsked(0, 4096, 0, 4095);
     expectAsked(INT_MIN, INT_MAX, INT_MIN, INT_MIN + 4095LL);
     expectAsked(-5, INT_MAX, -5, 4090);
 }
 
-TEST_F(MenuBounds, LeaveMenusUpToTheLargestAlone)
+TEST_F(DriverBoundsTest, LeaveMenusUpToTheLargestAlone)
 {
+    ASSERT_TRUE(m_camera.init());
     expectAsked(0, 4095, 0, 4095);
     expectAsked(-2048, 2047, -2048, 2047);
     expectAsked(INT_MAX - 1, INT_MAX, INT_MAX - 1, INT_MAX);

@@ -149,7 +149,7 @@ TEST_P(WriteGuardTest, GoesByTheFlagsThatWereAskedForLast)
 INSTANTIATE_TEST_SUITE_P(EveryType, WriteGuardTest, testing::ValuesIn(kinds),
                          [](auto const& tested) { return std::string(tested.param.name); });
 
-TEST(WriteGuardOrderTest, FlagsAreTestedInTheirOrderUntilOneRefuses)
+TEST(WriteGuardTest, FlagsAreTestedInTheirOrderUntilOneRefuses)
 {
     CameraWithControls opened({booleanControl(id, "C")});
     Observed control(opened.camera, id, "C");

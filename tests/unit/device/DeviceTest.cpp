@@ -22,7 +22,7 @@ std::string upperCase(std::string text)
     return text;
 }
 
-TEST(Device, StartsWithItsIndexAndTheDefaults)
+TEST(DeviceTest, StartsWithItsIndexAndTheDefaults)
 {
     Device const device(3);
     EXPECT_EQ(device.index(), 3);
@@ -44,7 +44,7 @@ TEST(Device, StartsWithItsIndexAndTheDefaults)
     EXPECT_EQ(device.usbSpeed(), UsbSpeedUnknown);
 }
 
-TEST(Device, SpellsTheDriverVersionOutByteByByte)
+TEST(DeviceTest, SpellsTheDriverVersionOutByteByByte)
 {
     Device device(0);
     device.setDriverVersion(0x00030d05);
@@ -52,7 +52,7 @@ TEST(Device, SpellsTheDriverVersionOutByteByByte)
     EXPECT_EQ(device.driverVersionCode(), 0x00030d05u);
 }
 
-TEST(Device, DropsTheTopByteOfTheDriverVersion)
+TEST(DeviceTest, DropsTheTopByteOfTheDriverVersion)
 {
     Device device(0);
     device.setDriverVersion(0xff010203);
@@ -60,7 +60,7 @@ TEST(Device, DropsTheTopByteOfTheDriverVersion)
     EXPECT_EQ(device.driverVersionCode(), 0xff010203u);
 }
 
-TEST(Device, KeepsATextWhenItIsSetToNull)
+TEST(DeviceTest, KeepsATextWhenItIsSetToNull)
 {
     Device device(0);
     void (Device::*const setters[])(char const*) = {
@@ -80,7 +80,7 @@ TEST(Device, KeepsATextWhenItIsSetToNull)
     }
 }
 
-TEST(Device, CopiesTheTextsThatItIsGiven)
+TEST(DeviceTest, CopiesTheTextsThatItIsGiven)
 {
     Device device(0);
     std::string text = "first";
@@ -89,7 +89,7 @@ TEST(Device, CopiesTheTextsThatItIsGiven)
     EXPECT_STREQ(device.name(), "first");
 }
 
-TEST(Device, CopiesARecordField)
+TEST(DeviceTest, CopiesARecordField)
 {
     DeviceStub other;
     other.position = 7;
@@ -118,7 +118,7 @@ TEST(Device, CopiesARecordField)
     EXPECT_EQ(copy.usbSpeed(), UsbSpeedSuper);
 }
 
-TEST(Device, CopiesEachFlagFromItsOwn)
+TEST(DeviceTest, CopiesEachFlagFromItsOwn)
 {
     struct
     {
@@ -141,7 +141,7 @@ TEST(Device, CopiesEachFlagFromItsOwn)
     }
 }
 
-TEST(Device, ReportsTheCardNameAsTheProductOfACopy)
+TEST(DeviceTest, ReportsTheCardNameAsTheProductOfACopy)
 {
     Device source(0);
     source.setName("Card");
@@ -153,7 +153,7 @@ TEST(Device, ReportsTheCardNameAsTheProductOfACopy)
     EXPECT_EQ(copy.driverVersionCode(), 0u);
 }
 
-TEST(Device, KeepsTheDefaultsForNullTextsOfAnApplicationsRecord)
+TEST(DeviceTest, KeepsTheDefaultsForNullTextsOfAnApplicationsRecord)
 {
     DeviceStub other;
     other.card = other.node = other.driver = other.bus = other.version = nullptr;
@@ -168,7 +168,7 @@ TEST(Device, KeepsTheDefaultsForNullTextsOfAnApplicationsRecord)
     }
 }
 
-TEST(Device, IsOneOfTheVendorsWhenBothIdsAreTheVendors)
+TEST(DeviceTest, IsOneOfTheVendorsWhenBothIdsAreTheVendors)
 {
     Device device(0);
     device.setIdVendor(vendorId);
@@ -176,7 +176,7 @@ TEST(Device, IsOneOfTheVendorsWhenBothIdsAreTheVendors)
     EXPECT_TRUE(device.isaZorvaneDevice());
 }
 
-TEST(Device, IsNotOneOfTheVendorsWhenOneIdDiffers)
+TEST(DeviceTest, IsNotOneOfTheVendorsWhenOneIdDiffers)
 {
     Device device(0);
     device.setIdVendor(vendorId);
@@ -187,7 +187,7 @@ TEST(Device, IsNotOneOfTheVendorsWhenOneIdDiffers)
     EXPECT_FALSE(device.isaZorvaneDevice());
 }
 
-TEST(Device, ComparesIdsByteByByte)
+TEST(DeviceTest, ComparesIdsByteByByte)
 {
     // Only ids with letters in them have another case.
     ASSERT_NE(upperCase(vendorId), vendorId);
@@ -204,7 +204,7 @@ TEST(Device, ComparesIdsByteByByte)
 }
 
 // The record that an application hands in may claim what it likes; the ids decide.
-TEST(Device, DecidesByIdsWhetherACopyIsTheVendors)
+TEST(DeviceTest, DecidesByIdsWhetherACopyIsTheVendors)
 {
     DeviceStub other;
     other.ofTheVendor = true;
@@ -215,7 +215,7 @@ TEST(Device, DecidesByIdsWhetherACopyIsTheVendors)
     EXPECT_TRUE(Device(&other).isaZorvaneDevice());
 }
 
-TEST(UsbSpeed, HasTheNumbersOfLibusb)
+TEST(DeviceTest, NumbersSpeedsAsLibusbDoes)
 {
     EXPECT_EQ(UsbSpeedUnknown, 0);
     EXPECT_EQ(UsbSpeedLow, 1);

@@ -24,7 +24,7 @@ std::unique_ptr<Device> describe(char const* nodeName = "video0")
     return std::unique_ptr<Device>(dynamic_cast<Device*>(DeviceEnumerator::createDevice(nodeName)));
 }
 
-class UsbIdentity : public testing::Test
+class UsbIdentityTest : public testing::Test
 {
 protected:
     void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
@@ -32,7 +32,7 @@ protected:
     Machine m_machine;
 };
 
-TEST_F(UsbIdentity, ComesFromTheUsbDeviceBehindTheNode)
+TEST_F(UsbIdentityTest, ComesFromTheUsbDeviceBehindTheNode)
 {
     m_machine.add(0, m_machine.plug(aUsbDevice()
                                         .withIds("046d", "0825")
@@ -49,7 +49,7 @@ TEST_F(UsbIdentity, ComesFromTheUsbDeviceBehindTheNode)
     EXPECT_FALSE(device->isaZorvaneDevice());
 }
 
-TEST_F(UsbIdentity, LeavesTextsEmptyThatTheDeviceDoesNotHave)
+TEST_F(UsbIdentityTest, LeavesTextsEmptyThatTheDeviceDoesNotHave)
 {
     m_machine.add(0, m_machine.plug(aUsbDevice()));
     auto const device = describe();
@@ -59,13 +59,13 @@ TEST_F(UsbIdentity, LeavesTextsEmptyThatTheDeviceDoesNotHave)
     EXPECT_STREQ(device->serial(), "");
 }
 
-TEST_F(UsbIdentity, IncludesTheRevision)
+TEST_F(UsbIdentityTest, IncludesTheRevision)
 {
     m_machine.add(0, m_machine.plug(aUsbDevice().withUsbRevision(0x0310)));
     EXPECT_EQ(describe()->usbRevision(), 0x0310);
 }
 
-TEST_F(UsbIdentity, IncludesTheSpeedOfTheLink)
+TEST_F(UsbIdentityTest, IncludesTheSpeedOfTheLink)
 {
     struct
     {
@@ -84,7 +84,7 @@ TEST_F(UsbIdentity, IncludesTheSpeedOfTheLink)
     }
 }
 
-TEST(UsbSpeedConversion, KnowsTheSpeedsUpToSuperSpeed)
+TEST_F(UsbIdentityTest, KnowsTheSpeedsUpToSuperSpeed)
 {
     EXPECT_EQ(DeviceEnumerator::convertSpeed(0), UsbSpeedUnknown);
     EXPECT_EQ(DeviceEnumerator::convertSpeed(1), UsbSpeedLow);
@@ -96,7 +96,7 @@ TEST(UsbSpeedConversion, KnowsTheSpeedsUpToSuperSpeed)
     }
 }
 
-TEST_F(UsbIdentity, IsThatOfTheFirstOfTwoIdenticalDevices)
+TEST_F(UsbIdentityTest, IsThatOfTheFirstOfTwoIdenticalDevices)
 {
     auto const slow = aUsbDevice("1-1").withSpeed("12").withUsbRevision(0x0110);
     auto const fast = aUsbDevice("1-2").withSpeed("480").withUsbRevision(0x0200);
@@ -109,7 +109,7 @@ TEST_F(UsbIdentity, IsThatOfTheFirstOfTwoIdenticalDevices)
     EXPECT_TRUE(first->usbSpeed() == UsbSpeedFull || first->usbSpeed() == UsbSpeedHigh);
 }
 
-TEST_F(UsbIdentity, IsToldApartByBothIds)
+TEST_F(UsbIdentityTest, IsToldApartByBothIds)
 {
     m_machine.add(0, m_machine.plug(aUsbDevice("1-1").withIds("1111", "2222").withSpeed("12")));
     m_machine.add(1, m_machine.plug(aUsbDevice("1-2").withIds("1111", "3333").withSpeed("480")));
@@ -119,7 +119,7 @@ TEST_F(UsbIdentity, IsToldApartByBothIds)
     EXPECT_EQ(describe("video2")->usbSpeed(), UsbSpeedLow);
 }
 
-TEST_F(UsbIdentity, HasNoRevisionAndSpeedWhenLibusbDoesNotKnowTheIds)
+TEST_F(UsbIdentityTest, HasNoRevisionAndSpeedWhenLibusbDoesNotKnowTheIds)
 {
     m_machine.plug(aUsbDevice().withIds("1111", "2222"));
     // Compared whole: cut to 16 bits the first of these would match.
@@ -135,7 +135,7 @@ TEST_F(UsbIdentity, HasNoRevisionAndSpeedWhenLibusbDoesNotKnowTheIds)
     }
 }
 
-TEST_F(UsbIdentity, HasNoRevisionAndSpeedOnAMachineWithoutUsb)
+TEST_F(UsbIdentityTest, HasNoRevisionAndSpeedOnAMachineWithoutUsb)
 {
     Device device(0);
     device.setIdVendor("1111");
@@ -145,7 +145,7 @@ TEST_F(UsbIdentity, HasNoRevisionAndSpeedOnAMachineWithoutUsb)
     EXPECT_EQ(device.usbSpeed(), UsbSpeedUnknown);
 }
 
-TEST_F(UsbIdentity, HasNoRevisionAndSpeedWithoutLibusb)
+TEST_F(UsbIdentityTest, HasNoRevisionAndSpeedWithoutLibusb)
 {
     m_machine.plug(aUsbDevice());
     Device device(0);
@@ -162,7 +162,7 @@ TEST_F(UsbIdentity, HasNoRevisionAndSpeedWithoutLibusb)
     EXPECT_STREQ(device.firmwareVersion(), "");
 }
 
-TEST_F(UsbIdentity, LeavesNoDescriptorBehind)
+TEST_F(UsbIdentityTest, LeavesNoDescriptorBehind)
 {
     m_machine.add(0, m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3")));
     describe();
@@ -187,7 +187,7 @@ std::string whatOf(Action action)
     return "nothing was thrown";
 }
 
-TEST_F(UsbIdentity, ThatIsMissingThrowsOutOfTheEnumeration)
+TEST_F(UsbIdentityTest, ThatIsMissingThrowsOutOfTheEnumeration)
 {
     auto const& without = m_machine.addWithoutUsb(1);
     auto const& with = m_machine.add(0, m_machine.plug(aUsbDevice()));
@@ -202,7 +202,7 @@ TEST_F(UsbIdentity, ThatIsMissingThrowsOutOfTheEnumeration)
     EXPECT_EQ(list.size(), 1) << "those that came before stay in the list";
 }
 
-TEST_F(UsbIdentity, OutOfRangeThrowsToo)
+TEST_F(UsbIdentityTest, OutOfRangeThrowsToo)
 {
     Device device(0);
     device.setIdVendor("fffffffffffffffff");
@@ -215,7 +215,7 @@ TEST_F(UsbIdentity, OutOfRangeThrowsToo)
         "stoul");
 }
 
-TEST_F(UsbIdentity, ThrowsFromTheFirmwareQueryWithoutLosingDescriptors)
+TEST_F(UsbIdentityTest, ThrowsFromTheFirmwareQueryWithoutLosingDescriptors)
 {
     Device device(0);
     device.setIdVendor("xyz");

@@ -32,44 +32,7 @@ ICameraFactory& factory()
     return ICameraFactory::getUniqueInstance();
 }
 
-TEST(CameraFactory, IsOneForAllThreads)
-{
-    std::vector<ICameraFactory*> seen(8);
-    std::vector<std::thread> threads;
-    for (auto& place : seen) {
-        threads.emplace_back([&place] { place = &ICameraFactory::getUniqueInstance(); });
-    }
-    for (auto& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(std::set<ICameraFactory*>(seen.begin(), seen.end()).size(), 1u);
-    EXPECT_EQ(&CameraFactory::getUniqueInstance(), &factory());
-}
-
-TEST(CameraFactory, MakesAnEmptyEvent)
-{
-    std::unique_ptr<ICameraEvent> const first(factory().createEvent());
-    std::unique_ptr<ICameraEvent> const second(factory().createEvent());
-    ASSERT_NE(first, nullptr);
-    EXPECT_NE(first, second);
-    EXPECT_EQ(first->type(), 0);
-    EXPECT_STREQ(first->deviceSystemName(), "");
-    EXPECT_STREQ(first->subSystemName(), "");
-}
-
-TEST(CameraFactory, MakesMonitorsThatAreNotStarted)
-{
-    std::unique_ptr<IBlockingCameraMonitor> const blocking(factory().createBlockingCameraMonitor());
-    ASSERT_NE(blocking, nullptr);
-    std::unique_ptr<ICameraEvent> const event(factory().createEvent());
-    EXPECT_FALSE(blocking->getEvent(event.get()));
-    std::unique_ptr<IContinuousCameraMonitor> const continuous(
-        factory().createContinuousCameraMonitor());
-    ASSERT_NE(continuous, nullptr);
-    EXPECT_FALSE(continuous->stopMonitoring());
-}
-
-class CameraFactoryOnMachine : public testing::Test
+class CameraFactoryTest : public testing::Test
 {
 protected:
     void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
@@ -101,7 +64,44 @@ protected:
     Machine m_machine;
 };
 
-TEST_F(CameraFactoryOnMachine, GivesNullForNull)
+TEST_F(CameraFactoryTest, IsOneForAllThreads)
+{
+    std::vector<ICameraFactory*> seen(8);
+    std::vector<std::thread> threads;
+    for (auto& place : seen) {
+        threads.emplace_back([&place] { place = &ICameraFactory::getUniqueInstance(); });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(std::set<ICameraFactory*>(seen.begin(), seen.end()).size(), 1u);
+    EXPECT_EQ(&CameraFactory::getUniqueInstance(), &factory());
+}
+
+TEST_F(CameraFactoryTest, MakesAnEmptyEvent)
+{
+    std::unique_ptr<ICameraEvent> const first(factory().createEvent());
+    std::unique_ptr<ICameraEvent> const second(factory().createEvent());
+    ASSERT_NE(first, nullptr);
+    EXPECT_NE(first, second);
+    EXPECT_EQ(first->type(), 0);
+    EXPECT_STREQ(first->deviceSystemName(), "");
+    EXPECT_STREQ(first->subSystemName(), "");
+}
+
+TEST_F(CameraFactoryTest, MakesMonitorsThatAreNotStarted)
+{
+    std::unique_ptr<IBlockingCameraMonitor> const blocking(factory().createBlockingCameraMonitor());
+    ASSERT_NE(blocking, nullptr);
+    std::unique_ptr<ICameraEvent> const event(factory().createEvent());
+    EXPECT_FALSE(blocking->getEvent(event.get()));
+    std::unique_ptr<IContinuousCameraMonitor> const continuous(
+        factory().createContinuousCameraMonitor());
+    ASSERT_NE(continuous, nullptr);
+    EXPECT_FALSE(continuous->stopMonitoring());
+}
+
+TEST_F(CameraFactoryTest, GivesNullForNull)
 {
     auto const usb = m_machine.plug(aUsbDevice());
     auto const& camera = m_machine.add(0, usb);
@@ -110,7 +110,7 @@ TEST_F(CameraFactoryOnMachine, GivesNullForNull)
     EXPECT_EQ(camera.accounting().totalOpens, 0u);
 }
 
-TEST_F(CameraFactoryOnMachine, DescribesOneNode)
+TEST_F(CameraFactoryTest, DescribesOneNode)
 {
     m_machine.add(3, m_machine.plug(aUsbDevice()));
     std::unique_ptr<IDevice> const device(factory().createDevice("video3"));
@@ -120,14 +120,14 @@ TEST_F(CameraFactoryOnMachine, DescribesOneNode)
     EXPECT_EQ(factory().createDevice("/dev/video3"), nullptr) << "a path is no short name";
 }
 
-TEST_F(CameraFactoryOnMachine, GivesAnEmptyListForAMachineWithoutCameras)
+TEST_F(CameraFactoryTest, GivesAnEmptyListForAMachineWithoutCameras)
 {
     std::unique_ptr<IDeviceList> const list(factory().createDeviceList());
     ASSERT_NE(list, nullptr);
     EXPECT_EQ(list->size(), 0);
 }
 
-TEST_F(CameraFactoryOnMachine, ListsOrdinaryCamerasAndTheVendors)
+TEST_F(CameraFactoryTest, ListsOrdinaryCamerasAndTheVendors)
 {
     m_machine.add(0, m_machine.plug(aUsbDevice("1-1").withIds("046d", "0825")));
     m_machine.add(1, m_machine.plug(vendorUsbDevice("1-2").withFirmware("TJ8-1.2.9")));
@@ -138,7 +138,7 @@ TEST_F(CameraFactoryOnMachine, ListsOrdinaryCamerasAndTheVendors)
     EXPECT_STREQ(list->at(1)->firmwareVersion(), "TJ8-1.2.9");
 }
 
-TEST_F(CameraFactoryOnMachine, LetsExceptionsOfTheEnumerationThrough)
+TEST_F(CameraFactoryTest, LetsExceptionsOfTheEnumerationThrough)
 {
     auto const& camera = m_machine.addWithoutUsb(0);
     EXPECT_THROW(factory().createDevice("video0"), std::invalid_argument);
@@ -152,7 +152,7 @@ int countOf(char const* target)
     return static_cast<int>(std::count(targets.begin(), targets.end(), target));
 }
 
-TEST_F(CameraFactoryOnMachine, LosesTwoDescriptorsWithEachListThatThrows)
+TEST_F(CameraFactoryTest, LosesTwoDescriptorsWithEachListThatThrows)
 {
     constexpr char timer[] = "anon_inode:[timerfd]";
     constexpr char event[] = "anon_inode:[eventfd]";
@@ -168,7 +168,7 @@ TEST_F(CameraFactoryOnMachine, LosesTwoDescriptorsWithEachListThatThrows)
     EXPECT_GE(countOf(event), events + rounds);
 }
 
-TEST_F(CameraFactoryOnMachine, OpensACameraThatOutlivesItsList)
+TEST_F(CameraFactoryTest, OpensACameraThatOutlivesItsList)
 {
     m_machine.add(0, m_machine.plug(aUsbDevice().withSerial("S1")));
     std::unique_ptr<IDeviceList> list(factory().createDeviceList());
@@ -179,7 +179,7 @@ TEST_F(CameraFactoryOnMachine, OpensACameraThatOutlivesItsList)
     EXPECT_STREQ(camera->device()->serial(), "S1");
 }
 
-TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForOldOrUnknownFirmware)
+TEST_F(CameraFactoryTest, MakesAGenericCameraForOldOrUnknownFirmware)
 {
     auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.9"));
     m_machine.add(0, usb);
@@ -192,7 +192,7 @@ TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForOldOrUnknownFirmware)
     EXPECT_EQ(usb.resetRequests(), 0);
 }
 
-TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForAnyOtherDevice)
+TEST_F(CameraFactoryTest, MakesAGenericCameraForAnyOtherDevice)
 {
     m_machine.add(0, m_machine.plug(aUsbDevice()));
     DeviceStub device;
@@ -201,7 +201,7 @@ TEST_F(CameraFactoryOnMachine, MakesAGenericCameraForAnyOtherDevice)
 }
 
 // No serial port belongs to these cameras: whoever tries to reach one fails, and is reset.
-TEST_F(CameraFactoryOnMachine, TriesTheSerialLinkOfNewerFirmwareAndResetsTheCameraWithoutOne)
+TEST_F(CameraFactoryTest, TriesTheSerialLinkOfNewerFirmwareAndResetsTheCameraWithoutOne)
 {
     auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.3.0"));
     auto const& camera = m_machine.add(0, usb);

@@ -17,7 +17,7 @@ using VirtualCamera::aCamera;
 
 constexpr unsigned int yuyv = V4L2_PIX_FMT_YUYV;
 
-TEST(FramePeriod, KeepsTheTwoNumbersAsTheyAre)
+TEST(FrameSizeTest, KeepsTheTwoNumbersOfAnIntervalAsTheyAre)
 {
     FramePeriod const period({2, 60});
     EXPECT_FALSE(period.isInvalid());
@@ -25,7 +25,7 @@ TEST(FramePeriod, KeepsTheTwoNumbersAsTheyAre)
     EXPECT_EQ(period.denominator(), 60u);
 }
 
-TEST(FrameSize, KeepsWidthAndHeight)
+TEST(FrameSizeTest, KeepsWidthAndHeight)
 {
     auto const camera = aCamera().withFormat("YUYV").withSize(640, 480).install();
     OpenNode const node;
@@ -35,7 +35,7 @@ TEST(FrameSize, KeepsWidthAndHeight)
     EXPECT_EQ(size.height(), 480u);
 }
 
-TEST(FrameSize, ListsTheIntervalsInTheDriversOrder)
+TEST(FrameSizeTest, ListsTheIntervalsInTheDriversOrder)
 {
     auto const camera = aCamera()
                             .withFormat("YUYV")
@@ -53,7 +53,7 @@ TEST(FrameSize, ListsTheIntervalsInTheDriversOrder)
     EXPECT_EQ(size.period(2)->denominator(), 15u);
 }
 
-TEST(FrameSize, AsksForTheIntervalsOfItsOwnFormatAndSize)
+TEST(FrameSizeTest, AsksForTheIntervalsOfItsOwnFormatAndSize)
 {
     auto const camera = aCamera()
                             .withFormat("MJPG")
@@ -77,7 +77,7 @@ TEST(FrameSize, AsksForTheIntervalsOfItsOwnFormatAndSize)
     EXPECT_EQ(asked.height, 240u);
 }
 
-TEST(FrameSize, GivesTheInvalidPeriodOutsideItsList)
+TEST(FrameSizeTest, GivesTheInvalidPeriodOutsideItsList)
 {
     auto const camera =
         aCamera().withFormat("YUYV").withSize(640, 480).withInterval(1, 30).install();
@@ -88,7 +88,7 @@ TEST(FrameSize, GivesTheInvalidPeriodOutsideItsList)
     EXPECT_EQ(IFramePeriod::invalid(), size.period(size.periodNumber()));
 }
 
-TEST(FrameSize, MakesUpNoListFromARangeOfIntervals)
+TEST(FrameSizeTest, MakesUpNoListFromARangeOfIntervals)
 {
     struct
     {
@@ -111,7 +111,7 @@ TEST(FrameSize, MakesUpNoListFromARangeOfIntervals)
     }
 }
 
-TEST(FrameSize, HasNoIntervalsWhenTheDriverListsNone)
+TEST(FrameSizeTest, HasNoIntervalsWhenTheDriverListsNone)
 {
     auto const camera = aCamera()
                             .withFormat("YUYV")
@@ -125,7 +125,7 @@ TEST(FrameSize, HasNoIntervalsWhenTheDriverListsNone)
     EXPECT_EQ(IFramePeriod::invalid(), size.period(0));
 }
 
-TEST(FrameSize, EndsTheListWhereTheDriverFails)
+TEST(FrameSizeTest, EndsTheListWhereTheDriverFails)
 {
     auto const camera = aCamera()
                             .withFormat("YUYV")
@@ -138,7 +138,7 @@ TEST(FrameSize, EndsTheListWhereTheDriverFails)
     EXPECT_EQ(FrameSize(node.fd(), yuyv, 640, 480).periodNumber(), 1);
 }
 
-TEST(FrameSize, LooksAtTheTypeOfTheFirstAnswerOnly)
+TEST(FrameSizeTest, LooksAtTheTypeOfTheFirstAnswerOnly)
 {
     V4l2Hook const hook([](int, unsigned long, void* argument) {
         auto& interval = *static_cast<v4l2_frmivalenum*>(argument);
@@ -156,7 +156,7 @@ TEST(FrameSize, LooksAtTheTypeOfTheFirstAnswerOnly)
     EXPECT_EQ(size.period(2)->denominator(), 12u);
 }
 
-TEST(FrameSize, EndsTheListOfADriverThatNeverDoes)
+TEST(FrameSizeTest, EndsTheListOfADriverThatNeverDoes)
 {
     V4l2Hook const hook([](int, unsigned long, void* argument) {
         static_cast<v4l2_frmivalenum*>(argument)->type = V4L2_FRMIVAL_TYPE_DISCRETE;
@@ -165,7 +165,7 @@ TEST(FrameSize, EndsTheListOfADriverThatNeverDoes)
     EXPECT_EQ(FrameSize(3, yuyv, 640, 480).periodNumber(), 4096);
 }
 
-TEST(FrameSize, FindsAnIntervalByBothItsNumbers)
+TEST(FrameSizeTest, FindsAnIntervalByBothItsNumbers)
 {
     auto const camera = aCamera()
                             .withFormat("YUYV")
@@ -184,7 +184,7 @@ TEST(FrameSize, FindsAnIntervalByBothItsNumbers)
     EXPECT_EQ(size.intervalIndex({0, 1}), -1);
 }
 
-TEST(FrameSize, FindsTheFirstOfTwoEqualIntervals)
+TEST(FrameSizeTest, FindsTheFirstOfTwoEqualIntervals)
 {
     auto const camera = aCamera()
                             .withFormat("YUYV")
@@ -197,7 +197,7 @@ TEST(FrameSize, FindsTheFirstOfTwoEqualIntervals)
     EXPECT_EQ(FrameSize(node.fd(), yuyv, 640, 480).intervalIndex({1, 30}), 1);
 }
 
-TEST(FrameSize, ReportsTheLineLengthOfTheFormatThatIsSetNow)
+TEST(FrameSizeTest, ReportsTheLineLengthOfTheFormatThatIsSetNow)
 {
     auto const camera =
         aCamera().withFormat("YUYV").withSize(640, 480).withSize(320, 240).install();
@@ -206,7 +206,7 @@ TEST(FrameSize, ReportsTheLineLengthOfTheFormatThatIsSetNow)
     EXPECT_EQ(size.bytesPerLine(), 1280);
 }
 
-TEST(FrameSize, HasNoLineLengthWhenTheDeviceDoesNotAnswer)
+TEST(FrameSizeTest, HasNoLineLengthWhenTheDeviceDoesNotAnswer)
 {
     auto camera = aCamera().withFormat("YUYV").withSize(640, 480).install();
     OpenNode const node;

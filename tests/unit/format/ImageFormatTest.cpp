@@ -30,7 +30,7 @@ v4l2_fmtdesc describe(unsigned int pixelformat, unsigned int flags = 0, char con
 
 v4l2_fmtdesc const yuyv = describe(V4L2_PIX_FMT_YUYV, 0, "YUYV 4:2:2");
 
-TEST(FourCharacterCode, ListsTheBytesFromTheLowestUp)
+TEST(ImageFormatTest, ListsTheBytesOfItsCodeFromTheLowestUp)
 {
     EXPECT_EQ(fourCharacterCode(0x56595559), "YUYV");
     EXPECT_EQ(fourCharacterCode(V4L2_PIX_FMT_MJPEG), "MJPG");
@@ -40,7 +40,7 @@ TEST(FourCharacterCode, ListsTheBytesFromTheLowestUp)
     EXPECT_EQ(fourCharacterCode('A'), std::string("A\0\0\0", 4));
 }
 
-TEST(ImageFormat, IsNamedByItsCodeAndDescribedByTheDriver)
+TEST(ImageFormatTest, IsNamedByItsCodeAndDescribedByTheDriver)
 {
     ImageFormat const format(-1, yuyv);
     EXPECT_FALSE(format.isInvalid());
@@ -48,14 +48,14 @@ TEST(ImageFormat, IsNamedByItsCodeAndDescribedByTheDriver)
     EXPECT_STREQ(format.description(), "YUYV 4:2:2");
 }
 
-TEST(ImageFormat, ReadsADescriptionWithoutAnEndNoFurtherThanItsField)
+TEST(ImageFormatTest, ReadsADescriptionWithoutAnEndNoFurtherThanItsField)
 {
     std::string const text(sizeof(v4l2_fmtdesc::description), 'd');
     ImageFormat const format(-1, describe(V4L2_PIX_FMT_YUYV, 0, text.c_str()));
     EXPECT_EQ(format.description(), text);
 }
 
-TEST(ImageFormat, TellsCompressedFromEmulated)
+TEST(ImageFormatTest, TellsCompressedFromEmulated)
 {
     struct
     {
@@ -74,7 +74,7 @@ TEST(ImageFormat, TellsCompressedFromEmulated)
     }
 }
 
-TEST(ImageFormat, ListsTheSizesInTheDriversOrder)
+TEST(ImageFormatTest, ListsTheSizesInTheDriversOrder)
 {
     auto const camera = aCamera()
                             .withFormat("YUYV")
@@ -95,7 +95,7 @@ TEST(ImageFormat, ListsTheSizesInTheDriversOrder)
     EXPECT_EQ(format.frameSize(1)->periodNumber(), 2);
 }
 
-TEST(ImageFormat, GivesTheInvalidSizeOutsideItsList)
+TEST(ImageFormatTest, GivesTheInvalidSizeOutsideItsList)
 {
     auto const camera = aCamera().withFormat("YUYV").withSize(320, 240).install();
     OpenNode const node;
@@ -105,7 +105,7 @@ TEST(ImageFormat, GivesTheInvalidSizeOutsideItsList)
     EXPECT_EQ(IFrameSize::invalid(), format.frameSize(format.sizeNumber()));
 }
 
-TEST(ImageFormat, MakesUpNoListFromARangeOfSizes)
+TEST(ImageFormatTest, MakesUpNoListFromARangeOfSizes)
 {
     for (bool const stepwise : {true, false}) {
         auto builder = aCamera().withFormat("YUYV");
@@ -126,7 +126,7 @@ TEST(ImageFormat, MakesUpNoListFromARangeOfSizes)
     }
 }
 
-TEST(ImageFormat, HasNoSizesWhenTheDriverListsNone)
+TEST(ImageFormatTest, HasNoSizesWhenTheDriverListsNone)
 {
     auto const camera = aCamera()
                             .withFormat("YUYV")
@@ -137,7 +137,7 @@ TEST(ImageFormat, HasNoSizesWhenTheDriverListsNone)
     EXPECT_EQ(ImageFormat(node.fd(), yuyv).sizeNumber(), 0);
 }
 
-TEST(ImageFormat, EndsTheListWhereTheDriverFails)
+TEST(ImageFormatTest, EndsTheListWhereTheDriverFails)
 {
     auto const camera = aCamera()
                             .withFormat("YUYV")
@@ -149,7 +149,7 @@ TEST(ImageFormat, EndsTheListWhereTheDriverFails)
     EXPECT_EQ(ImageFormat(node.fd(), yuyv).sizeNumber(), 1);
 }
 
-TEST(ImageFormat, LooksAtTheTypeOfTheFirstAnswerOnly)
+TEST(ImageFormatTest, LooksAtTheTypeOfTheFirstAnswerOnly)
 {
     V4l2Hook const hook([](int, unsigned long request, void* argument) {
         auto& size = *static_cast<v4l2_frmsizeenum*>(argument);
@@ -166,7 +166,7 @@ TEST(ImageFormat, LooksAtTheTypeOfTheFirstAnswerOnly)
     EXPECT_EQ(format.frameSize(1)->width(), 101u);
 }
 
-TEST(ImageFormat, EndsTheListOfADriverThatNeverDoes)
+TEST(ImageFormatTest, EndsTheListOfADriverThatNeverDoes)
 {
     V4l2Hook const hook([](int, unsigned long request, void* argument) {
         if (request != VIDIOC_ENUM_FRAMESIZES) {
@@ -179,7 +179,7 @@ TEST(ImageFormat, EndsTheListOfADriverThatNeverDoes)
     EXPECT_EQ(ImageFormat(3, yuyv).sizeNumber(), 4096);
 }
 
-TEST(ImageFormat, FindsASizeByWidthAndHeight)
+TEST(ImageFormatTest, FindsASizeByWidthAndHeight)
 {
     auto const camera = aCamera()
                             .withFormat("YUYV")

@@ -27,7 +27,7 @@ std::set<Object const*> instancesOfManyThreads(Object const* (*ask)())
     return {seen.begin(), seen.end()};
 }
 
-TEST(InvalidFramePeriod, IsZeroOverOne)
+TEST(InvalidObjectsTest, FramePeriodIsZeroOverOne)
 {
     IFramePeriod const* const period = IFramePeriod::invalid();
     EXPECT_TRUE(period->isInvalid());
@@ -35,7 +35,7 @@ TEST(InvalidFramePeriod, IsZeroOverOne)
     EXPECT_EQ(period->denominator(), 1u);
 }
 
-TEST(InvalidFrameSize, IsZeroInEveryRespect)
+TEST(InvalidObjectsTest, FrameSizeIsZeroInEveryRespect)
 {
     IFrameSize const* const size = IFrameSize::invalid();
     EXPECT_TRUE(size->isInvalid());
@@ -48,7 +48,7 @@ TEST(InvalidFrameSize, IsZeroInEveryRespect)
     }
 }
 
-TEST(InvalidImageFormat, IsCalledInvalidAndHasNoSizes)
+TEST(InvalidObjectsTest, ImageFormatIsCalledInvalidAndHasNoSizes)
 {
     IImageFormat const* const format = IImageFormat::invalid();
     EXPECT_TRUE(format->isInvalid());
@@ -62,7 +62,7 @@ TEST(InvalidImageFormat, IsCalledInvalidAndHasNoSizes)
     }
 }
 
-TEST(InvalidObjects, AreThoseOfTheirClasses)
+TEST(InvalidObjectsTest, AreThoseOfTheirClasses)
 {
     InvalidFramePeriod const& period = InvalidFramePeriod::getUniqueInstance();
     InvalidFrameSize const& size = InvalidFrameSize::getUniqueInstance();
@@ -72,7 +72,7 @@ TEST(InvalidObjects, AreThoseOfTheirClasses)
     EXPECT_EQ(IImageFormat::invalid(), &format);
 }
 
-TEST(InvalidObjects, AreOneOfEachKindForAllThreads)
+TEST(InvalidObjectsTest, AreOneOfEachKindForAllThreads)
 {
     EXPECT_EQ(instancesOfManyThreads(&IFramePeriod::invalid).size(), 1u);
     EXPECT_EQ(instancesOfManyThreads(&IFrameSize::invalid).size(), 1u);
