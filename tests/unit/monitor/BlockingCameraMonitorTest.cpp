@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "monitor/BlockingCameraMonitor.h"
+#include "Await.h"
 #include "Interruptions.h"
 #include "MonitoredMachine.h"
 #include "Stopwatch.h"
@@ -12,6 +13,7 @@
 #include <atomic>
 #include <csignal>
 #include <optional>
+#include <thread>
 
 using namespace ImageAcquisition;
 
@@ -306,4 +308,26 @@ TEST_F(BlockingCameraMonitorTest, ManyRoundsLeaveNoDescriptor)
     }
     EXPECT_EQ(pipesAndSockets(), descriptors);
     EXPECT_EQ(UdevHook::monitors(), 0);
+}
+
+TEST_F(BlockingCameraMonitorTest, StartsAndStopsUnderAThreadThatNeverStopsAsking)
+{
+    std::atomic<bool> finished{false};
+    std::atomic<int> answers{0};
+    std::thread asking([&] {
+        while (!finished) {
+            answers += m_monitor.getEvent(&m_event) ? 1 : 0;
+        }
+    });
+    for (int round = 0; round < 10; ++round) {
+        ASSERT_TRUE(m_monitor.startMonitoring());
+        int const before = answers;
+        m_machine.addVideoNode("video0");
+        m_machine.removeVideoNode("video0");
+        EXPECT_TRUE(await([&] { return answers >= before + 2; }));
+        EXPECT_EQ(answers, before + 2);
+        ASSERT_TRUE(m_monitor.stopMonitoring());
+    }
+    finished = true;
+    asking.join();
 }

@@ -46,7 +46,7 @@ private:
     int m_writing = -1;
 };
 
-class LargeDescriptors : public testing::TestWithParam<int>
+class DescriptorSetTest : public testing::TestWithParam<int>
 {
 protected:
     void SetUp() override
@@ -67,7 +67,7 @@ private:
     rlimit m_earlier{};
 };
 
-TEST_P(LargeDescriptors, AreWaitedFor)
+TEST_P(DescriptorSetTest, AreWaitedFor)
 {
     Pipe const pipe(GetParam());
     ASSERT_EQ(GetParam(), pipe.readingEnd());
@@ -81,7 +81,7 @@ TEST_P(LargeDescriptors, AreWaitedFor)
     EXPECT_TRUE(set.isReady(pipe.readingEnd()));
 }
 
-TEST_P(LargeDescriptors, AreToldFromSmallOnesInTheSameSet)
+TEST_P(DescriptorSetTest, AreToldFromSmallOnesInTheSameSet)
 {
     Pipe const small;
     Pipe const large(GetParam());
@@ -100,10 +100,10 @@ TEST_P(LargeDescriptors, AreToldFromSmallOnesInTheSameSet)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(DescriptorSet, LargeDescriptors,
+INSTANTIATE_TEST_SUITE_P(Sizes, DescriptorSetTest,
                          testing::Values(FD_SETSIZE - 1, FD_SETSIZE, FD_SETSIZE + 1, 1088, 4000));
 
-TEST(DescriptorSet, LeavesNegativeDescriptorsOut)
+TEST(DescriptorSetTest, LeavesNegativeDescriptorsOut)
 {
     Pipe const pipe;
     DescriptorSet set;
@@ -117,7 +117,7 @@ TEST(DescriptorSet, LeavesNegativeDescriptorsOut)
     EXPECT_TRUE(set.isReady(pipe.readingEnd()));
 }
 
-TEST(DescriptorSet, WaitsForTheTimeAloneWhenItIsEmpty)
+TEST(DescriptorSetTest, WaitsForTheTimeAloneWhenItIsEmpty)
 {
     DescriptorSet set;
     set.add(-1);
@@ -125,7 +125,7 @@ TEST(DescriptorSet, WaitsForTheTimeAloneWhenItIsEmpty)
     EXPECT_EQ(set.waitReadable(&short_), 0);
 }
 
-TEST(DescriptorSet, CanBeWaitedForAgain)
+TEST(DescriptorSetTest, CanBeWaitedForAgain)
 {
     Pipe const pipe;
     DescriptorSet set;
@@ -137,7 +137,7 @@ TEST(DescriptorSet, CanBeWaitedForAgain)
     EXPECT_EQ(set.waitReadable(&none), 1);
 }
 
-TEST(DescriptorSet, WaitsWithoutLimitWhenNoTimeIsGiven)
+TEST(DescriptorSetTest, WaitsWithoutLimitWhenNoTimeIsGiven)
 {
     Pipe const pipe;
     pipe.fill();
@@ -146,7 +146,7 @@ TEST(DescriptorSet, WaitsWithoutLimitWhenNoTimeIsGiven)
     EXPECT_EQ(set.waitReadable(nullptr), 1);
 }
 
-TEST(DescriptorSet, ReportsAFailedWaitAndNothingReady)
+TEST(DescriptorSetTest, ReportsAFailedWaitAndNothingReady)
 {
     int closed = -1;
     {
@@ -162,7 +162,7 @@ TEST(DescriptorSet, ReportsAFailedWaitAndNothingReady)
     EXPECT_FALSE(set.isReady(closed));
 }
 
-TEST(DescriptorSet, KnowsNothingReadyThatWasNotAdded)
+TEST(DescriptorSetTest, KnowsNothingReadyThatWasNotAdded)
 {
     Pipe const added;
     Pipe const other;
