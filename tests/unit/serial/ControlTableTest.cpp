@@ -36,7 +36,7 @@ private:
     }
 };
 
-TEST(ControlTable, HoldsTheThirtyNineRowsInOrder)
+TEST(ControlTableTest, HoldsTheThirtyNineRowsInOrder)
 {
     ASSERT_EQ(rows.size(), ZorvaneCamera::_controlMap.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -55,7 +55,7 @@ TEST(ControlTable, HoldsTheThirtyNineRowsInOrder)
     }
 }
 
-TEST(ControlTable, MakesAControlOfTheRowsTypeForEachRow)
+TEST(ControlTableTest, MakesAControlOfTheRowsTypeForEachRow)
 {
     OpenedCamera camera;
     for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -75,7 +75,7 @@ TEST(ControlTable, MakesAControlOfTheRowsTypeForEachRow)
     }
 }
 
-TEST(ControlTable, MakesNoControlOfATypeWithoutAClass)
+TEST(ControlTableTest, MakesNoControlOfATypeWithoutAClass)
 {
     OpenedCamera camera;
     for (int const type : {-1, 0, 1, 3, 5, 6, 7, 8, 9, 10, 12}) {
@@ -84,7 +84,7 @@ TEST(ControlTable, MakesNoControlOfATypeWithoutAClass)
     }
 }
 
-TEST(MenuTable, HoldsThreeMenusWithTheirValues)
+TEST(ControlTableTest, HoldsThreeMenusWithTheirValues)
 {
     using Items = std::vector<std::pair<int, std::string>>;
     std::map<std::string, Items> const expected = {
@@ -101,7 +101,7 @@ TEST(MenuTable, HoldsThreeMenusWithTheirValues)
     EXPECT_EQ(ZorvaneCamera::_stringMenuSettings.size(), 3U);
 }
 
-TEST(MenuTable, IsKeyedByTheVeryPointersOfTheControlTable)
+TEST(ControlTableTest, KeysItsMenusByTheVeryPointersOfItsRows)
 {
     for (ZorvaneCamera::ControlStruct const& row : ZorvaneCamera::_controlMap) {
         EXPECT_EQ(ZorvaneCamera::_stringMenuSettings.count(row.name) == 1,
@@ -111,7 +111,7 @@ TEST(MenuTable, IsKeyedByTheVeryPointersOfTheControlTable)
     EXPECT_EQ(ZorvaneCamera::menuSettings(ZorvaneCamera::_lightModeControl).size(), 2U);
 }
 
-TEST(MenuTable, FindsNoMenuForAnotherPointerToAnEqualText)
+TEST(ControlTableTest, FindsNoMenuForAnotherPointerToAnEqualText)
 {
     char const ownName[] = "Lighting Mode";
     ASSERT_STREQ(ZorvaneCamera::_lightModeControl, ownName);
@@ -126,7 +126,7 @@ TEST(MenuTable, FindsNoMenuForAnotherPointerToAnEqualText)
     EXPECT_EQ(menu->count(), 0);
 }
 
-TEST(NamedGetters, FindTheControlOfTheirRow)
+TEST(ControlTableTest, LetsNamedGettersFindTheControlOfTheirRow)
 {
     UnlinkedCamera const camera;
     ASSERT_EQ(camera.controlNumber(), 39);
@@ -140,7 +140,7 @@ TEST(NamedGetters, FindTheControlOfTheirRow)
     }
 }
 
-TEST(NamedGetters, CoverEveryGetterOfTheInterface)
+TEST(ControlTableTest, CoversEveryNamedGetterOfTheInterface)
 {
     std::size_t withGetter = 0;
     for (SerialRow const& row : rows) {
@@ -149,7 +149,7 @@ TEST(NamedGetters, CoverEveryGetterOfTheInterface)
     EXPECT_EQ(withGetter, 35U);
 }
 
-TEST(NamedGetters, GiveTheInvalidControlForVendorControlsOfAnotherRecord)
+TEST(ControlTableTest, LetsNamedGettersGiveTheInvalidControlForVendorControlsOfAnotherRecord)
 {
     UnlinkedCamera const camera(false);
     for (SerialRow const& row : rows) {
@@ -163,7 +163,7 @@ TEST(NamedGetters, GiveTheInvalidControlForVendorControlsOfAnotherRecord)
     }
 }
 
-TEST(NamedGetters, GiveTheInvalidControlForRowsThatWereNotMade)
+TEST(ControlTableTest, LetsNamedGettersGiveTheInvalidControlForRowsThatWereNotMade)
 {
     DeviceStub record = vendorRecord();
     record.node = "/dev/video63";
@@ -177,7 +177,7 @@ TEST(NamedGetters, GiveTheInvalidControlForRowsThatWereNotMade)
     EXPECT_EQ(camera.invalidControl()->type(), ICameraControl::Invalid);
 }
 
-TEST(ZorvaneCamera, IsAQtObjectOfItsOwnClass)
+TEST(ControlTableTest, BelongsToACameraThatIsAQtObjectOfItsOwnClass)
 {
     OpenedCamera camera;
     EXPECT_STREQ(ZorvaneCamera::staticMetaObject.className(), "ImageAcquisition::ZorvaneCamera");
@@ -186,7 +186,7 @@ TEST(ZorvaneCamera, IsAQtObjectOfItsOwnClass)
     EXPECT_EQ(camera.serialPort().parent(), &camera);
 }
 
-TEST(ZorvaneCamera, MapsNoControlsOfTheExtensionUnitIntoTheDriver)
+TEST(ControlTableTest, MapsNoControlsOfTheExtensionUnitIntoTheDriver)
 {
     OpenedCamera const camera;
     EXPECT_EQ(camera.createExtensionUnit(), nullptr);

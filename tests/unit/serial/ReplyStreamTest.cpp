@@ -66,6 +66,36 @@ protected:
         EXPECT_EQ(m_reply, exchange.reply());
     }
 
+    /// Sends a request while a reply of an earlier one, of which so many bytes came before, goes on
+    /// coming. Tells whether a reply was handed out, for every cut of what comes; one that is not
+    /// the new request's is a failure.
+    bool takesOnlyItsOwn(Exchange const& late, int before, Exchange const& own)
+    {
+        QByteArray const rest = late.reply().mid(before) + own.reply();
+        bool always = true;
+        for (int cut = 0; cut <= rest.size(); ++cut) {
+            always = takesOnlyItsOwn(late, before, own, {rest.left(cut), rest.mid(cut)}) && always;
+        }
+        return always;
+    }
+
+    bool takesOnlyItsOwn(Exchange const& late, int before, Exchange const& own,
+                         std::vector<QByteArray> const& pieces)
+    {
+        m_stream = {};
+        learnThatHeadersComeBack();
+        expect(late);
+        m_stream.append(late.reply().left(before));
+        expect(own);
+        bool const taken = std::any_of(pieces.begin(), pieces.end(),
+                                       [&](QByteArray const& piece) { return takes(piece); });
+        if (taken) {
+            EXPECT_EQ(m_reply.toHex(' ').toStdString(), own.reply().toHex(' ').toStdString())
+                << before << " bytes before";
+        }
+        return taken;
+    }
+
     ReplyStream m_stream;
     QByteArray m_reply;
 };
@@ -151,41 +181,7 @@ TEST_F(ReplyStreamTest, KnowsAReplyToARequestThatIsNoControlRequest)
     EXPECT_EQ(m_reply, "REQUEST!7");
 }
 
-/// A reply of an earlier request of which so many bytes came before the new one was sent. Tells
-/// whether what is handed out, if anything is, is the new one's reply, for every cut of what comes.
-class LateReplyTest : public ReplyStreamTest
-{
-protected:
-    /// Whether the reply was handed out; wrong ones are failures.
-    bool takesOnlyItsOwn(Exchange const& late, int before, Exchange const& own)
-    {
-        QByteArray const rest = late.reply().mid(before) + own.reply();
-        bool always = true;
-        for (int cut = 0; cut <= rest.size(); ++cut) {
-            always = takesOnlyItsOwn(late, before, own, {rest.left(cut), rest.mid(cut)}) && always;
-        }
-        return always;
-    }
-
-    bool takesOnlyItsOwn(Exchange const& late, int before, Exchange const& own,
-                         std::vector<QByteArray> const& pieces)
-    {
-        m_stream = {};
-        learnThatHeadersComeBack();
-        expect(late);
-        m_stream.append(late.reply().left(before));
-        expect(own);
-        bool const taken = std::any_of(pieces.begin(), pieces.end(),
-                                       [&](QByteArray const& piece) { return takes(piece); });
-        if (taken) {
-            EXPECT_EQ(m_reply.toHex(' ').toStdString(), own.reply().toHex(' ').toStdString())
-                << before << " bytes before";
-        }
-        return taken;
-    }
-};
-
-TEST_F(LateReplyTest, IsPassedOverWhereverItIsCut)
+TEST_F(ReplyStreamTest, PassesOverALateReplyWhereverItIsCut)
 {
     for (Exchange const& late : {focus, gain, window, windowLikeItself, windowLikeFocus}) {
         for (Exchange const& own : {focus, gain, window, windowLikeItself}) {
@@ -200,13 +196,13 @@ TEST_F(LateReplyTest, IsPassedOverWhereverItIsCut)
     }
 }
 
-TEST_F(LateReplyTest, IsPassedOverWhenItsDataAreTheHeaderThatIsLookedFor)
+TEST_F(ReplyStreamTest, PassesOverALateReplyWhoseDataAreTheHeaderThatIsLookedFor)
 {
     EXPECT_TRUE(takesOnlyItsOwn(windowLikeFocus, 0, focus));
     EXPECT_TRUE(takesOnlyItsOwn(windowLikeFocus, 8, focus));
 }
 
-TEST_F(LateReplyTest, NeedNotComeToItsEnd)
+TEST_F(ReplyStreamTest, NeedsNoEndOfALateReply)
 {
     for (Exchange const& late : {focus, window, windowLikeFocus}) {
         for (int before = 0; before < late.size(); ++before) {
@@ -215,7 +211,7 @@ TEST_F(LateReplyTest, NeedNotComeToItsEnd)
     }
 }
 
-TEST_F(LateReplyTest, NeedNotComeToItsEndBeforeOneWhoseDataLookLikeAHeader)
+TEST_F(ReplyStreamTest, NeedsNoEndOfALateReplyBeforeOneWhoseDataLookLikeAHeader)
 {
     Exchange const likeHeader{focus.request, hex("a181")};
     EXPECT_FALSE(takesOnlyItsOwn(window, 8, likeHeader, {likeHeader.reply()}))
@@ -225,14 +221,14 @@ TEST_F(LateReplyTest, NeedNotComeToItsEndBeforeOneWhoseDataLookLikeAHeader)
     EXPECT_EQ(m_reply, likeHeader.reply());
 }
 
-TEST_F(LateReplyTest, IsPassedOverWhenItAndTheHeaderMakeAnother)
+TEST_F(ReplyStreamTest, PassesOverALateReplyThatMakesAnotherHeaderWithTheOneBehindIt)
 {
     // Its first five bytes and the header of a write make the header of a read: of unit 0x21.
     Exchange const write{hex("2101000400020200"), hex("6400")};
     EXPECT_TRUE(takesOnlyItsOwn(gain, 5, write, {write.reply()}));
 }
 
-TEST_F(LateReplyTest, IsPassedOverBehindOthers)
+TEST_F(ReplyStreamTest, PassesOverALateReplyBehindOthers)
 {
     for (int before = 0; before <= focus.size(); ++before) {
         EXPECT_TRUE(takesOnlyItsOwn(

@@ -14,7 +14,10 @@ namespace
 
 using namespace ImageAcquisition;
 
-class CameraChoiceTest : public SerialMachineTest
+/// The parameter is a firmware text of the serial-link camera. Without a link it asks for the
+/// kernel log, fails and is reset, by which one knows it.
+class SerialCameraChoiceTest : public SerialMachineTest,
+                               public testing::WithParamInterface<char const*>
 {
 protected:
     std::unique_ptr<IBlockingCamera> create(char const* firmware, bool ofTheVendor = true)
@@ -30,14 +33,14 @@ protected:
         IMAGEACQUISITION_VENDOR_ID, IMAGEACQUISITION_PRODUCT_ID));
 };
 
-TEST_F(CameraChoiceTest, MakesNothingOfNoRecord)
+TEST_F(SerialCameraChoiceTest, MakesNothingOfNoRecord)
 {
     EXPECT_EQ(ICameraFactory::getUniqueInstance().createBlockingCamera(nullptr), nullptr);
     EXPECT_EQ(m_video.accounting().totalOpens, 0U);
     EXPECT_FALSE(askedForTheKernelLog());
 }
 
-TEST_F(CameraChoiceTest, MakesAGenericCameraForOlderAndUnknownFirmware)
+TEST_F(SerialCameraChoiceTest, MakesAGenericCameraForOlderAndUnknownFirmware)
 {
     for (char const* const firmware :
          {"TJ8-1.2.9", "TJ8-0.12.9", "", "TJ8-", "TJ8-x.y.z", "9.9.9", "tj8-9.9.9", "\xff\xfe",
@@ -50,7 +53,7 @@ TEST_F(CameraChoiceTest, MakesAGenericCameraForOlderAndUnknownFirmware)
     EXPECT_EQ(m_usb.resetRequests(), 0);
 }
 
-TEST_F(CameraChoiceTest, MakesAGenericCameraForOtherDevicesWhateverTheirFirmware)
+TEST_F(SerialCameraChoiceTest, MakesAGenericCameraForOtherDevicesWhateverTheirFirmware)
 {
     auto const camera = create("TJ8-9.9.9", false);
     ASSERT_NE(camera, nullptr);
@@ -58,13 +61,7 @@ TEST_F(CameraChoiceTest, MakesAGenericCameraForOtherDevicesWhateverTheirFirmware
     EXPECT_FALSE(askedForTheKernelLog());
 }
 
-/// Firmware texts of the serial-link camera. Without a link it asks for the kernel log, fails and
-/// is reset, by which one knows it.
-class NewerFirmwareTest : public CameraChoiceTest, public testing::WithParamInterface<char const*>
-{
-};
-
-TEST_P(NewerFirmwareTest, MakesASerialLinkCameraAndResetsItWithoutALink)
+TEST_P(SerialCameraChoiceTest, MakesASerialLinkCameraAndResetsItWithoutALink)
 {
     m_tools.write("log", "");
     EXPECT_EQ(create(GetParam()), nullptr);
@@ -74,12 +71,12 @@ TEST_P(NewerFirmwareTest, MakesASerialLinkCameraAndResetsItWithoutALink)
     EXPECT_EQ(childrenOfThisProcess(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, NewerFirmwareTest,
+INSTANTIATE_TEST_SUITE_P(Texts, SerialCameraChoiceTest,
                          testing::Values("TJ8-1.3.0", "TJ8-0.13.0", "TJ8-1.2.10", "TJ8-2",
                                          "TJ8-99999999999999999999.0.0",
                                          "TJ8-2147483647.2147483647.2147483647"));
 
-TEST_F(CameraChoiceTest, ResetsACameraWhoseTtyIsBusy)
+TEST_F(SerialCameraChoiceTest, ResetsACameraWhoseTtyIsBusy)
 {
     m_tools.inWorkingDirectory("fuser", "echo 4711");
     EXPECT_EQ(create("TJ8-1.3.0"), nullptr);
@@ -87,14 +84,14 @@ TEST_F(CameraChoiceTest, ResetsACameraWhoseTtyIsBusy)
     EXPECT_TRUE(m_firmware.packets().empty());
 }
 
-TEST_F(CameraChoiceTest, ResetsACameraOfWhichOneControlFails)
+TEST_F(SerialCameraChoiceTest, ResetsACameraOfWhichOneControlFails)
 {
     silence({VirtualCamera::GetInfo, 3, 9});
     EXPECT_EQ(create("TJ8-1.3.0"), nullptr);
     EXPECT_EQ(m_usb.resetRequests(), 1);
 }
 
-TEST_F(CameraChoiceTest, OpensASerialLinkCameraThroughThePublicInterface)
+TEST_F(SerialCameraChoiceTest, OpensASerialLinkCameraThroughThePublicInterface)
 {
     auto const camera = create("TJ8-1.3.0");
     ASSERT_NE(camera, nullptr);

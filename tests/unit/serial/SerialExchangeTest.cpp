@@ -61,7 +61,7 @@ protected:
     ZorvaneCameraControlBoolean m_control{&m_camera, "Auto Focus", 8, 1, ICameraControl::Focus};
 };
 
-TEST(SerialExchange, HasFiveAttemptsOfAHundredMilliseconds)
+TEST_F(SerialExchangeTest, HasFiveAttemptsOfAHundredMilliseconds)
 {
     EXPECT_EQ(int(ZorvaneCameraControl::_msTimeout), 100);
     EXPECT_EQ(int(ZorvaneCameraControl::_nbRetries), 5);
@@ -314,7 +314,7 @@ private:
     int m_master;
 };
 
-TEST(SerialExchange, SendsNoRequestTwiceThatCouldNotLeaveAtOnce)
+TEST_F(SerialExchangeTest, SendsNoRequestTwiceThatCouldNotLeaveAtOnce)
 {
     NeglectedTty const tty;
     LinkedCamera camera(tty.path());

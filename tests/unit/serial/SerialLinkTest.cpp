@@ -2,14 +2,27 @@
 #include "ProcessCensus.h"
 #include "QtMessages.h"
 #include "SerialMachine.h"
+#include "SerialRows.h"
 #include "Stopwatch.h"
+#include "serial/ZorvaneCameraControlNumeric.h"
+
+#include <algorithm>
 
 namespace
 {
 
 using namespace ImageAcquisition;
 
-class SerialLinkTest : public SerialMachineTest
+/// What "./fuser" does, and whether the port is taken for free then.
+struct HolderCase
+{
+    char const* name;
+    char const* script; ///< Null: there is no tool.
+    bool free;
+    int msTimeout = 30000;
+};
+
+class SerialLinkTest : public SerialMachineTest, public testing::WithParamInterface<HolderCase>
 {
 protected:
     std::string portName() { return m_camera.serialPort().portName().toStdString(); }
@@ -134,20 +147,7 @@ TEST_F(SerialLinkTest, FindsNothingWhenDmesgNeverEnds)
     EXPECT_TRUE(allEnd(m_tools.read("pids")));
 }
 
-/// What "./fuser" does, and whether the port is taken for free then.
-struct HolderCase
-{
-    char const* name;
-    char const* script; ///< Null: there is no tool.
-    bool free;
-    int msTimeout = 30000;
-};
-
-class HolderTest : public SerialLinkTest, public testing::WithParamInterface<HolderCase>
-{
-};
-
-TEST_P(HolderTest, DecidesWhetherThePortIsOpened)
+TEST_P(SerialLinkTest, OpensThePortUnlessFuserPrintsAProcess)
 {
     std::filesystem::remove("fuser");
     if (GetParam().script != nullptr) {
@@ -162,7 +162,7 @@ TEST_P(HolderTest, DecidesWhetherThePortIsOpened)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Fuser, HolderTest,
+    Fuser, SerialLinkTest,
     testing::Values(HolderCase{"PrintsNothing", "exit 1", true},
                     HolderCase{"PrintsAProcess", "echo ' 4711'", false},
                     HolderCase{"PrintsASpace", "printf ' '", false},
@@ -266,6 +266,33 @@ TEST_F(SerialLinkTest, OpensTheLinkBeforeTheNodeAndNeedsNoNodeForIt)
     EXPECT_TRUE(m_camera.init());
     EXPECT_TRUE(m_camera.serialPort().isOpen());
     EXPECT_EQ(m_camera.controlNumber(), 0);
+}
+
+/// What the camera says of this control's range, as the wire carries it.
+VirtualCamera::SerialBytes maximum(int unit, int selector)
+{
+    auto const all = VirtualCamera::vendorSerialControls();
+    auto const found = std::find_if(all.begin(), all.end(), [&](auto const& control) {
+        return control.unit == unit && control.selector == selector;
+    });
+    return found->maximum;
+}
+
+TEST_F(SerialLinkTest, OpensWhenTheCameraPausesOnce)
+{
+    m_firmware.answerInOrder(std::chrono::milliseconds(5));
+    m_firmware.answer(VirtualCamera::SerialAnswer::late(std::chrono::milliseconds(130)),
+                      {VirtualCamera::GetMax, 2, 2});
+    OpenedCamera camera(vendorRecord(), ReplyTimeout::usual);
+    ASSERT_TRUE(camera.init());
+    for (SerialRow const& row : serialRows()) {
+        auto const* number = dynamic_cast<ICameraControlNumeric<int>*>(camera.control(row.name));
+        if (number != nullptr && row.offset < 0) {
+            VirtualCamera::SerialBytes const expected = maximum(row.unit, row.selector);
+            EXPECT_EQ(VirtualCamera::littleEndian(number->maximum(), expected.size()), expected)
+                << row.name;
+        }
+    }
 }
 
 } // namespace

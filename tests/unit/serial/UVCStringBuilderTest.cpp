@@ -19,7 +19,7 @@ QByteArray replyWith(char const* data)
     return bytes("a18100060001ffff") + bytes(data);
 }
 
-TEST(UVCStringBuilder, KnowsTheLengthsOfTheFormat)
+TEST(UVCStringBuilderTest, KnowsTheLengthsOfTheFormat)
 {
     EXPECT_EQ(int(UVCStringBuilder::__baseRequestLength), 8);
     EXPECT_EQ(int(UVCStringBuilder::__maxLength), 8);
@@ -29,7 +29,7 @@ TEST(UVCStringBuilder, KnowsTheLengthsOfTheFormat)
     EXPECT_EQ(int(UVCStringBuilder::__infoRequestLength), 1);
 }
 
-TEST(UVCStringBuilder, MapsFourteenV4l2ControlsToTheirSelectors)
+TEST(UVCStringBuilderTest, MapsFourteenV4l2ControlsToTheirSelectors)
 {
     std::map<unsigned int, unsigned int> const expected = {
         {0x009A090C, 8},  {0x009A090A, 6},  {0x00980900, 2}, {0x00980901, 3}, {0x00980913, 4},
@@ -38,7 +38,7 @@ TEST(UVCStringBuilder, MapsFourteenV4l2ControlsToTheirSelectors)
     EXPECT_EQ(UVCStringBuilder::__idMap, expected);
 }
 
-TEST(UVCStringBuilder, StartsEachKindOfRequestWithItsTypeAndCode)
+TEST(UVCStringBuilderTest, StartsEachKindOfRequestWithItsTypeAndCode)
 {
     EXPECT_EQ(UVCStringBuilder::buildSetString(), "2101");
     EXPECT_EQ(UVCStringBuilder::buildGetString(), "A181");
@@ -49,7 +49,7 @@ TEST(UVCStringBuilder, StartsEachKindOfRequestWithItsTypeAndCode)
     EXPECT_EQ(UVCStringBuilder::buildDefaultValueString(), "A187");
 }
 
-TEST(UVCStringBuilder, WritesSelectorAndUnitAsFourLowerCaseDigits)
+TEST(UVCStringBuilderTest, WritesSelectorAndUnitAsFourLowerCaseDigits)
 {
     EXPECT_EQ(UVCStringBuilder::buildCIDString(0x1A), "001a");
     EXPECT_EQ(UVCStringBuilder::buildCIDString(6), "0006");
@@ -57,7 +57,7 @@ TEST(UVCStringBuilder, WritesSelectorAndUnitAsFourLowerCaseDigits)
     EXPECT_EQ(UVCStringBuilder::buildUnitString(0xABCD), "abcd");
 }
 
-TEST(UVCStringBuilder, GivesMoreDigitsToNumbersAboveSixteenBits)
+TEST(UVCStringBuilderTest, GivesMoreDigitsToNumbersAboveSixteenBits)
 {
     EXPECT_EQ(UVCStringBuilder::buildCIDString(0x10000), "10000");
     QByteArray request;
@@ -65,14 +65,14 @@ TEST(UVCStringBuilder, GivesMoreDigitsToNumbersAboveSixteenBits)
     EXPECT_EQ(bytes("a18112345600010100"), request);
 }
 
-TEST(UVCStringBuilder, WritesTheLowTwoBytesOfALengthLowestFirst)
+TEST(UVCStringBuilderTest, WritesTheLowTwoBytesOfALengthLowestFirst)
 {
     EXPECT_EQ(bytes("0400"), UVCStringBuilder::buildDataLengthString(4));
     EXPECT_EQ(bytes("3412"), UVCStringBuilder::buildDataLengthString(0x561234));
     EXPECT_EQ(bytes("ffff"), UVCStringBuilder::buildDataLengthString(-1));
 }
 
-TEST(UVCStringBuilder, WritesDataLowestByteFirst)
+TEST(UVCStringBuilderTest, WritesDataLowestByteFirst)
 {
     EXPECT_EQ(bytes("88"), UVCStringBuilder::buildDataString(0x1122334455667788, 1));
     EXPECT_EQ(bytes("887766"), UVCStringBuilder::buildDataString(0x1122334455667788, 3));
@@ -80,13 +80,13 @@ TEST(UVCStringBuilder, WritesDataLowestByteFirst)
     EXPECT_EQ(UVCStringBuilder::buildDataString(0x1122334455667788, 0), QByteArray());
 }
 
-TEST(UVCStringBuilder, WritesNoDataBeyondTheValue)
+TEST(UVCStringBuilderTest, WritesNoDataBeyondTheValue)
 {
     EXPECT_EQ(bytes("8877665544332211"), UVCStringBuilder::buildDataString(0x1122334455667788, 9));
     EXPECT_EQ(UVCStringBuilder::buildDataString(1, -1), QByteArray());
 }
 
-TEST(UVCStringBuilder, BuildsEachReadRequestFromEightBytes)
+TEST(UVCStringBuilderTest, BuildsEachReadRequestFromEightBytes)
 {
     QByteArray request;
     EXPECT_TRUE(UVCStringBuilder::buildGetRequest(6, 1, 4, request));
@@ -99,7 +99,7 @@ TEST(UVCStringBuilder, BuildsEachReadRequestFromEightBytes)
     EXPECT_EQ(bytes("a187000900030600"), request);
 }
 
-TEST(UVCStringBuilder, AsksForLengthAndInfoWithFixedDataLengths)
+TEST(UVCStringBuilderTest, AsksForLengthAndInfoWithFixedDataLengths)
 {
     QByteArray request;
     EXPECT_TRUE(UVCStringBuilder::buildLengthRequest(20, 3, request));
@@ -108,7 +108,7 @@ TEST(UVCStringBuilder, AsksForLengthAndInfoWithFixedDataLengths)
     EXPECT_EQ(bytes("a186001400030100"), request);
 }
 
-TEST(UVCStringBuilder, AppendsTheValueToAWriteRequest)
+TEST(UVCStringBuilderTest, AppendsTheValueToAWriteRequest)
 {
     QByteArray request;
     EXPECT_TRUE(UVCStringBuilder::buildSetRequest(2, 1, 1, 8, request));
@@ -119,14 +119,14 @@ TEST(UVCStringBuilder, AppendsTheValueToAWriteRequest)
               request);
 }
 
-TEST(UVCStringBuilder, ReplacesWhatTheRequestHeld)
+TEST(UVCStringBuilderTest, ReplacesWhatTheRequestHeld)
 {
     QByteArray request("earlier packet, longer than the new one");
     EXPECT_TRUE(UVCStringBuilder::buildInfoRequest(6, 1, request));
     EXPECT_EQ(bytes("a186000600010100"), request);
 }
 
-TEST(UVCStringBuilder, ExtendsTheSignOfOneAndTwoBytesOnly)
+TEST(UVCStringBuilderTest, ExtendsTheSignOfOneAndTwoBytesOnly)
 {
     EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("ff"), 1, 0), -1);
     EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("ffff"), 2, 0), -1);
@@ -138,7 +138,7 @@ TEST(UVCStringBuilder, ExtendsTheSignOfOneAndTwoBytesOnly)
     EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("0080"), 2, 0), -32768);
 }
 
-TEST(UVCStringBuilder, CountsTheOffsetFromTheFirstDataByte)
+TEST(UVCStringBuilderTest, CountsTheOffsetFromTheFirstDataByte)
 {
     QByteArray const reply = replyWith("0100020003000400");
     EXPECT_EQ(UVCStringBuilder::extractValueFromData(reply, 2, 2), 2);
@@ -146,12 +146,12 @@ TEST(UVCStringBuilder, CountsTheOffsetFromTheFirstDataByte)
     EXPECT_EQ(UVCStringBuilder::extractValueFromData(reply, 5, 0), 0x0300020001);
 }
 
-TEST(UVCStringBuilder, GivesZeroForAnEmptyField)
+TEST(UVCStringBuilderTest, GivesZeroForAnEmptyField)
 {
     EXPECT_EQ(UVCStringBuilder::extractValueFromData(replyWith("ff"), 0, 0), 0);
 }
 
-TEST(UVCStringBuilderDeathTest, EndsTheProcessForAFieldOfMoreThanEightBytes)
+TEST(UVCStringBuilderTest, EndsTheProcessForAFieldOfMoreThanEightBytes)
 {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     QByteArray const reply = replyWith("112233445566778899");
@@ -159,7 +159,7 @@ TEST(UVCStringBuilderDeathTest, EndsTheProcessForAFieldOfMoreThanEightBytes)
     EXPECT_DEATH(UVCStringBuilder::extractValueFromData(reply, -1, 0), "-1 bytes");
 }
 
-TEST(UVCStringBuilder, PutsAFieldIntoAValueAndLeavesTheRest)
+TEST(UVCStringBuilderTest, PutsAFieldIntoAValueAndLeavesTheRest)
 {
     EXPECT_EQ(UVCStringBuilder::buildSharedValue(0x1111222233334444, 0x55, 2, 2),
               0x1111222200554444U);
@@ -173,7 +173,7 @@ TEST(UVCStringBuilder, PutsAFieldIntoAValueAndLeavesTheRest)
               0x1111222233334444U);
 }
 
-TEST(UVCStringBuilder, DropsTheBytesOfAFieldThatLieBeyondTheValue)
+TEST(UVCStringBuilderTest, DropsTheBytesOfAFieldThatLieBeyondTheValue)
 {
     EXPECT_EQ(UVCStringBuilder::buildSharedValue(0x1111222233334444, 0xAABB, 2, 7),
               0xBB11222233334444U);

@@ -17,6 +17,27 @@ using namespace VirtualCamera;
 class ZorvaneCameraControlTest : public ControlledCameraTest
 {
 protected:
+    /// Every exchange but GET_LEN fails without a packet.
+    void expectNoExchange(ZorvaneCameraControl& control)
+    {
+        m_firmware.clearPackets();
+        long long value = 77;
+        int limit = 77;
+        EXPECT_FALSE(control.initFlags());
+        EXPECT_FALSE(control.updateState());
+        EXPECT_FALSE(control.initDefaultValue());
+        EXPECT_FALSE(control.getMinimum(limit));
+        EXPECT_FALSE(control.getMaximum(limit));
+        EXPECT_FALSE(control.getSharedControlValue(value, 0, 1));
+        EXPECT_EQ(value, 77);
+        EXPECT_EQ(limit, 77);
+        EXPECT_FALSE(control.getControlValue(value));
+        EXPECT_EQ(value, -1);
+        EXPECT_FALSE(control.setSharedControlValue(1, 0, 1));
+        EXPECT_FALSE(control.setControlValue(1));
+        EXPECT_TRUE(m_firmware.packets().empty());
+    }
+
     ZorvaneCameraControlBoolean m_small{&m_camera, "Small", oneByte, unit, family};
     ZorvaneCameraControlBoolean m_wide{&m_camera, "Wide", twoBytes, unit, family};
     ZorvaneCameraControlBoolean m_large{&m_camera, "Large", eightBytes, unit, family};
@@ -235,33 +256,7 @@ TEST_F(ZorvaneCameraControlTest, TakesTheDefaultValueForTheCurrentOneWhenSomebod
     EXPECT_EQ(value, 3);
 }
 
-/// What a camera says of the size of its data, when that is nonsense.
-class AbsurdLengthTest : public ZorvaneCameraControlTest
-{
-protected:
-    /// Every exchange but GET_LEN fails without a packet.
-    void expectNoExchange(ZorvaneCameraControl& control)
-    {
-        m_firmware.clearPackets();
-        long long value = 77;
-        int limit = 77;
-        EXPECT_FALSE(control.initFlags());
-        EXPECT_FALSE(control.updateState());
-        EXPECT_FALSE(control.initDefaultValue());
-        EXPECT_FALSE(control.getMinimum(limit));
-        EXPECT_FALSE(control.getMaximum(limit));
-        EXPECT_FALSE(control.getSharedControlValue(value, 0, 1));
-        EXPECT_EQ(value, 77);
-        EXPECT_EQ(limit, 77);
-        EXPECT_FALSE(control.getControlValue(value));
-        EXPECT_EQ(value, -1);
-        EXPECT_FALSE(control.setSharedControlValue(1, 0, 1));
-        EXPECT_FALSE(control.setControlValue(1));
-        EXPECT_TRUE(m_firmware.packets().empty());
-    }
-};
-
-TEST_F(AbsurdLengthTest, AboveEightBytesIsTakenButEndsEveryLaterExchange)
+TEST_F(ZorvaneCameraControlTest, AbsurdLengthAboveEightBytesIsTakenButEndsEveryLaterExchange)
 {
     for (int const length : {9, 255, 32767}) {
         ZorvaneCameraControlBoolean control(&m_camera, "Control", oneByte, unit, family);
@@ -273,7 +268,7 @@ TEST_F(AbsurdLengthTest, AboveEightBytesIsTakenButEndsEveryLaterExchange)
     EXPECT_FALSE(m_small.init());
 }
 
-TEST_F(AbsurdLengthTest, BelowZeroFails)
+TEST_F(ZorvaneCameraControlTest, AbsurdLengthBelowZeroFails)
 {
     for (int const length : {0xffff, 0x8000}) {
         ZorvaneCameraControlBoolean control(&m_camera, "Control", oneByte, unit, family);
@@ -284,7 +279,7 @@ TEST_F(AbsurdLengthTest, BelowZeroFails)
     EXPECT_FALSE(m_small.init());
 }
 
-TEST_F(AbsurdLengthTest, ThatLeavesNoRoomForTheFieldEndsEveryLaterExchange)
+TEST_F(ZorvaneCameraControlTest, AbsurdLengthThatLeavesNoRoomForTheFieldEndsEveryLaterExchange)
 {
     m_wide.setShared(1, 2);
     EXPECT_TRUE(m_wide.initControlLength());
@@ -292,7 +287,7 @@ TEST_F(AbsurdLengthTest, ThatLeavesNoRoomForTheFieldEndsEveryLaterExchange)
     EXPECT_FALSE(m_wide.init());
 }
 
-TEST_F(AbsurdLengthTest, MayBeExactlyTheEndOfTheField)
+TEST_F(ZorvaneCameraControlTest, AbsurdLengthMayBeExactlyTheEndOfTheField)
 {
     m_wide.setShared(1, 1);
     EXPECT_TRUE(m_wide.init());
@@ -300,7 +295,7 @@ TEST_F(AbsurdLengthTest, MayBeExactlyTheEndOfTheField)
     EXPECT_EQ(m_firmware.data(unit, twoBytes), (SerialBytes{0xfe, 1}));
 }
 
-TEST_F(AbsurdLengthTest, DoesNotHelpAFieldWithImpossibleBounds)
+TEST_F(ZorvaneCameraControlTest, AbsurdLengthDoesNotHelpAFieldWithImpossibleBounds)
 {
     for (auto const& [offset, length] : {std::pair(-1, 2), {0, -1}, {2147483647, 2}, {0, 9}}) {
         ZorvaneCameraControlBoolean control(&m_camera, "Control", eightBytes, unit, family);
@@ -310,7 +305,7 @@ TEST_F(AbsurdLengthTest, DoesNotHelpAFieldWithImpossibleBounds)
     }
 }
 
-TEST_F(AbsurdLengthTest, OfZeroReadsAsZero)
+TEST_F(ZorvaneCameraControlTest, AbsurdLengthOfZeroReadsAsZero)
 {
     m_firmware.claimLength(unit, oneByte, 0);
     EXPECT_TRUE(m_small.init());
@@ -321,7 +316,7 @@ TEST_F(AbsurdLengthTest, OfZeroReadsAsZero)
     EXPECT_EQ(lastPacket(), (SerialBytes{0xa1, 0x81, 0, 1, 0, 3, 0, 0}));
 }
 
-TEST(ZorvaneCameraControl, FailsWithoutALink)
+TEST_F(ZorvaneCameraControlTest, FailsWithoutALink)
 {
     ZorvaneCameraControlBoolean control(nullptr, "Auto Focus", 8, 1, ICameraControl::Focus);
     EXPECT_FALSE(control.init());
