@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "PngPicture.h"
 #include "ProgramRun.h"
 
 #include <gmock/gmock.h>
-#include <png.h>
 
 #include <map>
 
@@ -14,40 +14,12 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-struct Picture
-{
-    unsigned int width = 0;
-    unsigned int height = 0;
-    std::vector<unsigned char> pixels;
-
-    std::vector<int> at(unsigned int x, unsigned int y) const
-    {
-        auto const first = pixels.begin() + 3 * (static_cast<long>(y) * width + x);
-        return {first[0], first[1], first[2]};
-    }
-};
-
-Picture readPng(std::string const& bytes)
-{
-    png_image png{};
-    png.version = PNG_IMAGE_VERSION;
-    Picture picture;
-    if (png_image_begin_read_from_memory(&png, bytes.data(), bytes.size()) != 0) {
-        png.format = PNG_FORMAT_RGB;
-        picture.width = png.width;
-        picture.height = png.height;
-        picture.pixels.resize(PNG_IMAGE_SIZE(png));
-        png_image_finish_read(&png, nullptr, picture.pixels.data(), 0, nullptr);
-    }
-    return picture;
-}
-
-class CaptureFormat : public testing::TestWithParam<char const*>
+class CaptureRunTest : public testing::TestWithParam<char const*>
 {
 };
 
 // The test pattern has eight bars: white, yellow, cyan, green, magenta, red, blue and black.
-TEST_P(CaptureFormat, ShowsTheColoursOfTheTestPattern)
+TEST_P(CaptureRunTest, ShowsTheColoursOfTheTestPattern)
 {
     ScratchFolder const folder;
     ProgramRun const run = runIacq({"capture", "0", "-o", folder.path("frame.png"), "--format",
@@ -65,10 +37,10 @@ TEST_P(CaptureFormat, ShowsTheColoursOfTheTestPattern)
     EXPECT_GT(blue[2], 150);
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, CaptureFormat,
+INSTANTIATE_TEST_SUITE_P(Formats, CaptureRunTest,
                          testing::Values("YUYV", "MJPG", "RGB3", "BGR3", "YU12", "YV12"));
 
-TEST(CaptureCommand, WritesAPpmOfTheSizeAskedFor)
+TEST(CaptureRunTest, WritesAPpmOfTheSizeAskedFor)
 {
     ScratchFolder const folder;
     ProgramRun const run =
@@ -79,7 +51,7 @@ TEST(CaptureCommand, WritesAPpmOfTheSizeAskedFor)
     EXPECT_EQ(file.size(), 15u + 320 * 240 * 3);
 }
 
-TEST(CaptureCommand, WritesTheDriversBytesAsTheyAre)
+TEST(CaptureRunTest, WritesTheDriversBytesAsTheyAre)
 {
     ScratchFolder const folder;
     ASSERT_EQ(runIacq({"capture", "0", "-o", folder.path("frame.raw"), "--format", "YUYV", "--size",
@@ -93,7 +65,7 @@ TEST(CaptureCommand, WritesTheDriversBytesAsTheyAre)
     EXPECT_THAT(run.output, StartsWith("\xff\xd8"));
 }
 
-TEST(CaptureCommand, NumbersSeveralFilesAndTheyShowDifferentFrames)
+TEST(CaptureRunTest, NumbersSeveralFilesAndTheyShowDifferentFrames)
 {
     ScratchFolder const folder;
     ASSERT_EQ(runIacq({"capture", "0", "-o", folder.path("a.ppm"), "--count", "3"}).status, 0);
@@ -101,7 +73,7 @@ TEST(CaptureCommand, NumbersSeveralFilesAndTheyShowDifferentFrames)
     EXPECT_NE(folder.read("a-0001.ppm"), folder.read("a-0002.ppm"));
 }
 
-TEST(CaptureCommand, TakesTheRestOfASelectionFromWhatIsSet)
+TEST(CaptureRunTest, TakesTheRestOfASelectionFromWhatIsSet)
 {
     ScratchFolder const folder;
     ProgramRun const run =
@@ -110,7 +82,7 @@ TEST(CaptureCommand, TakesTheRestOfASelectionFromWhatIsSet)
     EXPECT_EQ(folder.read("a.raw").size(), 640u * 480 * 2);
 }
 
-TEST(CaptureCommand, RefusesWhatTheCameraDoesNotOfferAndSaysWhatItDoes)
+TEST(CaptureRunTest, RefusesWhatTheCameraDoesNotOfferAndSaysWhatItDoes)
 {
     std::map<std::string, Words> const cases = {
         {"it has YUYV MJPG", {"--format", "ABCD"}}, {"it has 640x480", {"--size", "641x480"}},
@@ -128,93 +100,7 @@ TEST(CaptureCommand, RefusesWhatTheCameraDoesNotOfferAndSaysWhatItDoes)
     EXPECT_TRUE(folder.names().empty());
 }
 
-struct RedPicture
-{
-    char const* format;
-    char const* bytes; ///< Of 2x2 pixels, in hexadecimal digits.
-    int bytesPerLine;
-};
-
-void PrintTo(RedPicture const& picture, std::ostream* stream)
-{
-    *stream << picture.format << picture.bytesPerLine;
-}
-
-class PixelFormat : public testing::TestWithParam<RedPicture>
-{
-protected:
-    static Words camera(ScratchFolder const& folder)
-    {
-        RedPicture const& picture = GetParam();
-        return {"--config",
-                folder.write("camera.json", std::string(R"({"cameras": [{"node": "/dev/video0",
-                                 "usb": {"port": "1-1"}, "formats": [{
-                                 "sizes": [{"width": 2, "height": 2, "intervals": ["1/30"]}],
-                                 "sizeImage": 64, "pixelFormat": ")") +
-                                                picture.format + R"(", "frameBytes": ")" +
-                                                picture.bytes + R"(", "bytesPerLine": )" +
-                                                std::to_string(picture.bytesPerLine) + "}]}]}")};
-    }
-};
-
-TEST_P(PixelFormat, IsConverted)
-{
-    ScratchFolder const folder;
-    Words const red = camera(folder);
-    ProgramRun run = runIacq({"capture", "0", "-o", folder.path("a.ppm")}, red);
-    EXPECT_EQ(run.status, 0) << run.errors;
-    std::string pixels;
-    for (int i = 0; i < 4; ++i) {
-        pixels += std::string("\xff\0\0", 3);
-    }
-    EXPECT_EQ(folder.read("a.ppm"), "P6\n2 2\n255\n" + pixels);
-    run = runIacq({"capture", "0", "-o", folder.path("a.png")}, red);
-    EXPECT_EQ(run.status, 0) << run.errors;
-    std::vector<unsigned char> const decoded = readPng(folder.read("a.png")).pixels;
-    EXPECT_EQ(pixels, std::string(decoded.begin(), decoded.end()));
-}
-
-INSTANTIATE_TEST_SUITE_P(Formats, PixelFormat,
-                         testing::Values(RedPicture{"YUYV", "515a51f0515a51f0", 4},
-                                         RedPicture{"YUYV", "515a51f00000515a51f00000", 6},
-                                         RedPicture{"UYVY", "5a51f0515a51f051", 4},
-                                         RedPicture{"RGB3", "ff0000ff0000ff0000ff0000", 6},
-                                         RedPicture{"RGB3", "ff0000ff00004444ff0000ff0000", 8},
-                                         RedPicture{"BGR3", "0000ff0000ff0000ff0000ff", 6},
-                                         RedPicture{"NV12", "515151515af0", 2},
-                                         RedPicture{"YU12", "515151515af0", 2},
-                                         RedPicture{"YU12", "51510000515100005a00f000", 4},
-                                         RedPicture{"YV12", "51515151f05a", 2}));
-
-TEST(CaptureCommand, ShowsGreyAsItIs)
-{
-    ScratchFolder const folder;
-    Words const camera = {"--config", folder.write("camera.json", R"({"cameras": [{
-        "node": "/dev/video0", "usb": {"port": "1-1"},
-        "formats": [{"pixelFormat": "GREY", "frameBytes": "01ff",
-                     "sizes": [{"width": 2, "height": 1, "intervals": ["1/30"]}]}]}]})")};
-    ProgramRun const run = runIacq({"capture", "0", "-o", "-", "--output-format", "PPM"}, camera);
-    EXPECT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(run.output, "P6\n2 1\n255\n\x01\x01\x01\xff\xff\xff");
-}
-
-TEST(CaptureCommand, LeavesAnUnknownPixelFormatToRaw)
-{
-    ScratchFolder const folder;
-    Words const camera = {"--config", folder.write("camera.json", R"({"cameras": [{
-        "node": "/dev/video0", "usb": {"port": "1-1"},
-        "formats": [{"pixelFormat": "BA81", "frameBytes": "01020304",
-                     "sizes": [{"width": 2, "height": 2, "intervals": ["1/30"]}]}]}]})")};
-    ProgramRun run = runIacq({"capture", "0", "-o", folder.path("a.png")}, camera);
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.errors, "iacq: cannot convert BA81 to a picture; use --output-format raw\n");
-    EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
-    run = runIacq({"capture", "0", "-o", folder.path("a.raw")}, camera);
-    EXPECT_EQ(run.status, 0) << run.errors;
-    EXPECT_EQ(folder.read("a.raw"), "\x01\x02\x03\x04");
-}
-
-TEST(CaptureCommand, TakesARawPictureOfWhatIsSetOnACameraWithARangeOfSizes)
+TEST(CaptureRunTest, TakesARawPictureOfWhatIsSetOnACameraWithARangeOfSizes)
 {
     ScratchFolder const folder;
     Words const camera = {"--config", folder.write("camera.json", R"({"cameras": [{
@@ -231,7 +117,7 @@ TEST(CaptureCommand, TakesARawPictureOfWhatIsSetOnACameraWithARangeOfSizes)
     EXPECT_EQ(run.errors, "iacq: the camera does not tell the size of its frames\n");
 }
 
-TEST(CaptureCommand, FillsInTheRestOfASelectionWithWhatGoesWithIt)
+TEST(CaptureRunTest, FillsInTheRestOfASelectionWithWhatGoesWithIt)
 {
     ScratchFolder const folder;
     ProgramRun const run =
@@ -241,7 +127,7 @@ TEST(CaptureCommand, FillsInTheRestOfASelectionWithWhatGoesWithIt)
     EXPECT_THAT(folder.read("a.ppm"), StartsWith("P6\n1280 720\n"));
 }
 
-TEST(CaptureCommand, TakesFramesASecondInPlaceOfAnInterval)
+TEST(CaptureRunTest, TakesFramesASecondInPlaceOfAnInterval)
 {
     ScratchFolder const folder;
     ProgramRun run = runIacq({"capture", "0", "-o", folder.path("a.ppm"), "--fps", "10"});
@@ -264,7 +150,7 @@ Words cameraWith(ScratchFolder const& folder, std::string const& trouble)
         )" + trouble + "}]}")};
 }
 
-TEST(CaptureCommand, SaysThatNoFrameCameAndWritesNothing)
+TEST(CaptureRunTest, SaysThatNoFrameCameAndWritesNothing)
 {
     ScratchFolder const folder;
     ProgramRun const run =
@@ -276,7 +162,7 @@ TEST(CaptureCommand, SaysThatNoFrameCameAndWritesNothing)
     EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
 }
 
-TEST(CaptureCommand, PassesOverACorruptedFrame)
+TEST(CaptureRunTest, PassesOverACorruptedFrame)
 {
     ScratchFolder const folder;
     ProgramRun const run = runIacq({"capture", "0", "-o", folder.path("a.png")},
@@ -286,7 +172,7 @@ TEST(CaptureCommand, PassesOverACorruptedFrame)
     EXPECT_THAT(run.errors, HasSubstr("frame 0 is corrupted"));
 }
 
-TEST(CaptureCommand, TellsHowManyFramesTheDriverLost)
+TEST(CaptureRunTest, TellsHowManyFramesTheDriverLost)
 {
     ScratchFolder const folder;
     ProgramRun run =
@@ -309,7 +195,7 @@ TEST(CaptureCommand, TellsHowManyFramesTheDriverLost)
 
 // The camera sends no more frames than are wanted, so that none may be lost. To compress one takes
 // longer than until the next comes.
-TEST(CaptureCommand, LosesNoFrameToTheWorkOnTheOneBefore)
+TEST(CaptureRunTest, LosesNoFrameToTheWorkOnTheOneBefore)
 {
     ScratchFolder const folder;
     Words const camera = {"--config", folder.write("camera.json", R"({"cameras": [{
@@ -325,7 +211,7 @@ TEST(CaptureCommand, LosesNoFrameToTheWorkOnTheOneBefore)
     EXPECT_EQ(readPng(folder.read("40.png")).width, 1280u);
 }
 
-TEST(CaptureCommand, GivesUpOnCorruptedFramesInTheEnd)
+TEST(CaptureRunTest, GivesUpOnCorruptedFramesInTheEnd)
 {
     ScratchFolder const folder;
     ProgramRun const run =
@@ -336,7 +222,7 @@ TEST(CaptureCommand, GivesUpOnCorruptedFramesInTheEnd)
     EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
 }
 
-TEST(CaptureCommand, DoesNotReadBeyondAShortFrame)
+TEST(CaptureRunTest, DoesNotReadBeyondAShortFrame)
 {
     ScratchFolder const folder;
     ProgramRun const run = runIacq({"capture", "0", "-o", folder.path("a.png")},
@@ -347,7 +233,7 @@ TEST(CaptureCommand, DoesNotReadBeyondAShortFrame)
     EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
 }
 
-TEST(CaptureCommand, MakesNoFileOfAnEmptyFrame)
+TEST(CaptureRunTest, MakesNoFileOfAnEmptyFrame)
 {
     ScratchFolder const folder;
     ProgramRun const run = runIacq({"capture", "0", "-o", folder.path("a.raw")},
@@ -358,7 +244,7 @@ TEST(CaptureCommand, MakesNoFileOfAnEmptyFrame)
     EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
 }
 
-TEST(CaptureCommand, KeepsAnOlderFileWhenNoFrameComes)
+TEST(CaptureRunTest, KeepsAnOlderFileWhenNoFrameComes)
 {
     ScratchFolder const folder;
     folder.write("a.png", "older");
@@ -370,7 +256,7 @@ TEST(CaptureCommand, KeepsAnOlderFileWhenNoFrameComes)
     EXPECT_EQ(folder.read("a.png"), "older");
 }
 
-TEST(CaptureCommand, TellsOfADriverThatRefusesTheFormat)
+TEST(CaptureRunTest, TellsOfADriverThatRefusesTheFormat)
 {
     ScratchFolder const folder;
     ProgramRun const run =
@@ -381,7 +267,7 @@ TEST(CaptureCommand, TellsOfADriverThatRefusesTheFormat)
     EXPECT_EQ(run.errors, "iacq: the camera refused the format YUYV 64x48\n");
 }
 
-TEST(CaptureCommand, TellsOfACameraThatDoesNotStart)
+TEST(CaptureRunTest, TellsOfACameraThatDoesNotStart)
 {
     ScratchFolder const folder;
     ProgramRun const run =
@@ -393,7 +279,7 @@ TEST(CaptureCommand, TellsOfACameraThatDoesNotStart)
     EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
 }
 
-TEST(CaptureCommand, TellsOfACameraThatIsUnpluggedMeanwhile)
+TEST(CaptureRunTest, TellsOfACameraThatIsUnpluggedMeanwhile)
 {
     ScratchFolder const folder;
     ProgramRun const run =
@@ -404,7 +290,7 @@ TEST(CaptureCommand, TellsOfACameraThatIsUnpluggedMeanwhile)
 }
 
 // As where nodes of devices that are gone are kept.
-TEST(CaptureCommand, TellsOfACameraThatIsGoneThoughItsNodeIsThere)
+TEST(CaptureRunTest, TellsOfACameraThatIsGoneThoughItsNodeIsThere)
 {
     ScratchFolder const folder;
     ProgramRun const run = runIacq({"capture", "0", "-o", folder.path("a.raw"), "--count", "3"},
@@ -414,7 +300,7 @@ TEST(CaptureCommand, TellsOfACameraThatIsGoneThoughItsNodeIsThere)
     EXPECT_THAT(folder.names(), ElementsAre("a-0001.raw", "camera.json"));
 }
 
-TEST(CaptureCommand, GuessesWhyACameraDoesNotStreamOnlyWhereThatMayBeWhy)
+TEST(CaptureRunTest, GuessesWhyACameraDoesNotStreamOnlyWhereThatMayBeWhy)
 {
     std::map<std::string, std::string> const cases = {
         // Two requests find out beforehand whether the camera grants buffers at all.
@@ -456,7 +342,7 @@ ProgramRun runShell(std::string const& script)
 constexpr int endedBySigpipe = 128 + 13;
 constexpr int endedByTimeout = 124;
 
-TEST(CaptureCommand, TellsOfAClosedOutputAndOfAFullDisk)
+TEST(CaptureRunTest, TellsOfAClosedOutputAndOfAFullDisk)
 {
     ProgramRun run = runShell(captureSmall("1000") + "- >&-");
     EXPECT_EQ(run.status, 1);
@@ -466,7 +352,7 @@ TEST(CaptureCommand, TellsOfAClosedOutputAndOfAFullDisk)
     EXPECT_EQ(run.errors, "iacq: cannot write /dev/full: No space left on device\n");
 }
 
-TEST(CaptureCommand, EndsLikeOtherToolsWhenTheReaderHasGone)
+TEST(CaptureRunTest, EndsLikeOtherToolsWhenTheReaderHasGone)
 {
     ScratchFolder const folder;
     ProgramRun run = runShell(captureSmall("1000") + "- | true");
@@ -478,7 +364,7 @@ TEST(CaptureCommand, EndsLikeOtherToolsWhenTheReaderHasGone)
     EXPECT_EQ(run.errors, "");
 }
 
-TEST(CaptureCommand, PutsEveryFrameIntoANamedPipe)
+TEST(CaptureRunTest, PutsEveryFrameIntoANamedPipe)
 {
     ScratchFolder const folder;
     std::string const pipe = folder.path("pipe");
@@ -490,7 +376,7 @@ TEST(CaptureCommand, PutsEveryFrameIntoANamedPipe)
 }
 
 // Of frames so large only seven may wait. Far more come before the reader begins to read.
-TEST(CaptureCommand, TellsHowManyFramesSlowWritingLost)
+TEST(CaptureRunTest, TellsHowManyFramesSlowWritingLost)
 {
     ScratchFolder const folder;
     std::string const camera = folder.write("large.json", R"({"cameras": [{
@@ -508,7 +394,7 @@ TEST(CaptureCommand, TellsHowManyFramesSlowWritingLost)
     EXPECT_EQ(run.output, std::to_string(10 * 4096 * 2160 * 2) + "\n");
 }
 
-TEST(CaptureCommand, CanBeEndedWhileItWaitsForAReader)
+TEST(CaptureRunTest, CanBeEndedWhileItWaitsForAReader)
 {
     ScratchFolder const folder;
     ProgramRun const run = runShell("mkfifo " + folder.path("pipe") + "; timeout -k 5 3 " +
@@ -517,7 +403,7 @@ TEST(CaptureCommand, CanBeEndedWhileItWaitsForAReader)
     EXPECT_EQ(run.errors, "");
 }
 
-TEST(CaptureCommand, TellsOfACameraThatOnlyReads)
+TEST(CaptureRunTest, TellsOfACameraThatOnlyReads)
 {
     ScratchFolder const folder;
     ProgramRun const run =
@@ -527,7 +413,7 @@ TEST(CaptureCommand, TellsOfACameraThatOnlyReads)
     EXPECT_TRUE(folder.names().empty());
 }
 
-TEST(CaptureCommand, TellsOfAPathThatCannotBeWritten)
+TEST(CaptureRunTest, TellsOfAPathThatCannotBeWritten)
 {
     ProgramRun const run = runIacq({"capture", "0", "-o", "/nonexistent/a.png"});
     EXPECT_EQ(run.status, 1);

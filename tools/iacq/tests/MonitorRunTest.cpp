@@ -20,7 +20,7 @@ namespace
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-TEST(MonitorCommand, PrintsALineForEachEventUntilItHasSeenEnough)
+TEST(MonitorRunTest, PrintsALineForEachEventUntilItHasSeenEnough)
 {
     ProgramRun const run = runIacq({"monitor", "--count", "1", "--timeout", "20"},
                                    {"--model", "webcam", "--unplug-after", "500"});
@@ -28,7 +28,7 @@ TEST(MonitorCommand, PrintsALineForEachEventUntilItHasSeenEnough)
     EXPECT_THAT(run.output, MatchesRegex(".*T.* remove /dev/video[0-9]+ video4linux\n"));
 }
 
-TEST(MonitorCommand, PrintsOneJsonObjectALine)
+TEST(MonitorRunTest, PrintsOneJsonObjectALine)
 {
     ProgramRun const run = runIacq({"monitor", "--json", "--count", "1", "--timeout", "20"},
                                    {"--model", "webcam", "--plug-after", "500"});
@@ -40,7 +40,7 @@ TEST(MonitorCommand, PrintsOneJsonObjectALine)
     EXPECT_EQ(event.at("subsystem"), "video4linux");
 }
 
-TEST(MonitorCommand, EndsWhenItsTimeIsUp)
+TEST(MonitorRunTest, EndsWhenItsTimeIsUp)
 {
     ProgramRun const run = runIacq({"monitor", "--timeout", "0.3"});
     EXPECT_EQ(run.status, 0) << run.errors;
@@ -70,11 +70,11 @@ bool holdsBack(pid_t process, int signal)
     });
 }
 
-class Interruption : public testing::TestWithParam<int>
+class MonitorRunTest : public testing::TestWithParam<int>
 {
 };
 
-TEST_P(Interruption, EndsTheMonitorCleanly)
+TEST_P(MonitorRunTest, EndsCleanlyAtASignal)
 {
     pid_t const tool = fork();
     if (tool == 0) {
@@ -91,9 +91,9 @@ TEST_P(Interruption, EndsTheMonitorCleanly)
     EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, Interruption, testing::Values(SIGINT, SIGTERM));
+INSTANTIATE_TEST_SUITE_P(Signals, MonitorRunTest, testing::Values(SIGINT, SIGTERM));
 
-TEST(MonitorCommand, PrintsEachLineAsItHappens)
+TEST(MonitorRunTest, PrintsEachLineAsItHappens)
 {
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
@@ -117,7 +117,7 @@ TEST(MonitorCommand, PrintsEachLineAsItHappens)
     close(ends[0]);
 }
 
-TEST(MonitorCommand, FailsWhenItCannotPrint)
+TEST(MonitorRunTest, FailsWhenItCannotPrint)
 {
     ProgramRun const run =
         runProgram({"bash", "-c",

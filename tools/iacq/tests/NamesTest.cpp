@@ -6,7 +6,7 @@
 namespace
 {
 
-TEST(ShortName, IsWhatV4l2CtlPrints)
+TEST(NamesTest, ShortNameIsWhatV4l2CtlPrints)
 {
     EXPECT_EQ(Iacq::shortName("Exposure Time, Absolute"), "exposure_time_absolute");
     EXPECT_EQ(Iacq::shortName("Brightness"), "brightness");
@@ -15,7 +15,7 @@ TEST(ShortName, IsWhatV4l2CtlPrints)
     EXPECT_EQ(Iacq::shortName(""), "");
 }
 
-TEST(EqualIgnoringCase, LooksAtLettersOnly)
+TEST(NamesTest, ComparisonIgnoringCaseLooksAtLettersOnly)
 {
     EXPECT_TRUE(Iacq::equalIgnoringCase("Auto", "aUTO"));
     EXPECT_FALSE(Iacq::equalIgnoringCase("Auto", "Autos"));

@@ -9,7 +9,7 @@
 namespace
 {
 
-TEST(NumberedPath, PutsTheNumberWhereItBelongs)
+TEST(OutputTest, PutsTheNumberWhereItBelongs)
 {
     EXPECT_EQ(Iacq::numberedPath("a.png", 1, 1), "a.png");
     EXPECT_EQ(Iacq::numberedPath("a.png", 3, 5), "a-0003.png");
@@ -21,7 +21,7 @@ TEST(NumberedPath, PutsTheNumberWhereItBelongs)
     EXPECT_EQ(Iacq::numberedPath("/tmp", 2, 3), "/tmp-0002");
 }
 
-TEST(NumberedPath, TakesAPercentSignThatIsNoPatternAsItStands)
+TEST(OutputTest, TakesAPercentSignThatIsNoPatternAsItStands)
 {
     EXPECT_EQ(Iacq::numberedPath("100%.png", 1, 1), "100%.png");
     EXPECT_EQ(Iacq::numberedPath("100%.png", 2, 3), "100%-0002.png");
@@ -33,14 +33,14 @@ TEST(NumberedPath, TakesAPercentSignThatIsNoPatternAsItStands)
     EXPECT_EQ(Iacq::numberedPath("50%-%03d%n.png", 2, 3), "50%-002%n.png");
 }
 
-TEST(NumberedPath, RefusesTwoPlacesForTheNumber)
+TEST(OutputTest, RefusesTwoPlacesForTheNumber)
 {
     for (char const* const path : {"%d%d.png", "%d-%04d.png", "%01d/%d"}) {
         EXPECT_THROW(Iacq::numberedPath(path, 1, 2), Iacq::Failure) << path;
     }
 }
 
-TEST(OutputFormat, IsNamedOrFollowsFromTheExtension)
+TEST(OutputTest, TakesTheFormatThatIsNamedOrFollowsFromTheExtension)
 {
     EXPECT_EQ(Iacq::outputFormatOf("", "a.PNG"), Iacq::OutputFormat::Png);
     EXPECT_EQ(Iacq::outputFormatOf("", "x/a.ppm"), Iacq::OutputFormat::Ppm);
@@ -60,7 +60,7 @@ std::string faultOf(std::string const& named, std::string const& path)
     return "";
 }
 
-TEST(OutputFormat, IsBlamedOnTheOptionOrElseOnTheName)
+TEST(OutputTest, BlamesAFormatOnTheOptionOrElseOnTheName)
 {
     EXPECT_EQ(faultOf("jpeg", "a.png"), "--output-format is 'jpeg', but has to be png, ppm or raw");
     EXPECT_EQ(faultOf("", "a.gif"), "cannot tell the output format from 'a.gif'; use "

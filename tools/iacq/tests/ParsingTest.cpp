@@ -8,7 +8,7 @@
 namespace
 {
 
-TEST(ParseInteger, TakesDecimalAndHexadecimalAndNothingElse)
+TEST(ParsingTest, TakesIntegersInDecimalAndHexadecimalAndNothingElse)
 {
     EXPECT_EQ(Iacq::parseInteger("15"), 15);
     EXPECT_EQ(Iacq::parseInteger("-15"), -15);
@@ -21,7 +21,7 @@ TEST(ParseInteger, TakesDecimalAndHexadecimalAndNothingElse)
     }
 }
 
-TEST(ParseSwitch, KnowsTheUsualWords)
+TEST(ParsingTest, KnowsTheUsualWordsForASwitch)
 {
     for (char const* const text : {"on", "ON", "true", "yes", "1"}) {
         EXPECT_EQ(Iacq::parseSwitch(text), true) << text;
@@ -33,7 +33,7 @@ TEST(ParseSwitch, KnowsTheUsualWords)
     EXPECT_FALSE(Iacq::parseSwitch(""));
 }
 
-TEST(ParseSize, TakesTwoPositiveNumbers)
+TEST(ParsingTest, TakesTwoPositiveNumbersForASize)
 {
     auto const size = Iacq::parseSize("640x480");
     ASSERT_TRUE(size);
@@ -45,7 +45,7 @@ TEST(ParseSize, TakesTwoPositiveNumbers)
     }
 }
 
-TEST(ParseInterval, TakesAFraction)
+TEST(ParsingTest, TakesAFractionForAnInterval)
 {
     auto const interval = Iacq::parseInterval("1/30");
     ASSERT_TRUE(interval);
@@ -55,7 +55,7 @@ TEST(ParseInterval, TakesAFraction)
     EXPECT_FALSE(Iacq::parseInterval("1/0"));
 }
 
-TEST(ParseFrameRate, TakesAPositiveNumber)
+TEST(ParsingTest, TakesAPositiveNumberForAFrameRate)
 {
     EXPECT_EQ(Iacq::parseFrameRate("30"), 30.0);
     EXPECT_EQ(Iacq::parseFrameRate("29.97"), 29.97);
@@ -64,7 +64,7 @@ TEST(ParseFrameRate, TakesAPositiveNumber)
     }
 }
 
-TEST(NodeName, IsTakenFromNodesOnly)
+TEST(ParsingTest, TakesANodesNameFromNodesOnly)
 {
     EXPECT_EQ(Iacq::nodeName("video0"), "video0");
     EXPECT_EQ(Iacq::nodeName("/dev/video12"), "video12");

@@ -24,7 +24,7 @@ ProgramRun runOnOneCamera(std::string const& line)
                        "iacq() { " IACQ_PROGRAM " \"$@\"; }; " + line});
 }
 
-TEST(SerialLink, ShowsLikeAnyOtherCamera)
+TEST(SerialRunTest, ShowsLikeAnyOtherCamera)
 {
     ProgramRun const run = runIacq({"show", "0", "--json"}, serialCamera);
     ASSERT_EQ(run.status, 0) << run.errors;
@@ -41,7 +41,7 @@ TEST(SerialLink, ShowsLikeAnyOtherCamera)
     EXPECT_THAT(types, testing::ElementsAre("Boolean", "Int32", "StringMenu"));
 }
 
-TEST(SerialLink, KeepsWhatIsSet)
+TEST(SerialRunTest, KeepsWhatIsSet)
 {
     ProgramRun const run =
         runOnOneCamera("iacq set 0 focus=321 'Lighting Mode=off' keep_alive=on && "
@@ -50,7 +50,7 @@ TEST(SerialLink, KeepsWhatIsSet)
     EXPECT_EQ(run.output, "Focus: 321\nLighting Mode: 0 (Off)\nKeep Alive: on\n");
 }
 
-TEST(SerialLink, SaysWhyAValueIsRefused)
+TEST(SerialRunTest, SaysWhyAValueIsRefused)
 {
     ProgramRun run = runIacq({"set", "0", "temperature_c=20"}, serialCamera);
     EXPECT_EQ(run.status, 1);
@@ -60,7 +60,7 @@ TEST(SerialLink, SaysWhyAValueIsRefused)
     EXPECT_THAT(run.errors, HasSubstr("no such item: 'Guess'\n"));
 }
 
-TEST(SerialLink, LetsTheCameraBeResetAndCapturedFrom)
+TEST(SerialRunTest, LetsTheCameraBeResetAndCapturedFrom)
 {
     ScratchFolder const folder;
     ProgramRun run = runIacq({"capture", "0", "-o", folder.path("a.png")}, serialCamera);
@@ -70,14 +70,14 @@ TEST(SerialLink, LetsTheCameraBeResetAndCapturedFrom)
     EXPECT_EQ(run.status, 0) << run.errors;
 }
 
-TEST(SerialLink, LeavesStandardErrorToTheTool)
+TEST(SerialRunTest, LeavesStandardErrorToTheTool)
 {
     ProgramRun const run = runOnOneCamera("iacq list && iacq get 0 focus && iacq set 0 focus=5");
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.errors, "");
 }
 
-TEST(SerialLink, TellsItsOwnAccountToWhomAsks)
+TEST(SerialRunTest, TellsItsOwnAccountToWhomAsks)
 {
     ProgramRun const run =
         runOnOneCamera("export QT_MESSAGE_PATTERN='%{message}'; iacq get 0 focus");
@@ -97,11 +97,11 @@ void PrintTo(Trouble const& trouble, std::ostream* stream)
     *stream << trouble.name;
 }
 
-class SerialLinkTrouble : public testing::TestWithParam<Trouble>
+class SerialRunTest : public testing::TestWithParam<Trouble>
 {
 };
 
-TEST_P(SerialLinkTrouble, IsToldInOneLine)
+TEST_P(SerialRunTest, TellsTroubleInOneLine)
 {
     ScratchFolder const folder;
     ProgramRun const run = runOnOneCamera("cd " + folder.path("") + " && " +
@@ -112,7 +112,7 @@ TEST_P(SerialLinkTrouble, IsToldInOneLine)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Reasons, SerialLinkTrouble,
+    Reasons, SerialRunTest,
     testing::Values(
         Trouble{"a silent dmesg",
                 "printf '#!/bin/sh\n' >dmesg; chmod +x dmesg; export PATH=$PWD:$PATH",
@@ -126,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "its serial port /dev/ttyACM7 is gone or in use, or the camera does not answer "
                 "there"}));
 
-TEST(SerialLink, ShowsOnATerminalThatOpeningTakesItsTime)
+TEST(SerialRunTest, ShowsOnATerminalThatOpeningTakesItsTime)
 {
     int master = -1;
     int slave = -1;

@@ -18,7 +18,7 @@ constexpr char const* steering[] = {
     "\xc2\x9f",     "\xd8\x9c",     "\xe2\x80\x8e", "\xe2\x80\x8f", "\xe2\x80\xa8", "\xe2\x80\xa9",
     "\xe2\x80\xaa", "\xe2\x80\xae", "\xe2\x81\xa6", "\xe2\x81\xa9"};
 
-TEST(Printable, LeavesOrdinaryTextsAlone)
+TEST(TerminalTextTest, LeavesOrdinaryTextsAlone)
 {
     for (std::string const text :
          {"", "Lab camera (2)", "M\xc3\xbcller", "\xc2\xa0", "\xd8\xa7\xd9\x84", "\xe2\x80\x8d",
@@ -28,7 +28,7 @@ TEST(Printable, LeavesOrdinaryTextsAlone)
     }
 }
 
-TEST(Printable, ReplacesWhateverSteersATerminal)
+TEST(TerminalTextTest, ReplacesWhateverSteersATerminal)
 {
     for (std::string const text : steering) {
         EXPECT_EQ(printable("a" + text + "b"), "a?b") << Json(text).dump(-1, ' ', true);
@@ -36,7 +36,7 @@ TEST(Printable, ReplacesWhateverSteersATerminal)
     EXPECT_EQ(printable(std::string("a\0b", 3)), "a?b");
 }
 
-TEST(Printable, ReplacesEachByteThatIsNoUtf8)
+TEST(TerminalTextTest, ReplacesEachByteThatIsNoUtf8)
 {
     struct Case
     {
@@ -65,7 +65,7 @@ TEST(Printable, ReplacesEachByteThatIsNoUtf8)
     }
 }
 
-TEST(JsonText, KeepsTextsAndHoldsNothingThatSteers)
+TEST(TerminalTextTest, KeepsTextsInJsonAndNothingThatSteers)
 {
     for (std::string const text : steering) {
         std::string const json = jsonText({{"name", "a" + text + "b"}});
@@ -75,12 +75,12 @@ TEST(JsonText, KeepsTextsAndHoldsNothingThatSteers)
     EXPECT_EQ(jsonText({{"name", "M\xc3\xbcller"}}), "{\"name\":\"M\xc3\xbcller\"}");
 }
 
-TEST(JsonText, PutsEachValueOnALineWhenIndented)
+TEST(TerminalTextTest, PutsEachJsonValueOnALineWhenIndented)
 {
     EXPECT_EQ(jsonText({{"a", "\n"}, {"b", 2}}, 2), "{\n  \"a\": \"\\n\",\n  \"b\": 2\n}");
 }
 
-TEST(JsonText, ReplacesBytesThatJsonCannotHold)
+TEST(TerminalTextTest, ReplacesBytesThatJsonCannotHold)
 {
     for (std::string const bytes : {"\x9b", "\xc3", "\xc1\x9b", "\xed\xa0\x80", "\xff"}) {
         std::string const text = Json::parse(jsonText(Json("a" + bytes + "b")));
@@ -89,7 +89,7 @@ TEST(JsonText, ReplacesBytesThatJsonCannotHold)
     }
 }
 
-TEST(Tell, WritesOneLine)
+TEST(TerminalTextTest, TellsInOneLine)
 {
     testing::internal::CaptureStderr();
     Iacq::tell("no control 'a\nb\xc2\x9bm'");
