@@ -36,7 +36,7 @@ uvc_xu_control_mapping mapping(std::uint32_t id, std::uint8_t selector, unsigned
     return mapping;
 }
 
-class ExtensionUnitTest : public testing::Test
+class ExtensionUnitMappingTest : public testing::Test
 {
 protected:
     int map(uvc_xu_control_mapping mapping) { return m_client.call(UVCIOC_CTRL_MAP, mapping); }
@@ -70,7 +70,7 @@ protected:
     Client m_client;
 };
 
-TEST_F(ExtensionUnitTest, RefusesMappingsLikeTheDriver)
+TEST_F(ExtensionUnitMappingTest, RefusesMappingsLikeTheDriver)
 {
     EXPECT_EQ(map(mapping(firstId, 1, 8)), 0);
     EXPECT_EQ(map(mapping(firstId, 1, 8)), EEXIST);
@@ -89,7 +89,7 @@ TEST_F(ExtensionUnitTest, RefusesMappingsLikeTheDriver)
     EXPECT_EQ(map(menu), EINVAL);
 }
 
-TEST_F(ExtensionUnitTest, LetsFieldsShareTheBytesOfASelector)
+TEST_F(ExtensionUnitMappingTest, LetsFieldsShareTheBytesOfASelector)
 {
     ASSERT_EQ(map(mapping(firstId, 20, 16, 0)), 0);
     ASSERT_EQ(map(mapping(firstId + 1, 20, 16, 32)), 0);
@@ -102,7 +102,7 @@ TEST_F(ExtensionUnitTest, LetsFieldsShareTheBytesOfASelector)
     EXPECT_EQ(value(firstId + 1), 2);
 }
 
-TEST_F(ExtensionUnitTest, ListsAMenuDenselyAndSendsItsValues)
+TEST_F(ExtensionUnitMappingTest, ListsAMenuDenselyAndSendsItsValues)
 {
     uvc_menu_info items[2] = {{0, "Off"}, {3, "Continuous"}};
     uvc_xu_control_mapping menu = mapping(firstId, 1, 8);
@@ -127,7 +127,7 @@ TEST_F(ExtensionUnitTest, ListsAMenuDenselyAndSendsItsValues)
     EXPECT_EQ(set(firstId, 2), ERANGE);
 }
 
-TEST_F(ExtensionUnitTest, ReadsFieldsAsTheirDataTypeSays)
+TEST_F(ExtensionUnitMappingTest, ReadsFieldsAsTheirDataTypeSays)
 {
     ASSERT_EQ(map(mapping(firstId, 20, 16, 0)), 0);
     uvc_xu_control_mapping isSigned = mapping(firstId + 1, 20, 16, 16);
@@ -141,7 +141,7 @@ TEST_F(ExtensionUnitTest, ReadsFieldsAsTheirDataTypeSays)
     EXPECT_EQ(value(firstId + 2), -1);
 }
 
-TEST_F(ExtensionUnitTest, HidesMappedControlsFromPlainCalls)
+TEST_F(ExtensionUnitMappingTest, HidesMappedControlsFromPlainCalls)
 {
     ASSERT_EQ(map(mapping(firstId, 1, 8)), 0);
     v4l2_control control{firstId, 0};
@@ -149,7 +149,7 @@ TEST_F(ExtensionUnitTest, HidesMappedControlsFromPlainCalls)
     EXPECT_EQ(m_client.call(VIDIOC_S_CTRL, control), EINVAL);
 }
 
-TEST_F(ExtensionUnitTest, KeepsEachMappingForInspection)
+TEST_F(ExtensionUnitMappingTest, KeepsEachMappingForInspection)
 {
     uvc_menu_info items[1] = {{7, "Seven"}};
     uvc_xu_control_mapping menu = mapping(firstId, 1, 8);
@@ -167,14 +167,13 @@ TEST_F(ExtensionUnitTest, KeepsEachMappingForInspection)
     EXPECT_EQ(kept[1].error, EEXIST);
 }
 
-TEST(ExtensionUnitlessTest, KnowsNoUnit)
+TEST_F(ExtensionUnitMappingTest, IsRefusedByACameraWithoutTheUnitAndByAnotherDriver)
 {
-    auto const camera = aCamera().install();
-    Client client;
+    auto const plain = aCamera("/dev/video1").install();
+    auto const other = aCamera("/dev/video2").withDriver("vivid").install();
     uvc_xu_control_mapping wanted = mapping(firstId, 1, 8);
-    EXPECT_EQ(client.call(UVCIOC_CTRL_MAP, wanted), ENOENT);
-    auto const other = aCamera("/dev/video1").withDriver("vivid").install();
-    EXPECT_EQ(Client("/dev/video1").call(UVCIOC_CTRL_MAP, wanted), ENOTTY);
+    EXPECT_EQ(Client("/dev/video1").call(UVCIOC_CTRL_MAP, wanted), ENOENT);
+    EXPECT_EQ(Client("/dev/video2").call(UVCIOC_CTRL_MAP, wanted), ENOTTY);
 }
 
 } // namespace
