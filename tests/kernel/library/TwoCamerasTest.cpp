@@ -48,7 +48,7 @@ std::vector<unsigned> camerasAskedBySerial(EmulatedCameras const& cameras)
 
 } // namespace
 
-TEST(TwoVendorCameras, HaveASerialPortAndAStreamEach)
+TEST(TwoCamerasTest, HaveASerialPortAndAStreamEach)
 {
     FuserFolder const folder;
     EmulatedCameras const cameras({"vendor-new,serial=A", "vendor-new,serial=B"});
@@ -83,11 +83,11 @@ TEST(TwoVendorCameras, HaveASerialPortAndAStreamEach)
 }
 
 /// With ./fuser in the working directory and without it.
-class SamePortOfTwoControllers : public testing::TestWithParam<bool>
+class TwoCamerasTest : public testing::TestWithParam<bool>
 {
 };
 
-TEST_P(SamePortOfTwoControllers, LeadsBothCamerasToTheTerminalThatCameLast)
+TEST_P(TwoCamerasTest, OnTheSamePortOfTwoControllersBothFindTheTerminalThatCameLast)
 {
     std::optional<FuserFolder> folder;
     if (GetParam()) {
@@ -119,4 +119,4 @@ TEST_P(SamePortOfTwoControllers, LeadsBothCamerasToTheTerminalThatCameLast)
     EXPECT_EQ(cameras.status(1)["plugs"], 2) << "it was plugged in anew by this test only";
 }
 
-INSTANTIATE_TEST_SUITE_P(FuserOrNot, SamePortOfTwoControllers, testing::Bool());
+INSTANTIATE_TEST_SUITE_P(FuserOrNot, TwoCamerasTest, testing::Bool());

@@ -88,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(EveryModel, DescriptorTest,
                                          "vendor-new,speed=super", "vendor-new,speed=full",
                                          "vendor-old,extension-unit=no"));
 
-TEST(Descriptors, AnswerOnlyWhatThereIs)
+TEST(DescriptorTest, AnswersOnlyWhatThereIs)
 {
     CameraModel const model = parseModel("ordinary,manufacturer=");
     EXPECT_FALSE(makeDescriptor(model, 3, 1).has_value());

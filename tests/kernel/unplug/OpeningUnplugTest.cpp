@@ -2,20 +2,16 @@
 #include "FuserFolder.h"
 #include "Victim.h"
 
-#include <ICameraControlNumeric.h>
+#include <ICameraControl.h>
 #include <ICameraFactory.h>
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 using namespace ImageAcquisition;
 using namespace KernelTest;
 
 namespace
 {
-
-using Numeric = ICameraControlNumeric<int>;
 
 /// When the camera left the bus, on the clock of the tests; 0 while it has not.
 double unplugSeconds(EmulatedCameras const& cameras)
@@ -47,7 +43,7 @@ CameraPointer openWhileUnplugged(EmulatedCameras const& cameras, std::string con
 
 } // namespace
 
-TEST(UnpluggingDuringTheOpening, LeavesACameraThatCanDoNothing)
+TEST(OpeningUnplugTest, LeavesACameraThatCanDoNothing)
 {
     Victim victim("ordinary");
     victim.open();
@@ -74,7 +70,7 @@ TEST(UnpluggingDuringTheOpening, LeavesACameraThatCanDoNothing)
     victim.open();
 }
 
-TEST(UnpluggingDuringTheOpening, OfASerialLinkGivesNoCamera)
+TEST(OpeningUnplugTest, OfASerialLinkGivesNoCamera)
 {
     FuserFolder const folder;
     Victim victim("vendor-new");
@@ -84,63 +80,6 @@ TEST(UnpluggingDuringTheOpening, OfASerialLinkGivesNoCamera)
         victim.close();
         RemainsCheck const remains;
         EXPECT_EQ(openWhileUnplugged(victim.device(), "serial " + std::to_string(packet)), nullptr);
-        victim.replug();
-    }
-    victim.open();
-}
-
-TEST(UnpluggingInAPrivateControl, MakesItFail)
-{
-    Victim victim("vendor-old");
-    victim.open();
-    for (bool const isRead : {false, true}) {
-        SCOPED_TRACE(isRead);
-        victim.close();
-        RemainsCheck const remains;
-        victim.open();
-        auto& light = dynamic_cast<Numeric&>(*victim.camera().lightIntensityControl());
-        victim.device().command("unplug control 1");
-        double const begin = monotonicSeconds();
-        if (isRead) {
-            EXPECT_EQ(light.value(), 0);
-        } else {
-            EXPECT_FALSE(light.setValue(7));
-        }
-        EXPECT_LT(monotonicSeconds() - begin, patience);
-        EXPECT_EQ(victim.device().status()["plugged"], false);
-        EXPECT_FALSE(victim.camera().softwareReset());
-        victim.expectDead(false);
-        victim.replug();
-    }
-    victim.open();
-}
-
-TEST(UnpluggingWhileFramesFlow, EndsTheControlsThatAreSetBetweenThem)
-{
-    Victim victim("ordinary");
-    victim.open();
-    for (char const* const when : {"frame 4", "control 7"}) {
-        SCOPED_TRACE(when);
-        victim.close();
-        RemainsCheck const remains;
-        victim.open();
-        auto& contrast = dynamic_cast<Numeric&>(*victim.camera().control("Contrast"));
-        victim.startCapture(4);
-        victim.device().command(std::string("unplug ") + when);
-        double longest = 0;
-        double begin = monotonicSeconds();
-        int number = 0;
-        for (IFrame* frame; !(frame = victim.camera().acquireFrame())->isInvalid(); ++number) {
-            contrast.setValue(contrast.minimum() + number % 2);
-            victim.camera().releaseFrame(frame);
-            longest = std::max(longest, monotonicSeconds() - begin);
-            begin = monotonicSeconds();
-        }
-        EXPECT_GT(number, 0);
-        EXPECT_LT(std::max(longest, monotonicSeconds() - begin), patience);
-        EXPECT_EQ(victim.device().status()["plugged"], false);
-        EXPECT_FALSE(contrast.setValue(contrast.maximum()));
-        victim.expectDead(true);
         victim.replug();
     }
     victim.open();

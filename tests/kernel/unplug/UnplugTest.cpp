@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "ThreadState.h"
-#include "Tool.h"
 #include "Victim.h"
 
 #include <ICameraControlNumeric.h>
@@ -23,7 +22,7 @@ Numeric& numberOf(IBlockingCamera& camera, char const* name)
     return dynamic_cast<Numeric&>(*camera.control(name));
 }
 
-class Unplugging : public testing::Test
+class UnplugTest : public testing::Test
 {
 protected:
     template <typename Round>
@@ -37,7 +36,7 @@ protected:
 
 } // namespace
 
-TEST_F(Unplugging, WhileAFrameIsAwaitedEndsTheWait)
+TEST_F(UnplugTest, WhileAFrameIsAwaitedEndsTheWait)
 {
     repeat([this] {
         m_victim.device().command("hold 2");
@@ -66,7 +65,7 @@ TEST_F(Unplugging, WhileAFrameIsAwaitedEndsTheWait)
     });
 }
 
-TEST_F(Unplugging, WhileFramesFlowEndsThemWithTheInvalidOne)
+TEST_F(UnplugTest, WhileFramesFlowEndsThemWithTheInvalidOne)
 {
     repeat([this] {
         m_victim.device().command("unplug frame 5");
@@ -85,7 +84,7 @@ TEST_F(Unplugging, WhileFramesFlowEndsThemWithTheInvalidOne)
     });
 }
 
-TEST_F(Unplugging, InTheMiddleOfAControlRequestMakesItFail)
+TEST_F(UnplugTest, InTheMiddleOfAControlRequestMakesItFail)
 {
     int number = 0;
     repeat([this, &number] {
@@ -109,7 +108,7 @@ TEST_F(Unplugging, InTheMiddleOfAControlRequestMakesItFail)
     });
 }
 
-TEST_F(Unplugging, BetweenListAndOpenGivesAnEmptyCamera)
+TEST_F(UnplugTest, BetweenListAndOpenGivesAnEmptyCamera)
 {
     repeat([this] {
         CameraPointer const camera = m_victim.openFromStaleList();
@@ -120,17 +119,4 @@ TEST_F(Unplugging, BetweenListAndOpenGivesAnEmptyCamera)
         EXPECT_TRUE(camera->acquireFrame()->isInvalid());
         EXPECT_EQ(listDevices()->size(), 0);
     });
-}
-
-TEST(UnpluggingUnderTheTool, EndsACaptureWithAMessage)
-{
-    EmulatedCameras const cameras({"ordinary"}, {"1 unplug frame 5"});
-    double const begin = monotonicSeconds();
-    CommandResult const result =
-        runTool("capture 0 --size 160x120 --format YUYV -n 1000 --output-format raw -o /dev/null");
-    EXPECT_LT(monotonicSeconds() - begin, 20);
-    EXPECT_EQ(result.status, 4) << result.output;
-    EXPECT_NE(result.output.find("iacq: "), std::string::npos) << result.output;
-    EXPECT_TRUE(cameras.waitUntilGone());
-    EXPECT_EQ(runTool("list").output, "No camera.\n");
 }

@@ -44,7 +44,7 @@ bool wasReset(EmulatedCameras const& cameras)
     });
 }
 
-class Reset : public testing::TestWithParam<char const*>
+class ResetTest : public testing::TestWithParam<char const*>
 {
 protected:
     FuserFolder const m_folder;
@@ -53,7 +53,7 @@ protected:
 
 } // namespace
 
-TEST_P(Reset, IsSeenAsRemovalAndAdditionByBothMonitors)
+TEST_P(ResetTest, IsSeenAsRemovalAndAdditionByBothMonitors)
 {
     std::string const node = m_cameras.videoNode();
     CameraPointer camera = openListed(node);
@@ -78,7 +78,7 @@ TEST_P(Reset, IsSeenAsRemovalAndAdditionByBothMonitors)
     EXPECT_NE(openListed(node), nullptr);
 }
 
-TEST_P(Reset, ByTheToolIsSeenByItsMonitor)
+TEST_P(ResetTest, ByTheToolIsSeenByItsMonitor)
 {
     std::string const node = m_cameras.videoNode();
     BackgroundCommand const monitor(toolPath() + " monitor --json");
@@ -104,9 +104,9 @@ TEST_P(Reset, ByTheToolIsSeenByItsMonitor)
     EXPECT_LT(placeOf(events(), "remove", node), placeOf(events(), "add", present));
 }
 
-INSTANTIATE_TEST_SUITE_P(Cameras, Reset, testing::Values("vendor-old", "vendor-new"));
+INSTANTIATE_TEST_SUITE_P(Cameras, ResetTest, testing::Values("vendor-old", "vendor-new"));
 
-TEST(ResetUnderACamera, GivesTheCameraNewNodesThatANewListFinds)
+TEST(ResetTest, UnderACameraGivesItNewNodesThatANewListFinds)
 {
     FuserFolder const folder;
     EmulatedCameras const cameras({"vendor-new"});

@@ -26,7 +26,9 @@ void expectSerial(std::vector<EmulatedCameras::Json> const& packets, SerialRow c
 
 } // namespace
 
-TEST_F(SerialControls, AreThoseOfTheTableInItsOrder)
+using SerialControlTest = SerialControls;
+
+TEST_F(SerialControlTest, AreThoseOfTheTableInItsOrder)
 {
     ASSERT_EQ(camera->controlNumber(), static_cast<int>(serialRows().size()));
     int position = 0;
@@ -39,7 +41,7 @@ TEST_F(SerialControls, AreThoseOfTheTableInItsOrder)
     }
 }
 
-TEST_F(SerialControls, AreReadFromTheCamera)
+TEST_F(SerialControlTest, AreReadFromTheCamera)
 {
     for (SerialRow const& row : serialRows()) {
         SCOPED_TRACE(row.name);
@@ -53,7 +55,7 @@ TEST_F(SerialControls, AreReadFromTheCamera)
     }
 }
 
-TEST_F(SerialControls, AreWrittenToTheirOwnBytesOnly)
+TEST_F(SerialControlTest, AreWrittenToTheirOwnBytesOnly)
 {
     for (SerialRow const& row : serialRows()) {
         if (controlOf(*camera, row.name).isReadOnly()) {
@@ -76,7 +78,7 @@ TEST_F(SerialControls, AreWrittenToTheirOwnBytesOnly)
     }
 }
 
-TEST_F(SerialControls, OfOneControlKeepWhatAnotherProgramWroteBesideThem)
+TEST_F(SerialControlTest, OfOneControlKeepWhatAnotherProgramWroteBesideThem)
 {
     cameras->command("set 3 20 0100020003000400");
     auto& edge = dynamic_cast<Numeric&>(*camera->focusWindowX2Control());
@@ -86,7 +88,7 @@ TEST_F(SerialControls, OfOneControlKeepWhatAnotherProgramWroteBesideThem)
     EXPECT_EQ(cameras->command("get 3 20"), "0500230107000800");
 }
 
-TEST_F(SerialControls, ThatCanOnlyBeReadAreSentAndRefusedByTheCamera)
+TEST_F(SerialControlTest, ThatCanOnlyBeReadAreSentAndRefusedByTheCamera)
 {
     for (char const* const name : {"Error Status", "Temperature (C)"}) {
         auto& control = dynamic_cast<Numeric&>(controlOf(*camera, name));

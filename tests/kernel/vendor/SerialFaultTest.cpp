@@ -32,7 +32,9 @@ std::vector<std::string> fiveOf(std::string const& first, std::string const& sec
 
 } // namespace
 
-TEST_F(SerialControls, FailAfterFiveAttemptsOnASilentLine)
+using SerialFaultTest = SerialControls;
+
+TEST_F(SerialFaultTest, FailAfterFiveAttemptsOnASilentLine)
 {
     auto& focus = dynamic_cast<Numeric&>(*camera->focusControl());
     auto& keepAlive = dynamic_cast<ICameraControlBoolean&>(*camera->keepAliveControl());
@@ -53,7 +55,7 @@ TEST_F(SerialControls, FailAfterFiveAttemptsOnASilentLine)
     EXPECT_GE(focus.value(), 0);
 }
 
-TEST_F(SerialControls, TakeRepliesThatAreInTimeAndNoOthers)
+TEST_F(SerialFaultTest, TakeRepliesThatAreInTimeAndNoOthers)
 {
     auto& focus = dynamic_cast<Numeric&>(*camera->focusControl());
     auto& light = dynamic_cast<Numeric&>(*camera->lightIntensityControl());
@@ -73,7 +75,7 @@ TEST_F(SerialControls, TakeRepliesThatAreInTimeAndNoOthers)
     }
 }
 
-TEST_F(SerialControls, WithoutAnAnswerCountAsFailedThoughTheyArrived)
+TEST_F(SerialFaultTest, WithoutAnAnswerCountAsFailedThoughTheyArrived)
 {
     auto& light = dynamic_cast<Numeric&>(*camera->lightIntensityControl());
     auto& edge = dynamic_cast<Numeric&>(*camera->focusWindowX2Control());
@@ -95,7 +97,7 @@ TEST_F(SerialControls, WithoutAnAnswerCountAsFailedThoughTheyArrived)
     EXPECT_TRUE(light.updateState());
 }
 
-TEST_F(SerialControls, OutOfRangeAreSentAndRefusedByTheCamera)
+TEST_F(SerialFaultTest, OutOfRangeAreSentAndRefusedByTheCamera)
 {
     auto& light = dynamic_cast<Numeric&>(*camera->lightIntensityControl());
     ASSERT_TRUE(light.setValue(500));

@@ -61,7 +61,9 @@ std::string textOf(ICameraControlString const& control)
 
 } // namespace
 
-TEST_F(VividControls, EveryNumberIsWrittenHereAndReadThere)
+using VividControlTest = VividControls;
+
+TEST_F(VividControlTest, EveryNumberIsWrittenHereAndReadThere)
 {
     expectWrittenHere(writable<Number>(), [](Number& control) {
         EXPECT_TRUE(control.setValue(lowerThird(control))) << control.name();
@@ -70,7 +72,7 @@ TEST_F(VividControls, EveryNumberIsWrittenHereAndReadThere)
     });
 }
 
-TEST_F(VividControls, EveryNumberIsWrittenThereAndReadHere)
+TEST_F(VividControlTest, EveryNumberIsWrittenThereAndReadHere)
 {
     std::vector<Number*> const numbers = writable<Number>();
     ASSERT_GE(numbers.size(), 7U);
@@ -80,7 +82,7 @@ TEST_F(VividControls, EveryNumberIsWrittenThereAndReadHere)
     }
 }
 
-TEST_F(VividControls, NumbersReachBothEndsOfTheirRangeAndNoFurther)
+TEST_F(VividControlTest, NumbersReachBothEndsOfTheirRangeAndNoFurther)
 {
     auto& wide = control<Number>("Integer 32 Bits");
     for (int const end : {INT_MIN, INT_MAX, -1, 0}) {
@@ -95,7 +97,7 @@ TEST_F(VividControls, NumbersReachBothEndsOfTheirRangeAndNoFurther)
     EXPECT_EQ(readControl(firstNode, "brightness"), "255");
 }
 
-TEST_F(VividControls, EverySwitchIsWrittenHereAndReadThere)
+TEST_F(VividControlTest, EverySwitchIsWrittenHereAndReadThere)
 {
     std::vector<ICameraControlBoolean*> const switches = writable<ICameraControlBoolean>();
     ASSERT_GE(switches.size(), 10U);
@@ -109,7 +111,7 @@ TEST_F(VividControls, EverySwitchIsWrittenHereAndReadThere)
     }
 }
 
-TEST_F(VividControls, EverySwitchIsWrittenThereAndReadHere)
+TEST_F(VividControlTest, EverySwitchIsWrittenThereAndReadHere)
 {
     std::vector<ICameraControlBoolean*> const switches = writable<ICameraControlBoolean>();
     setThere(switches, [](ICameraControlBoolean const& one) { return one.defaultValue() ? 0 : 1; });
@@ -118,7 +120,7 @@ TEST_F(VividControls, EverySwitchIsWrittenThereAndReadHere)
     }
 }
 
-TEST_F(VividControls, EveryMenuIsWrittenHereAndReadThere)
+TEST_F(VividControlTest, EveryMenuIsWrittenHereAndReadThere)
 {
     std::vector<ICameraControlStringMenu*> const menus = writable<ICameraControlStringMenu>();
     ASSERT_GE(menus.size(), 10U);
@@ -136,7 +138,7 @@ TEST_F(VividControls, EveryMenuIsWrittenHereAndReadThere)
     });
 }
 
-TEST_F(VividControls, EveryItemOfAMenuWithAHoleIsWrittenBothWays)
+TEST_F(VividControlTest, EveryItemOfAMenuWithAHoleIsWrittenBothWays)
 {
     auto& menu = control<ICameraControlStringMenu>("Menu");
     std::vector<unsigned> const numbers = itemNumbers(menu);
@@ -156,7 +158,7 @@ TEST_F(VividControls, EveryItemOfAMenuWithAHoleIsWrittenBothWays)
     EXPECT_STREQ(menu.defaultString(), "Menu Item 3");
 }
 
-TEST_F(VividControls, EveryItemOfANumberMenuIsWrittenBothWays)
+TEST_F(VividControlTest, EveryItemOfANumberMenuIsWrittenBothWays)
 {
     auto& menu = control<ICameraControlInt64Menu>("Integer Menu");
     std::vector<unsigned> const numbers = itemNumbers(menu);
@@ -175,7 +177,7 @@ TEST_F(VividControls, EveryItemOfANumberMenuIsWrittenBothWays)
     EXPECT_FALSE(menu.setCurrentIndex(7));
 }
 
-TEST_F(VividControls, BitMasksAreWrittenBothWays)
+TEST_F(VividControlTest, BitMasksAreWrittenBothWays)
 {
     auto& mask = control<ICameraControlBitMask>("Bitmask");
     EXPECT_EQ(mask.defaultValue(), 0x80002000U);
@@ -191,7 +193,7 @@ TEST_F(VividControls, BitMasksAreWrittenBothWays)
     EXPECT_EQ(mask.value(), 0x80402010U);
 }
 
-TEST_F(VividControls, SixtyFourBitNumbersAreReadWhole)
+TEST_F(VividControlTest, SixtyFourBitNumbersAreReadWhole)
 {
     auto const& wide = control<ICameraControlNumeric<long long>>("Integer 64 Bits");
     for (char const* const value : {"5000000000", "-5000000000", "9223372036854775807",
@@ -202,7 +204,7 @@ TEST_F(VividControls, SixtyFourBitNumbersAreReadWhole)
     }
 }
 
-TEST_F(VividControls, OfSixtyFourBitNumbersOnlyZeroIsWritten)
+TEST_F(VividControlTest, OfSixtyFourBitNumbersOnlyZeroIsWritten)
 {
     // Their range does not fit the record that the kernel describes controls with.
     auto& wide = control<ICameraControlNumeric<long long>>("Integer 64 Bits");
@@ -215,7 +217,7 @@ TEST_F(VividControls, OfSixtyFourBitNumbersOnlyZeroIsWritten)
     EXPECT_EQ(readControl(firstNode, "integer_64_bits"), "0");
 }
 
-TEST_F(VividControls, TextsAreWrittenBothWays)
+TEST_F(VividControlTest, TextsAreWrittenBothWays)
 {
     auto& text = control<ICameraControlString>("String");
     EXPECT_TRUE(text.setValue("abcd"));
@@ -225,7 +227,7 @@ TEST_F(VividControls, TextsAreWrittenBothWays)
     EXPECT_EQ(textOf(text), "xyz");
 }
 
-TEST_F(VividControls, TextsHaveTheLengthsThatTheDriverAllows)
+TEST_F(VividControlTest, TextsHaveTheLengthsThatTheDriverAllows)
 {
     auto& text = control<ICameraControlString>("String");
     EXPECT_EQ(text.minLength(), 2);
@@ -242,7 +244,7 @@ TEST_F(VividControls, TextsHaveTheLengthsThatTheDriverAllows)
     EXPECT_FALSE(text.setValue(nullptr));
 }
 
-TEST_F(VividControls, ATextNeedsRoomForItsLongest)
+TEST_F(VividControlTest, ATextNeedsRoomForItsLongest)
 {
     auto const& text = control<ICameraControlString>("String");
     char buffer[5];
@@ -253,7 +255,7 @@ TEST_F(VividControls, ATextNeedsRoomForItsLongest)
     EXPECT_TRUE(text.getValue(buffer, 5));
 }
 
-TEST_F(VividControls, ReadOnlyControlsAreReadAndNotWritten)
+TEST_F(VividControlTest, ReadOnlyControlsAreReadAndNotWritten)
 {
     auto& number = control<Number>("Read-Only Integer 32 Bits");
     EXPECT_TRUE(number.isReadOnly());
@@ -267,7 +269,7 @@ TEST_F(VividControls, ReadOnlyControlsAreReadAndNotWritten)
     EXPECT_FALSE(mask.setValue(0));
 }
 
-TEST_F(VividControls, AnInactiveControlIsKnownByTheLastUpdate)
+TEST_F(VividControlTest, AnInactiveControlIsKnownByTheLastUpdate)
 {
     auto& gain = control<Number>("Gain");
     auto& automatic = control<ICameraControlBoolean>("Gain, Automatic");
@@ -291,7 +293,7 @@ TEST_F(VividControls, AnInactiveControlIsKnownByTheLastUpdate)
     EXPECT_FALSE(gain.setValue(45));
 }
 
-TEST_F(VividControls, AGrabbedControlIsNotWrittenWhileStreaming)
+TEST_F(VividControlTest, AGrabbedControlIsNotWrittenWhileStreaming)
 {
     auto& cropping = control<ICameraControlBoolean>("Enable Capture Cropping");
     ASSERT_TRUE(selectSmall(*m_camera));
@@ -308,7 +310,7 @@ TEST_F(VividControls, AGrabbedControlIsNotWrittenWhileStreaming)
     EXPECT_TRUE(cropping.setValue(false));
 }
 
-TEST_F(VividControls, ButtonsAreWriteOnlyAndCanBePressed)
+TEST_F(VividControlTest, ButtonsAreWriteOnlyAndCanBePressed)
 {
     auto& button = control<ICameraControlButton>("Button");
     EXPECT_TRUE(button.isWriteOnly());
@@ -322,7 +324,7 @@ TEST_F(VividControls, ButtonsAreWriteOnlyAndCanBePressed)
     EXPECT_EQ(m_camera->cleanup(), 0);
 }
 
-TEST_F(VividControls, ControlsActOnThePictureWhileStreaming)
+TEST_F(VividControlTest, ControlsActOnThePictureWhileStreaming)
 {
     showStillPicture();
     ASSERT_TRUE(selectSmall(*m_camera));

@@ -1,14 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "DescriptorCount.h"
 #include "Shell.h"
-#include "Tool.h"
-#include "V4l2Ctl.h"
 #include "VividCamera.h"
 
-#include <ICameraControl.h>
-#include <ICameraFactory.h>
-#include <IDevice.h>
-#include <IDeviceList.h>
 #include <IImageFormat.h>
 #include <factory/HelperV4l2.h>
 
@@ -16,7 +9,6 @@
 
 #include <fcntl.h>
 #include <libv4l2.h>
-#include <stdexcept>
 
 using namespace ImageAcquisition;
 using namespace KernelTest;
@@ -49,74 +41,9 @@ private:
     std::vector<int> m_descriptors;
 };
 
-std::string thrownText(std::function<void()> const& action)
-{
-    try {
-        action();
-    } catch (std::invalid_argument const& error) {
-        return error.what();
-    }
-    return "nothing";
-}
-
 } // namespace
 
-TEST(VividFactory, ANodeWithoutUsbParentThrowsInSingleCreation)
-{
-    ICameraFactory const& factory = ICameraFactory::getUniqueInstance();
-    EXPECT_EQ(thrownText([&] { std::unique_ptr<IDevice>(factory.createDevice("video0")); }),
-              "stoul");
-}
-
-TEST(VividFactory, ANodeWithoutUsbParentThrowsInEnumeration)
-{
-    ICameraFactory const& factory = ICameraFactory::getUniqueInstance();
-    EXPECT_EQ(thrownText([&] { std::unique_ptr<IDeviceList>(factory.createDeviceList()); }),
-              "stoul");
-}
-
-TEST(VividFactory, TheToolSaysWhichNodesHaveNoUsbParent)
-{
-    CommandResult const list = runTool("list");
-    EXPECT_EQ(list.status, 0);
-    EXPECT_EQ(splitLines(list.output).size(), 3U) << list.output;
-    EXPECT_NE(list.output.find("No camera."), std::string::npos) << list.output;
-    EXPECT_NE(list.output.find(firstNode), std::string::npos) << list.output;
-    EXPECT_NE(list.output.find(secondNode), std::string::npos) << list.output;
-    CommandResult const show = runTool("show video1");
-    EXPECT_EQ(show.status, 1);
-    EXPECT_NE(show.output.find(secondNode), std::string::npos) << show.output;
-}
-
-TEST(VividFactory, AnAbsentNodeIsNoDevice)
-{
-    EXPECT_EQ(ICameraFactory::getUniqueInstance().createDevice("video9"), nullptr);
-}
-
-TEST(VividFactory, ACameraOnAnAbsentNodeIsEmptyAndFails)
-{
-    CameraPointer const camera = openCamera("/dev/video9");
-    ASSERT_NE(camera, nullptr);
-    EXPECT_EQ(camera->formatNumber(), 0);
-    EXPECT_EQ(camera->controlNumber(), 0);
-    EXPECT_EQ(camera->setup(4), -1);
-    EXPECT_TRUE(camera->acquireFrame()->isInvalid());
-}
-
-TEST(VividFactory, ACameraLeavesNoDescriptorBehind)
-{
-    int const before = openDescriptors();
-    {
-        CameraPointer const camera = openCamera();
-        ASSERT_TRUE(selectSmall(*camera));
-        Stream const stream(*camera, 4);
-        EXPECT_FALSE(camera->acquireFrame()->isInvalid());
-        EXPECT_GT(openDescriptors(), before);
-    }
-    EXPECT_EQ(openDescriptors(), before);
-}
-
-TEST(VividOpeners, TheSecondCannotCaptureWhileTheFirstDoes)
+TEST(VividOpenersTest, TheSecondCannotCaptureWhileTheFirstDoes)
 {
     CameraPointer const first = openCamera();
     CameraPointer const second = openCamera();
@@ -138,7 +65,7 @@ TEST(VividOpeners, TheSecondCannotCaptureWhileTheFirstDoes)
     }
 }
 
-TEST(VividOpeners, OneThatOpensWhileAnotherStreamsSeesEverythingAndCapturesLater)
+TEST(VividOpenersTest, OneThatOpensWhileAnotherStreamsSeesEverythingAndCapturesLater)
 {
     CameraPointer const first = openCamera();
     ASSERT_TRUE(selectSmall(*first));
@@ -157,7 +84,7 @@ TEST(VividOpeners, OneThatOpensWhileAnotherStreamsSeesEverythingAndCapturesLater
     EXPECT_FALSE(second->acquireFrame()->isInvalid());
 }
 
-TEST(VividOpeners, AnotherProgramIsKeptOut)
+TEST(VividOpenersTest, AnotherProgramIsKeptOut)
 {
     CameraPointer const camera = openCamera();
     ASSERT_TRUE(selectSmall(*camera));
@@ -168,7 +95,7 @@ TEST(VividOpeners, AnotherProgramIsKeptOut)
     EXPECT_FALSE(camera->acquireFrame()->isInvalid());
 }
 
-TEST(VividOpeners, TheSeventeenthOpeningInAProcessIsAnEmptyCamera)
+TEST(VividOpenersTest, TheSeventeenthOpeningInAProcessIsAnEmptyCamera)
 {
     {
         FullTable const table;

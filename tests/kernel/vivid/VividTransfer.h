@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DescriptorLimit.h"
+#include "V4l2Ctl.h"
+#include "VividCamera.h"
+
+#include <factory/HelperV4l2.h>
+#include <input/InputMethod.h>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <libv4l2.h>
+
+namespace KernelTest
+{
+
+/// The two methods that get ready only when the wake-up pipe cannot be opened.
+inline int setUpWithoutPipe(ImageAcquisition::InputMethod& method, int bufferCount)
+{
+    DescriptorLimit const limit;
+    return method.setup(bufferCount, smallSize);
+}
+
+/// A node of a still picture, opened as a camera opens it, for input methods that a test makes.
+class VividTransfer : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        showStillPicture();
+        v4l2Ctl(firstNode, "--set-fmt-video=width=320,height=180,pixelformat=YUYV --set-parm=25");
+        m_wanted = capturedByV4l2Ctl(firstNode);
+        ASSERT_EQ(m_wanted.size(), smallSize);
+        m_fd = ::v4l2_open(firstNode, O_RDWR | O_NONBLOCK);
+        ASSERT_NE(m_fd, -1);
+    }
+    void TearDown() override { ImageAcquisition::HelperV4l2::close(m_fd); }
+
+    Bytes m_wanted;
+    int m_fd = -1;
+};
+
+} // namespace KernelTest

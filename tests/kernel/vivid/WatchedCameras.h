@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VideoEvents.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+namespace KernelTest
+{
+
+/// The module comes and goes, with everybody watching.
+class Watched
+{
+public:
+    explicit Watched(int cameras) : m_cameras(static_cast<std::size_t>(cameras))
+    {
+        m_asking.beginToAsk();
+    }
+
+    void comeAndGo();
+
+    VideoEvents fromUdevadm;
+    VideoEvents fromBlocking;
+    VideoEvents fromContinuous;
+    VideoEvents afterLoad; ///< of a monitor that was asked only when all had come
+    std::size_t othersFromUdevadm = 0;
+
+private:
+    std::size_t m_cameras;
+    UdevadmWatch m_udevadm;
+    ContinuousWatch m_continuous;
+    BlockingWatch m_asking;
+    BlockingWatch m_late;
+};
+
+/// The same events at the same times. Their order is each listener's own: several processes of
+/// udev's send at once, and the kernel hands a message to one listener after the other.
+void expectSameEvents(VideoEvents const& events, VideoEvents const& wanted, double tolerance);
+
+/// Every node from video0 on once with this action, and no other.
+void expectEachNodeOnce(VideoEvents const& events, std::string const& action, int count);
+
+/// What was seen of so many cameras, which come and go once for all tests of a suite.
+template <int Cameras>
+class MonitorsOf : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        watched = std::make_unique<Watched>(Cameras);
+        watched->comeAndGo();
+    }
+    static void TearDownTestSuite() { watched.reset(); }
+
+    static void expectAll(VideoEvents const& events)
+    {
+        expectEachNodeOnce(events, "add", Cameras);
+        expectEachNodeOnce(events, "remove", Cameras);
+        EXPECT_EQ(events.size(), 2U * Cameras);
+    }
+
+    static inline std::unique_ptr<Watched> watched;
+};
+
+} // namespace KernelTest
