@@ -2,7 +2,7 @@
 // A client of the shared library, which sees the public headers and nothing else.
 #include "ImageAcquisition.h"
 
-#include "../support/DeviceStub.h"
+#include "DeviceStub.h"
 #include "VirtualCamera.h"
 
 #include <gtest/gtest.h>
