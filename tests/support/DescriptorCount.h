@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Await.h"
+
 #include <dirent.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 /// What every descriptor of the process stands for, such as "pipe:[4711]".
@@ -44,12 +44,5 @@ inline int openDescriptors()
 /// come about within 5 seconds.
 inline bool awaitAtMostDescriptors(int wanted)
 {
-    auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (openDescriptors() > wanted) {
-        if (std::chrono::steady_clock::now() > end) {
-            return false;
-        }
-        std::this_thread::yield();
-    }
-    return true;
+    return await([wanted] { return openDescriptors() <= wanted; });
 }

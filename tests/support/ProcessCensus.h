@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Await.h"
 #include "DescriptorCount.h"
 
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 /// What the process has open, in a fixed order. Without sockets: umockdev's preload library makes
@@ -72,15 +71,11 @@ inline int wordsIn(std::string const& text)
 /// when one still runs after 5 s.
 inline bool allEnd(std::string const& processes)
 {
-    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
     std::istringstream stream(processes);
-    for (std::string process; stream >> process;) {
-        while (ProcessState(process).running()) {
-            if (std::chrono::steady_clock::now() > deadline) {
-                return false;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
-    }
-    return true;
+    std::vector<std::string> const all(std::istream_iterator<std::string>(stream), {});
+    return await([&all] {
+        return std::none_of(all.begin(), all.end(), [](std::string const& process) {
+            return ProcessState(process).running();
+        });
+    });
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <chrono>
+#include "Await.h"
+
 #include <filesystem>
 #include <iterator>
-#include <thread>
 
 /// How many threads the process has.
 inline int threadCount()
@@ -17,12 +17,5 @@ inline int threadCount()
 /// that was joined is listed for a moment more.
 inline bool awaitThreadCount(int wanted)
 {
-    auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (threadCount() != wanted) {
-        if (std::chrono::steady_clock::now() > end) {
-            return false;
-        }
-        std::this_thread::yield();
-    }
-    return true;
+    return await([wanted] { return threadCount() == wanted; });
 }

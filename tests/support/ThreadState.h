@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Await.h"
+
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <chrono>
 #include <fstream>
 #include <string>
 #include <thread>
@@ -36,14 +37,7 @@ public:
     /// Returns once the thread waits in select(); false when it does not within 5 seconds.
     bool awaitSelect() const
     {
-        auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-        while (std::chrono::steady_clock::now() < end) {
-            if (waitsInSelect()) {
-                return true;
-            }
-            std::this_thread::yield();
-        }
-        return false;
+        return await([this] { return waitsInSelect(); });
     }
 
 private:

@@ -15,7 +15,7 @@ constexpr unsigned imageSize = 64 * 48 * 2;
 
 TEST(BufferTest, RefusesMemoryKindsThatAreNotOffered)
 {
-    auto const camera = promptCamera().offeringMmap(false).install();
+    auto const camera = smallCamera().offeringMmap(false).install();
     Client client;
     EXPECT_EQ(client.request(4, V4L2_MEMORY_MMAP), EINVAL);
     EXPECT_EQ(client.request(4, V4L2_MEMORY_USERPTR), EINVAL);
@@ -30,16 +30,16 @@ TEST(BufferTest, GrantsWithinScriptedBounds)
 {
     unsigned granted = 0;
     {
-        auto const camera = promptCamera().grantingAtMost(2).install();
+        auto const camera = smallCamera().grantingAtMost(2).install();
         EXPECT_EQ(Client().request(4, V4L2_MEMORY_MMAP, &granted), 0);
         EXPECT_EQ(granted, 2u);
     }
     {
-        auto const camera = promptCamera().grantingAtLeast(6).install();
+        auto const camera = smallCamera().grantingAtLeast(6).install();
         EXPECT_EQ(Client().request(4, V4L2_MEMORY_MMAP, &granted), 0);
         EXPECT_EQ(granted, 6u);
     }
-    auto const camera = promptCamera().grantingAtMost(0).install();
+    auto const camera = smallCamera().grantingAtMost(0).install();
     EXPECT_EQ(Client().request(4, V4L2_MEMORY_MMAP, &granted), 0);
     EXPECT_EQ(granted, 0u);
     EXPECT_EQ(camera.accounting().allocatedBuffers, 0);
@@ -47,7 +47,7 @@ TEST(BufferTest, GrantsWithinScriptedBounds)
 
 TEST(BufferTest, IsBusyWhileMappedAndWhileStreaming)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     ASSERT_EQ(client.start(2), 0);
     EXPECT_EQ(client.request(0), EBUSY);
@@ -60,7 +60,7 @@ TEST(BufferTest, IsBusyWhileMappedAndWhileStreaming)
 
 TEST(BufferTest, BelongsToTheFileThatRequested)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client owner;
     Client other;
     ASSERT_EQ(owner.start(2), 0);
@@ -78,7 +78,7 @@ TEST(BufferTest, BelongsToTheFileThatRequested)
 
 TEST(BufferTest, StoppingWithoutAStreamSucceedsAndKeepsTheQueue)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     EXPECT_EQ(client.stream(false), 0);
     ASSERT_EQ(client.request(2), 0);
@@ -89,7 +89,7 @@ TEST(BufferTest, StoppingWithoutAStreamSucceedsAndKeepsTheQueue)
 
 TEST(BufferTest, OnAGoneDeviceOnlyWhatIsAlreadySoSucceeds)
 {
-    auto camera = promptCamera().install();
+    auto camera = smallCamera().install();
     Client streaming;
     Client idle;
     ASSERT_EQ(streaming.start(2), 0);
@@ -102,7 +102,7 @@ TEST(BufferTest, OnAGoneDeviceOnlyWhatIsAlreadySoSucceeds)
 
 TEST(BufferTest, AProcessOpensSixteenAtMost)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     std::vector<std::unique_ptr<Client>> clients;
     for (int i = 0; i < 16; ++i) {
         clients.push_back(std::make_unique<Client>());
@@ -115,7 +115,7 @@ TEST(BufferTest, AProcessOpensSixteenAtMost)
 
 TEST(BufferTest, RefusesWrongIndicesAndBuffersQueuedTwice)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     EXPECT_EQ(client.queue(0), EINVAL);
     ASSERT_EQ(client.request(2), 0);
@@ -133,7 +133,7 @@ TEST(BufferTest, RefusesWrongIndicesAndBuffersQueuedTwice)
 
 TEST(BufferTest, DescribesABufferInEachState)
 {
-    auto const camera = promptCamera().paced(Pace::OnDemand).install();
+    auto const camera = smallCamera().paced(Pace::OnDemand).install();
     Client client;
     ASSERT_EQ(client.request(1), 0);
     auto const flags = [&client] {
@@ -157,7 +157,7 @@ TEST(BufferTest, DescribesABufferInEachState)
 
 TEST(BufferTest, StartsOnlyWithBuffers)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     EXPECT_EQ(client.stream(true), EINVAL);
     EXPECT_EQ(client.stream(false), 0);
@@ -170,7 +170,7 @@ TEST(BufferTest, StartsOnlyWithBuffers)
 
 TEST(BufferTest, DequeuesFilledBuffersInOrder)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     ASSERT_EQ(client.start(3), 0);
     v4l2_buffer buffer{};
@@ -194,7 +194,7 @@ TEST(BufferTest, DequeuesFilledBuffersInOrder)
 
 TEST(BufferTest, ShowsThePatternThroughTheMapping)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     ASSERT_EQ(client.start(2), 0);
     v4l2_buffer buffer{};
@@ -206,7 +206,7 @@ TEST(BufferTest, ShowsThePatternThroughTheMapping)
 
 TEST(BufferTest, DoesNotDequeueWhenNotStreaming)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     v4l2_buffer buffer{};
     EXPECT_EQ(client.dequeue(buffer), EINVAL);
@@ -219,7 +219,7 @@ TEST(BufferTest, DoesNotDequeueWhenNotStreaming)
 
 TEST(BufferTest, CountsFramesLostForLackOfABuffer)
 {
-    auto camera = promptCamera().paced(Pace::OnDemand).install();
+    auto camera = smallCamera().paced(Pace::OnDemand).install();
     Client client;
     ASSERT_EQ(client.start(1), 0);
     camera.deliverFrames(4);
@@ -236,7 +236,7 @@ TEST(BufferTest, CountsFramesLostForLackOfABuffer)
 
 TEST(BufferTest, RestartsTheSequenceWithStreaming)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     ASSERT_EQ(client.start(1), 0);
     v4l2_buffer buffer{};
@@ -253,7 +253,7 @@ TEST(BufferTest, RestartsTheSequenceWithStreaming)
 
 TEST(BufferTest, ChecksMappings)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     ASSERT_EQ(client.request(2), 0);
     auto const mapping = [&client](std::size_t length, int protection, int flags, int64_t offset) {
@@ -277,7 +277,7 @@ TEST(BufferTest, ChecksMappings)
 
 TEST(BufferTest, KeepsMappingsValidAfterClose)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     ASSERT_EQ(client.start(1), 0);
     v4l2_buffer buffer{};
@@ -294,7 +294,7 @@ TEST(BufferTest, KeepsMappingsValidAfterClose)
 
 TEST(BufferTest, RefusesToUnmapAPart)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     ASSERT_EQ(client.request(1), 0);
     ASSERT_EQ(client.map(0), 0);
@@ -305,7 +305,7 @@ TEST(BufferTest, RefusesToUnmapAPart)
 
 TEST(BufferTest, StreamsIntoUserPointers)
 {
-    auto const camera = promptCamera().offeringUserPointers().install();
+    auto const camera = smallCamera().offeringUserPointers().install();
     Client client;
     std::vector<unsigned char> bytes(imageSize);
     std::vector<unsigned char> small(imageSize - 1);
@@ -325,7 +325,7 @@ TEST(BufferTest, StreamsIntoUserPointers)
 
 TEST(BufferTest, KeepsTheFormatWhileBuffersAreAllocated)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     v4l2_format format{};
     format.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
@@ -342,7 +342,7 @@ TEST(BufferTest, KeepsTheFormatWhileBuffersAreAllocated)
 
 TEST(BufferTest, BlocksInDequeueUntilAFrameComes)
 {
-    auto camera = promptCamera().paced(Pace::OnDemand).install();
+    auto camera = smallCamera().paced(Pace::OnDemand).install();
     Client client("/dev/video0", O_RDWR);
     ASSERT_EQ(client.start(1), 0);
     std::thread sensor([&camera] {
@@ -358,7 +358,7 @@ TEST(BufferTest, BlocksInDequeueUntilAFrameComes)
 
 TEST(BufferTest, EndsABlockedDequeueWhenStreamingStops)
 {
-    auto const camera = promptCamera().paced(Pace::OnDemand).install();
+    auto const camera = smallCamera().paced(Pace::OnDemand).install();
     Client client("/dev/video0", O_RDWR);
     ASSERT_EQ(client.start(1), 0);
     std::thread stopper([&camera, &client] {

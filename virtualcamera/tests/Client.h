@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "SmallCamera.h"
 #include "VirtualCamera.h"
 
 #include <fcntl.h>
@@ -160,11 +161,5 @@ private:
     int m_openError;
     std::vector<Mapping> m_mappings;
 };
-
-/// A small camera whose frames come as soon as a buffer is queued.
-inline CameraBuilder promptCamera()
-{
-    return aCamera().withFormat("YUYV").withSize(64, 48).withInterval(1, 30).paced(Pace::Immediate);
-}
 
 } // namespace VirtualCamera

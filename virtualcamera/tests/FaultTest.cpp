@@ -22,7 +22,7 @@ v4l2_buffer frameOf(CameraBuilder const& builder, unsigned place)
 
 TEST(FaultTest, FailsOnTheNthUseOnly)
 {
-    auto const camera = promptCamera().failing(VIDIOC_DQBUF, EIO, 2).install();
+    auto const camera = smallCamera().failing(VIDIOC_DQBUF, EIO, 2).install();
     Client client;
     ASSERT_EQ(client.start(3), 0);
     v4l2_buffer buffer{};
@@ -34,7 +34,7 @@ TEST(FaultTest, FailsOnTheNthUseOnly)
 
 TEST(FaultTest, FailsFromTheNthUseOn)
 {
-    auto const camera = promptCamera().failingFrom(VIDIOC_QUERYCAP, EBUSY, 2).install();
+    auto const camera = smallCamera().failingFrom(VIDIOC_QUERYCAP, EBUSY, 2).install();
     Client client;
     v4l2_capability capability{};
     EXPECT_EQ(client.call(VIDIOC_QUERYCAP, capability), 0);
@@ -44,7 +44,7 @@ TEST(FaultTest, FailsFromTheNthUseOn)
 
 TEST(FaultTest, FailsAnyIoctl)
 {
-    auto const camera = promptCamera().failing(Call::Ioctl, EPERM, 2).install();
+    auto const camera = smallCamera().failing(Call::Ioctl, EPERM, 2).install();
     Client client;
     v4l2_capability capability{};
     EXPECT_EQ(client.call(VIDIOC_QUERYCAP, capability), 0);
@@ -54,7 +54,7 @@ TEST(FaultTest, FailsAnyIoctl)
 
 TEST(FaultTest, FailsToOpen)
 {
-    auto const camera = promptCamera().failing(Call::Open, EACCES).install();
+    auto const camera = smallCamera().failing(Call::Open, EACCES).install();
     EXPECT_EQ(Client().openError(), EACCES);
     EXPECT_EQ(Client().openError(), 0);
     EXPECT_EQ(camera.countOf(Call::Open), 2u);
@@ -64,7 +64,7 @@ TEST(FaultTest, FailsToOpen)
 TEST(FaultTest, ClosesAllTheSameUnlessInterrupted)
 {
     auto const camera =
-        promptCamera().failing(Call::Close, EINTR).failing(Call::Close, EIO, 2).install();
+        smallCamera().failing(Call::Close, EINTR).failing(Call::Close, EIO, 2).install();
     Client client;
     int const descriptor = client.descriptor();
     EXPECT_EQ(v4l2_close(descriptor), -1);
@@ -77,7 +77,7 @@ TEST(FaultTest, ClosesAllTheSameUnlessInterrupted)
 TEST(FaultTest, FailsMappings)
 {
     auto const camera =
-        promptCamera().failing(Call::Mmap, ENOMEM, 2).failing(Call::Munmap, EINVAL).install();
+        smallCamera().failing(Call::Mmap, ENOMEM, 2).failing(Call::Munmap, EINVAL).install();
     Client client;
     ASSERT_EQ(client.request(2), 0);
     EXPECT_EQ(client.map(0), 0);
@@ -90,7 +90,7 @@ TEST(FaultTest, FailsMappings)
 
 TEST(FaultTest, CanBeAddedAndTakenAwayWhileTheCameraRuns)
 {
-    auto camera = promptCamera().install();
+    auto camera = smallCamera().install();
     Client client;
     v4l2_capability capability{};
     EXPECT_EQ(client.call(VIDIOC_QUERYCAP, capability), 0);
@@ -105,7 +105,7 @@ TEST(FaultTest, CanBeAddedAndTakenAwayWhileTheCameraRuns)
 
 TEST(FaultTest, MarksACorruptedFrame)
 {
-    CameraBuilder const builder = promptCamera().withCorruptedFrame(1);
+    CameraBuilder const builder = smallCamera().withCorruptedFrame(1);
     EXPECT_EQ(frameOf(builder, 0).flags & V4L2_BUF_FLAG_ERROR, 0u);
     EXPECT_NE(frameOf(builder, 1).flags & V4L2_BUF_FLAG_ERROR, 0u);
     EXPECT_EQ(frameOf(builder, 2).flags & V4L2_BUF_FLAG_ERROR, 0u);
@@ -113,12 +113,12 @@ TEST(FaultTest, MarksACorruptedFrame)
 
 TEST(FaultTest, CutsAShortFrame)
 {
-    EXPECT_EQ(frameOf(promptCamera().withShortFrame(0, 10), 0).bytesused, 10u);
+    EXPECT_EQ(frameOf(smallCamera().withShortFrame(0, 10), 0).bytesused, 10u);
 }
 
 TEST(FaultTest, ClaimsMoreBytesThanAMappedBufferHas)
 {
-    CameraBuilder const builder = promptCamera().withOverstatedFrame(1, 1000000);
+    CameraBuilder const builder = smallCamera().withOverstatedFrame(1, 1000000);
     auto const camera = builder.install();
     Client client;
     ASSERT_EQ(client.start(3), 0);
@@ -137,7 +137,7 @@ TEST(FaultTest, ClaimsMoreBytesThanAMappedBufferHas)
 TEST(FaultTest, ClaimsMoreBytesThanAUserPointerHas)
 {
     auto const camera =
-        promptCamera().offeringUserPointers().withOverstatedFrame(0, UINT32_MAX).install();
+        smallCamera().offeringUserPointers().withOverstatedFrame(0, UINT32_MAX).install();
     Client client;
     std::vector<unsigned char> bytes(64 * 48 * 2 + 1, 0xcc);
     ASSERT_EQ(client.request(1, V4L2_MEMORY_USERPTR), 0);
@@ -152,14 +152,14 @@ TEST(FaultTest, ClaimsMoreBytesThanAUserPointerHas)
 
 TEST(FaultTest, SkipsAMissingFrame)
 {
-    EXPECT_EQ(frameOf(promptCamera().withMissingFrame(1), 1).sequence, 2u);
+    EXPECT_EQ(frameOf(smallCamera().withMissingFrame(1), 1).sequence, 2u);
 }
 
 TEST(FaultTest, LiesAboutTheDequeuedBuffer)
 {
-    EXPECT_EQ(frameOf(promptCamera().withWrongIndex(0, 77), 0).index, 77u);
-    EXPECT_EQ(frameOf(promptCamera().withWrongLength(0, 5), 0).length, 5u);
-    EXPECT_EQ(frameOf(promptCamera().withWrongUserPointer(0, 0x1000), 0).m.userptr, 0x1000u);
+    EXPECT_EQ(frameOf(smallCamera().withWrongIndex(0, 77), 0).index, 77u);
+    EXPECT_EQ(frameOf(smallCamera().withWrongLength(0, 5), 0).length, 5u);
+    EXPECT_EQ(frameOf(smallCamera().withWrongUserPointer(0, 0x1000), 0).m.userptr, 0x1000u);
 }
 
 TEST(FaultTest, DelaysALateFrame)
@@ -182,7 +182,7 @@ TEST(FaultTest, DelaysALateFrame)
 
 TEST(FaultTest, DeliversNothingWhenScriptedSo)
 {
-    auto const camera = promptCamera().withoutFrames(1).install();
+    auto const camera = smallCamera().withoutFrames(1).install();
     Client client;
     ASSERT_EQ(client.start(3), 0);
     v4l2_buffer buffer{};
@@ -193,7 +193,7 @@ TEST(FaultTest, DeliversNothingWhenScriptedSo)
 
 TEST(FaultTest, VanishesAtAFrame)
 {
-    auto const camera = promptCamera().vanishingAtFrame(1).install();
+    auto const camera = smallCamera().vanishingAtFrame(1).install();
     Client client;
     ASSERT_EQ(client.start(1), 0);
     v4l2_buffer buffer{};
@@ -207,7 +207,7 @@ TEST(FaultTest, VanishesAtAFrame)
 
 TEST(FaultTest, NamesEachCallInItsLog)
 {
-    auto camera = promptCamera().failing(VIDIOC_STREAMON, EIO).install();
+    auto camera = smallCamera().failing(VIDIOC_STREAMON, EIO).install();
     Client client;
     EXPECT_EQ(client.start(1), EIO);
     std::vector<CallRecord> const starts = camera.calls(VIDIOC_STREAMON);
@@ -234,7 +234,7 @@ TEST(FaultTest, PassesOnWhatIsNotVirtual)
     v4l2_capability capability{};
     EXPECT_EQ(v4l2_ioctl(-1, VIDIOC_QUERYCAP, &capability), -1);
     EXPECT_EQ(errno, EBADF);
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     EXPECT_EQ(client.call(0x12345678, capability), ENOTTY);
     EXPECT_EQ(v4l2_ioctl(client.descriptor(), VIDIOC_QUERYCAP, nullptr), -1);
@@ -246,9 +246,9 @@ TEST(FaultTest, PassesOnWhatIsNotVirtual)
 
 TEST(FaultTest, ReplacesACameraOfTheSameNode)
 {
-    auto const earlier = promptCamera().named("Earlier").install();
+    auto const earlier = smallCamera().named("Earlier").install();
     Client client;
-    auto const later = promptCamera().named("Later").install();
+    auto const later = smallCamera().named("Later").install();
     v4l2_capability capability{};
     EXPECT_EQ(client.call(VIDIOC_QUERYCAP, capability), ENODEV);
     EXPECT_EQ(Client().call(VIDIOC_QUERYCAP, capability), 0);

@@ -105,7 +105,7 @@ TEST(JsonTest, RefusesTwoCamerasOnOneNode)
 
 TEST(JsonTest, WritesWhatItReads)
 {
-    CameraBuilder builder = promptCamera();
+    CameraBuilder builder = smallCamera();
     builder
         .withControl(stringControl(V4L2_CID_USER_BASE | 0x1000, "Text").range(1, 5).currently("x"))
         .withControl(

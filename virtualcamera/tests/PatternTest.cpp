@@ -122,7 +122,7 @@ TEST(PatternTest, DrawsNothingOutsideTinyOrOddPictures)
 
 TEST(PatternTest, StandsStillOnRequestAndGivesScriptedBytes)
 {
-    auto const still = promptCamera().withStillPattern().install();
+    auto const still = smallCamera().withStillPattern().install();
     Client client;
     ASSERT_EQ(client.start(2), 0);
     v4l2_buffer buffer{};

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What a run leaves in the temporary folder, however it ends, and what it does with what is there.
+#include "Await.h"
 #include "ProgramRun.h"
+#include "ScratchFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -18,33 +20,32 @@ namespace files = std::filesystem;
 /// Where a client finds the tty of the camera.
 constexpr char tty[] = "$(dmesg | sed -n \"s/.*: \\(ttyACM[0-9]\\): .*/\\1/p\")";
 
+/// Longer than it takes a process to run, on any machine.
+constexpr std::chrono::seconds patience(10);
+
 class ProgramRemainsTest : public testing::Test
 {
 protected:
     ProgramRemainsTest()
     {
-        std::string path = testing::TempDir() + "remains-XXXXXX";
-        m_folder = mkdtemp(path.data());
         // As /tmp is.
-        chmod(m_folder.c_str(), 01777);
+        chmod(folder().c_str(), 01777);
     }
-    ~ProgramRemainsTest() override { files::remove_all(m_folder); }
 
-    files::path const& folder() const { return m_folder; }
+    files::path const& folder() const { return m_folder.path(); }
     std::string command(std::string const& arguments) const
     {
-        return "TMPDIR=" + m_folder.string() + " " + WITH_VIRTUAL_CAMERA + " --model serial " +
+        return "TMPDIR=" + folder().string() + " " + WITH_VIRTUAL_CAMERA + " --model serial " +
                arguments;
     }
-    Outcome runHere(std::string const& arguments) const
+    CommandResult runHere(std::string const& arguments) const
     {
-        return Running(command(arguments)).finish();
+        return ShellCommand(command(arguments)).finish();
     }
     std::set<std::string> remains() const
     {
         std::set<std::string> names;
-        for (auto const& entry : files::directory_iterator(m_folder)) {
-            std::string const name = entry.path().filename();
+        for (std::string const& name : m_folder.names()) {
             // ThreadSanitizer makes such a file for a moment, which stays when it is killed then.
             if (name.compare(0, 5, "tsan.") != 0) {
                 names.insert(name);
@@ -55,23 +56,11 @@ protected:
     /// True when nothing is left within a time in which a process can be expected to run.
     bool isEmptySoon() const
     {
-        return comesTrue([this] { return remains().empty(); });
-    }
-    template <typename Condition>
-    static bool comesTrue(Condition const& condition)
-    {
-        auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > end) {
-                return false;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return true;
+        return await([this] { return remains().empty(); }, patience);
     }
 
 private:
-    files::path m_folder;
+    ScratchFolder const m_folder;
 };
 
 TEST_F(ProgramRemainsTest, AreNoneAfterTheProgramsEnd)
@@ -82,7 +71,7 @@ TEST_F(ProgramRemainsTest, AreNoneAfterTheProgramsEnd)
 
 TEST_F(ProgramRemainsTest, AreNotForOtherUsersWhileItRuns)
 {
-    Outcome const outcome = runHere("sh -c 'stat -c %a:%F $TMPDIR/*'");
+    CommandResult const outcome = runHere("sh -c 'stat -c %a:%F $TMPDIR/*'");
     EXPECT_EQ(outcome.output, "700:directory\n") << "one folder, and nothing beside it";
     EXPECT_EQ(runHere("sh -c 'echo $UMOCKDEV_DIR'").output.rfind(folder().string() + "/", 0), 0u);
 }
@@ -116,9 +105,9 @@ TEST_F(ProgramRemainsTest, AreNoneWhenItIsKilled)
 TEST_F(ProgramRemainsTest, AreNoneWhenItIsInterruptedBeforeItsProgramRuns)
 {
     for (int turn = 0; turn < 5; ++turn) {
-        Running wrapper("sh -c 'echo $$; exec \"$@\"' sh env " + command("sleep 0.5"));
+        ShellCommand wrapper("sh -c 'echo $$; exec \"$@\"' sh env " + command("sleep 0.5"));
         pid_t const process = std::stoi(wrapper.line());
-        ASSERT_TRUE(comesTrue([this] { return !remains().empty(); }));
+        ASSERT_TRUE(await([this] { return !remains().empty(); }, patience));
         kill(process, SIGINT);
         // The program gets the signal, unless it ran already: then only the terminal would send it.
         int const status = wrapper.finish().status;
@@ -144,7 +133,8 @@ TEST_F(ProgramRemainsTest, AreNoneWhenTheCamerasMakeNoSense)
 
 TEST_F(ProgramRemainsTest, CannotBeMadeWithoutATemporaryFolder)
 {
-    Outcome const outcome = Running("TMPDIR=/no/such/folder " WITH_VIRTUAL_CAMERA " true").finish();
+    CommandResult const outcome =
+        ShellCommand("TMPDIR=/no/such/folder " WITH_VIRTUAL_CAMERA " true").finish();
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output,
               "with-virtual-camera: cannot make a folder in /no/such/folder: No such "
@@ -155,9 +145,10 @@ TEST_F(ProgramRemainsTest, AreElsewhereWhenTheFoldersNameIsTooLongForASocket)
 {
     files::path const deep = folder() / std::string(80, 'x');
     files::create_directory(deep);
-    Outcome const outcome =
-        Running("TMPDIR=" + deep.string() + " " + WITH_VIRTUAL_CAMERA +
-                " sh -c 'test -S $UMOCKDEV_DIR/ioctl/dev/bus/usb/001/002; echo $? $UMOCKDEV_DIR'")
+    CommandResult const outcome =
+        ShellCommand(
+            "TMPDIR=" + deep.string() + " " + WITH_VIRTUAL_CAMERA +
+            " sh -c 'test -S $UMOCKDEV_DIR/ioctl/dev/bus/usb/001/002; echo $? $UMOCKDEV_DIR'")
             .finish();
     ASSERT_EQ(outcome.output.substr(0, 7), "0 /tmp/");
     EXPECT_FALSE(files::exists(files::path(outcome.output.substr(2)).parent_path()));
@@ -240,11 +231,11 @@ TEST_F(ProgramRemainsTest, DoNotKeepTwoUsersFromRunningAtOnce)
     std::string const arguments = "--model serial sh -c 'echo " + std::string(tty) + "; " +
                                   copy.client() + " exchange /dev/" + tty + "; while [ -e " +
                                   flag.string() + " ]; do sleep 0.01; done'";
-    Running one(copy.as("65533") + copy.wrapper() + arguments);
+    ShellCommand one(copy.as("65533") + copy.wrapper() + arguments);
     std::string const first = one.line();
     EXPECT_EQ(first.rfind("ttyACM", 0), 0u) << first;
     EXPECT_EQ(one.line(), "a1850006000102000200");
-    Running other(copy.as("65534") + copy.wrapper() + arguments);
+    ShellCommand other(copy.as("65534") + copy.wrapper() + arguments);
     std::string const second = other.line();
     EXPECT_EQ(second.rfind("ttyACM", 0), 0u) << second;
     EXPECT_EQ(other.line(), "a1850006000102000200");
@@ -256,8 +247,8 @@ TEST_F(ProgramRemainsTest, DoNotKeepTwoUsersFromRunningAtOnce)
 
 TEST_F(ProgramRemainsTest, AreNoLocksOfAKilledClient)
 {
-    Running program(command("sh -c 'lock=/var/lock/LCK..") + tty +
-                    "; echo $$ >$lock; echo $lock; kill -KILL $$'");
+    ShellCommand program(command("sh -c 'lock=/var/lock/LCK..") + tty +
+                         "; echo $$ >$lock; echo $lock; kill -KILL $$'");
     files::path const lock = program.line();
     ASSERT_EQ(lock.parent_path(), "/var/lock");
     EXPECT_EQ(program.finish().status, 128 + SIGKILL);

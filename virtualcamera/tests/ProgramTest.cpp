@@ -33,7 +33,7 @@ TEST(ProgramTest, GivesCamerasTheCapabilitiesThatADriverTells)
 
 TEST(ProgramTest, ListsItsModels)
 {
-    Outcome const outcome = run("--list-models");
+    CommandResult const outcome = run("--list-models");
     EXPECT_EQ(outcome.status, 0);
     for (char const* model :
          {"webcam", "vendor", "serial", "all-controls", "user-pointers", "read", "platform"}) {
@@ -60,11 +60,11 @@ TEST(ProgramTest, PassesArgumentsAndStandardInputOn)
 
 TEST(ProgramTest, ComplainsInOneLine)
 {
-    Outcome const unknown = run("--model nonsense true");
+    CommandResult const unknown = run("--model nonsense true");
     EXPECT_EQ(unknown.status, 1);
     EXPECT_EQ(unknown.output,
               "with-virtual-camera: there is no model \"nonsense\" (see --list-models)\n");
-    Outcome const missing = run("/no/such/program");
+    CommandResult const missing = run("/no/such/program");
     EXPECT_EQ(missing.status, 127);
     EXPECT_EQ(missing.output, "with-virtual-camera: /no/such/program: No such file or directory\n");
     EXPECT_EQ(run("").status, 1);
@@ -78,11 +78,11 @@ TEST(ProgramTest, TakesAMistypedOptionForNoProgram)
         "\nusage: with-virtual-camera [OPTION]... [--] PROGRAM [ARGUMENT]...\n"
         "(see with-virtual-camera --help)\n";
     for (std::string const option : {"--modle", "-m", "--models", "--mode"}) {
-        Outcome const outcome = run(option + " webcam true");
+        CommandResult const outcome = run(option + " webcam true");
         EXPECT_EQ(outcome.status, 1);
         EXPECT_EQ(outcome.output, "with-virtual-camera: there is no option " + option + usage);
     }
-    Outcome const withValue = run("--modle=webcam true");
+    CommandResult const withValue = run("--modle=webcam true");
     EXPECT_EQ(withValue.status, 1);
     EXPECT_NE(withValue.output.find("--modle"), std::string::npos);
     EXPECT_EQ(run("--model webcam").output, "with-virtual-camera: no program given" + usage);
@@ -91,7 +91,7 @@ TEST(ProgramTest, TakesAMistypedOptionForNoProgram)
 TEST(ProgramTest, TellsOfAnOptionWithoutItsValue)
 {
     for (std::string const words : {"--plug-after soon true", "--plug-after 1.5 true", "--model"}) {
-        Outcome const outcome = run(words);
+        CommandResult const outcome = run(words);
         EXPECT_EQ(outcome.status, 1);
         EXPECT_NE(outcome.output.find(words.substr(0, words.find(' '))), std::string::npos);
         EXPECT_NE(outcome.output.find("\nusage: "), std::string::npos);
@@ -109,11 +109,11 @@ TEST(ProgramTest, EndsItsOptionsAtTwoDashes)
 
 TEST(ProgramTest, TellsItsVersionAndItsUsage)
 {
-    Outcome const version = run("--version");
+    CommandResult const version = run("--version");
     EXPECT_EQ(version.status, 0);
     EXPECT_EQ(version.output, "with-virtual-camera " VIRTUALCAMERA_VERSION "\n");
     for (char const* option : {"--help", "-h"}) {
-        Outcome const help = run(option);
+        CommandResult const help = run(option);
         EXPECT_EQ(help.status, 0);
         EXPECT_NE(help.output.find("[--] PROGRAM [ARGUMENT]..."), std::string::npos);
         EXPECT_NE(help.output.find("--version"), std::string::npos);
@@ -148,7 +148,7 @@ TEST(ProgramTest, RefusesNodesAndPortsThatNoMachineHas)
 {
     for (std::string const node : {"", "video0", "/dev/", "/dev/v4l/video0", "/dev/.."}) {
         Configuration const file("{\"cameras\": [{\"node\": \"" + node + "\"}]}");
-        Outcome const outcome = run(file.option() + "true");
+        CommandResult const outcome = run(file.option() + "true");
         EXPECT_EQ(outcome.status, 1);
         EXPECT_EQ(outcome.output, "with-virtual-camera: configuration.cameras[0].node: a node is "
                                   "written as \"/dev/video0\", unlike \"" +
@@ -157,7 +157,7 @@ TEST(ProgramTest, RefusesNodesAndPortsThatNoMachineHas)
     for (std::string const port :
          {"", "1", "1-", "0-1", "-1-1", "1-0", "1-1.", "1-1..2", "1-1/2", "1000-1"}) {
         Configuration const file("{\"cameras\": [{\"usb\": {\"port\": \"" + port + "\"}}]}");
-        Outcome const outcome = run(file.option() + "true");
+        CommandResult const outcome = run(file.option() + "true");
         EXPECT_EQ(outcome.status, 1);
         EXPECT_EQ(outcome.output, "with-virtual-camera: configuration.cameras[0].usb.port: a port "
                                   "is written as \"1-2.3\", unlike \"" +
@@ -179,7 +179,7 @@ TEST(ProgramTest, RefusesAUsbRevisionThatIsNone)
 
 TEST(ProgramTest, UnplugsACameraWhileItStreams)
 {
-    Outcome const outcome =
+    CommandResult const outcome =
         run("--model webcam --unplug-after 1500 " + client + " stream /dev/video0 100000");
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.output.rfind("streaming\nframe 0\n", 0), 0u);
@@ -188,7 +188,7 @@ TEST(ProgramTest, UnplugsACameraWhileItStreams)
 
 TEST(ProgramTest, SendsHotPlugEventsWhileTheProgramRuns)
 {
-    Outcome const outcome =
+    CommandResult const outcome =
         run("--model platform --plug-after 1500 --unplug-after 1600 " + client + " watch 2");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "add /dev/video0\nremove /dev/video0\n");
@@ -204,7 +204,7 @@ TEST(ProgramTest, LetsAPluggedCameraBeOpened)
 
 TEST(ProgramTest, AnnouncesASerialPortInTheKernelLog)
 {
-    Outcome const outcome = run("--model webcam --model serial dmesg");
+    CommandResult const outcome = run("--model webcam --model serial dmesg");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_NE(outcome.output.find(" cdc_acm 1-2:1.5: ttyACM"), std::string::npos);
     EXPECT_EQ(run("--model webcam dmesg").output.find("cdc_acm"), std::string::npos);
@@ -212,7 +212,7 @@ TEST(ProgramTest, AnnouncesASerialPortInTheKernelLog)
 
 TEST(ProgramTest, AnswersOnTheSerialPort)
 {
-    Outcome const outcome =
+    CommandResult const outcome =
         run("--model serial sh -c '" + client +
             " exchange /dev/$(dmesg | sed -n \"s/.*: \\(ttyACM[0-9]\\): .*/\\1/p\")'");
     EXPECT_EQ(outcome.output, "a1850006000102000200\n");

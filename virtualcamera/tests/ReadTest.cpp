@@ -20,7 +20,7 @@ ssize_t readBytes(Client const& client, std::vector<std::uint8_t>& bytes, std::s
 
 TEST(ReadTest, ReadsFrameAfterFrame)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     std::vector<std::uint8_t> bytes;
     ASSERT_EQ(readBytes(client, bytes, imageSize), static_cast<ssize_t>(imageSize));
@@ -31,7 +31,7 @@ TEST(ReadTest, ReadsFrameAfterFrame)
 
 TEST(ReadTest, KeepsWhatDidNotFit)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     std::vector<std::uint8_t> const whole = testPattern(V4L2_PIX_FMT_YUYV, 64, 48, 0);
     std::vector<std::uint8_t> bytes;
@@ -63,7 +63,7 @@ TEST(ReadTest, BlocksWithoutTheNonBlockingFlag)
 
 TEST(ReadTest, ExcludesStreaming)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     std::vector<std::uint8_t> bytes;
     ASSERT_EQ(client.request(2), 0);
@@ -83,7 +83,7 @@ TEST(ReadTest, ExcludesStreaming)
 
 TEST(ReadTest, IsRefusedWhenNotOffered)
 {
-    auto const camera = promptCamera().offeringRead(false).install();
+    auto const camera = smallCamera().offeringRead(false).install();
     Client client;
     std::vector<std::uint8_t> bytes;
     EXPECT_EQ(readBytes(client, bytes, 10), -1);
@@ -95,7 +95,7 @@ TEST(ReadTest, IsRefusedWhenNotOffered)
 
 TEST(ReadTest, ReturnsMoreThanWasAskedForWhenScriptedSo)
 {
-    auto const camera = promptCamera()
+    auto const camera = smallCamera()
                             .withOverstatedFrame(0, static_cast<std::uint32_t>(imageSize) + 1)
                             .withOverstatedFrame(1, UINT32_MAX)
                             .install();
@@ -112,7 +112,7 @@ TEST(ReadTest, ReturnsMoreThanWasAskedForWhenScriptedSo)
 
 TEST(ReadTest, FailsAsScripted)
 {
-    auto const camera = promptCamera().failing(Call::Read, EIO, 2).withShortFrame(1, 7).install();
+    auto const camera = smallCamera().failing(Call::Read, EIO, 2).withShortFrame(1, 7).install();
     Client client;
     std::vector<std::uint8_t> bytes;
     EXPECT_EQ(readBytes(client, bytes, imageSize), static_cast<ssize_t>(imageSize));

@@ -143,7 +143,7 @@ TEST(WaitTest, WakesWhenTheDeviceVanishesEvenWithoutAQueuedBuffer)
 
 TEST(WaitTest, DeliversImmediatelyOnRequest)
 {
-    auto const camera = promptCamera().install();
+    auto const camera = smallCamera().install();
     Client client;
     ASSERT_EQ(client.start(1), 0);
     v4l2_buffer buffer{};

@@ -6,18 +6,10 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <memory>
 
 namespace KernelTest
 {
-
-inline Bytes fileBytes(std::string const& name)
-{
-    std::ifstream file(name, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(file), {});
-}
 
 /// An ordinary emulated camera for all tests of a suite, and the library's camera on it.
 class OrdinaryCamera : public testing::Test

@@ -3,7 +3,6 @@
 
 #include "Shell.h"
 
-#include <cstdlib>
 #include <stdexcept>
 
 namespace KernelTest
@@ -12,22 +11,18 @@ namespace KernelTest
 FuserFolder::FuserFolder()
 {
     std::string const fuser = runShell("command -v fuser").output;
-    char pattern[] = "/tmp/fuser.XXXXXX";
-    if (fuser.empty() || ::mkdtemp(pattern) == nullptr) {
-        throw std::runtime_error("there is no fuser, or no folder for it");
+    if (fuser.empty()) {
+        throw std::runtime_error("there is no fuser");
     }
-    m_folder = pattern;
-    std::filesystem::create_symlink(splitLines(fuser).front(), m_folder / "fuser");
+    std::filesystem::create_symlink(splitLines(fuser).front(), m_folder.path("fuser"));
     // Also for a user without rights, as which a test may run.
-    std::filesystem::permissions(m_folder, std::filesystem::perms(0755));
-    std::filesystem::current_path(m_folder);
+    std::filesystem::permissions(m_folder.path(), std::filesystem::perms(0755));
+    std::filesystem::current_path(m_folder.path());
 }
 
 FuserFolder::~FuserFolder()
 {
     std::filesystem::current_path(m_earlier);
-    std::error_code ignored;
-    std::filesystem::remove_all(m_folder, ignored);
 }
 
 } // namespace KernelTest

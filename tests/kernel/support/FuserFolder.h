@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ScratchFolder.h"
+
 #include <filesystem>
 
 namespace KernelTest
@@ -18,7 +20,7 @@ public:
 
 private:
     std::filesystem::path m_earlier = std::filesystem::current_path();
-    std::filesystem::path m_folder;
+    ScratchFolder const m_folder;
 };
 
 } // namespace KernelTest

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "LibraryCamera.h"
 
+#include "WholeFile.h"
+
 #include <ICameraFactory.h>
 
 #include <ctime>
@@ -37,6 +39,12 @@ CameraPointer openListed(std::string const& node)
 Bytes bytesOf(IFrame const& frame)
 {
     return Bytes(frame.bytePtr(), frame.bytePtr() + frame.bytesUsed());
+}
+
+Bytes fileBytes(std::string const& name)
+{
+    std::string const content = wholeFile(name);
+    return Bytes(content.begin(), content.end());
 }
 
 double monotonicSeconds()

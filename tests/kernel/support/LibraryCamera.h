@@ -29,6 +29,9 @@ CameraPointer openListed(std::string const& node);
 
 Bytes bytesOf(ImageAcquisition::IFrame const& frame);
 
+/// All bytes of a file; none when it cannot be read.
+Bytes fileBytes(std::string const& name);
+
 /// Seconds of the clock that stamps frames.
 double monotonicSeconds();
 double stampSeconds(ImageAcquisition::IFrame const& frame);

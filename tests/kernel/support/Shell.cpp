@@ -1,33 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "Shell.h"
 
-#include <array>
-#include <cstdio>
-#include <fstream>
+#include "Await.h"
+#include "WholeFile.h"
+
 #include <sstream>
-#include <stdexcept>
-#include <sys/wait.h>
-#include <thread>
 
 namespace KernelTest
 {
 
 CommandResult runShell(std::string const& line)
 {
-    // Standard input is this program's own, which no command may wait for.
-    FILE* pipe = ::popen(("exec 2>&1 < /dev/null; " + line).c_str(), "r");
-    if (pipe == nullptr) {
-        throw std::runtime_error("cannot start a shell");
-    }
-    CommandResult result;
-    std::array<char, 4096> bytes{};
-    std::size_t count = 0;
-    while ((count = std::fread(bytes.data(), 1, bytes.size(), pipe)) > 0) {
-        result.output.append(bytes.data(), count);
-    }
-    int const status = ::pclose(pipe);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return result;
+    return ShellCommand(line).finish();
 }
 
 std::vector<std::string> splitLines(std::string const& text)
@@ -43,10 +27,7 @@ std::vector<std::string> splitLines(std::string const& text)
 
 std::string readFile(std::string const& path)
 {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    std::string content = text.str();
+    std::string content = wholeFile(path);
     while (!content.empty() && content.back() == '\n') {
         content.pop_back();
     }
@@ -55,14 +36,8 @@ std::string readFile(std::string const& path)
 
 bool waitFor(std::function<bool()> const& condition, std::chrono::milliseconds limit)
 {
-    auto const until = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= until) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return true;
+    // Each look takes long where the processor is emulated.
+    return await(condition, limit, std::chrono::milliseconds(20));
 }
 
 } // namespace KernelTest

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ShellCommand.h"
+
 #include <chrono>
 #include <functional>
 #include <string>
@@ -8,12 +10,6 @@
 
 namespace KernelTest
 {
-
-struct CommandResult
-{
-    int status = -1;    ///< exit status, or 128 and the signal
-    std::string output; ///< standard output and standard error, in the order they were written
-};
 
 /// Runs a line in the shell.
 CommandResult runShell(std::string const& line);

@@ -6,9 +6,6 @@
 
 #include <ICameraFactory.h>
 
-#include <fstream>
-#include <iterator>
-
 using namespace ImageAcquisition;
 
 namespace KernelTest
@@ -40,8 +37,7 @@ Bytes capturedByV4l2Ctl(std::string const& node, unsigned count)
 {
     std::string const file = "/tmp/vivid-frames";
     v4l2Ctl(node, "--stream-mmap --stream-count=" + std::to_string(count) + " --stream-to=" + file);
-    std::ifstream stream(file, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+    return fileBytes(file);
 }
 
 } // namespace KernelTest

@@ -5,6 +5,7 @@
 #undef main
 
 #include "Machine.h"
+#include "ScratchFolder.h"
 #include "SmallCamera.h"
 #include "V4l2Hook.h"
 
@@ -16,8 +17,6 @@
 
 namespace
 {
-
-namespace fs = std::filesystem;
 
 TEST(CaptureExampleTest, WritesNoMoreThanTheBufferOfAFrameThatClaimsMore)
 {
@@ -31,17 +30,15 @@ TEST(CaptureExampleTest, WritesNoMoreThanTheBufferOfAFrameThatClaimsMore)
         }
         return result;
     });
-    std::string folder = (fs::temp_directory_path() / "capture-example-XXXXXX").string();
-    ASSERT_NE(mkdtemp(folder.data()), nullptr);
-    std::string const file = folder + "/frame.raw";
+    ScratchFolder const folder;
+    std::string const file = folder.path("frame.raw");
     std::string program = "capture-frames";
     std::string path = file;
     char* arguments[] = {program.data(), path.data(), nullptr};
     testing::internal::CaptureStdout();
     EXPECT_EQ(captureFrames(2, arguments), 0);
     EXPECT_NE(testing::internal::GetCapturedStdout().find("frame 9:"), std::string::npos);
-    EXPECT_EQ(fs::file_size(file), smallImageSize);
-    fs::remove_all(folder);
+    EXPECT_EQ(std::filesystem::file_size(file), smallImageSize);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Await.h"
 #include "DeviceStub.h"
 #include "ReplyTimeout.h"
 #include "SerialFirmware.h"
@@ -9,9 +10,7 @@
 #include <QSerialPort>
 #include <sys/ioctl.h>
 
-#include <chrono>
 #include <string>
-#include <thread>
 
 /// A record of one of the vendor's cameras, on a port that no test machine has.
 inline DeviceStub vendorRecord(bool ofTheVendor = true)
@@ -61,14 +60,9 @@ public:
     /// Waits until so many bytes have come in that nobody has read yet; false after 5 s.
     bool awaitInput(int count)
     {
-        auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-        int waiting = 0;
-        while (ioctl(serialPort().handle(), FIONREAD, &waiting) == 0 && waiting < count) {
-            if (std::chrono::steady_clock::now() > deadline) {
-                return false;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return waiting >= count;
+        return await([&] {
+            int waiting = 0;
+            return ioctl(serialPort().handle(), FIONREAD, &waiting) == 0 && waiting >= count;
+        });
     }
 };

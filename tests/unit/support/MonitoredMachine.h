@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Await.h"
 #include "DescriptorCount.h"
 #include "IBlockingCameraMonitor.h"
 #include "Testbed.h"
@@ -8,10 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-
-/// The descriptors of the kinds that a monitor uses. The made-up machine opens others whenever its
-/// own threads get to it.
+/// The descriptors of the kinds that a monitor uses. The simulated machine opens others whenever
+/// its own threads get to it.
 inline int pipesAndSockets()
 {
     int count = 0;
@@ -21,7 +20,7 @@ inline int pipesAndSockets()
     return count;
 }
 
-/// A made-up machine whose devices come and go, for tests of monitors.
+/// A simulated machine whose devices come and go, for tests of monitors.
 class MonitoredMachine : public testing::Test
 {
 protected:
@@ -29,7 +28,7 @@ protected:
     {
         // Without the preloaded library the events would be the real machine's.
         ASSERT_TRUE(VirtualCamera::Testbed::visible());
-        // The first event makes the made-up machine open the socket that it keeps.
+        // The first event makes the simulated machine open the socket that it keeps.
         m_machine.addOtherDevice("input", "event99");
         m_descriptors = pipesAndSockets();
     }
@@ -48,15 +47,9 @@ private:
 };
 
 /// Asks until an event comes; false when none does within 5 seconds. An event of another subsystem
-/// may wake the monitor for nothing, because the made-up machine does not filter by itself.
+/// may wake the monitor for nothing, because the simulated machine does not filter by itself.
 inline bool nextEvent(ImageAcquisition::IBlockingCameraMonitor const& monitor,
                       ImageAcquisition::ICameraEvent& event)
 {
-    auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (!monitor.getEvent(&event)) {
-        if (std::chrono::steady_clock::now() > end) {
-            return false;
-        }
-    }
-    return true;
+    return await([&] { return monitor.getEvent(&event); });
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "CameraSelection.h"
+#include "DeviceStub.h"
 #include "Failure.h"
 
 #include <gmock/gmock.h>
@@ -10,39 +11,13 @@ namespace
 using namespace ImageAcquisition;
 using testing::HasSubstr;
 
-class FakeDevice : public IDevice
-{
-public:
-    explicit FakeDevice(std::string serial) : m_serial(std::move(serial)) {}
-    int index() const override { return 0; }
-    char const* name() const override { return ""; }
-    char const* systemName() const override { return ""; }
-    char const* driverName() const override { return ""; }
-    char const* busInfo() const override { return ""; }
-    char const* driverVersion() const override { return ""; }
-    char const* vendorId() const override { return ""; }
-    char const* productId() const override { return ""; }
-    char const* manufacturer() const override { return ""; }
-    char const* serial() const override { return m_serial.c_str(); }
-    char const* firmwareVersion() const override { return ""; }
-    bool supportsAsynchIO() const override { return false; }
-    bool supportsMultiplane() const override { return false; }
-    bool supportsReadWrite() const override { return false; }
-    bool supportsStreaming() const override { return true; }
-    bool supportsVideoCapture() const override { return true; }
-    bool isaZorvaneDevice() const override { return false; }
-    unsigned short usbRevision() const override { return 0; }
-    UsbSpeed usbSpeed() const override { return UsbSpeedHigh; }
-
-private:
-    std::string m_serial;
-};
-
 std::vector<Iacq::DevicePtr> camerasWith(std::vector<std::string> const& serials)
 {
     std::vector<Iacq::DevicePtr> cameras;
     for (std::string const& serial : serials) {
-        cameras.push_back(std::make_unique<FakeDevice>(serial));
+        auto device = std::make_unique<DeviceStub>();
+        device->serialNumber = serial.c_str();
+        cameras.push_back(std::move(device));
     }
     return cameras;
 }

@@ -2,10 +2,10 @@
 #include "FileWriting.h"
 
 #include "Failure.h"
+#include "ScratchFolder.h"
 
 #include <gmock/gmock.h>
 
-#include <dirent.h>
 #include <grp.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -23,37 +23,9 @@ namespace
 class FileWritingTest : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        char name[] = "/tmp/iacq-output-XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        m_directory = name;
-        ASSERT_EQ(chmod(name, 0755), 0);
-    }
-    void TearDown() override
-    {
-        for (std::string const& name : names()) {
-            unlink((m_directory + "/" + name).c_str());
-        }
-        rmdir(m_directory.c_str());
-    }
-    std::vector<std::string> names() const
-    {
-        std::vector<std::string> result;
-        DIR* const opened = opendir(m_directory.c_str());
-        while (dirent const* const entry = readdir(opened)) {
-            if (entry->d_name[0] != '.') {
-                result.emplace_back(entry->d_name);
-            }
-        }
-        closedir(opened);
-        return result;
-    }
-    std::string contents(std::string const& name) const
-    {
-        std::ifstream file(m_directory + "/" + name, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }
+    FileWritingTest() { EXPECT_EQ(chmod(m_directory.c_str(), 0755), 0); }
+    std::vector<std::string> names() const { return m_folder.names(); }
+    std::string contents(std::string const& name) const { return m_folder.read(name); }
     bool isLink(std::string const& name) const
     {
         struct stat status;
@@ -90,7 +62,8 @@ protected:
                            : "the child failed";
     }
 
-    std::string m_directory;
+    ScratchFolder const m_folder;
+    std::string const m_directory = m_folder.path().string();
 
 private:
     static std::string asAnOrdinaryUser(std::string const& path, rlim_t most)

@@ -2,25 +2,12 @@
 #include "ProgramRun.h"
 
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
-#include <stdexcept>
 
 namespace
 {
-
-std::string readFile(std::string const& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 std::string withoutFamilyWarnings(std::string const& text)
 {
@@ -54,8 +41,8 @@ ProgramRun runProgram(Words const& command)
     }
     line += "</dev/null >" + quoted(folder.path("out")) + " 2>" + quoted(folder.path("err"));
     int const status = std::system(line.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(folder.path("out")),
-            withoutFamilyWarnings(readFile(folder.path("err")))};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.read("out"),
+            withoutFamilyWarnings(folder.read("err"))};
 }
 
 ProgramRun runIacq(Words const& arguments, Words const& cameras)
@@ -65,40 +52,4 @@ ProgramRun runIacq(Words const& arguments, Words const& cameras)
     command.emplace_back(IACQ_PROGRAM);
     command.insert(command.end(), arguments.begin(), arguments.end());
     return runProgram(command);
-}
-
-ScratchFolder::ScratchFolder()
-{
-    char name[] = "/tmp/iacq-run-XXXXXX";
-    if (mkdtemp(name) == nullptr) {
-        throw std::runtime_error("no scratch folder");
-    }
-    m_path = name;
-}
-
-ScratchFolder::~ScratchFolder()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-}
-
-std::string ScratchFolder::write(std::string const& name, std::string const& text) const
-{
-    std::ofstream(path(name)) << text;
-    return path(name);
-}
-
-std::string ScratchFolder::read(std::string const& name) const
-{
-    return readFile(path(name));
-}
-
-std::vector<std::string> ScratchFolder::names() const
-{
-    std::vector<std::string> result;
-    for (auto const& entry : std::filesystem::directory_iterator(m_path)) {
-        result.push_back(entry.path().filename());
-    }
-    std::sort(result.begin(), result.end());
-    return result;
 }

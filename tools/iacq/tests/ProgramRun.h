@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ScratchFolder.h"
+
 #include <string>
 #include <vector>
 
@@ -18,21 +20,3 @@ ProgramRun runProgram(Words const& command);
 
 /// Runs iacq on virtual cameras; @p cameras are options of the wrapper, none for its usual ones.
 ProgramRun runIacq(Words const& arguments, Words const& cameras = {});
-
-/// A folder of its own for a test, gone with its contents afterwards.
-class ScratchFolder
-{
-public:
-    ScratchFolder();
-    ~ScratchFolder();
-    ScratchFolder(ScratchFolder const&) = delete;
-    ScratchFolder& operator=(ScratchFolder const&) = delete;
-
-    std::string path(std::string const& name) const { return m_path + "/" + name; }
-    std::string write(std::string const& name, std::string const& text) const;
-    std::string read(std::string const& name) const;
-    std::vector<std::string> names() const;
-
-private:
-    std::string m_path;
-};

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "SerialLinkFault.h"
 
+#include "ScratchFolder.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 
@@ -15,20 +16,14 @@ namespace files = std::filesystem;
 class SerialLinkFaultTest : public testing::Test
 {
 protected:
-    SerialLinkFaultTest()
-    {
-        char name[] = "/tmp/iacq-serial-XXXXXX";
-        m_folder = mkdtemp(name);
-    }
-    ~SerialLinkFaultTest() override { files::remove_all(m_folder); }
-
     std::string fault(std::string const& log) const
     {
         std::istringstream lines(log);
         return Iacq::serialLinkFault(lines, "usb-0000:00:14.0-2.3", m_folder);
     }
 
-    std::string m_folder;
+    ScratchFolder const m_scratch;
+    std::string const m_folder = m_scratch.path().string();
 };
 
 TEST_F(SerialLinkFaultTest, IsAnEmptyLog)
