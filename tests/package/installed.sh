@@ -20,7 +20,7 @@ install_tree() {
     cmake --install "$build" --prefix "$work/first" >"$work/install.log"
     mv "$work/first" "$prefix"
     [ -f "$prefix/include/imageacquisition/ICameraFactory.h" ] || fail "no headers"
-    [ -z "$(find "$prefix" -name 'libimageacquisition.a')" ] || fail "the static twin is installed"
+    [ -z "$(find "$prefix" -name 'libimageacquisition.a')" ] || fail "the static library is installed"
 }
 
 carries_version() {

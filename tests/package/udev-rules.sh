@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Lets this machine's udevadm apply the rules to made-up devices:
+# Lets this machine's udevadm apply the rules to simulated devices:
 #   udev-rules.sh RULES_FILE VENDOR_ID PRODUCT_ID
 set -euo pipefail
 

@@ -94,7 +94,7 @@ TEST_F(SoftwareResetTest, LeavesNoDescriptorBehind)
     for (int round = 0; round < 5; ++round) {
         EXPECT_TRUE(m_camera.softwareReset());
     }
-    // The made-up machine's own thread closes its connections in its own time, one that was
+    // The simulated machine's own thread closes its connections in its own time, one that was
     // counted before among them.
     EXPECT_TRUE(awaitAtMostDescriptors(before));
 }

@@ -170,7 +170,7 @@ TEST_F(UsbIdentityTest, LeavesNoDescriptorBehind)
     for (int round = 0; round < 5; ++round) {
         describe();
     }
-    // The made-up machine's own thread closes its connections in its own time, one that was
+    // The simulated machine's own thread closes its connections in its own time, one that was
     // counted before among them.
     EXPECT_TRUE(awaitAtMostDescriptors(before));
 }
@@ -220,7 +220,7 @@ TEST_F(UsbIdentityTest, ThrowsFromTheFirmwareQueryWithoutLosingDescriptors)
     Device device(0);
     device.setIdVendor("xyz");
     auto const query = [&device] { DeviceEnumerator::getFirmwareRevision(&device); };
-    // The first query leaves open what the made-up system itself needs.
+    // The first query leaves open what the simulated system itself needs.
     EXPECT_EQ(whatOf<std::invalid_argument>(query), "stoul");
     int const before = openDescriptors();
     EXPECT_EQ(whatOf<std::invalid_argument>(query), "stoul");

@@ -164,7 +164,7 @@ TEST_F(CameraFactoryTest, LosesTwoDescriptorsWithEachListThatThrows)
         EXPECT_THROW(factory().createDeviceList(), std::invalid_argument);
     }
     EXPECT_EQ(countOf(timer), timers + rounds);
-    // The made-up machine's own threads may make one too when they get to it.
+    // The simulated machine's own threads may make one too when they get to it.
     EXPECT_GE(countOf(event), events + rounds);
 }
 

@@ -136,7 +136,7 @@ TEST_F(BlockingCameraMonitorTest, KeepsWhatUdevDoesNotTell)
 TEST_F(BlockingCameraMonitorTest, NoEventOfABurstIsLost)
 {
     ASSERT_TRUE(m_monitor.startMonitoring());
-    // The made-up machine's socket holds ten events.
+    // The simulated machine's socket holds ten events.
     for (int round = 0; round < 8; ++round) {
         std::string const prefix = "video" + std::to_string(round);
         for (int number = 0; number < 8; ++number) {

@@ -76,7 +76,7 @@ TEST_F(ContinuousCameraMonitorTest, EachEventIsAnObjectOfItsOwnThatTheClientKeep
     ASSERT_TRUE(m_monitor.startMonitoring(m_client));
     for (int number = 0; number < 20; ++number) {
         m_machine.addVideoNode("video" + std::to_string(number));
-        // The made-up machine's socket holds ten events.
+        // The simulated machine's socket holds ten events.
         ASSERT_TRUE(m_client.awaitEvents(number - 5));
     }
     ASSERT_TRUE(m_client.awaitEvents(20));
@@ -318,7 +318,7 @@ TEST_F(ContinuousCameraMonitorTest, ContextsAreReleasedWithTheMonitor)
 
 TEST_F(ContinuousCameraMonitorTest, ManyRoundsLeaveNeitherDescriptorNorThread)
 {
-    // The first round, so that the made-up machine has its own threads by now.
+    // The first round, so that the simulated machine has its own threads by now.
     ASSERT_TRUE(m_monitor.startMonitoring(m_client));
     ASSERT_TRUE(m_monitor.stopMonitoring());
     int const descriptors = pipesAndSockets();

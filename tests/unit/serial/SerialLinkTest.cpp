@@ -184,7 +184,7 @@ TEST_F(SerialLinkTest, LooksForFuserInTheWorkingDirectoryOnly)
 TEST_F(SerialLinkTest, FindsAHolderWithTheRealFuser)
 {
     ASSERT_TRUE(std::filesystem::exists("/usr/bin/fuser")) << "psmisc is missing";
-    // Sees the pseudo-terminal itself: the made-up name is not for other programs.
+    // Sees the pseudo-terminal itself: the simulated name is not for other programs.
     m_tools.inWorkingDirectory("fuser", "exec /usr/bin/fuser " + m_firmware.ttyPath());
     {
         LinkedCamera holder(m_firmware.ttyPath());

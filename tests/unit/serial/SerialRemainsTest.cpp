@@ -16,7 +16,7 @@ namespace
 using namespace ImageAcquisition;
 
 /// What a whole life of a camera leaves behind, compared with what a life before left: Qt and the
-/// testbed set up some things once.
+/// simulated machine set up some things once.
 class SerialRemainsTest : public SerialMachineTest
 {
 protected:

@@ -7,7 +7,7 @@
 #include <list>
 #include <string>
 
-/// A made-up machine whose video nodes are virtual cameras.
+/// A simulated machine whose video nodes are virtual cameras.
 class Machine
 {
 public:
