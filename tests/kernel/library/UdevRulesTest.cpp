@@ -57,7 +57,8 @@ std::string serviceRule()
     return rule;
 }
 
-/// Tells udev who sits at the machine: what systemd-logind, which the bed has not, would write.
+/// Tells udev who sits at the machine: what systemd-logind, which the virtual machine has not,
+/// would write.
 class Seat
 {
 public:

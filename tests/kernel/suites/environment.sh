@@ -1,6 +1,6 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
-# The test bed proves itself: what a suite relies on inside the virtual machine is real.
+# The test environment itself: what a suite relies on inside the virtual machine is real.
 # Modules: vivid n_devs=2 node_types=0x1,0x1
 # Tools: v4l2-ctl udevadm
 # shellcheck source=tests/kernel/tap.sh
@@ -14,7 +14,7 @@ udevLinksNode() { await 10 test -e /dev/v4l/by-path/platform-vivid.0-video-index
 
 # The monitor has to listen before the module goes: it says when it does.
 udevReportsRemoval() {
-    local log=/tmp/bed-udev.log monitor result=0
+    local log=/tmp/environment-udev.log monitor result=0
     stdbuf -oL udevadm monitor --udev --subsystem-match=video4linux > $log &
     monitor=$!
     await 10 grep -q 'UDEV - the event' $log || result=1
@@ -29,7 +29,7 @@ nodesAreGone() { await 10 test ! -e /dev/video0 && await 10 test ! -e /dev/video
 nodesComeBack() { modprobe vivid && await 20 test -c /dev/video0; }
 
 streamsFrames() {
-    local file=/tmp/bed-frames
+    local file=/tmp/environment-frames
     v4l2-ctl -d /dev/video0 --set-fmt-video=width=320,height=180,pixelformat=YUYV \
         --stream-mmap --stream-count=10 --stream-to=$file || return 1
     stat -c 'size of 10 frames: %s' $file
@@ -48,9 +48,9 @@ terminalIsReal() {
     [ "$(script -qec 'test -t 0 && echo terminal' /dev/null | tr -d '\r\n')" = terminal ]
 }
 outputIsShared() {
-    grep "^out $KERNEL_TEST_OUT 9p rw" /proc/mounts && echo shared > "$KERNEL_TEST_OUT/bed.txt"
+    grep "^out $KERNEL_TEST_OUT 9p rw" /proc/mounts && echo shared > "$KERNEL_TEST_OUT/environment.txt"
 }
-rootIsAnOverlay() { touch "$KERNEL_TEST_SOURCE/bed.probe" && grep '^overlay / overlay' /proc/mounts; }
+rootIsAnOverlay() { touch "$KERNEL_TEST_SOURCE/environment.probe" && grep '^overlay / overlay' /proc/mounts; }
 clockKeepsTime() {
     local wall before after
     before=$(date +%s%N) wall=$(cut -d' ' -f1 /proc/uptime)
