@@ -12,8 +12,7 @@ using VividReadTest = VividTransfer;
 TEST_F(VividReadTest, FramesAreThoseThatV4l2CtlWrites)
 {
     InputMethodRead method(m_fd);
-    ASSERT_EQ(setUpWithoutPipe(method, 3), 0);
-    ASSERT_EQ(method.startCapture(), 0);
+    ASSERT_TRUE(startsWithoutPipe(method, 3));
     for (int i = 0; i < 20; ++i) {
         IFrame* const frame = method.acquireFrame();
         ASSERT_FALSE(frame->isInvalid());
@@ -21,8 +20,7 @@ TEST_F(VividReadTest, FramesAreThoseThatV4l2CtlWrites)
         EXPECT_TRUE(bytesOf(*frame) == m_wanted) << i;
         EXPECT_EQ(method.releaseFrame(frame), 0);
     }
-    EXPECT_EQ(method.stopCapture(), 0);
-    EXPECT_EQ(method.cleanup(), 0);
+    expectToEnd(method);
 }
 
 TEST_F(VividReadTest, FramesAreThoseThatAPlainReadGives)

@@ -16,13 +16,6 @@
 namespace KernelTest
 {
 
-/// The two methods that get ready only when the wake-up pipe cannot be opened.
-inline int setUpWithoutPipe(ImageAcquisition::InputMethod& method, int bufferCount)
-{
-    DescriptorLimit const limit;
-    return method.setup(bufferCount, smallSize);
-}
-
 /// A node of a still picture, opened as a camera opens it, for input methods that a test makes.
 class VividTransfer : public testing::Test
 {
@@ -37,6 +30,22 @@ protected:
         ASSERT_NE(m_fd, -1);
     }
     void TearDown() override { ImageAcquisition::HelperV4l2::close(m_fd); }
+
+    /// The two methods that get ready only when the wake-up pipe cannot be opened.
+    static int setUpWithoutPipe(ImageAcquisition::InputMethod& method, int bufferCount)
+    {
+        DescriptorLimit const limit;
+        return method.setup(bufferCount, smallSize);
+    }
+    static bool startsWithoutPipe(ImageAcquisition::InputMethod& method, int bufferCount)
+    {
+        return setUpWithoutPipe(method, bufferCount) == 0 && method.startCapture() == 0;
+    }
+    static void expectToEnd(ImageAcquisition::InputMethod& method)
+    {
+        EXPECT_EQ(method.stopCapture(), 0);
+        EXPECT_EQ(method.cleanup(), 0);
+    }
 
     Bytes m_wanted;
     int m_fd = -1;

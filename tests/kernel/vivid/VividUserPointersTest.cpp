@@ -31,8 +31,7 @@ TEST_F(VividUserPointersTest, AreSupportedByTheDriverItself)
 TEST_F(VividUserPointersTest, FramesAreThoseThatV4l2CtlWrites)
 {
     InputMethodUserPointers method(m_fd);
-    ASSERT_EQ(setUpWithoutPipe(method, 4), 0);
-    ASSERT_EQ(method.startCapture(), 0);
+    ASSERT_TRUE(startsWithoutPipe(method, 4));
     std::set<unsigned char const*> buffers;
     unsigned long long next = 0;
     for (int i = 0; i < 40; ++i) {
@@ -47,15 +46,13 @@ TEST_F(VividUserPointersTest, FramesAreThoseThatV4l2CtlWrites)
         EXPECT_EQ(method.releaseFrame(frame), 0);
     }
     EXPECT_EQ(buffers.size(), 4U);
-    EXPECT_EQ(method.stopCapture(), 0);
-    EXPECT_EQ(method.cleanup(), 0);
+    expectToEnd(method);
 }
 
 TEST_F(VividUserPointersTest, WithAllBuffersHeldNoFrameComesWithinTwoSeconds)
 {
     InputMethodUserPointers method(m_fd);
-    ASSERT_EQ(setUpWithoutPipe(method, 2), 0);
-    ASSERT_EQ(method.startCapture(), 0);
+    ASSERT_TRUE(startsWithoutPipe(method, 2));
     IFrame* const first = method.acquireFrame();
     ASSERT_FALSE(first->isInvalid());
     ASSERT_FALSE(method.acquireFrame()->isInvalid());
@@ -64,15 +61,13 @@ TEST_F(VividUserPointersTest, WithAllBuffersHeldNoFrameComesWithinTwoSeconds)
     EXPECT_GE(monotonicSeconds() - begin, 1.99);
     EXPECT_EQ(method.releaseFrame(first), 0);
     EXPECT_EQ(method.acquireFrame(), first);
-    EXPECT_EQ(method.stopCapture(), 0);
-    EXPECT_EQ(method.cleanup(), 0);
+    expectToEnd(method);
 }
 
 TEST_F(VividUserPointersTest, StoppingTheStreamEndsAWaitWithoutAPipe)
 {
     InputMethodUserPointers method(m_fd);
-    ASSERT_EQ(setUpWithoutPipe(method, 2), 0);
-    ASSERT_EQ(method.startCapture(), 0);
+    ASSERT_TRUE(startsWithoutPipe(method, 2));
     ASSERT_FALSE(method.acquireFrame()->isInvalid());
     ASSERT_FALSE(method.acquireFrame()->isInvalid());
     IFrame const* last = nullptr;
@@ -93,6 +88,5 @@ TEST_F(VividUserPointersTest, MappingWorksStraightToo)
     IFrame* const frame = method.acquireFrame();
     EXPECT_TRUE(bytesOf(*frame) == m_wanted);
     EXPECT_EQ(method.releaseFrame(frame), 0);
-    EXPECT_EQ(method.stopCapture(), 0);
-    EXPECT_EQ(method.cleanup(), 0);
+    expectToEnd(method);
 }
