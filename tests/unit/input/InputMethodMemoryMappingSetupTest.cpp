@@ -12,7 +12,6 @@
 #include <linux/videodev2.h>
 
 #include <cerrno>
-#include <cstring>
 
 namespace
 {
@@ -24,30 +23,6 @@ using VirtualCamera::InstalledCamera;
 v4l2_requestbuffers lastRequest(InstalledCamera const& camera)
 {
     return camera.calls(VIDIOC_REQBUFS).back().argument<v4l2_requestbuffers>();
-}
-
-TEST(InputMethodMemoryMappingSetupTest, AsksForMappedCaptureBuffers)
-{
-    auto const camera = smallCamera().install();
-    OpenNode const node;
-    v4l2_requestbuffers request;
-    std::memset(&request, 0xff, sizeof request);
-    EXPECT_EQ(InputMethodMemoryMapping::requestBuffers(node.fd(), 3, request), 0);
-    EXPECT_EQ(request.count, 3u);
-    v4l2_requestbuffers expected{};
-    expected.count = 3;
-    expected.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
-    expected.memory = V4L2_MEMORY_MMAP;
-    v4l2_requestbuffers const sent = lastRequest(camera);
-    EXPECT_EQ(std::memcmp(&expected, &sent, sizeof sent), 0);
-}
-
-TEST(InputMethodMemoryMappingSetupTest, ReportsTheErrorOfARefusedRequest)
-{
-    auto const camera = smallCamera().failing(VIDIOC_REQBUFS, EBUSY).install();
-    OpenNode const node;
-    v4l2_requestbuffers request;
-    EXPECT_EQ(InputMethodMemoryMapping::requestBuffers(node.fd(), 3, request), EBUSY);
 }
 
 TEST(InputMethodMemoryMappingSetupTest, IsSupportedByADriverThatGrantsBuffers)

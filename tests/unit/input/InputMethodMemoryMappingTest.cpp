@@ -2,9 +2,8 @@
 // Streaming with the memory-mapped method.
 #include "input/InputMethodMemoryMapping.h"
 
-#include "OpenNode.h"
-#include "SmallCamera.h"
 #include "Stopwatch.h"
+#include "Stream.h"
 #include "ThreadState.h"
 #include "V4l2Hook.h"
 #include "input/InputMethodRead.h"
@@ -15,46 +14,19 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 namespace
 {
 
 using namespace ImageAcquisition;
 using VirtualCamera::Call;
-using VirtualCamera::CameraBuilder;
-using VirtualCamera::InstalledCamera;
 using VirtualCamera::Pace;
 
-/// A camera with a method that streams from it.
-class Stream
-{
-public:
-    explicit Stream(CameraBuilder const& builder, int buffers = 3)
-        : camera(builder.install()), method(node.fd())
-    {
-        m_setUp = method.setup(buffers, smallImageSize) == 0 && method.startCapture() == 0;
-    }
-    Stream(Stream const&) = delete;
-    Stream& operator=(Stream const&) = delete;
-    ~Stream()
-    {
-        EXPECT_TRUE(m_setUp);
-        method.cleanup();
-        EXPECT_EQ(camera.accounting().liveMappings, 0);
-    }
-
-    InstalledCamera camera;
-    OpenNode const node;
-    InputMethodMemoryMapping method;
-
-private:
-    bool m_setUp = false;
-};
+using MappedStream = Stream<InputMethodMemoryMapping>;
 
 TEST(InputMethodMemoryMappingTest, QueuesAllBuffersInOrderAndStarts)
 {
-    Stream stream(smallCamera());
+    MappedStream stream(smallCamera());
     auto const queued = stream.camera.calls(VIDIOC_QBUF);
     ASSERT_EQ(queued.size(), 3u);
     for (unsigned int i = 0; i < 3; ++i) {
@@ -69,31 +41,9 @@ TEST(InputMethodMemoryMappingTest, QueuesAllBuffersInOrderAndStarts)
     EXPECT_EQ(stream.method.type(), InputMethod::MemoryMapping);
 }
 
-TEST(InputMethodMemoryMappingTest, DoesNotStartWhenABufferIsRefused)
-{
-    auto const camera = smallCamera().failing(VIDIOC_QBUF, EIO, 2).install();
-    OpenNode const node;
-    InputMethodMemoryMapping method(node.fd());
-    ASSERT_EQ(method.setup(3, smallImageSize), 0);
-    EXPECT_EQ(method.startCapture(), -1);
-    EXPECT_EQ(camera.countOf(VIDIOC_QBUF), 2u);
-    EXPECT_EQ(camera.countOf(VIDIOC_STREAMON), 0u);
-    method.cleanup();
-}
-
-TEST(InputMethodMemoryMappingTest, DoesNotStartWhenTheDriverRefuses)
-{
-    auto const camera = smallCamera().failing(VIDIOC_STREAMON, EIO).install();
-    OpenNode const node;
-    InputMethodMemoryMapping method(node.fd());
-    ASSERT_EQ(method.setup(3, smallImageSize), 0);
-    EXPECT_EQ(method.startCapture(), -1);
-    method.cleanup();
-}
-
 TEST(InputMethodMemoryMappingTest, HandsOutAFrameThatClaimsMoreThanItsBufferHolds)
 {
-    Stream stream(smallCamera());
+    MappedStream stream(smallCamera());
     V4l2Hook const hook([](int fd, unsigned long request, void* argument) {
         int const result = V4l2Hook::realIoctl(fd, request, argument);
         if (request == VIDIOC_DQBUF && result == 0) {
@@ -119,34 +69,9 @@ TEST(InputMethodMemoryMappingTest, OnlyStartsWhenItHasNoBuffers)
     EXPECT_EQ(camera.countOf(VIDIOC_STREAMON), 1u);
 }
 
-TEST(InputMethodMemoryMappingTest, DeliversThePicturesInOrder)
-{
-    Stream stream(smallCamera().paced(Pace::OnDemand));
-    std::int64_t earlier = 0;
-    for (unsigned int number = 0; number < 10; ++number) {
-        stream.camera.deliverFrames(1);
-        IFrame* const frame = stream.method.acquireFrame();
-        ASSERT_FALSE(frame->isInvalid());
-        EXPECT_EQ(frame->counter(), number);
-        EXPECT_EQ(frame->bytesUsed(), smallImageSize);
-        EXPECT_EQ(frame->size(), smallImageSize);
-        EXPECT_EQ(frame->allocSize(), smallImageSize);
-        EXPECT_FALSE(frame->isCorrupted());
-        std::int64_t const time =
-            frame->timeStamp().seconds * 1000000 + frame->timeStamp().microseconds;
-        EXPECT_LE(earlier, time);
-        EXPECT_GT(time, 0);
-        earlier = time;
-        auto const expected = VirtualCamera::testPattern(V4L2_PIX_FMT_YUYV, 64, 48, number);
-        ASSERT_EQ(expected.size(), smallImageSize);
-        EXPECT_TRUE(std::equal(expected.begin(), expected.end(), frame->bytePtr()));
-        EXPECT_EQ(stream.method.releaseFrame(frame), 0);
-    }
-}
-
 TEST(InputMethodMemoryMappingTest, ShowsTheDriversOwnMemory)
 {
-    Stream stream(smallCamera().paced(Pace::OnDemand), 1);
+    MappedStream stream(smallCamera().paced(Pace::OnDemand), 1);
     stream.camera.deliverFrames(1);
     IFrame* const first = stream.method.acquireFrame();
     ASSERT_FALSE(first->isInvalid());
@@ -163,54 +88,14 @@ TEST(InputMethodMemoryMappingTest, ShowsTheDriversOwnMemory)
 
 TEST(InputMethodMemoryMappingTest, GapsInTheCounterTellOfLostFrames)
 {
-    Stream stream(smallCamera().withMissingFrame(1));
+    MappedStream stream(smallCamera().withMissingFrame(1));
     EXPECT_EQ(stream.method.acquireFrame()->counter(), 0u);
     EXPECT_EQ(stream.method.acquireFrame()->counter(), 2u);
 }
 
-TEST(InputMethodMemoryMappingTest, ReportsShortFramesByTheirBytes)
-{
-    Stream stream(smallCamera().withShortFrame(0, 100));
-    IFrame* const frame = stream.method.acquireFrame();
-    EXPECT_EQ(frame->bytesUsed(), 100u);
-    EXPECT_EQ(frame->size(), 100u);
-    EXPECT_EQ(frame->allocSize(), smallImageSize);
-}
-
-TEST(InputMethodMemoryMappingTest, HandsOutDamagedFramesMarked)
-{
-    Stream stream(smallCamera().withCorruptedFrame(0), 1);
-    IFrame* const frame = stream.method.acquireFrame();
-    EXPECT_FALSE(frame->isInvalid());
-    EXPECT_TRUE(frame->isCorrupted());
-    EXPECT_EQ(stream.camera.accounting().queuedBuffers, 0);
-    EXPECT_EQ(stream.method.releaseFrame(frame), 0);
-    EXPECT_EQ(stream.camera.accounting().queuedBuffers, 1);
-    EXPECT_FALSE(stream.method.acquireFrame()->isCorrupted());
-}
-
-TEST(InputMethodMemoryMappingTest, GivesBackTheBufferAsItWasDequeued)
-{
-    Stream stream(smallCamera());
-    IFrame* const frame = stream.method.acquireFrame();
-    auto const dequeued = stream.camera.calls(VIDIOC_DQBUF).back().answer<v4l2_buffer>();
-    EXPECT_EQ(stream.method.releaseFrame(frame), 0);
-    auto const queued = stream.camera.calls(VIDIOC_QBUF).back().argument<v4l2_buffer>();
-    EXPECT_EQ(std::memcmp(&dequeued, &queued, sizeof queued), 0);
-}
-
-TEST(InputMethodMemoryMappingTest, ReportsThatTheDriverRefusedAFrame)
-{
-    Stream stream(smallCamera());
-    IFrame* const frame = stream.method.acquireFrame();
-    stream.camera.fail(VIDIOC_QBUF, EIO);
-    EXPECT_EQ(stream.method.releaseFrame(frame), -1);
-    EXPECT_EQ(stream.method.releaseFrame(frame), 0);
-}
-
 TEST(InputMethodMemoryMappingTest, TakesInvalidFramesBackWithoutTheDriver)
 {
-    Stream stream(smallCamera().paced(Pace::OnDemand));
+    MappedStream stream(smallCamera().paced(Pace::OnDemand));
     stream.camera.failFrom(VIDIOC_DQBUF, EIO);
     stream.camera.deliverFrames(1);
     IFrame* const own = stream.method.acquireFrame();
@@ -224,33 +109,9 @@ TEST(InputMethodMemoryMappingTest, TakesInvalidFramesBackWithoutTheDriver)
     EXPECT_EQ(stream.camera.countOf(Call::Ioctl), before);
 }
 
-TEST(InputMethodMemoryMappingTest, RefusesNullAndForeignFramesWithoutTheDriver)
-{
-    Stream stream(smallCamera());
-    InputMethodRead::Frame foreign(10);
-    unsigned const before = stream.camera.countOf(Call::Ioctl);
-    EXPECT_EQ(stream.method.releaseFrame(nullptr), -1);
-    EXPECT_EQ(stream.method.releaseFrame(&foreign), -1);
-    EXPECT_EQ(stream.camera.countOf(Call::Ioctl), before);
-}
-
-TEST(InputMethodMemoryMappingTest, GivesUpAfterTwoSecondsWithoutAFrame)
-{
-    Stream stream(smallCamera().withoutFrames());
-    Stopwatch const watch;
-    IFrame* const frame = stream.method.acquireFrame();
-    EXPECT_GE(watch.seconds(), 1.99);
-    EXPECT_LT(watch.seconds(), 3);
-    EXPECT_TRUE(frame->isInvalid());
-    EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 0u);
-    EXPECT_EQ(frame->allocSize(), smallImageSize);
-    EXPECT_TRUE(std::all_of(frame->bytePtr(), frame->bytePtr() + frame->allocSize(),
-                            [](unsigned char byte) { return byte == 0; }));
-}
-
 TEST(InputMethodMemoryMappingTest, TriesTenTimesWhenTheDriverSaysAgain)
 {
-    Stream stream(smallCamera());
+    MappedStream stream(smallCamera());
     stream.camera.failFrom(VIDIOC_DQBUF, EAGAIN);
     EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
     EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 10u);
@@ -258,7 +119,7 @@ TEST(InputMethodMemoryMappingTest, TriesTenTimesWhenTheDriverSaysAgain)
 
 TEST(InputMethodMemoryMappingTest, TakesTheFrameOfATenthAttempt)
 {
-    Stream stream(smallCamera());
+    MappedStream stream(smallCamera());
     for (unsigned int use = 1; use <= 9; ++use) {
         stream.camera.fail(VIDIOC_DQBUF, EAGAIN, use);
     }
@@ -266,21 +127,9 @@ TEST(InputMethodMemoryMappingTest, TakesTheFrameOfATenthAttempt)
     EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 10u);
 }
 
-TEST(InputMethodMemoryMappingTest, GivesUpAtOnceForAnyOtherError)
-{
-    for (int const error : {EIO, ENODEV, EINVAL, EPIPE}) {
-        Stream stream(smallCamera());
-        stream.camera.failFrom(VIDIOC_DQBUF, error);
-        Stopwatch const watch;
-        EXPECT_TRUE(stream.method.acquireFrame()->isInvalid()) << error;
-        EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 1u);
-        EXPECT_LT(watch.seconds(), 1);
-    }
-}
-
 TEST(InputMethodMemoryMappingTest, IsNotDisturbedByASignal)
 {
-    Stream stream(smallCamera());
+    MappedStream stream(smallCamera());
     stream.camera.fail(VIDIOC_DQBUF, EINTR);
     EXPECT_FALSE(stream.method.acquireFrame()->isInvalid());
 }
@@ -288,7 +137,7 @@ TEST(InputMethodMemoryMappingTest, IsNotDisturbedByASignal)
 TEST(InputMethodMemoryMappingTest, GivesUpForABufferIndexThatItDoesNotHave)
 {
     for (unsigned int const index : {3u, 4u, 0x7fffffffu, 0xffffffffu}) {
-        Stream stream(smallCamera().withWrongIndex(0, index));
+        MappedStream stream(smallCamera().withWrongIndex(0, index));
         EXPECT_TRUE(stream.method.acquireFrame()->isInvalid());
         EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 1u);
     }
@@ -296,7 +145,7 @@ TEST(InputMethodMemoryMappingTest, GivesUpForABufferIndexThatItDoesNotHave)
 
 TEST(InputMethodMemoryMappingTest, GivesUpAtOnceWhenTheCameraVanishes)
 {
-    Stream stream(smallCamera().paced(Pace::Interval).vanishingAtFrame(2));
+    MappedStream stream(smallCamera().paced(Pace::Interval).vanishingAtFrame(2));
     EXPECT_FALSE(stream.method.acquireFrame()->isInvalid());
     EXPECT_FALSE(stream.method.acquireFrame()->isInvalid());
     Stopwatch const watch;
@@ -322,7 +171,7 @@ TEST(InputMethodMemoryMappingTest, HandsOutAnInvalidFrameBeforeSetupAndAfterClea
 
 TEST(InputMethodMemoryMappingTest, StopsStreamingAfterItWokeTheWaiter)
 {
-    Stream stream(smallCamera());
+    MappedStream stream(smallCamera());
     Stopwatch const watch;
     EXPECT_EQ(stream.method.stopCapture(), 0);
     EXPECT_GE(watch.seconds(), 0.01);
@@ -332,7 +181,7 @@ TEST(InputMethodMemoryMappingTest, StopsStreamingAfterItWokeTheWaiter)
 
 TEST(InputMethodMemoryMappingTest, ReportsThatTheDriverDidNotStop)
 {
-    Stream stream(smallCamera());
+    MappedStream stream(smallCamera());
     stream.camera.fail(VIDIOC_STREAMOFF, EIO);
     EXPECT_EQ(stream.method.stopCapture(), -1);
     EXPECT_EQ(stream.method.stopCapture(), 0);
@@ -340,7 +189,7 @@ TEST(InputMethodMemoryMappingTest, ReportsThatTheDriverDidNotStop)
 
 TEST(InputMethodMemoryMappingTest, LeavesABlockedWaitWhenAnotherThreadStopsIt)
 {
-    Stream stream(smallCamera().withoutFrames());
+    MappedStream stream(smallCamera().withoutFrames());
     bool invalid = false;
     double waited = 0;
     WatchedThread waiter([&] {
@@ -357,7 +206,7 @@ TEST(InputMethodMemoryMappingTest, LeavesABlockedWaitWhenAnotherThreadStopsIt)
 
 TEST(InputMethodMemoryMappingTest, WorksAgainAfterCleanupAndSetup)
 {
-    Stream stream(smallCamera());
+    MappedStream stream(smallCamera());
     for (int round = 0; round < 3; ++round) {
         IFrame* const frame = stream.method.acquireFrame();
         ASSERT_FALSE(frame->isInvalid()) << round;

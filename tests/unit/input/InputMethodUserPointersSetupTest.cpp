@@ -3,50 +3,23 @@
 #include "input/InputMethodUserPointers.h"
 
 #include "DescriptorCount.h"
-#include "DescriptorLimit.h"
-#include "OpenNode.h"
-#include "SmallCamera.h"
+#include "Stream.h"
 
 #include <gtest/gtest.h>
 
 #include <linux/videodev2.h>
 
 #include <cerrno>
-#include <cstring>
 
 namespace
 {
 
 using namespace ImageAcquisition;
 using VirtualCamera::Call;
-using VirtualCamera::CameraBuilder;
 
-CameraBuilder userPointerCamera()
+VirtualCamera::CameraBuilder userPointerCamera()
 {
-    return smallCamera().offeringMmap(false).offeringUserPointers();
-}
-
-TEST(InputMethodUserPointersSetupTest, AsksForUserPointerCaptureBuffers)
-{
-    auto const camera = userPointerCamera().install();
-    OpenNode const node;
-    v4l2_requestbuffers request;
-    std::memset(&request, 0xff, sizeof request);
-    EXPECT_EQ(InputMethodUserPointers::requestBuffers(node.fd(), 3, request), 0);
-    v4l2_requestbuffers expected{};
-    expected.count = 3;
-    expected.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
-    expected.memory = V4L2_MEMORY_USERPTR;
-    auto const sent = camera.calls(VIDIOC_REQBUFS).back().argument<v4l2_requestbuffers>();
-    EXPECT_EQ(std::memcmp(&expected, &sent, sizeof sent), 0);
-}
-
-TEST(InputMethodUserPointersSetupTest, ReportsTheErrorOfARefusedRequest)
-{
-    auto const camera = userPointerCamera().failing(VIDIOC_REQBUFS, ENOMEM).install();
-    OpenNode const node;
-    v4l2_requestbuffers request;
-    EXPECT_EQ(InputMethodUserPointers::requestBuffers(node.fd(), 3, request), ENOMEM);
+    return cameraFor<InputMethodUserPointers>();
 }
 
 TEST(InputMethodUserPointersSetupTest, IsSupportedUnlessTheDriverAnswersEinval)
@@ -103,10 +76,7 @@ TEST(InputMethodUserPointersSetupTest, SetsUpWithoutAPipe)
     auto const camera = userPointerCamera().install();
     OpenNode const node;
     InputMethodUserPointers method(node.fd());
-    {
-        DescriptorLimit const none;
-        EXPECT_EQ(method.setup(3, smallImageSize), 0);
-    }
+    EXPECT_EQ(setUp(method, 3), 0);
     EXPECT_EQ(camera.accounting().allocatedBuffers, 3);
     EXPECT_EQ(method.cleanup(), 0);
     EXPECT_EQ(camera.accounting().allocatedBuffers, 0);
@@ -125,10 +95,7 @@ TEST(InputMethodUserPointersSetupTest, MakesTheBuffersThatItAskedForWhateverWasG
             userPointerCamera().grantingAtMost(one.most).grantingAtLeast(one.fewest).install();
         OpenNode const node;
         InputMethodUserPointers method(node.fd());
-        {
-            DescriptorLimit const none;
-            ASSERT_EQ(method.setup(3, smallImageSize), 0);
-        }
+        ASSERT_EQ(setUp(method, 3), 0);
         EXPECT_EQ(method.startCapture(), one.started);
         EXPECT_EQ(camera.countOf(VIDIOC_QBUF), 3u);
         method.stopCapture();
@@ -142,10 +109,7 @@ TEST(InputMethodUserPointersSetupTest, TakesANegativeCountForNone)
     OpenNode const node;
     for (int const count : {0, -1, -2147483647 - 1}) {
         InputMethodUserPointers method(node.fd());
-        {
-            DescriptorLimit const none;
-            EXPECT_EQ(method.setup(count, smallImageSize), 0);
-        }
+        EXPECT_EQ(setUp(method, count), 0);
         auto const sent = camera.calls(VIDIOC_REQBUFS).back().argument<v4l2_requestbuffers>();
         EXPECT_EQ(sent.count, 0u);
         EXPECT_EQ(method.startCapture(), -1);
@@ -159,10 +123,7 @@ TEST(InputMethodUserPointersSetupTest, MakesItsInvalidFrameEvenWithoutBuffers)
     auto const camera = userPointerCamera().install();
     OpenNode const node;
     InputMethodUserPointers method(node.fd());
-    {
-        DescriptorLimit const none;
-        ASSERT_EQ(method.setup(0, smallImageSize), 0);
-    }
+    ASSERT_EQ(setUp(method, 0), 0);
     IFrame* const frame = method.acquireFrame();
     EXPECT_TRUE(frame->isInvalid());
     EXPECT_EQ(frame->allocSize(), smallImageSize);
@@ -177,8 +138,7 @@ TEST(InputMethodUserPointersSetupTest, FailsToSetUpWhenTheDriverRefuses)
         auto const camera = userPointerCamera().failing(VIDIOC_REQBUFS, error).install();
         OpenNode const node;
         InputMethodUserPointers method(node.fd());
-        DescriptorLimit const none;
-        EXPECT_EQ(method.setup(3, smallImageSize), -1);
+        EXPECT_EQ(setUp(method, 3), -1);
     }
 }
 
