@@ -6,7 +6,7 @@
 #include "IFramePeriod.h"
 #include "IFrameSize.h"
 #include "IImageFormat.h"
-#include "VirtualCamera.h"
+#include "TwoFormatCamera.h"
 
 #include <gtest/gtest.h>
 
@@ -28,17 +28,7 @@ protected:
         m_virtualCamera.clearLog();
     }
 
-    VirtualCamera::InstalledCamera m_virtualCamera = VirtualCamera::aCamera()
-                                                         .withFormat("YUYV")
-                                                         .withSize(640, 480)
-                                                         .withInterval(1, 30)
-                                                         .withInterval(1, 15)
-                                                         .withSize(320, 240)
-                                                         .withInterval(1, 60)
-                                                         .withFormat("MJPG")
-                                                         .withSize(1280, 720)
-                                                         .withInterval(1, 30)
-                                                         .install();
+    VirtualCamera::InstalledCamera m_virtualCamera = twoFormatCamera().install();
     DeviceStub const m_device{};
     Camera m_camera{&m_device};
 };

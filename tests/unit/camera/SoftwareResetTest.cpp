@@ -3,8 +3,8 @@
 
 #include "DescriptorCount.h"
 #include "DescriptorLimit.h"
-#include "DeviceStub.h"
 #include "Machine.h"
+#include "VendorRecord.h"
 
 #include <gtest/gtest.h>
 
@@ -16,21 +16,13 @@ namespace
 using namespace ImageAcquisition;
 using VirtualCamera::aUsbDevice;
 
-DeviceStub vendorRecord()
-{
-    DeviceStub device;
-    device.vendor = IMAGEACQUISITION_VENDOR_ID;
-    device.product = IMAGEACQUISITION_PRODUCT_ID;
-    return device;
-}
-
 class SoftwareResetTest : public testing::Test
 {
 protected:
     void SetUp() override { ASSERT_TRUE(VirtualCamera::Testbed::visible()); }
 
     Machine m_machine;
-    DeviceStub const m_record = vendorRecord();
+    DeviceStub const m_record = recordWithExtensionUnit();
     Camera m_camera{&m_record};
 };
 
@@ -38,13 +30,7 @@ TEST_F(SoftwareResetTest, SendsTheVendorsRequest)
 {
     auto const usb = m_machine.plug(vendorUsbDevice().withFirmware("TJ8-1.2.3"));
     EXPECT_TRUE(m_camera.softwareReset());
-    auto const requests = usb.requests();
-    ASSERT_EQ(requests.size(), 1u);
-    EXPECT_EQ(requests[0].requestType, 0xC0);
-    EXPECT_EQ(requests[0].request, 0xE0);
-    EXPECT_EQ(requests[0].value, 0);
-    EXPECT_EQ(requests[0].index, 0);
-    EXPECT_EQ(requests[0].length, 16);
+    expectOneRequest(usb, 0xE0, 16);
 }
 
 TEST_F(SoftwareResetTest, DoesNotNeedTheVideoNode)

@@ -47,6 +47,18 @@ protected:
         control.init(record);
     }
 
+    /// The only call was an extended one, of this class, for the gain alone.
+    void expectExtendedCall(unsigned long request, unsigned int controlClass, long long value) const
+    {
+        CallRecord const call = m_opened.onlyCall();
+        EXPECT_EQ(CallId(request), call.call);
+        EXPECT_EQ(call.controlClass, controlClass);
+        ASSERT_EQ(call.controls.size(), 1u);
+        EXPECT_EQ(call.controls[0].id, V4L2_CID_GAIN);
+        EXPECT_EQ(call.controls[0].size, 0u);
+        EXPECT_EQ(call.controls[0].value, value);
+    }
+
     CameraWithControls m_opened{{
         integerControl(V4L2_CID_BRIGHTNESS, "Brightness").range(-100, 100).byDefault(7),
         integerControl(V4L2_CID_CONTRAST, "Contrast").refusingReads(EIO).refusingWrites(EBUSY),
@@ -262,25 +274,13 @@ TEST_F(CameraControlTest, ExtendedReadNamesTheClassAndGivesSixtyFourBits)
 {
     m_opened.node.setControlValue(V4L2_CID_GAIN, -0x123456789ALL);
     EXPECT_EQ(raw(V4L2_CID_GAIN).inquireControlValueExt(), -0x123456789ALL);
-    CallRecord const call = m_opened.onlyCall();
-    EXPECT_EQ(CallId(VIDIOC_G_EXT_CTRLS), call.call);
-    EXPECT_EQ(call.controlClass, 0x00980000u);
-    ASSERT_EQ(call.controls.size(), 1u);
-    EXPECT_EQ(call.controls[0].id, V4L2_CID_GAIN);
-    EXPECT_EQ(call.controls[0].size, 0u);
-    EXPECT_EQ(call.controls[0].value, 0);
+    expectExtendedCall(VIDIOC_G_EXT_CTRLS, 0x00980000u, 0);
 }
 
 TEST_F(CameraControlTest, ExtendedWriteNamesNoClass)
 {
     EXPECT_TRUE(raw(V4L2_CID_GAIN).setControlValueExt(0x6543210FEDLL));
-    CallRecord const call = m_opened.onlyCall();
-    EXPECT_EQ(CallId(VIDIOC_S_EXT_CTRLS), call.call);
-    EXPECT_EQ(call.controlClass, 0u);
-    ASSERT_EQ(call.controls.size(), 1u);
-    EXPECT_EQ(call.controls[0].id, V4L2_CID_GAIN);
-    EXPECT_EQ(call.controls[0].size, 0u);
-    EXPECT_EQ(call.controls[0].value, 0x6543210FEDLL);
+    expectExtendedCall(VIDIOC_S_EXT_CTRLS, 0u, 0x6543210FEDLL);
     EXPECT_EQ(m_opened.node.controlValue(V4L2_CID_GAIN), 0x6543210FEDLL);
 }
 

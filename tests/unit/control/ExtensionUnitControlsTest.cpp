@@ -4,6 +4,7 @@
 #include "ICameraControlNumeric.h"
 #include "ICameraControlStringMenu.h"
 #include "ScriptedVendorCamera.h"
+#include "VendorRecord.h"
 
 #include <gtest/gtest.h>
 #include <linux/videodev2.h>
@@ -56,9 +57,7 @@ TEST_F(ExtensionUnitControlsTest, AllAreListedWithNameTypeAndItems)
 TEST_F(ExtensionUnitControlsTest, NoneIsWarnedOfForItsFamily)
 {
     testing::internal::CaptureStderr();
-    DeviceStub record;
-    record.vendor = IMAGEACQUISITION_VENDOR_ID;
-    record.product = IMAGEACQUISITION_PRODUCT_ID;
+    DeviceStub const record = recordWithExtensionUnit();
     Camera again(&record);
     ASSERT_TRUE(again.init());
     EXPECT_EQ(again.controlNumber(), 29);

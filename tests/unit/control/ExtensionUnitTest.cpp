@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "CameraWithControls.h"
 #include "ScriptedVendorCamera.h"
+#include "VendorRecord.h"
 #include "control/ZorvaneExtensionUnit.h"
 
 #include <gtest/gtest.h>
@@ -54,6 +55,16 @@ void expectMapping(ExpectedMapping const& expected, ControlMapping const& receiv
     }
 }
 
+/// Unlike CameraWithControls it logs what the opening calls.
+struct OpenedVendorCamera
+{
+    OpenedVendorCamera() { EXPECT_TRUE(camera.init()); }
+
+    InstalledCamera const node = aVendorCamera().install();
+    DeviceStub const record = recordWithExtensionUnit();
+    Camera camera{&record};
+};
+
 } // namespace
 
 TEST(ExtensionUnitTest, DriverReceivesAllMappingsInOrderFieldByField)
@@ -71,31 +82,21 @@ TEST(ExtensionUnitTest, DriverReceivesAllMappingsInOrderFieldByField)
 
 TEST(ExtensionUnitTest, MappingsWithoutMenuPointToNone)
 {
-    InstalledCamera const node = aVendorCamera().install();
-    DeviceStub record;
-    record.vendor = IMAGEACQUISITION_VENDOR_ID;
-    record.product = IMAGEACQUISITION_PRODUCT_ID;
-    Camera camera(&record);
-    ASSERT_TRUE(camera.init());
-    std::vector<CallRecord> const calls = node.calls(UVCIOC_CTRL_MAP);
+    OpenedVendorCamera const opened;
+    std::vector<CallRecord> const calls = opened.node.calls(UVCIOC_CTRL_MAP);
     ASSERT_EQ(calls.size(), 29u);
     for (CallRecord const& call : calls) {
         auto const sent = call.argument<uvc_xu_control_mapping>();
         EXPECT_EQ(sent.menu_count != 0, sent.menu_info != nullptr) << sent.name;
-        EXPECT_EQ(camera.fileDescriptor(), call.descriptor);
+        EXPECT_EQ(opened.camera.fileDescriptor(), call.descriptor);
     }
 }
 
 TEST(ExtensionUnitTest, MappingsComeBeforeTheControlsAreListed)
 {
-    InstalledCamera const node = aVendorCamera().install();
-    DeviceStub record;
-    record.vendor = IMAGEACQUISITION_VENDOR_ID;
-    record.product = IMAGEACQUISITION_PRODUCT_ID;
-    Camera camera(&record);
-    ASSERT_TRUE(camera.init());
+    OpenedVendorCamera const opened;
     bool listed = false;
-    for (CallRecord const& call : node.calls(Call::Ioctl)) {
+    for (CallRecord const& call : opened.node.calls(Call::Ioctl)) {
         listed = listed || call.call == CallId(VIDIOC_QUERYCTRL);
         EXPECT_FALSE(listed && call.call == CallId(UVCIOC_CTRL_MAP));
     }
@@ -126,9 +127,7 @@ TEST(ExtensionUnitTest, SecondRoundIsRefusedByTheDriverAndSaysNothing)
 TEST(ExtensionUnitTest, CameraOpenedAgainHasItsControlsStill)
 {
     CameraWithControls const first(aVendorCamera(), CameraWithControls::Maker::Vendor);
-    DeviceStub record;
-    record.vendor = IMAGEACQUISITION_VENDOR_ID;
-    record.product = IMAGEACQUISITION_PRODUCT_ID;
+    DeviceStub const record = recordWithExtensionUnit();
     Camera second(&record);
     ASSERT_TRUE(second.init());
     EXPECT_EQ(second.controlNumber(), 29);

@@ -41,13 +41,7 @@ TEST_F(FirmwareQueryTest, AsksOnceWithTheVendorsRequest)
     ASSERT_NE(device, nullptr);
     EXPECT_TRUE(device->isaZorvaneDevice());
     EXPECT_STREQ(device->firmwareVersion(), "TJ8-1.2.4");
-    auto const requests = usb.requests();
-    ASSERT_EQ(requests.size(), 1u);
-    EXPECT_EQ(requests[0].requestType, 0xC0);
-    EXPECT_EQ(requests[0].request, 0xB0);
-    EXPECT_EQ(requests[0].value, 0);
-    EXPECT_EQ(requests[0].index, 0);
-    EXPECT_EQ(requests[0].length, 32);
+    expectOneRequest(usb, 0xB0, 32);
 }
 
 TEST_F(FirmwareQueryTest, DoesNotAskOtherCameras)

@@ -2,7 +2,7 @@
 #include "format/ImageFormatManager.h"
 
 #include "OpenNode.h"
-#include "VirtualCamera.h"
+#include "TwoFormatCamera.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,6 @@ namespace
 {
 
 using namespace ImageAcquisition;
-using VirtualCamera::aCamera;
 using VirtualCamera::Call;
 
 class ImageFormatManagerTest : public testing::Test
@@ -25,17 +24,7 @@ protected:
         m_camera.clearLog();
     }
 
-    VirtualCamera::InstalledCamera m_camera = aCamera()
-                                                  .withFormat("YUYV")
-                                                  .withSize(640, 480)
-                                                  .withInterval(1, 30)
-                                                  .withInterval(1, 15)
-                                                  .withSize(320, 240)
-                                                  .withInterval(1, 60)
-                                                  .withFormat("MJPG")
-                                                  .withSize(1280, 720)
-                                                  .withInterval(1, 30)
-                                                  .install();
+    VirtualCamera::InstalledCamera m_camera = twoFormatCamera().install();
     OpenNode const m_node;
     ImageFormatManager m_manager;
 };

@@ -4,6 +4,8 @@
 #include "Testbed.h"
 #include "VirtualCamera.h"
 
+#include <gtest/gtest.h>
+
 #include <list>
 #include <string>
 
@@ -47,4 +49,16 @@ inline VirtualCamera::UsbDeviceScript vendorUsbDevice(std::string const& port = 
 {
     return VirtualCamera::aUsbDevice(port).withIds(IMAGEACQUISITION_VENDOR_ID,
                                                    IMAGEACQUISITION_PRODUCT_ID);
+}
+
+/// The device has had one request in all: the vendor's, which asks for so many bytes.
+inline void expectOneRequest(VirtualCamera::UsbDevice const& device, int number, int length)
+{
+    auto const requests = device.requests();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].requestType, 0xC0);
+    EXPECT_EQ(requests[0].request, number);
+    EXPECT_EQ(requests[0].value, 0);
+    EXPECT_EQ(requests[0].index, 0);
+    EXPECT_EQ(requests[0].length, length);
 }
