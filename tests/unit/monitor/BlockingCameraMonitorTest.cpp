@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "monitor/BlockingCameraMonitor.h"
 #include "Await.h"
-#include "Interruptions.h"
 #include "MonitoredMachine.h"
 #include "Stopwatch.h"
 #include "ThreadState.h"
@@ -242,11 +241,7 @@ TEST_F(BlockingCameraMonitorTest, StopIsTrueAlsoWithoutStartAndTwice)
 TEST_F(BlockingCameraMonitorTest, StopTakesItsFiftyMillisecondsWhateverSignalsCome)
 {
     ASSERT_TRUE(m_monitor.startMonitoring());
-    Interruptions const interruptions;
-    Stopwatch const watch;
-    EXPECT_TRUE(m_monitor.stopMonitoring());
-    EXPECT_GE(watch.seconds(), 0.05);
-    EXPECT_GE(Interruptions::count, 1);
+    expectFullStopUnderSignals(m_monitor, 0.05);
 }
 
 TEST_F(BlockingCameraMonitorTest, StartsAnewAfterAStop)

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "monitor/ContinuousCameraMonitor.h"
 #include "Await.h"
-#include "Interruptions.h"
 #include "MonitoredMachine.h"
 #include "RecordingClient.h"
 #include "Stopwatch.h"
@@ -120,11 +119,7 @@ TEST_F(ContinuousCameraMonitorTest, StopJoinsTheThread)
 TEST_F(ContinuousCameraMonitorTest, StopTakesItsSixtyMillisecondsWhateverSignalsCome)
 {
     ASSERT_TRUE(m_monitor.startMonitoring(m_client));
-    Interruptions const interruptions;
-    Stopwatch const watch;
-    EXPECT_TRUE(m_monitor.stopMonitoring());
-    EXPECT_GE(watch.seconds(), 0.06);
-    EXPECT_GE(Interruptions::count, 1);
+    expectFullStopUnderSignals(m_monitor, 0.06);
 }
 
 TEST_F(ContinuousCameraMonitorTest, StopWithoutThreadIsFalse)

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "serial/ZorvaneCameraControlBoolean.h"
 
+#include "CoreApplication.h"
 #include "LinkedCamera.h"
 #include "Stopwatch.h"
 
-#include <QCoreApplication>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <termios.h>
@@ -265,10 +265,7 @@ TEST_F(SerialExchangeTest, FailsQuicklyWhenTheCameraIsUnplugged)
 
 TEST_F(SerialExchangeTest, WorksWithACoreApplicationToo)
 {
-    int argumentCount = 1;
-    char name[] = "test";
-    char* arguments[] = {name, nullptr};
-    QCoreApplication const application(argumentCount, arguments);
+    CoreApplication const application;
     LinkedCamera camera{m_firmware.ttyPath()};
     ASSERT_FALSE(camera.serialPort().isOpen()) << "the fixture's camera holds the tty";
     m_camera.endCommunication();

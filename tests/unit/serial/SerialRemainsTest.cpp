@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "CoreApplication.h"
 #include "ProcessCensus.h"
 #include "QtMessages.h"
 #include "SerialMachine.h"
 #include "ThreadCount.h"
-
-#include <QCoreApplication>
 
 #include <algorithm>
 #include <functional>
@@ -112,10 +111,7 @@ TEST_F(SerialRemainsTest, AreNoneOfALifeInAThreadOfTheClient)
 
 TEST_F(SerialRemainsTest, AreNoneWithACoreApplication)
 {
-    int argumentCount = 1;
-    char name[] = "test";
-    char* arguments[] = {name, nullptr};
-    QCoreApplication const application(argumentCount, arguments);
+    CoreApplication const application;
     QtMessages const messages;
     expectNoRemains(true);
     EXPECT_FALSE(messages.hold(QtWarningMsg, "QSocketNotifier"));

@@ -16,7 +16,19 @@ namespace
 
 using ImageAcquisition::SystemTool;
 
-class SystemToolTest : public testing::Test
+struct ToolCase
+{
+    char const* name;
+    char const* script;
+    std::string output;
+};
+
+void PrintTo(ToolCase const& one, std::ostream* stream)
+{
+    *stream << one.name;
+}
+
+class SystemToolTest : public testing::TestWithParam<ToolCase>
 {
 protected:
     static std::string run(char const* program, QStringList const& arguments = {},
@@ -45,40 +57,26 @@ protected:
     ToolFolder m_tools;
 };
 
-TEST_F(SystemToolTest, GivesWhatTheToolPrints)
+TEST_P(SystemToolTest, GivesWhatTheToolPrintsToStandardOutput)
 {
-    m_tools.onPath("tool", "echo first; echo second");
-    EXPECT_EQ(run("tool"), "first\nsecond\n");
+    m_tools.onPath("tool", GetParam().script);
+    EXPECT_EQ(run("tool"), GetParam().output);
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Tool, SystemToolTest,
+    testing::Values(ToolCase{"PrintsLines", "echo first; echo second", "first\nsecond\n"},
+                    ToolCase{"PrintsToStandardErrorToo", "echo complaint >&2; echo answer",
+                             "answer\n"},
+                    ToolCase{"Fails", "echo answer; exit 3", "answer\n"},
+                    ToolCase{"IsEndedByASignal", "echo answer; kill -9 $$", "answer\n"},
+                    ToolCase{"PrintsAZeroByte", "printf 'a\\000b'", std::string("a\0b", 3)}),
+    [](auto const& test) { return std::string(test.param.name); });
 
 TEST_F(SystemToolTest, HandsArgumentsOnAsTheyAre)
 {
     m_tools.onPath("tool", "printf '<%s>' \"$@\"");
     EXPECT_EQ(run("tool", {"a b", "$HOME", ""}), "<a b><$HOME><>");
-}
-
-TEST_F(SystemToolTest, LeavesOutWhatTheToolPrintsToStandardError)
-{
-    m_tools.onPath("tool", "echo complaint >&2; echo answer");
-    EXPECT_EQ(run("tool"), "answer\n");
-}
-
-TEST_F(SystemToolTest, GivesTheOutputOfAToolThatFails)
-{
-    m_tools.onPath("tool", "echo answer; exit 3");
-    EXPECT_EQ(run("tool"), "answer\n");
-}
-
-TEST_F(SystemToolTest, GivesTheOutputOfAToolThatASignalEnds)
-{
-    m_tools.onPath("tool", "echo answer; kill -9 $$");
-    EXPECT_EQ(run("tool"), "answer\n");
-}
-
-TEST_F(SystemToolTest, GivesZeroBytesToo)
-{
-    m_tools.onPath("tool", "printf 'a\\000b'");
-    EXPECT_EQ(run("tool"), std::string("a\0b", 3));
 }
 
 TEST_F(SystemToolTest, GivesMegabytes)

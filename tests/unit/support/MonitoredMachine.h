@@ -4,6 +4,8 @@
 #include "Await.h"
 #include "DescriptorCount.h"
 #include "IBlockingCameraMonitor.h"
+#include "Interruptions.h"
+#include "Stopwatch.h"
 #include "Testbed.h"
 #include "UdevHook.h"
 
@@ -52,4 +54,15 @@ inline bool nextEvent(ImageAcquisition::IBlockingCameraMonitor const& monitor,
                       ImageAcquisition::ICameraEvent& event)
 {
     return await([&] { return monitor.getEvent(&event); });
+}
+
+/// Stops a monitor that was started, which takes so many seconds, under signals.
+template <typename Monitor>
+void expectFullStopUnderSignals(Monitor& monitor, double seconds)
+{
+    Interruptions const interruptions;
+    Stopwatch const watch;
+    EXPECT_TRUE(monitor.stopMonitoring());
+    EXPECT_GE(watch.seconds(), seconds);
+    EXPECT_GE(Interruptions::count, 1);
 }
