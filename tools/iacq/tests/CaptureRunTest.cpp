@@ -222,26 +222,26 @@ TEST(CaptureRunTest, GivesUpOnCorruptedFramesInTheEnd)
     EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
 }
 
-TEST(CaptureRunTest, DoesNotReadBeyondAShortFrame)
+/// The errors of a capture of frames with so few bytes, which gives no picture.
+std::string errorsOfFramesWith(std::string const& bytes, std::string const& name)
 {
     ScratchFolder const folder;
-    ProgramRun const run = runIacq({"capture", "0", "-o", folder.path("a.png")},
-                                   cameraWith(folder, R"("frameFaults": [{"frame": 0,
-                                                         "bytesUsed": 100}])"));
+    ProgramRun const run =
+        runIacq({"capture", "0", "-o", folder.path(name)},
+                cameraWith(folder, R"("frameFaults": [{"frame": 0, "bytesUsed": )" + bytes + "}]"));
     EXPECT_EQ(run.status, 4);
-    EXPECT_THAT(run.errors, HasSubstr("the frame has 100 bytes"));
     EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
+    return run.errors;
+}
+
+TEST(CaptureRunTest, DoesNotReadBeyondAShortFrame)
+{
+    EXPECT_THAT(errorsOfFramesWith("100", "a.png"), HasSubstr("the frame has 100 bytes"));
 }
 
 TEST(CaptureRunTest, MakesNoFileOfAnEmptyFrame)
 {
-    ScratchFolder const folder;
-    ProgramRun const run = runIacq({"capture", "0", "-o", folder.path("a.raw")},
-                                   cameraWith(folder, R"("frameFaults": [{"frame": 0,
-                                                         "bytesUsed": 0}])"));
-    EXPECT_EQ(run.status, 4);
-    EXPECT_EQ(run.errors, "iacq: the frame is empty\n");
-    EXPECT_THAT(folder.names(), ElementsAre("camera.json"));
+    EXPECT_EQ(errorsOfFramesWith("0", "a.raw"), "iacq: the frame is empty\n");
 }
 
 TEST(CaptureRunTest, KeepsAnOlderFileWhenNoFrameComes)

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// A control's state, to be mixed into one of the typed interfaces.
@@ -55,14 +56,13 @@ public:
 class FakePeriod : public ImageAcquisition::IFramePeriod
 {
 public:
-    FakePeriod(unsigned int above, unsigned int below) : m_numerator(above), m_denominator(below) {}
+    FakePeriod(unsigned int above, unsigned int below) : m_fraction(above, below) {}
+    unsigned int numerator() const override { return m_fraction.first; }
+    unsigned int denominator() const override { return m_fraction.second; }
     bool isInvalid() const override { return false; }
-    unsigned int numerator() const override { return m_numerator; }
-    unsigned int denominator() const override { return m_denominator; }
 
 private:
-    unsigned int m_numerator;
-    unsigned int m_denominator;
+    std::pair<unsigned int, unsigned int> m_fraction;
 };
 
 class FakeSize : public ImageAcquisition::IFrameSize

@@ -39,6 +39,13 @@ public:
     }
     void waitForTheFirst() { m_begun.get_future().wait(); }
     void letGo() { m_letGo.set_value(); }
+    /// Lets the first piece go; all that was seen until the last one is done.
+    std::vector<std::pair<int, std::string>> finish(Iacq::FrameWorker& worker)
+    {
+        letGo();
+        worker.finish();
+        return seen;
+    }
 
     std::vector<std::pair<int, std::string>> seen;
 
@@ -59,9 +66,8 @@ TEST(FrameWorkerTest, WorksOnCopiesWhileMoreAreTaken)
     frame = "three";
     EXPECT_TRUE(take(worker, frame));
     frame.clear();
-    notes.letGo();
-    worker.finish();
-    EXPECT_THAT(notes.seen, ElementsAre(Pair(1, "one"), Pair(2, "two"), Pair(3, "three")));
+    EXPECT_THAT(notes.finish(worker),
+                ElementsAre(Pair(1, "one"), Pair(2, "two"), Pair(3, "three")));
 }
 
 TEST(FrameWorkerTest, TakesNoMoreThanMayWait)
@@ -74,9 +80,7 @@ TEST(FrameWorkerTest, TakesNoMoreThanMayWait)
     EXPECT_FALSE(take(worker, "abc"));
     EXPECT_TRUE(take(worker, "90"));
     EXPECT_FALSE(take(worker, "x"));
-    notes.letGo();
-    worker.finish();
-    EXPECT_THAT(notes.seen, ElementsAre(Pair(1, "1234"), Pair(2, "5678"), Pair(3, "90")));
+    EXPECT_THAT(notes.finish(worker), ElementsAre(Pair(1, "1234"), Pair(2, "5678"), Pair(3, "90")));
 }
 
 TEST(FrameWorkerTest, TakesASingleFrameOfAnySize)
@@ -86,9 +90,7 @@ TEST(FrameWorkerTest, TakesASingleFrameOfAnySize)
     EXPECT_TRUE(take(worker, "12345"));
     notes.waitForTheFirst();
     EXPECT_FALSE(take(worker, "6"));
-    notes.letGo();
-    worker.finish();
-    EXPECT_THAT(notes.seen, ElementsAre(Pair(1, "12345")));
+    EXPECT_THAT(notes.finish(worker), ElementsAre(Pair(1, "12345")));
 }
 
 TEST(FrameWorkerTest, HandsOnWhatWentWrongAndWorksOnNothingMore)

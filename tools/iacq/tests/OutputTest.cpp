@@ -6,31 +6,52 @@
 
 #include <gmock/gmock.h>
 
+#include <vector>
+
 namespace
 {
 
+struct Numbered
+{
+    char const* asked;
+    int number;
+    int count;
+    char const* path;
+};
+
+void expectPaths(std::vector<Numbered> const& rows)
+{
+    for (Numbered const& row : rows) {
+        EXPECT_EQ(Iacq::numberedPath(row.asked, row.number, row.count), row.path);
+    }
+}
+
 TEST(OutputTest, PutsTheNumberWhereItBelongs)
 {
-    EXPECT_EQ(Iacq::numberedPath("a.png", 1, 1), "a.png");
-    EXPECT_EQ(Iacq::numberedPath("a.png", 3, 5), "a-0003.png");
-    EXPECT_EQ(Iacq::numberedPath("d.ir/a", 3, 5), "d.ir/a-0003");
-    EXPECT_EQ(Iacq::numberedPath("a-%d.png", 12, 20), "a-12.png");
-    EXPECT_EQ(Iacq::numberedPath("a-%04d.png", 1, 1), "a-0001.png");
-    EXPECT_EQ(Iacq::numberedPath("-", 2, 3), "-");
-    EXPECT_EQ(Iacq::numberedPath("/dev/null", 2, 3), "/dev/null");
-    EXPECT_EQ(Iacq::numberedPath("/tmp", 2, 3), "/tmp-0002");
+    expectPaths({
+        {"a.png", 1, 1, "a.png"},
+        {"a.png", 3, 5, "a-0003.png"},
+        {"d.ir/a", 3, 5, "d.ir/a-0003"},
+        {"a-%d.png", 12, 20, "a-12.png"},
+        {"a-%04d.png", 1, 1, "a-0001.png"},
+        {"-", 2, 3, "-"},
+        {"/dev/null", 2, 3, "/dev/null"},
+        {"/tmp", 2, 3, "/tmp-0002"},
+    });
 }
 
 TEST(OutputTest, TakesAPercentSignThatIsNoPatternAsItStands)
 {
-    EXPECT_EQ(Iacq::numberedPath("100%.png", 1, 1), "100%.png");
-    EXPECT_EQ(Iacq::numberedPath("100%.png", 2, 3), "100%-0002.png");
-    EXPECT_EQ(Iacq::numberedPath("%s.png", 2, 3), "%s-0002.png");
-    EXPECT_EQ(Iacq::numberedPath("%99d", 2, 3), "%99d-0002");
-    EXPECT_EQ(Iacq::numberedPath("a%", 1, 1), "a%");
-    EXPECT_EQ(Iacq::numberedPath("a%0", 1, 1), "a%0");
-    EXPECT_EQ(Iacq::numberedPath("a%04", 1, 1), "a%04");
-    EXPECT_EQ(Iacq::numberedPath("50%-%03d%n.png", 2, 3), "50%-002%n.png");
+    expectPaths({
+        {"100%.png", 1, 1, "100%.png"},
+        {"100%.png", 2, 3, "100%-0002.png"},
+        {"%s.png", 2, 3, "%s-0002.png"},
+        {"%99d", 2, 3, "%99d-0002"},
+        {"a%", 1, 1, "a%"},
+        {"a%0", 1, 1, "a%0"},
+        {"a%04", 1, 1, "a%04"},
+        {"50%-%03d%n.png", 2, 3, "50%-002%n.png"},
+    });
 }
 
 TEST(OutputTest, RefusesTwoPlacesForTheNumber)
