@@ -44,26 +44,4 @@ void expectSameEvents(VideoEvents const& events, VideoEvents const& wanted, doub
 /// Every node from video0 on once with this action, and no other.
 void expectEachNodeOnce(VideoEvents const& events, std::string const& action, int count);
 
-/// What was seen of so many cameras, which come and go once for all tests of a suite.
-template <int Cameras>
-class MonitorsOf : public testing::Test
-{
-protected:
-    static void SetUpTestSuite()
-    {
-        watched = std::make_unique<Watched>(Cameras);
-        watched->comeAndGo();
-    }
-    static void TearDownTestSuite() { watched.reset(); }
-
-    static void expectAll(VideoEvents const& events)
-    {
-        expectEachNodeOnce(events, "add", Cameras);
-        expectEachNodeOnce(events, "remove", Cameras);
-        EXPECT_EQ(events.size(), 2U * Cameras);
-    }
-
-    static inline std::unique_ptr<Watched> watched;
-};
-
 } // namespace KernelTest
