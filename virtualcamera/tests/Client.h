@@ -112,6 +112,17 @@ public:
         }
         return stream(true);
     }
+    /// Requests buffers, lends one, and streams; the first error.
+    int startInto(std::vector<unsigned char>& bytes)
+    {
+        if (int const error = request(1, V4L2_MEMORY_USERPTR)) {
+            return error;
+        }
+        if (int const error = queue(0, bytes)) {
+            return error;
+        }
+        return stream(true);
+    }
     int map(unsigned index)
     {
         v4l2_buffer queried = buffer(index);

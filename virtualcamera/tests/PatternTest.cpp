@@ -156,9 +156,7 @@ TEST(PatternTest, NeverWritesBeyondAScriptedLayout)
                                 .install();
         Client client;
         std::vector<unsigned char> bytes(100);
-        ASSERT_EQ(client.request(1, V4L2_MEMORY_USERPTR), 0);
-        ASSERT_EQ(client.queue(0, bytes), 0);
-        ASSERT_EQ(client.stream(true), 0);
+        ASSERT_EQ(client.startInto(bytes), 0);
         v4l2_buffer buffer{};
         buffer.memory = V4L2_MEMORY_USERPTR;
         ASSERT_EQ(client.dequeue(buffer), 0);

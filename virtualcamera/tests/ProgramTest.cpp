@@ -144,24 +144,27 @@ TEST(ProgramTest, PutsModelsWhereTheFilesCamerasAreNot)
     EXPECT_EQ(run(cameras + client + " card /dev/video6").output, "Virtual Read Camera\n");
 }
 
+void expectRefused(Configuration const& file, std::string const& reason)
+{
+    CommandResult const outcome = run(file.option() + "true");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "with-virtual-camera: " + reason + "\n");
+}
+
 TEST(ProgramTest, RefusesNodesAndPortsThatNoMachineHas)
 {
     for (std::string const node : {"", "video0", "/dev/", "/dev/v4l/video0", "/dev/.."}) {
         Configuration const file("{\"cameras\": [{\"node\": \"" + node + "\"}]}");
-        CommandResult const outcome = run(file.option() + "true");
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.output, "with-virtual-camera: configuration.cameras[0].node: a node is "
-                                  "written as \"/dev/video0\", unlike \"" +
-                                      node + "\"\n");
+        expectRefused(file, "configuration.cameras[0].node: a node is written as \"/dev/video0\", "
+                            "unlike \"" +
+                                node + "\"");
     }
     for (std::string const port :
          {"", "1", "1-", "0-1", "-1-1", "1-0", "1-1.", "1-1..2", "1-1/2", "1000-1"}) {
         Configuration const file("{\"cameras\": [{\"usb\": {\"port\": \"" + port + "\"}}]}");
-        CommandResult const outcome = run(file.option() + "true");
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.output, "with-virtual-camera: configuration.cameras[0].usb.port: a port "
-                                  "is written as \"1-2.3\", unlike \"" +
-                                      port + "\"\n");
+        expectRefused(file, "configuration.cameras[0].usb.port: a port is written as \"1-2.3\", "
+                            "unlike \"" +
+                                port + "\"");
     }
 }
 
