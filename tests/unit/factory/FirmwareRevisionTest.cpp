@@ -51,13 +51,10 @@ TEST(FirmwareRevisionTest, IgnoresWhatFollowsThePatchNumber)
 
 TEST(FirmwareRevisionTest, GivesRankZeroToTextsOfAnotherForm)
 {
-    EXPECT_EQ(firmwareRank(""), 0);
-    EXPECT_EQ(firmwareRank(nullptr), 0);
-    EXPECT_EQ(firmwareRank("TJ8"), 0);
-    EXPECT_EQ(firmwareRank("TJ8-"), 0);
-    EXPECT_EQ(firmwareRank("tj8-1.3.0"), 0);
-    EXPECT_EQ(firmwareRank("1.3.0"), 0);
-    EXPECT_EQ(firmwareRank(" TJ8-1.3.0"), 0);
+    for (char const* const text : {"", static_cast<char const*>(nullptr), "TJ8", "TJ8-",
+                                   "tj8-1.3.0", "1.3.0", " TJ8-1.3.0"}) {
+        EXPECT_EQ(firmwareRank(text), 0) << (text == nullptr ? "null" : text);
+    }
 }
 
 // Numbers are read as scanf reads them, which takes spaces and signs in front of them.
