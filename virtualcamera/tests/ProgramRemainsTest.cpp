@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What a run leaves in the temporary folder, however it ends, and what it does with what is there.
 #include "Await.h"
-#include "ProgramRun.h"
 #include "ScratchFolder.h"
+#include "WrapperRun.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ProgramRun.h"
+#include "WrapperRun.h"
 
 #include <gtest/gtest.h>
 
