@@ -24,7 +24,7 @@ bool answers(NodeReference node)
     return node.xioctl(VIDIOC_QUERYCAP, &capability) == 0;
 }
 
-TEST(VideoNode, IsOpenUntilItIsClosed)
+TEST(VideoNodeTest, IsOpenUntilItIsClosed)
 {
     auto const camera = aCamera().install();
     VideoNode node;
@@ -37,7 +37,7 @@ TEST(VideoNode, IsOpenUntilItIsClosed)
     EXPECT_EQ(node.descriptor(), -1);
 }
 
-TEST(VideoNode, TellsWhyItCouldNotBeOpened)
+TEST(VideoNodeTest, TellsWhyItCouldNotBeOpened)
 {
     auto const camera = aCamera().install();
     VideoNode node;
@@ -47,7 +47,7 @@ TEST(VideoNode, TellsWhyItCouldNotBeOpened)
     EXPECT_EQ(node.descriptor(), -1);
 }
 
-TEST(VideoNode, LeavesNoDescriptorBehind)
+TEST(VideoNodeTest, LeavesNoDescriptorBehind)
 {
     auto const camera = aCamera().install();
     auto const before = descriptorTargets();
@@ -61,7 +61,7 @@ TEST(VideoNode, LeavesNoDescriptorBehind)
     EXPECT_EQ(descriptorTargets(), before);
 }
 
-TEST(VideoNode, IsSeenOpenAndClosedByItsReferences)
+TEST(VideoNodeTest, IsSeenOpenAndClosedByItsReferences)
 {
     auto const camera = aCamera().install();
     VideoNode node;
@@ -75,7 +75,7 @@ TEST(VideoNode, IsSeenOpenAndClosedByItsReferences)
     EXPECT_FALSE(answers(reference));
 }
 
-TEST(VideoNode, ReferenceLeavesADescriptorToItsOwner)
+TEST(VideoNodeTest, ReferenceLeavesADescriptorToItsOwner)
 {
     auto const camera = aCamera().install();
     OpenNode const node;

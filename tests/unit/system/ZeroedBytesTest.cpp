@@ -32,7 +32,7 @@ long residentPages(ZeroedBytes& bytes)
                          [](unsigned char page) { return (page & 1) != 0; });
 }
 
-TEST(ZeroedBytes, AreZeroAndMayBeWritten)
+TEST(ZeroedBytesTest, AreZeroAndMayBeWritten)
 {
     ZeroedBytes bytes(10000);
     EXPECT_EQ(bytes.size(), 10000u);
@@ -41,14 +41,14 @@ TEST(ZeroedBytes, AreZeroAndMayBeWritten)
     EXPECT_EQ(static_cast<ZeroedBytes const&>(bytes).data()[9999], 7);
 }
 
-TEST(ZeroedBytes, MayBeNone)
+TEST(ZeroedBytesTest, MayBeNone)
 {
     ZeroedBytes bytes(0);
     EXPECT_EQ(bytes.size(), 0u);
     EXPECT_NE(bytes.data(), nullptr);
 }
 
-TEST(ZeroedBytes, TakeRoomOnlyWhereTheyAreTouched)
+TEST(ZeroedBytesTest, TakeRoomOnlyWhereTheyAreTouched)
 {
     ZeroedBytes bytes(64 * pageSize());
     EXPECT_EQ(residentPages(bytes), 0);
@@ -56,7 +56,7 @@ TEST(ZeroedBytes, TakeRoomOnlyWhereTheyAreTouched)
     EXPECT_EQ(residentPages(bytes), 1);
 }
 
-TEST(ZeroedBytes, ThrowWhenThereIsNoRoomForThem)
+TEST(ZeroedBytesTest, ThrowWhenThereIsNoRoomForThem)
 {
     EXPECT_THROW(ZeroedBytes(std::numeric_limits<std::size_t>::max() / 2), std::bad_alloc);
 }
