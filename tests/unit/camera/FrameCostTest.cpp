@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What a frame costs the library: no memory, one wait, and two calls to the driver.
+// What a frame costs the library: no memory, no look at its bytes, one wait, and two calls to the
+// driver.
 #include "camera/Camera.h"
 
 #include "AllocationHook.h"
@@ -11,9 +12,12 @@
 
 #include <dlfcn.h>
 #include <linux/videodev2.h>
+#include <sys/mman.h>
 #include <sys/select.h>
 
+#include <algorithm>
 #include <map>
+#include <vector>
 
 namespace
 {
@@ -87,6 +91,45 @@ TEST(FrameCostTest, IsNoAllocationAndOneWaitAndTwoDriverCalls)
     EXPECT_EQ(calls.size(), 2u);
     EXPECT_EQ(frames, calls[VIDIOC_DQBUF]);
     EXPECT_EQ(frames, calls[VIDIOC_QBUF]);
+    camera.stopCapture();
+    camera.cleanup();
+}
+
+/// Takes as many frames as there are buffers, and gives them back.
+std::vector<unsigned char*> addressesOfFrames(Camera& camera, int count)
+{
+    std::vector<IFrame*> frames;
+    std::vector<unsigned char*> addresses;
+    for (int i = 0; i < count; ++i) {
+        frames.push_back(camera.acquireFrame());
+        addresses.push_back(frames.back()->bytePtr());
+    }
+    for (IFrame* const frame : frames) {
+        camera.releaseFrame(frame);
+    }
+    return addresses;
+}
+
+// A copy would have to read the bytes, and whoever does so while nobody may is ended by a signal.
+TEST(FrameCost, IsNoLookAtTheFramesBytes)
+{
+    auto const virtualCamera = smallCamera().install();
+    DeviceStub const device{};
+    Camera camera(&device);
+    ASSERT_TRUE(camera.init());
+    constexpr int buffers = 4;
+    ASSERT_EQ(camera.setup(buffers), 0);
+    ASSERT_EQ(camera.startCapture(), 0);
+    auto const addresses = addressesOfFrames(camera, buffers);
+    for (unsigned char* const address : addresses) {
+        ASSERT_EQ(mprotect(address, smallImageSize, PROT_NONE), 0);
+    }
+    for (int i = 0; i < 3 * buffers; ++i) {
+        IFrame* const frame = camera.acquireFrame();
+        EXPECT_EQ(frame->bytesUsed(), smallImageSize);
+        EXPECT_EQ(std::count(addresses.begin(), addresses.end(), frame->bytePtr()), 1);
+        EXPECT_EQ(camera.releaseFrame(frame), 0);
+    }
     camera.stopCapture();
     camera.cleanup();
 }
