@@ -6,6 +6,7 @@ option(IMAGEACQUISITION_BUILD_VIRTUALCAMERA "Build the virtual camera" ON)
 option(IMAGEACQUISITION_BUILD_EXAMPLES "Build the examples" ON)
 option(IMAGEACQUISITION_BUILD_TESTS "Build the tests" ON)
 option(IMAGEACQUISITION_BUILD_KERNEL_TESTS "Build the programs that run in the virtual machine" ON)
+option(IMAGEACQUISITION_BUILD_BENCHMARKS "Build what measures the library, and its test" OFF)
 option(IMAGEACQUISITION_ABI_CHECK "Keep the debug information that the ABI check reads" OFF)
 option(IMAGEACQUISITION_WARNINGS_AS_ERRORS "Stop at the first compiler warning" OFF)
 set(IMAGEACQUISITION_SANITIZE "" CACHE STRING
