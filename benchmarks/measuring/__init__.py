@@ -1,0 +1,2 @@
+# SPDX-License-Identifier: MIT
+"""What benchmarks/run is made of."""
