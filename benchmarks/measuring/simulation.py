@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Measurements on the virtual camera's made-up machine: lists, and the serial link."""
+"""Measurements on the virtual camera's simulated machine: lists, and the serial link."""
 import os
 import subprocess
 
@@ -28,9 +28,9 @@ def measure_listing(results, build, rounds):
                 raise RuntimeError(f"{count} cameras were there, {found:.0f} are in the list")
             seconds[count].append(duration)
     for count in counts:
-        results.add("made-up machine", f"a list, cameras: {count}", "library", "ms",
+        results.add("simulated machine", f"a list, cameras: {count}", "library", "ms",
                     [1000 * one for one in seconds[count]])
-        results.add("made-up machine", f"a list, cameras: {count}", "library, x one camera", "times",
+        results.add("simulated machine", f"a list, cameras: {count}", "library, x one camera", "times",
                     [one / single for one, single in zip(seconds[count], seconds[1])])
 
 
@@ -40,4 +40,4 @@ def measure_serial(results, build, rounds):
         _, _, seconds, controls = timed(build, ["serial"], "--open")
         prescribed = OPENING_PAUSE + PAUSES_OF_A_CONTROL * controls
         above.append(100 * (seconds - prescribed) / prescribed)
-    results.add("made-up machine", "serial camera, opening above its pauses", "library", "%", above)
+    results.add("simulated machine", "serial camera, opening above its pauses", "library", "%", above)
