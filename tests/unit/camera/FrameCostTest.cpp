@@ -111,7 +111,7 @@ std::vector<unsigned char*> addressesOfFrames(Camera& camera, int count)
 }
 
 // A copy would have to read the bytes, and whoever does so while nobody may is ended by a signal.
-TEST(FrameCost, IsNoLookAtTheFramesBytes)
+TEST(FrameCostTest, IsNoLookAtTheFramesBytes)
 {
     auto const virtualCamera = smallCamera().install();
     DeviceStub const device{};

@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <numeric>
+#include <vector>
 
 namespace
 {
@@ -185,6 +187,33 @@ TYPED_TEST(InputMethodStreamTest, GivesUpAtOnceForAnyOtherError)
         EXPECT_EQ(stream.camera.countOf(VIDIOC_DQBUF), 1u);
         EXPECT_LT(watch.seconds(), 1);
     }
+}
+
+// All frames at once are lent, so that each search begins somewhere else.
+TYPED_TEST(InputMethodStreamTest, TakesFramesBackInAnyOrder)
+{
+    constexpr int buffers = 4;
+    typename TestFixture::OwnStream stream(this->camera(), buffers);
+    std::vector<unsigned int> order(buffers);
+    std::iota(order.begin(), order.end(), 0u);
+    do {
+        std::vector<IFrame*> lent(buffers);
+        for (IFrame*& frame : lent) {
+            frame = stream.method.acquireFrame();
+            ASSERT_FALSE(frame->isInvalid());
+        }
+        stream.camera.clearLog();
+        std::vector<unsigned int> expected;
+        for (unsigned int const position : order) {
+            expected.push_back(dynamic_cast<StreamedFrame*>(lent[position])->buffer().index);
+            EXPECT_EQ(stream.method.releaseFrame(lent[position]), 0);
+        }
+        std::vector<unsigned int> queued;
+        for (auto const& call : stream.camera.calls(VIDIOC_QBUF)) {
+            queued.push_back(call.template argument<v4l2_buffer>().index);
+        }
+        EXPECT_EQ(queued, expected);
+    } while (std::next_permutation(order.begin(), order.end()));
 }
 
 } // namespace
