@@ -6,6 +6,9 @@ include(CMakePackageConfigHelpers)
 install(TARGETS ImageAcquisition EXPORT ImageAcquisitionTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime
   NAMELINK_COMPONENT development)
+# Beside the library, which looks for it there. Nobody links it.
+install(TARGETS ImageAcquisitionSerial
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT serial NAMELINK_SKIP)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/imageacquisition" COMPONENT development
   FILES_MATCHING PATTERN "*.h")

@@ -8,6 +8,7 @@
 #include "device/Device.h"
 #include "format/ImageFormatManager.h"
 #include "input/InputMethodNone.h"
+#include "system/ModuleExport.h"
 #include "system/VideoNode.h"
 
 #include <memory>
@@ -17,7 +18,7 @@ namespace ImageAcquisition
 
 /// A camera behind a V4L2 node. Decides the order of start-up and the way frames travel; formats
 /// and capture are handed on to those who know them.
-class Camera : public virtual IBlockingCamera
+class IMAGEACQUISITION_MODULE_EXPORT Camera : public virtual IBlockingCamera
 {
 public:
     /// Copies the record; opens nothing.

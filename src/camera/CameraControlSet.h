@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ICameraControl.h"
+#include "system/ModuleExport.h"
 #include "system/VideoNode.h"
 
 #include <memory>
@@ -12,7 +13,7 @@ namespace ImageAcquisition
 
 /// The controls of one camera in the order in which they are listed, and the one that stands for
 /// those it has not got.
-class CameraControlSet
+class IMAGEACQUISITION_MODULE_EXPORT CameraControlSet
 {
 public:
     /// Whether @p a comes before @p b: by name, byte by byte.

@@ -2,12 +2,13 @@
 #pragma once
 
 #include "ICameraControl.h"
+#include "system/ModuleExport.h"
 
 namespace ImageAcquisition
 {
 
 /// "Boolean" and the like; "UnknownType" for Invalid and for what is no type.
-char const* controlTypeText(ICameraControl::Type type);
+IMAGEACQUISITION_MODULE_EXPORT char const* controlTypeText(ICameraControl::Type type);
 
 /// The text at the family's number in the table of V4L2 control classes; "Unknown" beyond it.
 char const* controlFamilyText(ICameraControl::Family family);

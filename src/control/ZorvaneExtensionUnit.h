@@ -2,6 +2,7 @@
 #pragma once
 
 #include "control/ExtensionUnit.h"
+#include "system/ModuleExport.h"
 #include "system/VideoNode.h"
 
 #include <linux/usb/video.h>
@@ -83,8 +84,8 @@ public:
         char const* name;
     };
 
-    static std::vector<MenuItem> lightModeItems();
-    static std::vector<MenuItem> focusStrategyItems();
+    IMAGEACQUISITION_MODULE_EXPORT static std::vector<MenuItem> lightModeItems();
+    IMAGEACQUISITION_MODULE_EXPORT static std::vector<MenuItem> focusStrategyItems();
 
     /// Installs all mappings. The node stays the camera's.
     explicit ZorvaneExtensionUnit(NodeReference node);

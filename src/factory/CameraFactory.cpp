@@ -6,10 +6,10 @@
 #include "device/DeviceEnumerator.h"
 #include "device/DeviceList.h"
 #include "factory/FirmwareRevision.h"
+#include "factory/SerialModule.h"
 #include "monitor/BlockingCameraMonitor.h"
 #include "monitor/CameraEvent.h"
 #include "monitor/ContinuousCameraMonitor.h"
-#include "serial/ZorvaneCamera.h"
 
 #include <memory>
 
@@ -22,10 +22,12 @@ namespace
 std::unique_ptr<Camera> makeCamera(IDevice const* device)
 {
     long long const firmware = firmwareRank(device->firmwareVersion());
+    std::unique_ptr<Camera> camera;
     if (device->isaZorvaneDevice() && hasSerialControls(firmware)) {
-        return std::make_unique<ZorvaneCamera>(device);
+        camera = makeSerialCamera(device);
     }
-    return std::make_unique<Camera>(device);
+    // Its video works without the module too.
+    return camera ? std::move(camera) : std::make_unique<Camera>(device);
 }
 
 } // namespace

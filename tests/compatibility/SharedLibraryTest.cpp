@@ -3,6 +3,7 @@
 #include "DeviceStub.h"
 #include "ImageAcquisition.h"
 #include "VirtualCamera.h"
+#include "WholeFile.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -62,6 +63,20 @@ bool libraryExports(std::string const& symbol)
 }
 
 } // namespace
+
+/// Whether the process has a file of such a name in its memory.
+bool isMapped(std::string const& name)
+{
+    return wholeFile("/proc/self/maps").find(name) != std::string::npos;
+}
+
+TEST_F(SharedLibraryTest, NeedsNoQtForAnOrdinaryCamera)
+{
+    ASSERT_NE(m_camera, nullptr);
+    EXPECT_TRUE(isMapped("libimageacquisition.so"));
+    EXPECT_FALSE(isMapped("libimageacquisition-serial"));
+    EXPECT_FALSE(isMapped("libQt"));
+}
 
 TEST_F(SharedLibraryTest, NumbersAreReachedByCast)
 {

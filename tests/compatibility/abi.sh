@@ -27,7 +27,7 @@ changed_interface() {
     # The library's own class need not know of the change.
     sed -i 's/ override;/;/' "$work/$1/src/device/DeviceList.h"
     g++ -std=c++17 -g -fPIC -shared -fvisibility=hidden -fvisibility-inlines-hidden \
-        "-Wl,--version-script=$source/src/exports.map" -I"$work/$1/include" -I"$work/$1/src" \
+        -I"$work/$1/include" -I"$work/$1/src" \
         "$work/$1/src/device/DeviceList.cpp" -o "$work/$1/library.so"
     "$work/$1/abi/dump" "$work/$1/library.so" "$work/$1.abi"
 }

@@ -39,6 +39,7 @@ exports_public_names() {
     nm -D --defined-only -C "$(library_dir)/libimageacquisition.so" | cut -d' ' -f3- >"$work/exports"
     grep -q 'ImageAcquisition::ICameraFactory::getUniqueInstance' "$work/exports" ||
         fail "the factory is not exported"
+    sed -i -E '/@@IMAGEACQUISITION_MODULE_|^A? ?IMAGEACQUISITION_MODULE_/d' "$work/exports"
     foreign=$(grep -vE "^((vtable|VTT|typeinfo|typeinfo name) for |non-virtual thunk to |virtual thunk to )?ImageAcquisition::($classes)(<[a-z ]+>)?(::|$)" "$work/exports" || true)
     [ -z "$foreign" ] || fail "exported without being public: $foreign"
 }
@@ -119,6 +120,57 @@ installed_tools_run() {
         capture 0 -o "$work/frame.png"
     [ "$(head -c 8 "$work/frame.png" | od -An -tx1 | tr -d ' \n')" = 89504e470d0a1a0a ] ||
         fail "no picture"
+}
+
+# The tool with a copy of the library, beside which is what the caller puts there.
+tool_with_library_alone() {
+    local folder=$work/alone
+    rm -rf "$folder"
+    mkdir "$folder"
+    cp -a "$(library_dir)"/libimageacquisition.so.* "$folder"
+    [ $# -eq 0 ] || "$@" "$folder/libimageacquisition-serial.so.${version%%.*}"
+    LD_LIBRARY_PATH=$folder "$prefix/bin/with-virtual-camera" --model serial -- \
+        "$prefix/bin/iacq" show 0 --json >"$folder/show.json" 2>"$folder/errors" ||
+        fail "$(cat "$folder/errors")"
+}
+
+# The camera has its formats, and a single line tells what it lacks.
+opened_without_serial_controls() {
+    grep -q '"name": "YUYV"' "$work/alone/show.json" || fail "no formats"
+    ! grep -q '"Focus Strategy"' "$work/alone/show.json" || fail "there are controls of the link"
+    local warning='^WARNING: /dev/video[0-9]+ is opened without the controls on its serial port: '
+    [ "$(grep -cE "$warning.*$1" "$work/alone/errors")" -eq 1 ] ||
+        fail "$(cat "$work/alone/errors")"
+}
+
+module_is_found_beside_the_library() {
+    local controls
+    "$prefix/bin/with-virtual-camera" --model serial -- "$prefix/bin/iacq" show 0 --json \
+        >"$work/serial.json"
+    controls=$(python3 -c 'import json, sys; print(len(json.load(sys.stdin)["controls"]))' \
+        <"$work/serial.json")
+    [ "$controls" -eq 39 ] || fail "$controls controls"
+}
+
+video_works_without_the_module() {
+    tool_with_library_alone
+    opened_without_serial_controls 'cannot open shared object file'
+}
+
+a_file_that_is_no_module_is_refused() {
+    tool_with_library_alone cp "$source/README.md"
+    opened_without_serial_controls 'invalid ELF header'
+}
+
+# Only the name of the version differs, as it would in one that was built for another release.
+as_of_another_release() {
+    LC_ALL=C sed 's/IMAGEACQUISITION_MODULE_[0-9]/IMAGEACQUISITION_MODULE_9/' \
+        "$(library_dir)/libimageacquisition-serial.so.${version%%.*}" >"$1"
+}
+
+a_module_of_another_release_is_refused() {
+    tool_with_library_alone as_of_another_release
+    opened_without_serial_controls "version .IMAGEACQUISITION_MODULE_9"
 }
 
 # A client that asks for another major version, or for a newer minor one, is not served.
