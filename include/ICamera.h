@@ -40,11 +40,12 @@ public:
 
     /// @name Well-known controls
     /// Each returns the control with the V4L2 id beside it, or invalidControl() when the camera has
-    /// none; never null. Behind the serial link it is the control of the same purpose. Which typed
-    /// interface a control offers is told by ICameraControl::type().
+    /// none; never null. Those of the vendor's cameras only are private controls, whose id is told
+    /// by ICameraControl::id(). Behind the serial link it is the control of the same purpose. Which
+    /// typed interface a control offers is told by ICameraControl::type().
     /// @{
 
-    /// 0x08000005, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* autoContrastBrightnessControl() const = 0;
     /// V4L2_CID_EXPOSURE_AUTO
     virtual ICameraControl* autoExposureControl() const = 0;
@@ -52,15 +53,15 @@ public:
     virtual ICameraControl* autoFocusControl() const = 0;
     /// V4L2_CID_HUE_AUTO
     virtual ICameraControl* autoHueControl() const = 0;
-    /// 0x08000006, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* autoSaturationControl() const = 0;
-    /// 0x08000007, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* autoSharpnessControl() const = 0;
     /// V4L2_CID_AUTO_WHITE_BALANCE
     virtual ICameraControl* autoWhiteBalanceControl() const = 0;
     /// V4L2_CID_BRIGHTNESS
     virtual ICameraControl* brightnessControl() const = 0;
-    /// 0x08000002, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* cameraErrorControl() const = 0;
     /// V4L2_CID_EXPOSURE_ABSOLUTE
     virtual ICameraControl* exposureAbsoluteControl() const = 0;
@@ -68,37 +69,37 @@ public:
     virtual ICameraControl* gainControl() const = 0;
     /// V4L2_CID_FOCUS_ABSOLUTE
     virtual ICameraControl* focusControl() const = 0;
-    /// 0x08000008, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* keepAliveControl() const = 0;
-    /// 0x08000001, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* lightIntensityControl() const = 0;
-    /// 0x08000000, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* lightModeControl() const = 0;
-    /// 0x08000004, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* triggerAutoControl() const = 0;
-    /// 0x08000009, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* focusWindowX1Control() const = 0;
-    /// 0x0800000A, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* focusWindowX2Control() const = 0;
-    /// 0x0800000B, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* focusWindowY1Control() const = 0;
-    /// 0x0800000C, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* focusWindowY2Control() const = 0;
-    /// 0x0800000D, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* lockAutoControlsControl() const = 0;
-    /// 0x0800000E, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* windowSelectedControl() const = 0;
-    /// 0x0800000F, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* focusMinControl() const = 0;
-    /// 0x08000010, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* focusMaxControl() const = 0;
-    /// 0x08000011, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* focusStepControl() const = 0;
-    /// 0x08000015, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* focusSensitivityControl() const = 0;
-    /// 0x0800001A, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* focusStrategyControl() const = 0;
-    /// 0x0800001B, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* exposureSensitivityControl() const = 0;
     /// V4L2_CID_WHITE_BALANCE_TEMPERATURE
     virtual ICameraControl* whiteBalanceTempControl() const = 0;
@@ -112,7 +113,7 @@ public:
     virtual ICameraControl* hueControl() const = 0;
     /// V4L2_CID_GAMMA
     virtual ICameraControl* gammaControl() const = 0;
-    /// 0x0800001C, the vendor's cameras only
+    /// The vendor's cameras only
     virtual ICameraControl* autoGammaControl() const = 0;
     /// @}
 

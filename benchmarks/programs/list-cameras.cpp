@@ -4,32 +4,16 @@
 //   list-cameras [--open]
 // Prints a line of numbers: cameras, seconds of the list, and with --open the seconds and the
 // number of controls of the first camera.
+#include "Stopwatch.h"
+
 #include <ImageAcquisition.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 
-namespace
-{
-
 using namespace ImageAcquisition;
-
-class Stopwatch
-{
-public:
-    double seconds() const
-    {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count();
-    }
-
-private:
-    std::chrono::steady_clock::time_point const m_start = std::chrono::steady_clock::now();
-};
-
-} // namespace
 
 int main(int argc, char** argv)
 {

@@ -12,10 +12,10 @@ class InputMethodNone : public InputMethod
 public:
     InputMethodNone();
 
-    int setup(int bufferCount, unsigned int imageSize) override;
+    int setup(int, unsigned int) override;
     int startCapture() override;
     IFrame* acquireFrame() override;
-    int releaseFrame(IFrame* frame) override;
+    int releaseFrame(IFrame*) override;
     int stopCapture() override;
     int cleanup() override;
 };
