@@ -8,6 +8,14 @@
 namespace ImageAcquisition
 {
 
+namespace
+{
+
+// Room for so many at once; beyond that the list doubles.
+constexpr std::size_t usualPeriods = 8;
+
+} // namespace
+
 IFrameSize::~IFrameSize() = default;
 
 IFrameSize const* IFrameSize::invalid()
@@ -34,6 +42,9 @@ void FrameSize::enumeratePeriods(unsigned int pixelformat, CatalogueBudget& budg
         bool const isRange = interval.index == 0 && interval.type != V4L2_FRMIVAL_TYPE_DISCRETE;
         if (isRange || !budget.take()) {
             return;
+        }
+        if (m_periods.empty()) {
+            m_periods.reserve(usualPeriods);
         }
         m_periods.emplace_back(interval.discrete);
         ++interval.index;

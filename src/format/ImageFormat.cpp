@@ -9,6 +9,14 @@
 namespace ImageAcquisition
 {
 
+namespace
+{
+
+// Room for so many at once; beyond that the list doubles.
+constexpr std::size_t usualSizes = 8;
+
+} // namespace
+
 IImageFormat::~IImageFormat() = default;
 
 IImageFormat const* IImageFormat::invalid()
@@ -45,8 +53,11 @@ void ImageFormat::enumerateSizes(CatalogueBudget& budget)
         if (isRange || !budget.take()) {
             return;
         }
-        m_sizes.push_back(std::make_unique<FrameSize>(m_node, m_pixelFormat, size.discrete.width,
-                                                      size.discrete.height, budget));
+        if (m_sizes.empty()) {
+            m_sizes.reserve(usualSizes);
+        }
+        m_sizes.emplace_back(m_node, m_pixelFormat, size.discrete.width, size.discrete.height,
+                             budget);
         ++size.index;
     }
 }
@@ -56,20 +67,20 @@ IFrameSize const* ImageFormat::frameSize(int index) const
     if (index < 0 || index >= sizeNumber()) {
         return IFrameSize::invalid();
     }
-    return m_sizes[static_cast<std::size_t>(index)].get();
+    return &m_sizes[static_cast<std::size_t>(index)];
 }
 
 int ImageFormat::frameSizeIndex(unsigned int width, unsigned int height) const
 {
     auto const found = std::find_if(m_sizes.begin(), m_sizes.end(), [&](auto const& size) {
-        return size->width() == width && size->height() == height;
+        return size.width() == width && size.height() == height;
     });
     return found == m_sizes.end() ? -1 : static_cast<int>(found - m_sizes.begin());
 }
 
 FrameSize const& ImageFormat::sizeAt(int index) const
 {
-    return *m_sizes.at(static_cast<std::size_t>(index));
+    return m_sizes.at(static_cast<std::size_t>(index));
 }
 
 bool ImageFormat::setFormatToDevice(FrameSize const& size) const

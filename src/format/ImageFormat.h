@@ -6,7 +6,6 @@
 
 #include <linux/videodev2.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -63,7 +62,7 @@ private:
     unsigned int m_pixelFormat;
     std::string m_name;
     std::string m_description;
-    std::vector<std::unique_ptr<FrameSize>> m_sizes;
+    std::vector<FrameSize> m_sizes;
 };
 
 /// Stands for a format that does not exist.
