@@ -9,7 +9,9 @@
 #include <dlfcn.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 namespace ImageAcquisition
 {
@@ -22,23 +24,40 @@ constexpr char entryName[] = "imageAcquisitionMakeSerialCamera";
 
 using MakeCamera = Camera*(IDevice const*);
 
-/// Beside the library itself, wherever that was installed or moved to; empty when the dynamic
-/// linker does not tell.
-std::string modulePath()
+/// Never closed: its classes may be in use until the process ends.
+void* openModule(std::string const& path)
+{
+    return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+}
+
+/// The folder that the library's file really is in, where it was found through a link; empty when
+/// that is not known for certain, as of a relative path, which the process may have left since.
+std::string realFolder()
 {
     Dl_info library{};
-    if (dladdr(moduleName, &library) == 0 || library.dli_fname == nullptr) {
+    if (dladdr(moduleName, &library) == 0 || library.dli_fname == nullptr ||
+        library.dli_fname[0] != '/') {
         return {};
     }
-    std::string const path = library.dli_fname;
-    return path.substr(0, path.rfind('/') + 1) + moduleName;
+    std::error_code error;
+    auto const path = std::filesystem::canonical(library.dli_fname, error);
+    return error ? std::string() : path.parent_path().string();
+}
+
+/// Looks beside the library, wherever that was installed or moved to, and nowhere else.
+void* openModule()
+{
+    if (void* const module = openModule(std::string("$ORIGIN/") + moduleName)) {
+        return module;
+    }
+    std::string const folder = realFolder();
+    return folder.empty() ? nullptr : openModule(folder + "/" + moduleName);
 }
 
 /// What makes the camera; null, and the reason in @p problem, when the module cannot be used.
 MakeCamera* load(std::string& problem)
 {
-    // Never closed: its classes may be in use until the process ends.
-    void* const module = dlopen(modulePath().c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* const module = openModule();
     void* const entry = module == nullptr ? nullptr : dlsym(module, entryName);
     if (entry == nullptr) {
         char const* const reason = dlerror();

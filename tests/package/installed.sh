@@ -152,6 +152,39 @@ module_is_found_beside_the_library() {
     [ "$controls" -eq 39 ] || fail "$controls controls"
 }
 
+# Opens the first camera from another folder than the one in which it was started, and prints how
+# many controls it has.
+build_wanderer() {
+    printf '%s\n' '#include <ImageAcquisition.h>' '#include <cstdio>' '#include <memory>' \
+        '#include <unistd.h>' 'using namespace ImageAcquisition;' 'int main() {' \
+        '    ICameraFactory& factory = ICameraFactory::getUniqueInstance();' \
+        '    std::unique_ptr<IDeviceList> const list(factory.createDeviceList());' \
+        '    if (chdir("/tmp") != 0) return 1;' \
+        '    std::unique_ptr<IBlockingCamera> camera(factory.createBlockingCamera(list->at(0)));' \
+        '    std::printf("%d\n", camera ? camera->controlNumber() : -1);' '}' >"$work/wanderer.cpp"
+    g++ -std=c++17 -I"$prefix/include/imageacquisition" "$work/wanderer.cpp" -o "$work/wanderer" \
+        -L"$(library_dir)" -limageacquisition
+}
+
+module_is_found_from_another_folder() {
+    build_wanderer
+    cd "$(library_dir)/.."
+    # The link tool is looked for where the program was started; here it finds nobody.
+    [ "$(LD_LIBRARY_PATH=./$(basename "$(library_dir)") "$build/virtualcamera/with-virtual-camera" \
+        --model serial -- "$work/wanderer" 2>"$work/errors" | tail -n 1)" -eq 39 ] ||
+        fail "$(cat "$work/errors")"
+}
+
+module_is_found_through_a_link() {
+    build_wanderer
+    rm -rf "$work/links"
+    mkdir "$work/links"
+    ln -s "$(library_dir)/libimageacquisition.so.${version%%.*}" "$work/links/"
+    [ "$(LD_LIBRARY_PATH=$work/links "$build/virtualcamera/with-virtual-camera" \
+        --model serial -- "$work/wanderer" 2>"$work/errors" | tail -n 1)" -eq 39 ] ||
+        fail "$(cat "$work/errors")"
+}
+
 video_works_without_the_module() {
     tool_with_library_alone
     opened_without_serial_controls 'cannot open shared object file'
