@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <utility>
 
 namespace ImageAcquisition
 {
@@ -54,9 +55,11 @@ int InputMethod::cleanup()
 
 void InputMethod::watch(int device, int wakeUp) const
 {
-    m_watched = {};
-    m_watched.add(device);
-    m_watched.add(wakeUp);
+    // Aside, so that a set for which there was no memory is not taken for the one of now.
+    DescriptorSet watched;
+    watched.add(device);
+    watched.add(wakeUp);
+    m_watched = std::move(watched);
     m_watchedDevice = device;
     m_watchedWakeUp = wakeUp;
 }

@@ -11,7 +11,17 @@ int InputMethodNone::setup(int /*bufferCount*/, unsigned int /*imageSize*/)
     return -1;
 }
 
+int InputMethodNone::cleanup()
+{
+    return -1;
+}
+
 int InputMethodNone::startCapture()
+{
+    return -1;
+}
+
+int InputMethodNone::stopCapture()
 {
     return -1;
 }
@@ -22,16 +32,6 @@ IFrame* InputMethodNone::acquireFrame()
 }
 
 int InputMethodNone::releaseFrame(IFrame* /*frame*/)
-{
-    return -1;
-}
-
-int InputMethodNone::stopCapture()
-{
-    return -1;
-}
-
-int InputMethodNone::cleanup()
 {
     return -1;
 }

@@ -12,12 +12,12 @@ class InputMethodNone : public InputMethod
 public:
     InputMethodNone();
 
-    int setup(int, unsigned int) override;
-    int startCapture() override;
-    IFrame* acquireFrame() override;
-    int releaseFrame(IFrame*) override;
-    int stopCapture() override;
+    int setup(int bufferCount, unsigned int imageSize) override;
     int cleanup() override;
+    int startCapture() override;
+    int stopCapture() override;
+    IFrame* acquireFrame() override;
+    int releaseFrame(IFrame* frame) override;
 };
 
 } // namespace ImageAcquisition

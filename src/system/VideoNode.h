@@ -46,6 +46,7 @@ public:
     NodeReference(int descriptor) : m_descriptor(descriptor) {}
     /// The node must outlive the reference.
     NodeReference(VideoNode const& node) : m_node(&node) {}
+    NodeReference(VideoNode const&& node) = delete;
 
     /// The descriptor, or -1.
     int descriptor() const { return m_node == nullptr ? m_descriptor : m_node->descriptor(); }

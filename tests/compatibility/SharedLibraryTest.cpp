@@ -62,20 +62,20 @@ bool libraryExports(std::string const& symbol)
     return address != nullptr;
 }
 
-} // namespace
-
 /// Whether the process has a file of such a name in its memory.
-bool isMapped(std::string const& name)
+bool mapsFile(std::string const& name)
 {
     return wholeFile("/proc/self/maps").find(name) != std::string::npos;
 }
 
+} // namespace
+
 TEST_F(SharedLibraryTest, NeedsNoQtForAnOrdinaryCamera)
 {
     ASSERT_NE(m_camera, nullptr);
-    EXPECT_TRUE(isMapped("libimageacquisition.so"));
-    EXPECT_FALSE(isMapped("libimageacquisition-serial"));
-    EXPECT_FALSE(isMapped("libQt"));
+    EXPECT_TRUE(mapsFile("libimageacquisition.so"));
+    EXPECT_FALSE(mapsFile("libimageacquisition-serial"));
+    EXPECT_FALSE(mapsFile("libQt"));
 }
 
 TEST_F(SharedLibraryTest, NumbersAreReachedByCast)

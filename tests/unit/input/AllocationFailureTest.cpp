@@ -13,7 +13,10 @@
 
 #include <dlfcn.h>
 #include <libv4l2.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <new>
 #include <optional>
 
@@ -55,6 +58,17 @@ void beforeAllocation()
 }
 
 extern "C" {
+
+// Frames have their bytes from here.
+void* mmap(void* start, size_t length, int protection, int flags, int fd, off_t offset) noexcept
+{
+    if ((flags & MAP_ANONYMOUS) != 0 && left && (*left)-- == 0) {
+        left.reset();
+        errno = ENOMEM;
+        return MAP_FAILED;
+    }
+    return real<decltype(mmap)>("mmap")(start, length, protection, flags, fd, offset);
+}
 
 void* v4l2_mmap(void* start, size_t length, int protection, int flags, int fd, int64_t offset)
 {
@@ -148,8 +162,9 @@ TYPED_TEST(AllocationFailureTest, OfASetupLeavesAMethodThatCanBeUsedAndCleanedUp
         EXPECT_EQ(method.cleanup(), 0);
         this->expectNothingIsHeld();
     }
-    // At least the list and each of its frames; fewer, and nothing was made to fail.
-    EXPECT_GT(failures, buffers);
+    // At least the list, each of its frames, and its bytes or mapping; fewer, and not all was made
+    // to fail.
+    EXPECT_GT(failures, 2 * buffers);
     EXPECT_LT(failures, mostAllocations);
 }
 
@@ -171,6 +186,30 @@ TYPED_TEST(AllocationFailureTest, OfASetupIsOvercomeByALaterOne)
         if (done) {
             break;
         }
+    }
+}
+
+// A wait that could not be made must not be taken for the one of a later setup, whose pipe may have
+// the numbers of an earlier one.
+TEST(AllocationFailureTest, OfTheWaitLeavesNoWaitForNothing)
+{
+    auto const camera = smallCamera().install();
+    OpenNode const node;
+    InputMethodMemoryMapping method(node.fd());
+    for (int failing = 0; failing < 2 * buffers; ++failing) {
+        ASSERT_TRUE(setUp(method, mostAllocations));
+        EXPECT_EQ(method.cleanup(), 0);
+        int const inThePipesPlace = dup(node.fd());
+        setUp(method, failing);
+        EXPECT_EQ(method.cleanup(), 0);
+        close(inThePipesPlace);
+        ASSERT_TRUE(setUp(method, mostAllocations));
+        EXPECT_EQ(method.startCapture(), 0);
+        IFrame* const frame = method.acquireFrame();
+        EXPECT_FALSE(frame->isInvalid()) << failing;
+        EXPECT_EQ(method.releaseFrame(frame), 0);
+        EXPECT_EQ(method.stopCapture(), 0);
+        EXPECT_EQ(method.cleanup(), 0);
     }
 }
 
