@@ -106,9 +106,8 @@ UsbProperties queryUsbProperties(libusb_context* context, unsigned long vendor,
     if (count < 0) {
         return {};
     }
-    UsbProperties const properties = findUsbProperties(devices, count, vendor, product);
-    libusb_free_device_list(devices, 1);
-    return properties;
+    UsbDeviceList const list(devices);
+    return findUsbProperties(list.get(), count, vendor, product);
 }
 
 } // namespace

@@ -19,6 +19,14 @@ struct UsbDeviceHandleDeleter
     void operator()(libusb_device_handle* handle) const { libusb_close(handle); }
 };
 
+struct UsbDeviceListDeleter
+{
+    void operator()(libusb_device** list) const { libusb_free_device_list(list, 1); }
+};
+
+/// The devices that libusb lists, which it keeps alive.
+using UsbDeviceList = std::unique_ptr<libusb_device*, UsbDeviceListDeleter>;
+
 /// A private libusb context; null when libusb cannot be initialised.
 using UsbContext = std::unique_ptr<libusb_context, UsbContextDeleter>;
 

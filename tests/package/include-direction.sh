@@ -6,18 +6,18 @@ set -euo pipefail
 
 case_name=$1 source=$2
 
-# The table as lines "ROOM: ROOM...", from the top to the bottom.
+# The table as lines "FOLDER: FOLDER...", from the top to the bottom.
 table() {
     sed -nE 's/^\| `([a-zA-Z0-9]+\/[a-zA-Z0-9]*)`[^|]*\|(.*)\|$/\1:\2/p' \
         "$source/docs/architecture.md" | tr -d '`'
 }
 
-open_files() { sed -nE 's/^\| `([^`]+)` \(open to all\).*/\1/p' "$source/docs/architecture.md"; }
+open_files() { sed -nE 's/^\| `([^`]+)` \(for all\).*/\1/p' "$source/docs/architecture.md"; }
 
-# What the room or the file of this name may include, one a line.
+# What the folder or the file of this name may include, one a line.
 allowed() { sed -nE "s|^$1:||p" <<<"$rows" | tr ' ' '\n' | sed '/^$/d'; }
 
-# The name under which the table has a file: its own, or its room.
+# The name under which the table has a file: its own, or its folder.
 row_of() {
     local file=${1%.*}
     if grep -qxF "$file" <<<"$open"; then echo "$file"; else echo "${file%%/*}/"; fi
@@ -60,10 +60,10 @@ table_has_no_way_up() {
     done <<<"$rows"
 }
 
-every_room_is_in_the_table() {
-    local room
-    for room in "$source"/src/*/; do
-        grep -q "^$(basename "$room")/:" <<<"$rows" || echo "$(basename "$room")/ has no row"
+every_folder_is_in_the_table() {
+    local folder
+    for folder in "$source"/src/*/; do
+        grep -q "^$(basename "$folder")/:" <<<"$rows" || echo "$(basename "$folder")/ has no row"
     done
 }
 
@@ -79,6 +79,6 @@ src/monitor/SelfPipe.cpp includes monitor/CameraEvent.h'
 
 rows=$(table)
 open=$(open_files)
-[ "$(wc -l <<<"$open")" = 2 ] || { echo "open to all: $open" >&2; exit 1; }
+[ "$(wc -l <<<"$open")" = 2 ] || { echo "for all: $open" >&2; exit 1; }
 problems=$("$case_name")
 [ -z "$problems" ] || { echo "$problems" >&2; exit 1; }

@@ -21,13 +21,15 @@ suites() {
 }
 
 suites_are_named_as_their_files() {
-    local file suite
+    local file suite count=0
     for file in "${files[@]}"; do
         while read -r suite; do
+            count=$((count + 1))
             [ "$suite" = "$(basename "$file" .cpp)" ] ||
                 complain "${file#"$source"/} holds the suite $suite"
         done < <(suites "$file" | sort -u)
     done
+    [ "$count" -ge "${#files[@]}" ] || complain "only $count suites were seen in ${#files[@]} files"
 }
 
 test_files_have_different_names() {

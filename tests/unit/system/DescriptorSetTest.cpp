@@ -70,7 +70,7 @@ private:
 TEST_P(DescriptorSetTest, AreWaitedFor)
 {
     Pipe const pipe(GetParam());
-    ASSERT_EQ(GetParam(), pipe.readingEnd());
+    ASSERT_EQ(pipe.readingEnd(), GetParam());
     DescriptorSet set;
     set.add(pipe.readingEnd());
     timeval none = noTime();
@@ -85,7 +85,7 @@ TEST_P(DescriptorSetTest, AreToldFromSmallOnesInTheSameSet)
 {
     Pipe const small;
     Pipe const large(GetParam());
-    ASSERT_EQ(GetParam(), large.readingEnd());
+    ASSERT_EQ(large.readingEnd(), GetParam());
     for (bool const smallFirst : {true, false}) {
         DescriptorSet set;
         set.add(smallFirst ? small.readingEnd() : large.readingEnd());
@@ -121,8 +121,8 @@ TEST(DescriptorSetTest, WaitsForTheTimeAloneWhenItIsEmpty)
 {
     DescriptorSet set;
     set.add(-1);
-    timeval short_{0, 1000};
-    EXPECT_EQ(set.waitReadable(&short_), 0);
+    timeval aMillisecond{0, 1000};
+    EXPECT_EQ(set.waitReadable(&aMillisecond), 0);
 }
 
 TEST(DescriptorSetTest, CanBeWaitedForAgain)
