@@ -68,8 +68,6 @@ bool mapsFile(std::string const& name)
     return wholeFile("/proc/self/maps").find(name) != std::string::npos;
 }
 
-} // namespace
-
 TEST_F(SharedLibraryTest, NeedsNoQtForAnOrdinaryCamera)
 {
     ASSERT_NE(m_camera, nullptr);
@@ -139,3 +137,5 @@ TEST_F(SharedLibraryTest, ImplementationsAreHidden)
     EXPECT_FALSE(libraryExports("_ZTIN16ImageAcquisition13CameraControlE"));
     EXPECT_FALSE(libraryExports("_ZTIN16ImageAcquisition20CameraControlNumericIiEE"));
 }
+
+} // namespace

@@ -90,8 +90,6 @@ long long valueOf(ICameraControl const& control, ListedControl const& listed)
     return dynamic_cast<ICameraControlNumeric<int> const&>(control).value();
 }
 
-} // namespace
-
 using ControlValueTest = FreshOrdinaryCamera;
 
 TEST_F(ControlValueTest, WrittenHereReachTheCameraAndAreReadByV4l2Ctl)
@@ -167,3 +165,5 @@ TEST_F(ControlValueTest, AreReadAndSetByTheTool)
     EXPECT_NE(refused.status, 0);
     EXPECT_EQ(m_cameras.command("get 2 2"), "fbff");
 }
+
+} // namespace

@@ -13,8 +13,6 @@ protected:
     DroppedDamagedFrameTest() : DamagedFrames(false) {}
 };
 
-} // namespace
-
 TEST_F(DroppedDamagedFrameTest, AreGapsInTheNumbers)
 {
     Stream const stream(*m_camera, 16);
@@ -34,3 +32,5 @@ TEST_F(DroppedDamagedFrameTest, AreUnknownToTheTool)
     EXPECT_EQ(result.output.find("corrupted"), std::string::npos) << result.output;
     expectGoodFiles();
 }
+
+} // namespace

@@ -27,8 +27,6 @@ struct Reply
     std::string text;  ///< what the record makes of them
 };
 
-} // namespace
-
 // libusb finds a device by its ids and lists the last of a bus first, which then answers for all:
 // as each is unplugged, the one before it is asked.
 TEST(FirmwareTextTest, IsWhatTheCameraSendsUpToAZeroWhenItIsFourBytesOrMore)
@@ -109,3 +107,5 @@ TEST(FirmwareTextTest, OfANewCameraMakesAnOldOneWithTheSameIdsUnusable)
     EXPECT_TRUE(cameras.waitUntilReady(2));
     EXPECT_EQ(cameras.status(1)["plugs"], 1);
 }
+
+} // namespace

@@ -13,8 +13,6 @@ protected:
     KeptDamagedFrameTest() : DamagedFrames(true) {}
 };
 
-} // namespace
-
 TEST_F(KeptDamagedFrameTest, AreToldFromGoodOnes)
 {
     Stream const stream(*m_camera, 16);
@@ -35,3 +33,5 @@ TEST_F(KeptDamagedFrameTest, AreNamedAndLeftOutByTheTool)
     EXPECT_NE(result.output.find("frame 3 is corrupted"), std::string::npos) << result.output;
     expectGoodFiles();
 }
+
+} // namespace

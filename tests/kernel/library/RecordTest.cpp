@@ -85,8 +85,6 @@ std::size_t countVideoNodes()
     return static_cast<std::size_t>(std::distance(begin(nodes), end(nodes)));
 }
 
-} // namespace
-
 TEST(RecordTest, OfAnOrdinaryAndAnOldVendorCameraAreWhatTheSystemSays)
 {
     EmulatedCameras const cameras(
@@ -157,3 +155,5 @@ TEST(RecordTest, OfAMachineWithoutCamerasAreNone)
     EXPECT_EQ(runTool("list").output, "No camera.\n");
     EXPECT_EQ(readTool("list --json"), Json::array());
 }
+
+} // namespace

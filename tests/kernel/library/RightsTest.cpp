@@ -32,8 +32,6 @@ protected:
     std::string const m_node = m_cameras.videoNode();
 };
 
-} // namespace
-
 TEST_F(RightsTest, OnTheVideoNodeAloneGiveAGenericCameraWithoutFirmwareText)
 {
     openToAll(m_node);
@@ -105,3 +103,5 @@ TEST_F(RightsTest, OnAllNodesButTheTerminalGiveNoCameraAndResetIt)
     EXPECT_TRUE(waitFor([this] { return m_cameras.status()["plugs"] == 2; }));
     EXPECT_TRUE(m_cameras.waitUntilReady());
 }
+
+} // namespace

@@ -30,8 +30,6 @@ protected:
     void SetUp() override { m_camera.reset(); }
 };
 
-} // namespace
-
 TEST_F(ToolCaptureTest, AreTheCamerasFrames)
 {
     CommandResult const result =
@@ -87,3 +85,5 @@ TEST_F(ToolCaptureTest, FailWhileAnotherProgramStreamsAndLeaveNoFile)
     EXPECT_EQ(runShell("test -e /tmp/none.raw").status, 1);
     EXPECT_FALSE(other->acquireFrame()->isInvalid());
 }
+
+} // namespace

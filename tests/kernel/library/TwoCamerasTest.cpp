@@ -46,8 +46,6 @@ std::vector<unsigned> camerasAskedBySerial(EmulatedCameras const& cameras)
     return numbers;
 }
 
-} // namespace
-
 TEST(TwoCamerasTest, HaveASerialPortAndAStreamEach)
 {
     FuserFolder const folder;
@@ -120,3 +118,5 @@ TEST_P(TwoCamerasTest, OnTheSamePortOfTwoControllersBothFindTheTerminalThatCameL
 }
 
 INSTANTIATE_TEST_SUITE_P(FuserOrNot, TwoCamerasTest, testing::Bool());
+
+} // namespace

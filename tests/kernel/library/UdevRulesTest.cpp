@@ -87,8 +87,6 @@ bool mayOpen(unsigned user, std::string const& node)
                .status == 0;
 }
 
-} // namespace
-
 TEST(UdevRulesTest, MarkTheVendorsNodesForTheUserAtTheSeatAndNoOthers)
 {
     InstalledRules const rules(projectsRules());
@@ -140,3 +138,5 @@ TEST(UdevRulesTest, OfTheGuideForAServiceGiveTheGroupTheUsbNode)
         runShell("stat -c '%G %a' " + usbNode(cameras, 1) + " " + usbNode(cameras, 2)).output;
     EXPECT_EQ(listed, "video 660\nroot 664\n");
 }
+
+} // namespace

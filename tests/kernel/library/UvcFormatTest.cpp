@@ -37,8 +37,6 @@ std::string selectionOf(IImageFormat const& format, IFrameSize const& size,
            std::to_string(period.denominator() / period.numerator());
 }
 
-} // namespace
-
 using UvcFormatTest = OrdinaryCamera;
 
 TEST_F(UvcFormatTest, AreThoseThatV4l2CtlListsThroughLibv4l2)
@@ -123,3 +121,5 @@ TEST_F(UvcFormatTest, AreShownByTheToolAsTheyAre)
         }
     }
 }
+
+} // namespace

@@ -20,8 +20,6 @@ bool shows(CommandResult const& result, std::string const& text)
     return result.output.find(text) != std::string::npos;
 }
 
-} // namespace
-
 TEST(CameraIdentityTest, AnOrdinaryCameraIsDescribedAsChosen)
 {
     EmulatedCameras const cameras({"ordinary,vendor=1234,product=5678,manufacturer=Some "
@@ -127,3 +125,5 @@ TEST(CameraIdentityTest, AResetRequestMakesTheCameraLeaveAndComeBack)
     EXPECT_EQ(cameras.command("get 3 2"), "f401");
     EXPECT_EQ(requestVendor(USBCAMERA_VENDOR_ID, USBCAMERA_PRODUCT_ID, 0xb0, 32).result, 10);
 }
+
+} // namespace

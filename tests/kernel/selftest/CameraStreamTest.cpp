@@ -31,8 +31,6 @@ public:
     ~KeptFrames() { keepFaultyFrames(false); }
 };
 
-} // namespace
-
 TEST(CameraStreamTest, EveryFormatSizeAndIntervalIsListed)
 {
     EmulatedCameras const cameras({"ordinary"});
@@ -187,3 +185,5 @@ TEST(CameraStreamTest, ACameraUnpluggedInAFrameIsGoneForTheReader)
     RawCapture capture(cameras.videoNode(), V4L2_PIX_FMT_YUYV, 160, 120);
     EXPECT_EQ(capture.next().error, 0);
 }
+
+} // namespace

@@ -21,8 +21,6 @@ protected:
     ControlSet m_controls{parseModel("vendor-new"), m_faults};
 };
 
-} // namespace
-
 TEST_F(ControlSetTest, ReadsBackWhatWasWritten)
 {
     EXPECT_FALSE(ask(setCur, extensionUnit, 20, {1, 0, 2, 0, 3, 0, 4, 0}).isRefused());
@@ -94,3 +92,5 @@ TEST_F(ControlSetTest, HasNoVendorControlsWithoutAnExtensionUnit)
     ControlSet plain{parseModel("vendor-old,extension-unit=no"), m_faults};
     EXPECT_EQ(plain.execute({getLen, extensionUnit, 1, 2, {}}).error, UvcError::InvalidControl);
 }
+
+} // namespace

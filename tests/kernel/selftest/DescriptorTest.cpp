@@ -39,8 +39,6 @@ protected:
     }
 };
 
-} // namespace
-
 TEST_P(DescriptorTest, LengthsAddUpToTheConfigurations)
 {
     Bytes const bytes = configuration();
@@ -98,3 +96,5 @@ TEST(DescriptorTest, AnswersOnlyWhatThereIs)
     EXPECT_FALSE(makeDescriptor(model, 15, 0).has_value());
     EXPECT_TRUE(makeDescriptor(parseModel("ordinary,speed=super"), 15, 0).has_value());
 }
+
+} // namespace

@@ -36,8 +36,6 @@ Bytes decodeLuma(Bytes const& image, unsigned& width, unsigned& height)
     return luma;
 }
 
-} // namespace
-
 TEST(JpegFramesTest, TellsTheFullNumberInItsComment)
 {
     JpegFrames frames(320, 240);
@@ -69,3 +67,5 @@ TEST(JpegFramesTest, RefusesAnImageWithoutANumber)
     Bytes const image(100, 0);
     EXPECT_THROW(JpegFrames::readNumber(image.data(), image.size()), std::invalid_argument);
 }
+
+} // namespace

@@ -15,8 +15,6 @@ namespace
 
 using Numeric = ICameraControlNumeric<int>;
 
-} // namespace
-
 TEST(ControlUnplugTest, InAPrivateControlMakesItFail)
 {
     Victim victim("vendor-old");
@@ -73,3 +71,5 @@ TEST(ControlUnplugTest, WhileFramesFlowEndsTheControlsThatAreSetBetweenThem)
     }
     victim.open();
 }
+
+} // namespace

@@ -41,8 +41,6 @@ CameraPointer openWhileUnplugged(EmulatedCameras const& cameras, std::string con
     return camera;
 }
 
-} // namespace
-
 TEST(OpeningUnplugTest, LeavesACameraThatCanDoNothing)
 {
     Victim victim("ordinary");
@@ -84,3 +82,5 @@ TEST(OpeningUnplugTest, OfASerialLinkGivesNoCamera)
     }
     victim.open();
 }
+
+} // namespace

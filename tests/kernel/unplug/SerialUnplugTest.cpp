@@ -45,8 +45,6 @@ protected:
     Victim m_victim{"vendor-new"};
 };
 
-} // namespace
-
 TEST_F(SerialUnplugTest, InsteadOfAReplyEndsTheExchangeWithinItsAttempts)
 {
     repeat(2, [this] {
@@ -90,3 +88,5 @@ TEST_F(SerialUnplugTest, BetweenListAndOpenGivesNoCamera)
 {
     repeat(2, [this] { EXPECT_EQ(m_victim.openFromStaleList(), nullptr); });
 }
+
+} // namespace

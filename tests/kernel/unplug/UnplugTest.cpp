@@ -34,8 +34,6 @@ protected:
     Victim m_victim{"ordinary"};
 };
 
-} // namespace
-
 TEST_F(UnplugTest, WhileAFrameIsAwaitedEndsTheWait)
 {
     repeat([this] {
@@ -120,3 +118,5 @@ TEST_F(UnplugTest, BetweenListAndOpenGivesAnEmptyCamera)
         EXPECT_EQ(listDevices()->size(), 0);
     });
 }
+
+} // namespace

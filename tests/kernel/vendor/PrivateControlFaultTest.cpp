@@ -46,8 +46,6 @@ ExpectedMapping const& rowNamed(std::string const& name)
                          [&](ExpectedMapping const& row) { return row.name == name; });
 }
 
-} // namespace
-
 TEST(PrivateControlFaultTest, ChangedInTheCameraAreReadHere)
 {
     EmulatedCameras const cameras({"vendor-old"});
@@ -114,3 +112,5 @@ TEST(PrivateControlFaultTest, OfAControlWithAnAbsurdLengthCannotBeSetAndTheOther
     EXPECT_TRUE(setValue(controlOf(*camera, row.name), row, 7));
     EXPECT_EQ(cameras.command("get 3 2"), "0700");
 }
+
+} // namespace

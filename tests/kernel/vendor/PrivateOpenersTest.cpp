@@ -82,8 +82,6 @@ char const* shownFamily(ExpectedMapping const& row)
     return names.at(row.family);
 }
 
-} // namespace
-
 TEST_F(PrivateOpenersTest, FindThemMappedAlreadyAndHaveTheSameControls)
 {
     std::vector<unsigned> const ids = idsOf(*m_camera);
@@ -140,3 +138,5 @@ TEST_F(PrivateOpenersTest, SeeThemInTheToolAsTheTableSays)
         EXPECT_NE(control.at("value"), nullptr);
     }
 }
+
+} // namespace

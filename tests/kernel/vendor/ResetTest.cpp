@@ -51,8 +51,6 @@ protected:
     EmulatedCameras const m_cameras{{GetParam()}};
 };
 
-} // namespace
-
 TEST_P(ResetTest, IsSeenAsRemovalAndAdditionByBothMonitors)
 {
     std::string const node = m_cameras.videoNode();
@@ -129,3 +127,5 @@ TEST(ResetTest, UnderACameraGivesItNewNodesThatANewListFinds)
     EXPECT_FALSE(lost.setValue(124));
     EXPECT_EQ(cameras.command("get 3 2"), "7b00");
 }
+
+} // namespace

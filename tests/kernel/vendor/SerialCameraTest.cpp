@@ -33,8 +33,6 @@ protected:
     EmulatedCameras const m_cameras{{"vendor-new"}};
 };
 
-} // namespace
-
 TEST_F(SerialCameraTest, FindsItsPortInTheKernelsLogAndHoldsIt)
 {
     std::string const node = m_cameras.serialNode();
@@ -96,3 +94,5 @@ TEST_F(SerialCameraTest, IsShownReadSetAndCapturedByTheTool)
               0);
     EXPECT_EQ(readFile(file).size(), 160U * 120 * 2);
 }
+
+} // namespace

@@ -24,8 +24,6 @@ void expectSerial(std::vector<EmulatedCameras::Json> const& packets, SerialRow c
     }
 }
 
-} // namespace
-
 using SerialControlTest = SerialControls;
 
 TEST_F(SerialControlTest, AreThoseOfTheTableInItsOrder)
@@ -102,3 +100,5 @@ TEST_F(SerialControlTest, ThatCanOnlyBeReadAreSentAndRefusedByTheCamera)
     cameras->command("set 3 4 3000");
     EXPECT_EQ(dynamic_cast<Numeric&>(controlOf(*camera, "Temperature (C)")).value(), 0x30);
 }
+
+} // namespace

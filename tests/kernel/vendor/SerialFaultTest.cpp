@@ -30,8 +30,6 @@ std::vector<std::string> fiveOf(std::string const& first, std::string const& sec
     return all;
 }
 
-} // namespace
-
 using SerialFaultTest = SerialControls;
 
 TEST_F(SerialFaultTest, FailAfterFiveAttemptsOnASilentLine)
@@ -114,3 +112,5 @@ TEST_F(SerialFaultTest, OutOfRangeAreSentAndRefusedByTheCamera)
     EXPECT_EQ(cameras->command("get 3 20"), "0100020003000400");
     EXPECT_EQ(edge.value(), 2);
 }
+
+} // namespace

@@ -70,8 +70,6 @@ protected:
     int m_children = 0;
 };
 
-} // namespace
-
 TEST_F(SerialOpeningTest, OfAHeldPortResetsTheCamera)
 {
     start("vendor-new");
@@ -120,3 +118,5 @@ TEST_F(SerialOpeningTest, OfACameraWithoutAPortResetsIt)
     EXPECT_NE(shown.output.find(m_cameras->videoNode().substr(5)), std::string::npos)
         << shown.output;
 }
+
+} // namespace

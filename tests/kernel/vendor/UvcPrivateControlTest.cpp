@@ -53,8 +53,6 @@ int errorOfPlainCall(std::string const& node, unsigned long request, unsigned id
     return error;
 }
 
-} // namespace
-
 TEST_F(UvcPrivateControlTest, AreListedWithNameTypeFamilyAndItems)
 {
     int found = 0;
@@ -126,3 +124,5 @@ TEST_F(UvcPrivateControlTest, AreRefusedByThePlainCallsOfThisKernel)
     EXPECT_EQ(errorOfPlainCall(node, VIDIOC_S_CTRL, V4L2_CID_BRIGHTNESS), 0);
     EXPECT_EQ(m_cameras.requests("SET_CUR").size(), 1U);
 }
+
+} // namespace

@@ -35,8 +35,6 @@ protected:
     std::unique_ptr<BackgroundCommand> m_command;
 };
 
-} // namespace
-
 TEST_F(MonitorToolTest, PrintsALineForEachEventAndEndsAfterSoMany)
 {
     start("--count 2 --timeout 120");
@@ -68,3 +66,5 @@ TEST_F(MonitorToolTest, EndsInTimeWhenNothingHappens)
     EXPECT_EQ(m_command->wait(), 0);
     EXPECT_EQ(m_command->output(), "");
 }
+
+} // namespace

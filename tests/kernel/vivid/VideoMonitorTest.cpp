@@ -41,8 +41,6 @@ protected:
 using Numbers = testing::Types<Two, SixtyFour>;
 TYPED_TEST_SUITE(VideoMonitorTest, Numbers);
 
-} // namespace
-
 TYPED_TEST(VideoMonitorTest, LosesNoEventOfTheBlockingMonitor)
 {
     this->expectAll(this->watched->fromBlocking);
@@ -73,3 +71,5 @@ TYPED_TEST(VideoMonitorTest, ReportsNoneOfTheOtherDevicesThatCameWithThem)
     EXPECT_GE(this->watched->othersFromUdevadm, 2U);
     this->expectAll(this->watched->fromContinuous);
 }
+
+} // namespace

@@ -89,8 +89,6 @@ unsigned long long countLost(FrameRecords const& frames)
     return lost;
 }
 
-} // namespace
-
 TEST_F(VividCaptureTest, FramesRiseInNumberAndTimeAndThreeHundredInARowComeWithoutLoss)
 {
     double const begin = monotonicSeconds();
@@ -306,3 +304,5 @@ TEST_F(VividCaptureTest, TwoCamerasCaptureAtOnce)
     countLost(fromFirst);
     countLost(fromOther);
 }
+
+} // namespace

@@ -59,8 +59,6 @@ std::string textOf(ICameraControlString const& control)
                                                                             : "refused";
 }
 
-} // namespace
-
 using VividControlTest = VividControls;
 
 TEST_F(VividControlTest, EveryNumberIsWrittenHereAndReadThere)
@@ -347,3 +345,5 @@ TEST_F(VividControlTest, ControlsActOnThePictureWhileStreaming)
     }
     EXPECT_TRUE(isWhite);
 }
+
+} // namespace

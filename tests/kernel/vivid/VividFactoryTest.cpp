@@ -31,8 +31,6 @@ std::string thrownText(std::function<void()> const& action)
     return "nothing";
 }
 
-} // namespace
-
 TEST(VividFactoryTest, ANodeWithoutUsbParentThrowsInSingleCreation)
 {
     ICameraFactory const& factory = ICameraFactory::getUniqueInstance();
@@ -87,3 +85,5 @@ TEST(VividFactoryTest, ACameraLeavesNoDescriptorBehind)
     }
     EXPECT_EQ(openDescriptors(), before);
 }
+
+} // namespace

@@ -43,8 +43,6 @@ private:
     static void select(int number) { v4l2Ctl(firstNode, "-i " + std::to_string(number)); }
 };
 
-} // namespace
-
 TEST(VividFormatTest, AreThoseThatV4l2CtlListsInEveryField)
 {
     CameraPointer const camera = openCamera();
@@ -153,3 +151,5 @@ TEST(VividFormatTest, ARangeOfSizesMakesNoListAndNoSelection)
     EXPECT_TRUE(camera->currentFrameInterval()->isInvalid());
     EXPECT_FALSE(camera->setCurrentImageFormat(0, 0, 0));
 }
+
+} // namespace

@@ -41,8 +41,6 @@ private:
     std::vector<int> m_descriptors;
 };
 
-} // namespace
-
 TEST(VividOpenersTest, TheSecondCannotCaptureWhileTheFirstDoes)
 {
     CameraPointer const first = openCamera();
@@ -109,3 +107,5 @@ TEST(VividOpenersTest, TheSeventeenthOpeningInAProcessIsAnEmptyCamera)
     }
     EXPECT_GT(openCamera()->formatNumber(), 0);
 }
+
+} // namespace

@@ -2,7 +2,7 @@
 #include "Shell.h"
 #include "VividTransfer.h"
 
-#include <input/InputMethodRead.h>
+#include "input/InputMethodRead.h"
 
 using namespace ImageAcquisition;
 using namespace KernelTest;

@@ -73,8 +73,6 @@ void expectCaptures()
     EXPECT_EQ(camera->acquireFrame()->bytesUsed(), smallSize);
 }
 
-} // namespace
-
 TEST(VividRemovalTest, EndsTheWaitOfABlockedReader)
 {
     CameraPointer camera = openCamera();
@@ -166,3 +164,5 @@ TEST(VividRemovalTest, OfADisconnectedDeviceEndsWithTheLastCamera)
     }
     expectCaptures();
 }
+
+} // namespace

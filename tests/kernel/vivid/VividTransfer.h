@@ -5,8 +5,8 @@
 #include "V4l2Ctl.h"
 #include "VividCamera.h"
 
+#include "input/InputMethod.h"
 #include <factory/HelperV4l2.h>
-#include <input/InputMethod.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "VividTransfer.h"
 
-#include <input/InputMethodMemoryMapping.h>
-#include <input/InputMethodUserPointers.h>
+#include "input/InputMethodMemoryMapping.h"
+#include "input/InputMethodUserPointers.h"
 
 using namespace ImageAcquisition;
 using namespace KernelTest;

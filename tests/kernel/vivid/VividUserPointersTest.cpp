@@ -3,8 +3,8 @@
 #include "ThreadState.h"
 #include "VividTransfer.h"
 
-#include <input/InputMethodMemoryMapping.h>
-#include <input/InputMethodUserPointers.h>
+#include "input/InputMethodMemoryMapping.h"
+#include "input/InputMethodUserPointers.h"
 
 #include <set>
 
@@ -19,8 +19,6 @@ class VividUserPointersTest : public VividTransfer
 protected:
     PassThrough const m_straight;
 };
-
-} // namespace
 
 TEST_F(VividUserPointersTest, AreSupportedByTheDriverItself)
 {
@@ -90,3 +88,5 @@ TEST_F(VividUserPointersTest, MappingWorksStraightToo)
     EXPECT_EQ(method.releaseFrame(frame), 0);
     expectToEnd(method);
 }
+
+} // namespace

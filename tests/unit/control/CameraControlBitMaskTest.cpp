@@ -20,8 +20,6 @@ ControlScript bitMask()
     return bitMaskControl(id, "Bits").range(0, 0xFFFFFFFF);
 }
 
-} // namespace
-
 TEST(CameraControlBitMaskTest, CarriesAllThirtyTwoBitsBothWays)
 {
     CameraWithControls opened({bitMask()});
@@ -62,3 +60,5 @@ TEST(CameraControlBitMaskTest, FailuresAreZeroAndFalse)
     EXPECT_EQ(opened.as<ICameraControlBitMask>(id).value(), 0u);
     EXPECT_FALSE(opened.as<ICameraControlBitMask>(id).setValue(1));
 }
+
+} // namespace

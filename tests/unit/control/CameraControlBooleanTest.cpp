@@ -20,8 +20,6 @@ ControlScript boolean()
     return booleanControl(id, "White Balance, Automatic");
 }
 
-} // namespace
-
 TEST(CameraControlBooleanTest, ReadsWithAPlainCall)
 {
     CameraWithControls opened({boolean()});
@@ -85,3 +83,5 @@ TEST(CameraControlBooleanTest, ReadOnlyIsRefusedAlsoWhenGrabbed)
         EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
     }
 }
+
+} // namespace

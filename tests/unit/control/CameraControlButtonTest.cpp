@@ -21,8 +21,6 @@ ControlScript button()
     return buttonControl(id, "Restart");
 }
 
-} // namespace
-
 TEST(CameraControlButtonTest, SendsOneWithEachClick)
 {
     CameraWithControls const opened({button()});
@@ -49,3 +47,5 @@ TEST(CameraControlButtonTest, RefusedClickIsFalse)
     EXPECT_FALSE(opened.as<ICameraControlButton>(id).clicked());
     EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 1u);
 }
+
+} // namespace

@@ -70,8 +70,6 @@ protected:
     CameraWithControls m_opened{aCamera()};
 };
 
-} // namespace
-
 TEST_F(CameraControlFactoryTest, EachDriverTypeBecomesItsTypedControl)
 {
     for (Row const& row : table) {
@@ -177,3 +175,5 @@ TEST_F(CameraControlFactoryTest, InvalidControlIsMadeInSilence)
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(m_opened.node.countOf(Call::Ioctl), 0u);
 }
+
+} // namespace

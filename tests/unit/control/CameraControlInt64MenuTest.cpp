@@ -24,8 +24,6 @@ ControlScript integerMenu()
         .withItem(2, std::int64_t{1000});
 }
 
-} // namespace
-
 TEST(CameraControlInt64MenuTest, KeepsNoValuesButHasPositions)
 {
     CameraWithControls opened({integerMenu().byDefault(1)});
@@ -72,3 +70,5 @@ TEST(CameraControlInt64MenuTest, WriteOnlyHasNoPosition)
     EXPECT_EQ(opened.as<ICameraControlInt64Menu>(id).currentIndex(), -1);
     EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }
+
+} // namespace

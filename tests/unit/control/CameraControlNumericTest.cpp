@@ -48,8 +48,6 @@ public:
     CameraControlNumeric<T> control;
 };
 
-} // namespace
-
 TEST(CameraControlNumericTest, RangeIsZeroBeforeItIsInitialised)
 {
     CameraWithControls const opened(aCamera());
@@ -226,3 +224,5 @@ TEST(CameraControlNumericTest, EachInstantiationReportsItsOwnType)
     EXPECT_EQ(Initialised<unsigned short>(0, 1, 1).control.type(), ICameraControl::UInt16);
     EXPECT_EQ(Initialised<unsigned int>(0, 1, 1).control.type(), ICameraControl::UInt32);
 }
+
+} // namespace

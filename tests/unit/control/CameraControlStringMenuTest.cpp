@@ -33,8 +33,6 @@ v4l2_queryctrl bounds(int minimum, int maximum)
     return record;
 }
 
-} // namespace
-
 TEST(CameraControlStringMenuTest, ClosesTheHolesOfTheDriversMenu)
 {
     CameraWithControls opened({menuWithHoles()});
@@ -225,3 +223,5 @@ TEST(CameraControlStringMenuTest, MapsPositionsAndValuesBothWays)
     EXPECT_EQ(menu.reverseIndexMapping(1), -1);
     EXPECT_EQ(menu.reverseIndexMapping(noItem), -1);
 }
+
+} // namespace

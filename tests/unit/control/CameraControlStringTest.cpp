@@ -30,8 +30,6 @@ protected:
     CameraWithControls m_opened{{text().namingExactSize()}};
 };
 
-} // namespace
-
 TEST_F(CameraControlStringTest, LengthsAreTheDriversEvenInTheWrongOrder)
 {
     EXPECT_EQ(control().minLength(), 0);
@@ -183,3 +181,5 @@ TEST_F(CameraControlStringTest, PresentTextIsAlwaysTheDrivers)
     EXPECT_TRUE(control().getValue(buffer, 32));
     EXPECT_STREQ(buffer, "another");
 }
+
+} // namespace

@@ -75,8 +75,6 @@ public:
     Family family() const override { return AutoControl; }
 };
 
-} // namespace
-
 TEST_F(CameraControlTest, KeepsWhatItWasBuiltWith)
 {
     std::string name = "Sharpness, or so";
@@ -316,3 +314,5 @@ TEST_F(CameraControlTest, ExtendedTransferOfAStandardIdIsNotAskedAgainWhenInvali
     EXPECT_FALSE(raw(V4L2_CID_GAIN).setControlValueExt(1));
     EXPECT_EQ(m_opened.node.countOf(Call::Ioctl), 2u);
 }
+
+} // namespace

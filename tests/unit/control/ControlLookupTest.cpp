@@ -33,8 +33,6 @@ public:
     int claimed = 0;
 };
 
-} // namespace
-
 TEST(ControlLookupTest, FirstOfSeveralEqualNamesIsFound)
 {
     CameraWithControls const opened({integer(V4L2_CID_GAIN, "Same"), integer(V4L2_CID_HUE, "Same"),
@@ -71,3 +69,5 @@ TEST(ControlLookupTest, LookupsAskTheDriverNothing)
     opened.camera.gainControl();
     EXPECT_EQ(opened.node.countOf(Call::Ioctl), 0u);
 }
+
+} // namespace

@@ -21,8 +21,6 @@ struct IdAndFamily
     unsigned int family;
 };
 
-} // namespace
-
 TEST(ControlTextsTest, EachTypeHasItsNumberAndText)
 {
     NumberAndText const table[] = {
@@ -130,3 +128,5 @@ TEST(ControlTextsTest, AnyOtherIdHasNoFamily)
         EXPECT_EQ(controlFamilyOf(id), ICameraControl::Unknown) << std::hex << id;
     }
 }
+
+} // namespace

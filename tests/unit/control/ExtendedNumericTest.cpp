@@ -39,8 +39,6 @@ void expectExtendedTransfers(ControlScript const& script, T inDriver, T written)
     EXPECT_EQ(static_cast<std::int64_t>(written), calls[1].controls[0].value);
 }
 
-} // namespace
-
 TEST(ExtendedNumericTest, EightBitsTravelByExtendedCalls)
 {
     expectExtendedTransfers<unsigned char>(unsigned8Control(id, "Narrow"), 200, 255);
@@ -126,3 +124,5 @@ TEST(ExtendedNumericTest, FullThirtyTwoBitsAreReachedByTheInstantiationForThem)
     EXPECT_EQ(opened.node.lastControlValueSent(id), 0xFFFFFFFE);
     EXPECT_EQ(control.value(), 0xFFFFFFFEu);
 }
+
+} // namespace

@@ -33,8 +33,6 @@ ICameraControl::Type typeOf(ExpectedMapping const& row)
     }
 }
 
-} // namespace
-
 TEST_F(ExtensionUnitControlsTest, AllAreListedWithNameTypeAndItems)
 {
     EXPECT_EQ(m_opened.camera.controlNumber(), 29);
@@ -104,3 +102,5 @@ TEST_F(ExtensionUnitControlsTest, BooleansAndWordsReachTheirSelectors)
     m_opened.node.setSelectorBytes(3, {0x78, 0x56, 0x34, 0x12});
     EXPECT_EQ(m_opened.as<ICameraControlNumeric<int>>(0x08000002).value(), 0x12345678);
 }
+
+} // namespace

@@ -65,8 +65,6 @@ struct OpenedVendorCamera
     Camera camera{&record};
 };
 
-} // namespace
-
 TEST(ExtensionUnitTest, DriverReceivesAllMappingsInOrderFieldByField)
 {
     CameraWithControls const opened(aVendorCamera(), CameraWithControls::Maker::Vendor);
@@ -247,3 +245,5 @@ TEST(ExtensionUnitTest, IdsRunFromThePrivateBaseInTheirOrder)
     }
     EXPECT_EQ(id, 0x0800001Du);
 }
+
+} // namespace

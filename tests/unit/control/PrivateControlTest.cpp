@@ -28,8 +28,6 @@ CameraBuilder withPrivateInteger()
         {integerControl(firstPrivate + 1, "Light Intensity").range(-1000, 1000).byDefault(5)});
 }
 
-} // namespace
-
 TEST(PrivateControlTest, RefusedPlainReadIsMadeOnceMoreAsAnExtendedOne)
 {
     CameraWithControls const opened(withPrivateInteger());
@@ -195,3 +193,5 @@ TEST(PrivateControlTest, ExtendedTypesMakeNoPlainAttempt)
     EXPECT_EQ(opened.node.countOf(VIDIOC_S_CTRL), 0u);
     EXPECT_EQ(opened.node.countOf(Call::Ioctl), 2u);
 }
+
+} // namespace

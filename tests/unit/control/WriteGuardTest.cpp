@@ -103,8 +103,6 @@ private:
     }
 };
 
-} // namespace
-
 TEST_P(WriteGuardTest, EachOfFourFlagsRefusesWritesWithoutAsking)
 {
     for (unsigned int const flag : {V4L2_CTRL_FLAG_READ_ONLY, V4L2_CTRL_FLAG_DISABLED,
@@ -163,3 +161,5 @@ TEST(WriteGuardTest, FlagsAreTestedInTheirOrderUntilOneRefuses)
         EXPECT_EQ(control.questions.size(), refusing + 1);
     }
 }
+
+} // namespace

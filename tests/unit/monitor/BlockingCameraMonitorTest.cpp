@@ -50,8 +50,6 @@ struct ForeignEvent : public virtual ICameraEvent
 
 void ignoreSignal(int) {}
 
-} // namespace
-
 TEST_F(BlockingCameraMonitorTest, ReportsADeviceThatComesAndGoes)
 {
     ASSERT_TRUE(m_monitor.startMonitoring());
@@ -326,3 +324,5 @@ TEST_F(BlockingCameraMonitorTest, StartsAndStopsUnderAThreadThatNeverStopsAsking
     finished = true;
     asking.join();
 }
+
+} // namespace

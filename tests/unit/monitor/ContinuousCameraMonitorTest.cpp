@@ -51,8 +51,6 @@ void listenWithAClientThatThrows(VirtualCamera::Testbed& machine)
     std::exit(0);
 }
 
-} // namespace
-
 TEST_F(ContinuousCameraMonitorTest, DeliversEventsOnAThreadOfItsOwn)
 {
     ASSERT_TRUE(m_monitor.startMonitoring(m_client));
@@ -325,3 +323,5 @@ TEST_F(ContinuousCameraMonitorTest, ManyRoundsLeaveNeitherDescriptorNorThread)
     EXPECT_EQ(pipesAndSockets(), descriptors);
     EXPECT_TRUE(awaitThreadCount(threads));
 }
+
+} // namespace

@@ -52,8 +52,6 @@ protected:
     CameraEvent m_event;
 };
 
-} // namespace
-
 TEST_P(HeldWaiterTest, IsWaitedForBeforeAnythingIsReleased)
 {
     int monitorsBeforeRelease = 0;
@@ -80,3 +78,5 @@ INSTANTIATE_TEST_SUITE_P(EachPlace, HeldWaiterTest,
                                          Named<Place>{"ReceiveDevice", Place::ReceiveDevice},
                                          Named<Place>{"DeviceNode", Place::DeviceNode}),
                          nameOf<Place>);
+
+} // namespace

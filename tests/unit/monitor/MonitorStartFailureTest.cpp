@@ -18,8 +18,6 @@ class MonitorStartFailureTest : public MonitoredMachine,
 {
 };
 
-} // namespace
-
 TEST_P(MonitorStartFailureTest, IsReportedAndLeavesAMonitorThatCanBeStopped)
 {
     BlockingCameraMonitor monitor;
@@ -74,3 +72,5 @@ TEST_F(MonitorStartFailureTest, RefusedReceptionDoesNotStopTheLaterSteps)
     EXPECT_TRUE(monitor.stopMonitoring());
     EXPECT_EQ(pipesAndSockets(), descriptors);
 }
+
+} // namespace
