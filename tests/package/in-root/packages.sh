@@ -36,6 +36,16 @@ tool_lists_both_kinds() {
     with-virtual-camera iacq list --json | tee cameras.json
     grep '"vendorsOwn": true' cameras.json && grep '"vendorsOwn": false' cameras.json
 }
+controls_of_the_serial_camera() {
+    with-virtual-camera --model serial -- iacq show 0 --json >serial.json 2>serial.log &&
+        echo "$(grep -c '"family"' serial.json) controls"
+    cat serial.log
+}
+serial_camera_has_its_controls() { controls_of_the_serial_camera | tee with.log; grep -x '39 controls' with.log; }
+without_the_module() {
+    apt_get purge libimageacquisition-serial1 && controls_of_the_serial_camera | tee without.log &&
+        grep 'without the controls on its serial port' without.log && ! grep '^39 controls' without.log
+}
 purges() {
     apt_get purge 'libimageacquisition*' 'imageacquisition-*' &&
         ! find /usr /lib /etc -iname '*imageacquisition*' -not -path '/usr/share/keyrings/*' | grep .
@@ -52,6 +62,8 @@ check "an example captures frames" captures
 check "an example walks the controls" walks_controls
 check "the installed tool captures a picture" tool_captures
 check "the installed tool lists an ordinary camera and one of the vendor's" tool_lists_both_kinds
+check "a camera with a serial link has its controls" serial_camera_has_its_controls
+check "without the module's package it has its video, and the tool says so" without_the_module
 check "the udev rules are where udev looks" test -s /lib/udev/rules.d/70-imageacquisition.rules
 check "purging the packages leaves nothing" purges
 finish
