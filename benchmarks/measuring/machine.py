@@ -16,7 +16,7 @@ SHORT, LONG = 25, 75
 FEW, MORE = 10, 30
 # Our own, which tell what they have mapped. Whether a frame is due at once or only after vivid's 40 ms
 # is chance, so that their first frame is awaited several times a round.
-OWN = ("bare loop", "library")
+OWN = ("bare loop", "loop with lists", "library")
 FIRSTS = 3
 
 
@@ -32,6 +32,9 @@ def contestants(source, build):
         path = os.path.join(folder, program)
         found[name] = (lambda frames, path=path: [path, "--frames", str(frames), NODE],
                        [path, "--announce", "--frames", "1", NODE])
+    lists = [os.path.join(folder, "bare-loop"), "--lists"]
+    found["loop with lists"] = (lambda frames: [*lists, "--frames", str(frames), NODE],
+                                [*lists, "--announce", "--frames", "1", NODE])
     if shutil.which("v4l2-ctl"):
         line = ["v4l2-ctl", "-d", NODE, "--stream-mmap=4"]
         found["v4l2-ctl"] = (lambda frames: [*line, f"--stream-count={frames}"],

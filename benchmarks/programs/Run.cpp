@@ -14,8 +14,8 @@ namespace
 
 void endWithUsage()
 {
-    std::fputs("usage: PROGRAM [--frames N] [--buffers N] [--start-only] [--announce] [--report] "
-               "[NODE]\n",
+    std::fputs("usage: PROGRAM [--frames N] [--buffers N] [--start-only] [--lists] [--announce] "
+               "[--report] [NODE]\n",
                stderr);
     std::exit(2);
 }
@@ -85,6 +85,8 @@ Run parseRun(int argc, char** argv)
             run.startOnly = true;
         } else if (std::strcmp(*word, "--announce") == 0) {
             run.announced = true;
+        } else if (std::strcmp(*word, "--lists") == 0) {
+            run.listed = true;
         } else if (std::strcmp(*word, "--report") == 0) {
             run.reported = true;
         } else if (**word == '-') {

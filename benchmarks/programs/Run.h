@@ -9,7 +9,8 @@ struct Run
     unsigned int buffers = 4;
     bool startOnly = false; ///< Ends the process as soon as the stream is on.
     bool announced = false; ///< A byte on standard output tells of the first frame.
-    bool reported = false;  ///< A line at the end tells of memory and shared objects.
+    bool listed = false; ///< Reads formats, sizes, intervals and controls first; the library does.
+    bool reported = false; ///< A line at the end tells of memory and shared objects.
 };
 
 /// Ends the process with a usage text when the command line is wrong.

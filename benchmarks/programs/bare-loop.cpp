@@ -50,6 +50,47 @@ v4l2_buffer bufferRecord(unsigned int index)
     return buffer;
 }
 
+void readIntervals(int fd, unsigned int format, v4l2_frmsize_discrete const& size)
+{
+    v4l2_frmivalenum interval{};
+    interval.pixel_format = format;
+    interval.width = size.width;
+    interval.height = size.height;
+    while (call(fd, VIDIOC_ENUM_FRAMEINTERVALS, &interval) == 0) {
+        ++interval.index;
+    }
+}
+
+void readFormats(int fd)
+{
+    v4l2_fmtdesc format{};
+    format.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+    for (; call(fd, VIDIOC_ENUM_FMT, &format) == 0; ++format.index) {
+        v4l2_frmsizeenum size{};
+        size.pixel_format = format.pixelformat;
+        for (; call(fd, VIDIOC_ENUM_FRAMESIZES, &size) == 0; ++size.index) {
+            readIntervals(fd, format.pixelformat, size.discrete);
+        }
+    }
+}
+
+void readControls(int fd)
+{
+    v4l2_queryctrl control{};
+    control.id = V4L2_CTRL_FLAG_NEXT_CTRL;
+    while (call(fd, VIDIOC_QUERYCTRL, &control) == 0) {
+        bool const isMenu =
+            control.type == V4L2_CTRL_TYPE_MENU || control.type == V4L2_CTRL_TYPE_INTEGER_MENU;
+        for (int index = control.minimum; isMenu && index <= control.maximum; ++index) {
+            v4l2_querymenu item{};
+            item.id = control.id;
+            item.index = static_cast<unsigned int>(index);
+            call(fd, VIDIOC_QUERYMENU, &item);
+        }
+        control.id |= V4L2_CTRL_FLAG_NEXT_CTRL;
+    }
+}
+
 unsigned int mapBuffers(int fd, unsigned int wanted)
 {
     v4l2_requestbuffers request{};
@@ -105,6 +146,10 @@ int main(int argc, char** argv)
     if (fd >= FD_SETSIZE) {
         std::fputs("bare-loop: select takes no descriptor above 1023\n", stderr);
         return EXIT_FAILURE;
+    }
+    if (run.listed) {
+        readFormats(fd);
+        readControls(fd);
     }
     unsigned int const count = mapBuffers(fd, run.buffers);
     int type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
