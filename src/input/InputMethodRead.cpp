@@ -31,6 +31,7 @@ int InputMethodRead::setup(int bufferCount, unsigned int imageSize)
     for (auto& frame : pool) {
         frame = std::make_unique<Frame>(imageSize);
     }
+    std::lock_guard const lock(m_poolLock);
     m_pool.swap(pool);
     return 0;
 }
@@ -46,13 +47,20 @@ bool InputMethodRead::acquire(InputMethod::BaseFrame* frame) const
     return result != -1 || errno != EAGAIN;
 }
 
-IFrame* InputMethodRead::acquireFrame()
+std::unique_ptr<InputMethod::BaseFrame> InputMethodRead::takeFromPool()
 {
+    std::lock_guard const lock(m_poolLock);
     if (m_pool.empty()) {
-        return IFrame::invalid();
+        return nullptr;
     }
     std::unique_ptr<InputMethod::BaseFrame> frame = std::move(m_pool.back());
     m_pool.pop_back();
+    return frame;
+}
+
+IFrame* InputMethodRead::acquireFrame()
+{
+    std::unique_ptr<InputMethod::BaseFrame> frame = takeFromPool();
     if (!frame) {
         return IFrame::invalid();
     }
@@ -67,6 +75,7 @@ int InputMethodRead::releaseFrame(IFrame* frame)
     if (frame != nullptr && frame->isInvalid()) {
         return 0;
     }
+    std::lock_guard const lock(m_poolLock);
     auto const inPool = [frame](auto const& one) { return frame != nullptr && one.get() == frame; };
     if (std::any_of(m_pool.begin(), m_pool.end(), inPool)) {
         return 0;
@@ -83,7 +92,10 @@ int InputMethodRead::stopCapture()
 
 int InputMethodRead::cleanup()
 {
-    m_pool.clear();
+    {
+        std::lock_guard const lock(m_poolLock);
+        m_pool.clear();
+    }
     return InputMethod::cleanup();
 }
 

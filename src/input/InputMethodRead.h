@@ -4,6 +4,7 @@
 #include "input/InputMethod.h"
 
 #include <memory>
+#include <mutex>
 #include <vector>
 
 namespace ImageAcquisition
@@ -35,6 +36,11 @@ public:
     bool acquire(InputMethod::BaseFrame* frame) const;
 
 private:
+    /// The frame on top of the pool; null when there is none to fill.
+    std::unique_ptr<InputMethod::BaseFrame> takeFromPool();
+
+    // One thread may give frames back while another takes them.
+    std::mutex m_poolLock;
     std::vector<std::unique_ptr<InputMethod::BaseFrame>> m_pool;
 };
 

@@ -99,17 +99,18 @@ int InputMethodStreaming::releaseFrame(IFrame* frame)
 StreamedFrame const* InputMethodStreaming::ownFrame(IFrame const* frame) const
 {
     // Mostly it is the frame lent last that comes back.
-    if (m_lastLent < m_frames.size() && m_frames[m_lastLent].get() == frame) {
-        return m_frames[m_lastLent].get();
+    std::size_t const lastLent = m_lastLent.load(std::memory_order_relaxed);
+    if (lastLent < m_frames.size() && m_frames[lastLent].get() == frame) {
+        return m_frames[lastLent].get();
     }
-    return findFrame(frame);
+    return findFrame(frame, lastLent);
 }
 
-StreamedFrame const* InputMethodStreaming::findFrame(IFrame const* frame) const
+StreamedFrame const* InputMethodStreaming::findFrame(IFrame const* frame, std::size_t start) const
 {
     // Backwards from the frame lent last: what comes back is not far behind it.
     std::size_t const count = m_frames.size();
-    std::size_t index = m_lastLent;
+    std::size_t index = start;
     for (std::size_t left = count; left > 0; --left) {
         index = (index == 0 || index > count ? count : index) - 1;
         if (m_frames[index].get() == frame) {

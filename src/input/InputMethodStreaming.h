@@ -5,6 +5,7 @@
 
 #include <linux/videodev2.h>
 
+#include <atomic>
 #include <cerrno>
 #include <memory>
 #include <vector>
@@ -71,7 +72,7 @@ protected:
             return invalidFrame();
         }
         frame->setBuffer(buffer);
-        m_lastLent = buffer.index;
+        m_lastLent.store(buffer.index, std::memory_order_relaxed);
         return frame;
     }
 
@@ -82,11 +83,13 @@ protected:
 
 private:
     StreamedFrame const* ownFrame(IFrame const* frame) const;
-    StreamedFrame const* findFrame(IFrame const* frame) const;
+    StreamedFrame const* findFrame(IFrame const* frame, std::size_t start) const;
     int switchStream(unsigned long request) const;
 
     v4l2_memory const m_memory;
-    std::size_t m_lastLent = 0; // Where to look first; any number will do.
+    // Where to look first; any number will do. Whoever gives a frame back reads it while another
+    // thread takes the next one.
+    std::atomic<std::size_t> m_lastLent{0};
     std::unique_ptr<InputMethod::InvalidFrame> m_invalidFrame;
 };
 
