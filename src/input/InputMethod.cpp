@@ -35,6 +35,7 @@ InputMethod::~InputMethod()
 int InputMethod::setup(int /*bufferCount*/, unsigned int /*imageSize*/)
 {
     bool const opened = m_wakeUp.open();
+    ErrnoKept const reason;
     // Here, so that no frame has to wait for memory.
     watchDevice();
     return opened ? 0 : -1;

@@ -4,6 +4,7 @@
 #include "IFrame.h"
 #include "monitor/SelfPipe.h"
 #include "system/DescriptorSet.h"
+#include "system/EarlierErrno.h"
 #include "system/VideoNode.h"
 #include "system/ZeroedBytes.h"
 
@@ -43,10 +44,11 @@ public:
     Type type() const { return m_type; }
 
     /// Waits for the device or a stop request; true for either, which the next transfer tells
-    /// apart. False when the time is up.
+    /// apart. False when the time is up, which leaves errno alone, and when the wait failed.
     bool dataAvailable(int seconds, int microseconds) const
     {
-        return watchDevice() && waitForData(seconds, microseconds);
+        EarlierErrno const earlier;
+        return watchDevice() && earlier.unlessFailed(waitForData(seconds, microseconds)) > 0;
     }
 
 protected:
@@ -66,7 +68,11 @@ protected:
         return device >= 0;
     }
 
-    bool waitForData(int seconds, int microseconds) const
+    /// The device that the wait is for.
+    int watchedDevice() const { return m_watchedDevice; }
+
+    /// What select() answers once it is not interrupted; only -1 says anything about errno.
+    int waitForData(int seconds, int microseconds) const
     {
         timeval timeout{};
         timeout.tv_sec = seconds;
@@ -75,7 +81,7 @@ protected:
         do {
             ready = m_watched.waitReadable(&timeout);
         } while (ready == -1 && errno == EINTR);
-        return ready >= 1;
+        return ready;
     }
 
     /// Whether the last wait was ended by stopCapture(), or would have been.

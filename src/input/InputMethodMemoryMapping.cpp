@@ -2,6 +2,7 @@
 #include "input/InputMethodMemoryMapping.h"
 
 #include "system/DriverBounds.h"
+#include "system/EarlierErrno.h"
 
 #include <libv4l2.h>
 #include <sys/mman.h>
@@ -28,6 +29,8 @@ InputMethodMemoryMapping::~InputMethodMemoryMapping()
 
 void InputMethodMemoryMapping::Unmapper::operator()(void* address) const
 {
+    // Mostly this follows a failure, whose errno is the caller's to see.
+    ErrnoKept const earlier;
     v4l2_munmap(address, length);
 }
 
@@ -102,15 +105,21 @@ IFrame* InputMethodMemoryMapping::acquireFrame()
     if (!isSetUp() || !watchDevice()) {
         return invalidFrame();
     }
+    EarlierErrno const earlier;
     v4l2_buffer buffer;
     Attempt attempt = Attempt::CameTooEarly;
+    int ready = 0;
     // One more wait than attempts: the outcome of the last one does not matter.
-    for (int attempts = 0; attempt == Attempt::CameTooEarly && waitForData(waitSeconds, 0) &&
-                           attempts < maximumAttempts;
+    for (int attempts = 0; attempt == Attempt::CameTooEarly &&
+                           (ready = waitForData(waitSeconds, 0)) > 0 && attempts < maximumAttempts;
          ++attempts) {
-        attempt = dequeue(buffer);
+        attempt = dequeue(watchedDevice(), buffer);
     }
-    return attempt == Attempt::Succeeded ? lend(frameOf(buffer), buffer) : invalidFrame();
+    if (attempt != Attempt::Failed && ready != -1) {
+        earlier.restore();
+    }
+    bool const isOwn = attempt == Attempt::Succeeded && buffer.index < m_frames.size();
+    return isOwn ? lend(*m_frames[buffer.index], buffer) : invalidFrame();
 }
 
 int InputMethodMemoryMapping::cleanup()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "input/InputMethodRead.h"
 
+#include "system/EarlierErrno.h"
+
 #include <libv4l2.h>
 
 #include <algorithm>
@@ -22,9 +24,11 @@ InputMethodRead::~InputMethodRead() = default;
 
 int InputMethodRead::setup(int bufferCount, unsigned int imageSize)
 {
+    EarlierErrno const earlier;
     if (InputMethod::setup(bufferCount, imageSize) == 0) {
         return -1;
     }
+    earlier.restore();
     // Aside, so that whatever allocation fails the pool holds whole frames only.
     std::vector<std::unique_ptr<InputMethod::BaseFrame>> pool(
         static_cast<std::size_t>(std::max(bufferCount, 0)));
@@ -43,8 +47,13 @@ int InputMethodRead::startCapture()
 
 bool InputMethodRead::acquire(InputMethod::BaseFrame* frame) const
 {
+    EarlierErrno const earlier;
     ssize_t const result = v4l2_read(node().descriptor(), frame->bytePtr(), frame->allocSize());
-    return result != -1 || errno != EAGAIN;
+    bool const cameTooEarly = result == -1 && errno == EAGAIN;
+    if (cameTooEarly || result != -1) {
+        earlier.restore();
+    }
+    return !cameTooEarly;
 }
 
 std::unique_ptr<InputMethod::BaseFrame> InputMethodRead::takeFromPool()

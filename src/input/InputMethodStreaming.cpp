@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "input/InputMethodStreaming.h"
 
+#include "system/EarlierErrno.h"
+
 #include <cerrno>
 
 namespace ImageAcquisition
 {
 
 InputMethodStreaming::InputMethodStreaming(Type type, NodeReference node, v4l2_memory memory)
-    : InputMethod(type, node), m_memory(memory)
+    : InputMethod(type, node), m_memory(memory), m_emptyRecord(emptyRecord(memory))
 {
 }
 
@@ -36,16 +38,24 @@ bool InputMethodStreaming::supported(NodeReference node, v4l2_memory memory)
 
 void InputMethodStreaming::releaseBuffers() const
 {
+    // Mostly this follows a failure, whose errno is the caller's to see.
+    ErrnoKept const earlier;
     v4l2_requestbuffers request;
     requestBuffers(node(), 0, m_memory, request);
 }
 
-v4l2_buffer InputMethodStreaming::bufferRecord(unsigned int index) const
+v4l2_buffer InputMethodStreaming::emptyRecord(v4l2_memory memory)
 {
     v4l2_buffer buffer{};
-    buffer.index = index;
     buffer.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
-    buffer.memory = m_memory;
+    buffer.memory = memory;
+    return buffer;
+}
+
+v4l2_buffer InputMethodStreaming::bufferRecord(unsigned int index) const
+{
+    v4l2_buffer buffer = m_emptyRecord;
+    buffer.index = index;
     return buffer;
 }
 
@@ -77,33 +87,25 @@ int InputMethodStreaming::switchStream(unsigned long request) const
 
 bool InputMethodStreaming::acquire(InputMethod::BaseFrame*& frame)
 {
+    EarlierErrno const earlier;
     v4l2_buffer buffer;
-    Attempt const attempt = dequeue(buffer);
-    frame = attempt == Attempt::Succeeded ? lend(frameOf(buffer), buffer) : invalidFrame();
+    Attempt const attempt = dequeue(node().descriptor(), buffer);
+    if (attempt != Attempt::Failed) {
+        earlier.restore();
+    }
+    StreamedFrame* const own = attempt == Attempt::Succeeded ? frameOf(buffer) : nullptr;
+    frame = own == nullptr ? invalidFrame() : lend(*own, buffer);
     return attempt != Attempt::CameTooEarly;
 }
 
 int InputMethodStreaming::releaseFrame(IFrame* frame)
 {
-    if (frame == nullptr) {
-        return -1;
-    }
     StreamedFrame const* const own = ownFrame(frame);
     if (own == nullptr) {
-        return frame->isInvalid() ? 0 : -1;
+        return frame != nullptr && frame->isInvalid() ? 0 : -1;
     }
     v4l2_buffer buffer = own->buffer();
     return node().xioctl(VIDIOC_QBUF, &buffer) == -1 ? -1 : 0;
-}
-
-StreamedFrame const* InputMethodStreaming::ownFrame(IFrame const* frame) const
-{
-    // Mostly it is the frame lent last that comes back.
-    std::size_t const lastLent = m_lastLent.load(std::memory_order_relaxed);
-    if (lastLent < m_frames.size() && m_frames[lastLent].get() == frame) {
-        return m_frames[lastLent].get();
-    }
-    return findFrame(frame, lastLent);
 }
 
 StreamedFrame const* InputMethodStreaming::findFrame(IFrame const* frame, std::size_t start) const
@@ -113,7 +115,7 @@ StreamedFrame const* InputMethodStreaming::findFrame(IFrame const* frame, std::s
     std::size_t index = start;
     for (std::size_t left = count; left > 0; --left) {
         index = (index == 0 || index > count ? count : index) - 1;
-        if (m_frames[index].get() == frame) {
+        if (isAt(index, frame)) {
             return m_frames[index].get();
         }
     }

@@ -39,7 +39,7 @@ protected:
     /// Whether the driver knows this kind of memory. Only EINVAL says no: a busy device knows it.
     static bool supported(NodeReference node, v4l2_memory memory);
 
-    /// Gives all buffers back to the driver.
+    /// Gives all buffers back to the driver. Leaves errno alone.
     void releaseBuffers() const;
 
     /// A zeroed record of this kind of memory.
@@ -51,29 +51,24 @@ protected:
     /// The frame that a dequeued buffer belongs to, or null.
     virtual StreamedFrame* frameOf(v4l2_buffer const& buffer) const = 0;
 
-    /// What became of an attempt to dequeue a buffer.
+    /// What became of an attempt to dequeue a buffer. Only Failed says anything about errno.
     enum class Attempt { Succeeded, CameTooEarly, Failed };
 
-    Attempt dequeue(v4l2_buffer& buffer) const
+    Attempt dequeue(int device, v4l2_buffer& buffer) const
     {
-        buffer = {};
-        buffer.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
-        buffer.memory = m_memory;
-        if (node().xioctl(VIDIOC_DQBUF, &buffer) != -1) {
+        buffer = m_emptyRecord;
+        if (HelperV4l2::xioctl(device, VIDIOC_DQBUF, &buffer) != -1) {
             return Attempt::Succeeded;
         }
         return errno == EAGAIN ? Attempt::CameTooEarly : Attempt::Failed;
     }
 
-    /// Hands out the frame that a buffer has filled; the invalid one when it is none of ours.
-    InputMethod::BaseFrame* lend(StreamedFrame* frame, v4l2_buffer const& buffer)
+    /// Hands out the frame that a buffer has filled.
+    InputMethod::BaseFrame* lend(StreamedFrame& frame, v4l2_buffer const& buffer)
     {
-        if (frame == nullptr) {
-            return invalidFrame();
-        }
-        frame->setBuffer(buffer);
+        frame.setBuffer(buffer);
         m_lastLent.store(buffer.index, std::memory_order_relaxed);
-        return frame;
+        return &frame;
     }
 
     bool isSetUp() const { return m_invalidFrame != nullptr; }
@@ -82,11 +77,26 @@ protected:
     std::vector<std::unique_ptr<StreamedFrame>> m_frames;
 
 private:
-    StreamedFrame const* ownFrame(IFrame const* frame) const;
+    static v4l2_buffer emptyRecord(v4l2_memory memory);
+
+    bool isAt(std::size_t index, IFrame const* frame) const
+    {
+        // By references, which are never null: each frame passes here.
+        IFrame const& own = *m_frames[index];
+        return &own == frame;
+    }
+    StreamedFrame const* ownFrame(IFrame const* frame) const
+    {
+        // Mostly it is the frame lent last that comes back.
+        std::size_t const lastLent = m_lastLent.load(std::memory_order_relaxed);
+        bool const isLast = lastLent < m_frames.size() && isAt(lastLent, frame);
+        return isLast ? m_frames[lastLent].get() : findFrame(frame, lastLent);
+    }
     StreamedFrame const* findFrame(IFrame const* frame, std::size_t start) const;
     int switchStream(unsigned long request) const;
 
     v4l2_memory const m_memory;
+    v4l2_buffer const m_emptyRecord;
     // Where to look first; any number will do. Whoever gives a frame back reads it while another
     // thread takes the next one.
     std::atomic<std::size_t> m_lastLent{0};

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "input/InputMethodUserPointers.h"
 
+#include "system/EarlierErrno.h"
+
 #include <algorithm>
 
 namespace ImageAcquisition
@@ -22,9 +24,11 @@ InputMethodUserPointers::~InputMethodUserPointers() = default;
 
 int InputMethodUserPointers::setup(int bufferCount, unsigned int imageSize)
 {
+    EarlierErrno const earlier;
     if (InputMethod::setup(bufferCount, imageSize) == 0) {
         return -1;
     }
+    earlier.restore();
     int const count = std::max(bufferCount, 0);
     v4l2_requestbuffers request;
     if (requestBuffers(node(), count, request) != 0) {

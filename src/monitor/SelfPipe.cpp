@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "monitor/SelfPipe.h"
 
+#include "system/EarlierErrno.h"
 #include "system/Pause.h"
 
 #include <fcntl.h>
@@ -49,6 +50,7 @@ bool SelfPipe::open()
 
 void SelfPipe::close()
 {
+    ErrnoKept const earlier;
     // Closed in the opposite order: there is never an end to write to without one to read from.
     PipeEnd const readEnd(m_readEnd.exchange(-1));
     PipeEnd const writeEnd(m_writeEnd.exchange(-1));
@@ -64,7 +66,8 @@ void SelfPipe::write()
     ++m_writers;
     int const writeEnd = m_writeEnd;
     if (writeEnd != -1) {
-        // A full pipe is as good a wake-up as one more byte.
+        // A full pipe is as good a wake-up as one more byte, and no failure.
+        ErrnoKept const earlier;
         [[maybe_unused]] auto const result = ::write(writeEnd, "x", 1);
     }
     --m_writers;

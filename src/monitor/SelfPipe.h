@@ -19,7 +19,8 @@ public:
     /// that the process starts do not inherit it.
     bool open();
 
-    /// Another thread may write meanwhile: it writes to this pipe or to nothing.
+    /// Another thread may write meanwhile: it writes to this pipe or to nothing. Both leave errno
+    /// alone.
     void close();
     void write();
     int readingEnd() const { return m_readEnd; }

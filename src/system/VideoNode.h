@@ -2,6 +2,7 @@
 #pragma once
 
 #include "factory/HelperV4l2.h"
+#include "system/EarlierErrno.h"
 
 namespace ImageAcquisition
 {
@@ -27,11 +28,8 @@ public:
     /// The descriptor, or -1.
     int descriptor() const { return m_descriptor; }
 
-    /// HelperV4l2::xioctl() of the node.
-    int xioctl(unsigned long request, void* argument) const
-    {
-        return HelperV4l2::xioctl(m_descriptor, request, argument);
-    }
+    /// NodeReference::xioctl() of the node.
+    int xioctl(unsigned long request, void* argument) const;
 
 private:
     int m_descriptor = -1;
@@ -51,15 +49,22 @@ public:
     /// The descriptor, or -1.
     int descriptor() const { return m_node == nullptr ? m_descriptor : m_node->descriptor(); }
 
-    /// HelperV4l2::xioctl() of the node.
+    /// HelperV4l2::xioctl() of the node. errno is changed by a failure only: neither by an
+    /// interruption nor by what libv4l2 tries in vain on its way.
     int xioctl(unsigned long request, void* argument) const
     {
-        return HelperV4l2::xioctl(descriptor(), request, argument);
+        EarlierErrno const earlier;
+        return earlier.unlessFailed(HelperV4l2::xioctl(descriptor(), request, argument));
     }
 
 private:
     VideoNode const* m_node = nullptr;
     int m_descriptor = -1;
 };
+
+inline int VideoNode::xioctl(unsigned long request, void* argument) const
+{
+    return NodeReference(*this).xioctl(request, argument);
+}
 
 } // namespace ImageAcquisition
