@@ -2,6 +2,7 @@
 #include "control/CameraControl.h"
 
 #include "control/ControlTexts.h"
+#include "system/EarlierErrno.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -95,6 +96,7 @@ bool CameraControl::refusesWrites() const
 
 int CameraControl::inquireControlValue() const
 {
+    EarlierErrno const earlier;
     v4l2_control control{};
     control.id = id();
     int const result = m_node.xioctl(VIDIOC_G_CTRL, &control);
@@ -102,12 +104,13 @@ int CameraControl::inquireControlValue() const
         return control.value;
     }
     v4l2_ext_control extended = emptyExt();
-    readExt(extended);
+    earlier.unlessFailed(readExt(extended));
     return extended.value;
 }
 
 bool CameraControl::setControlValue(int value)
 {
+    EarlierErrno const earlier;
     v4l2_control control{};
     control.id = id();
     control.value = value;
@@ -117,7 +120,7 @@ bool CameraControl::setControlValue(int value)
     }
     v4l2_ext_control extended = emptyExt();
     extended.value = value;
-    return writeExt(extended) == 0;
+    return earlier.unlessFailed(writeExt(extended)) == 0;
 }
 
 long long CameraControl::inquireControlValueExt() const

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "control/CameraControlString.h"
 
+#include "system/EarlierErrno.h"
+
+#include <cerrno>
 #include <cstring>
 #include <vector>
 
@@ -30,8 +33,11 @@ void CameraControlString::setMinMaxStep(int minimum, int maximum, int step)
 unsigned int CameraControlString::stringSize() const
 {
     // With no room at all the driver refuses and tells how much the value needs.
+    EarlierErrno const earlier;
     v4l2_ext_control control = emptyExt();
-    readExt(control);
+    if (readExt(control) == -1 && errno == ENOSPC) {
+        earlier.restore();
+    }
     return control.size;
 }
 
