@@ -6,6 +6,7 @@
 #include "input/InputMethodMemoryMapping.h"
 #include "input/InputMethodRead.h"
 #include "input/InputMethodUserPointers.h"
+#include "system/EarlierErrno.h"
 #include "system/UsbHandles.h"
 
 namespace ImageAcquisition
@@ -30,8 +31,11 @@ Camera::~Camera()
 
 bool Camera::init()
 {
+    EarlierErrno const earlier;
     bool result = true;
-    if (m_node.open(m_device.systemName())) {
+    bool const opened = m_node.open(m_device.systemName());
+    EarlierErrno const ofOpening;
+    if (opened) {
         if (m_device.isaZorvaneDevice()) {
             // First, so that the driver lists the unit's controls too.
             m_extensionUnit.reset(createExtensionUnit());
@@ -43,6 +47,8 @@ bool Camera::init()
         std::unique_ptr<ICameraControl>(CameraControlFactory::createInvalidControl(*this)));
     m_inputMethod = createBestInputMethod();
     m_transfer = m_inputMethod ? m_inputMethod.get() : &m_noInputMethod;
+    // Lists end, and transfer methods are ruled out, by calls that fail.
+    (opened ? earlier : ofOpening).restore();
     return result;
 }
 

@@ -88,7 +88,8 @@ public:
     int cleanup() override { return m_transfer->cleanup(); }
 
     /// Opens the node and finds controls, formats and a way to transfer frames. True also when the
-    /// node cannot be opened: the camera is then empty and its capture calls fail.
+    /// node cannot be opened: the camera is then empty, its capture calls fail, and errno tells
+    /// why.
     virtual bool init();
 
     /// The descriptor of the open node, or -1.

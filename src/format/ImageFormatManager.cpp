@@ -2,6 +2,7 @@
 #include "format/ImageFormatManager.h"
 
 #include "format/DeviceFormat.h"
+#include "system/EarlierErrno.h"
 
 #include <cstring>
 
@@ -71,6 +72,7 @@ bool ImageFormatManager::setCurrentFormat(char const* name, int width, int heigh
 
 unsigned int ImageFormatManager::currentSizeImage() const
 {
+    ErrnoKept const earlier;
     v4l2_format format;
     return queryDeviceFormat(m_node, format) ? format.fmt.pix.sizeimage : 0;
 }

@@ -35,7 +35,8 @@ public:
     bool setCurrentFormat(int formatIndex, int sizeIndex, int intervalIndex);
     bool setCurrentFormat(char const* name, int width, int height, int numerator, int denominator);
 
-    /// Bytes that one frame of the device's format needs; 0 when the device does not answer.
+    /// Bytes that one frame of the device's format needs; 0, and errno as it was, when the device
+    /// does not answer.
     unsigned int currentSizeImage() const;
 
     // Indices of what is set on the device, or -1. The latter two throw std::out_of_range when the

@@ -3,6 +3,7 @@
 
 #include "serial/ZorvaneCameraControlBoolean.h"
 #include "serial/ZorvaneCameraControlNumeric.h"
+#include "system/EarlierErrno.h"
 
 namespace ImageAcquisition
 {
@@ -30,6 +31,7 @@ bool ZorvaneCamera::init()
 
 bool ZorvaneCamera::initCommunication()
 {
+    ErrnoKept const earlier;
     return m_link.open(*device());
 }
 
