@@ -17,7 +17,7 @@ namespace
 using namespace ImageAcquisition;
 
 constexpr int buffers = 8;
-constexpr unsigned int enough = 5000;
+constexpr unsigned int enough = 20000;
 
 /// Frames on their way from the thread that takes them to the one that gives them back.
 class Belt
