@@ -69,6 +69,7 @@ void SerialLink::close()
 
 bool SerialLink::exchange(QByteArray const& request, int dataLength, QByteArray& reply)
 {
+    auto const reserved = reserve();
     if (!m_port->isOpen()) {
         return false;
     }
@@ -102,10 +103,23 @@ bool SerialLink::sendNow(QByteArray const& request)
     while (sent && m_port->bytesToWrite() > 0) {
         sent = m_port->waitForBytesWritten(m_limits.reply);
     }
+    leaveThread();
     if (!sent) {
         m_port->clear(QSerialPort::Output);
     }
     return sent;
+}
+
+/// The port needs no thread: it is waited for by whoever makes an exchange. As long as it has one,
+/// an event loop there reads from it at any time, while another thread does. Only that thread can
+/// let it go, and only now the port has all the notifiers that it makes for itself: made later,
+/// they would complain that there is no thread.
+void SerialLink::leaveThread()
+{
+    if (m_port->thread() == QThread::currentThread()) {
+        QObject* const owner = m_port->parent();
+        (owner == nullptr ? m_port : owner)->moveToThread(nullptr);
+    }
 }
 
 /// Waits until the whole reply is in, but no longer than for any reply. Its first pieces may have

@@ -3,6 +3,8 @@
 
 #include "serial/ReplyStream.h"
 
+#include <mutex>
+
 class QObject;
 class QSerialPort;
 class QString;
@@ -14,7 +16,8 @@ class IDevice;
 class ZorvaneCamera;
 
 /// The serial port of one of the vendor's cameras: finds it, opens it, and carries one request and
-/// its reply after the other. Every call blocks its caller; none is guarded against another.
+/// its reply after the other. Every call blocks its caller. Exchanges may come from any thread and
+/// wait for each other; opening, closing and the limits are for one thread, while there are none.
 class SerialLink
 {
 public:
@@ -30,7 +33,8 @@ public:
         int tool = msTool; ///< For each of the system's tools.
     };
 
-    /// Opens nothing. The port is a child of @p owner, which destroys it.
+    /// Opens nothing. The port is a child of @p owner, which destroys it, and which has no parent:
+    /// with the first exchange both cease to belong to the thread that made them.
     explicit SerialLink(QObject* owner);
     SerialLink(QObject* owner, Limits const& limits);
 
@@ -44,6 +48,9 @@ public:
     /// attempts. On failure @p reply is left as it was.
     bool exchange(QByteArray const& request, int dataLength, QByteArray& reply);
 
+    /// Keeps other threads' exchanges waiting while it is held, for exchanges that belong together.
+    std::unique_lock<std::recursive_mutex> reserve() { return std::unique_lock(m_exchanging); }
+
     QSerialPort& port() { return *m_port; }
 
     Limits const& limits() const { return m_limits; }
@@ -55,7 +62,9 @@ private:
     QByteArray takeInput();
     bool sendNow(QByteArray const& request);
     bool awaitReply(QByteArray& reply);
+    void leaveThread();
 
+    std::recursive_mutex m_exchanging;
     QSerialPort* m_port;
     ReplyStream m_replies;
     Limits m_limits;

@@ -209,6 +209,9 @@ bool ZorvaneCameraControl::setControlValue(int value)
 
 bool ZorvaneCameraControl::setSharedControlValue(int value, int offset, int length)
 {
+    // The other parts must not change between reading and writing.
+    auto const reserved =
+        m_link == nullptr ? std::unique_lock<std::recursive_mutex>() : m_link->reserve();
     long long current = 0;
     bool const known = fieldLiesWithinData(offset, length) && getControlValue(current);
     QThread::msleep(_msDelay);

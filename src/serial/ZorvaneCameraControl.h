@@ -12,7 +12,8 @@ namespace ImageAcquisition
 {
 
 /// One UVC control of a serial-link camera, or one field of a control, reached by requests over
-/// the camera's serial port. Every exchange blocks its caller; none is guarded against another.
+/// the camera's serial port. Every exchange blocks its caller, and waits for those of other
+/// threads; the control itself is for one thread at a time.
 class ZorvaneCameraControl : public virtual ICameraControl
 {
 public:
