@@ -5,6 +5,7 @@
 #include "FuserFolder.h"
 #include "PrivateControls.h"
 #include "SerialRows.h"
+#include "ThreeHands.h"
 #include "Tool.h"
 
 #include <ICameraControlNumeric.h>
@@ -68,6 +69,25 @@ TEST_F(SerialCameraTest, DeliversEveryFrameWhileItsControlsAreUsed)
         EXPECT_TRUE(light.setValue(value));
         EXPECT_EQ(light.value(), value);
     }
+}
+
+TEST_F(SerialCameraTest, LetsThreeThreadsTakeGiveBackAndSet)
+{
+    CameraPointer const camera = openListed(m_cameras.videoNode());
+    ASSERT_NE(camera, nullptr);
+    ASSERT_TRUE(camera->setCurrentImageFormat("YUYV", 160, 120, 1, 30));
+    FramePainter painter(160, 120);
+    ThreeHands hands(*camera,
+                     dynamic_cast<ICameraControlNumeric<int>&>(*camera->lightIntensityControl()),
+                     [&](IFrame const& frame) {
+                         auto const number = static_cast<std::uint32_t>(frame.counter());
+                         return bytesOf(frame) == painter.paint(number);
+                     });
+    hands.run(100, 16);
+    EXPECT_EQ(hands.good(), 100U);
+    EXPECT_EQ(hands.givenBack(), 100U);
+    EXPECT_GT(hands.controlled(), 0U);
+    EXPECT_EQ(hands.uncontrolled(), 0U);
 }
 
 TEST_F(SerialCameraTest, IsShownReadSetAndCapturedByTheTool)
