@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One camera in several hands: one thread takes frames, one gives them back, one uses the controls,
+// One camera in several hands: one thread takes frames, two give them back, one uses the controls,
 // and one ends it. Most of this is for ThreadSanitizer to judge.
 #include "OneMethodCamera.h"
 
@@ -40,7 +40,7 @@ public:
     {
         std::lock_guard const lock(m_mutex);
         m_ended = true;
-        m_changed.notify_one();
+        m_changed.notify_all();
     }
     /// Waits for one: the oldest, or now and then the newest. False when there is none any more.
     bool take(Item& item)
@@ -118,10 +118,9 @@ protected:
     Belt m_belt;
     std::atomic<bool> m_ending{false};
     std::atomic<unsigned int> m_taken{0};
-    // Each by one thread, read when it is over.
-    unsigned int m_unlike = 0;
-    unsigned int m_refused = 0;
-    unsigned int m_wrong = 0;
+    std::atomic<unsigned int> m_unlike{0};
+    std::atomic<unsigned int> m_refused{0};
+    unsigned int m_wrong = 0; // Of the one thread that uses the controls.
 };
 
 INSTANTIATE_TEST_SUITE_P(, HandsTest,
@@ -133,6 +132,7 @@ TEST_P(HandsTest, TakeGiveBackSetAndStopAtOnce)
 {
     std::thread taking([this] { takeFrames(); });
     std::thread givingBack([this] { giveBack(); });
+    std::thread givingBackToo([this] { giveBack(); });
     std::thread setting([this] { useControls(); });
     while (m_taken < enough) {
         std::this_thread::yield();
@@ -141,6 +141,7 @@ TEST_P(HandsTest, TakeGiveBackSetAndStopAtOnce)
     EXPECT_EQ(m_opened.camera.stopCapture(), 0);
     taking.join();
     givingBack.join();
+    givingBackToo.join();
     setting.join();
     EXPECT_EQ(m_unlike, 0u);
     EXPECT_EQ(m_refused, 0u);
