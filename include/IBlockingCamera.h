@@ -15,7 +15,11 @@ class IFrame;
  * needed, stopCapture(), cleanup(); then again from setup(), or delete the camera. cleanup() must
  * have run before the camera is deleted. Calls out of order fail with the result that each names.
  *
- * Threads: the camera's thread, except stopCapture().
+ * A call that gives -1 or an invalid frame because a call of the system failed leaves that call's
+ * errno, whatever was cleaned up after it. Where nothing failed (success, a time-out, a stop, a
+ * refusal of the library's own) errno stays as it was: docs/behaviour.md, Why a call failed.
+ *
+ * Threads: the camera's thread, except releaseFrame() and stopCapture().
  */
 class IMAGEACQUISITION_EXPORT IBlockingCamera : public virtual ICamera
 {
@@ -50,6 +54,9 @@ public:
      * @return 0, also for an invalid frame; -1 when @p frame is null or not this camera's (0 where
      * frames would come by `read`), when the driver refused, or when the camera has no way to
      * transfer frames.
+     *
+     * Threads: any, also several at once with a frame each, while another is in acquireFrame() or
+     * stopCapture(); but not during setup(), startCapture() and cleanup().
      */
     virtual int releaseFrame(IFrame* frame) = 0;
 
@@ -57,8 +64,9 @@ public:
      * @brief Stops streaming; takes at least 10 ms.
      *
      * May be called from another thread to end an acquireFrame() that waits; that one returns a
-     * frame if one has just been filled, or else an invalid one. Join the thread before calling
-     * cleanup(). To stream again, call cleanup() and setup() first.
+     * frame if one has just been filled, or else an invalid one. Join the thread, and have all
+     * frames given back or given up, before calling cleanup(). To stream again, call cleanup() and
+     * setup() first.
      * @return 0, or -1 when the driver refused or there is nothing to stop.
      */
     virtual int stopCapture() = 0;

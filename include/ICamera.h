@@ -17,8 +17,13 @@ class IImageFormat;
  *
  * Everything that a camera hands out by pointer belongs to it and is good until it is deleted.
  *
- * Threads: a camera belongs to one thread at a time, called its thread. The one exception is
- * IBlockingCamera::stopCapture(). Different cameras may be used from different threads.
+ * A call about formats that gives false or an invalid object because a call of the system failed
+ * leaves that call's errno; any other leaves errno alone: docs/behaviour.md, Why a call failed.
+ *
+ * Threads: formats and capture belong to one thread at a time, called the camera's thread, and the
+ * controls to one at a time, called the controls' thread, which may be another. Frames may be given
+ * back, and the capture may be stopped, by further ones: docs/threading.md. The list of controls
+ * may be looked through by any. Different cameras may be used from different threads.
  */
 class IMAGEACQUISITION_EXPORT ICamera
 {

@@ -16,7 +16,10 @@ namespace ImageAcquisition
  * Flags are those that the driver reported when the camera was opened or at the last
  * updateState(); nothing refreshes them by itself.
  *
- * Threads: the camera's thread only.
+ * A write that a call of the system refused, and a read that one did, leave that call's errno; all
+ * others leave errno alone. Controls behind the serial link promise nothing about it.
+ *
+ * Threads: the controls' thread.
  */
 class IMAGEACQUISITION_EXPORT ICameraControl
 {

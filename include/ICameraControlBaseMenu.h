@@ -10,7 +10,7 @@ namespace ImageAcquisition
  * @brief A setting that is one item of a list.
  *
  * Items are addressed by their position, 0, 1, 2 and so on, without gaps, whatever numbers the
- * driver gives them. Threads: the camera's thread only.
+ * driver gives them. Threads: the controls' thread.
  */
 class IMAGEACQUISITION_EXPORT ICameraControlBaseMenu : public virtual ICameraControl
 {

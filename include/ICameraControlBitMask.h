@@ -6,7 +6,7 @@
 namespace ImageAcquisition
 {
 
-/// A setting of single bits. Threads: the camera's thread only.
+/// A setting of single bits. Threads: the controls' thread.
 class IMAGEACQUISITION_EXPORT ICameraControlBitMask : public virtual ICameraControl
 {
 public:

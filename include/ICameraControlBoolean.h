@@ -6,7 +6,7 @@
 namespace ImageAcquisition
 {
 
-/// A setting that is on or off. Threads: the camera's thread only.
+/// A setting that is on or off. Threads: the controls' thread.
 class IMAGEACQUISITION_EXPORT ICameraControlBoolean : public virtual ICameraControl
 {
 public:

@@ -6,7 +6,7 @@
 namespace ImageAcquisition
 {
 
-/// A setting that does something when it is pressed. Threads: the camera's thread only.
+/// A setting that does something when it is pressed. Threads: the controls' thread.
 class IMAGEACQUISITION_EXPORT ICameraControlButton : public virtual ICameraControl
 {
 public:

@@ -11,7 +11,7 @@ namespace ImageAcquisition
  *
  * The numbers themselves are not kept: count() is 0, and the three operations below throw for every
  * position. Positions work: currentIndex(), defaultIndex() and setCurrentIndex() are those of
- * ICameraControlBaseMenu. Threads: the camera's thread only.
+ * ICameraControlBaseMenu. Threads: the controls' thread.
  */
 class IMAGEACQUISITION_EXPORT ICameraControlInt64Menu : public virtual ICameraControlBaseMenu
 {

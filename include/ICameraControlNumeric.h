@@ -13,7 +13,7 @@ namespace ImageAcquisition
  * `unsigned short` for UInt16 and `unsigned int` for UInt32. The range was read when the camera was
  * opened and does not follow a driver that changes it.
  *
- * Threads: the camera's thread only.
+ * Threads: the controls' thread.
  */
 template <typename T>
 class IMAGEACQUISITION_EXPORT ICameraControlNumeric : public virtual ICameraControl

@@ -6,7 +6,7 @@
 namespace ImageAcquisition
 {
 
-/// A setting that is a text. Threads: the camera's thread only.
+/// A setting that is a text. Threads: the controls' thread.
 class IMAGEACQUISITION_EXPORT ICameraControlString : public virtual ICameraControl
 {
 public:

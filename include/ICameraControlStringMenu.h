@@ -7,7 +7,7 @@ namespace ImageAcquisition
 {
 
 /// A setting that is one of a list of texts. Texts live as long as the control. Threads: the
-/// camera's thread only.
+/// controls' thread.
 class IMAGEACQUISITION_EXPORT ICameraControlStringMenu : public virtual ICameraControlBaseMenu
 {
 public:

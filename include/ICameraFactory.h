@@ -53,9 +53,9 @@ public:
      * @param device the record of the camera; it is copied. Null gives null.
      * @return the camera, or null when it could not be initialised; one of the vendor's cameras is
      * then reset. A camera whose node has vanished is returned all the same: it has no formats
-     * and no controls, and its capture calls fail. One with a serial link whose module is not
-     * installed is returned with its video, without the link's controls, and with a line on
-     * standard error.
+     * and no controls, its capture calls fail, and errno tells why the node could not be opened.
+     * One with a serial link whose module is not installed is returned with its video, without the
+     * link's controls, and with a line on standard error.
      */
     virtual IBlockingCamera* createBlockingCamera(IDevice const* device) const = 0;
 

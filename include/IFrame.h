@@ -12,7 +12,7 @@ namespace ImageAcquisition
  *
  * The frame and its bytes are good until it is given back with IBlockingCamera::releaseFrame() or
  * the camera's cleanup() is called. Never delete a frame. Threads: a borrowed frame may be read
- * from any thread.
+ * and given back from any thread.
  */
 class IMAGEACQUISITION_EXPORT IFrame
 {
