@@ -3,7 +3,6 @@
 
 #include "serial/ZorvaneCameraControlBoolean.h"
 #include "serial/ZorvaneCameraControlNumeric.h"
-#include "system/EarlierErrno.h"
 
 namespace ImageAcquisition
 {
@@ -31,7 +30,6 @@ bool ZorvaneCamera::init()
 
 bool ZorvaneCamera::initCommunication()
 {
-    ErrnoKept const earlier;
     return m_link.open(*device());
 }
 
