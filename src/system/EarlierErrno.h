@@ -36,7 +36,7 @@ public:
     ~ErrnoKept() { m_earlier.restore(); }
 
 private:
-    EarlierErrno const m_earlier;
+    EarlierErrno const m_earlier{};
 };
 
 } // namespace ImageAcquisition
