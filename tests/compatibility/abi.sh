@@ -24,7 +24,7 @@ interface_is_kept() {
 changed_interface() {
     mkdir -p "$work/$1/abi"
     cp -r "$source/include" "$source/src" "$work/$1/"
-    cp "$source/abi/dump" "$work/$1/abi/"
+    cp "$source/abi/dump" "$source/abi/module.suppressions" "$work/$1/abi/"
     sed -i "$2" "$work/$1/include/IDeviceList.h"
     # The library's own class need not know of the change.
     sed -i 's/ override;/;/' "$work/$1/src/device/DeviceList.h"

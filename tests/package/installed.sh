@@ -124,7 +124,7 @@ installed_tools_run() {
 
 # The tool with a copy of the library, beside which is what the caller puts there.
 tool_with_library_alone() {
-    local folder=$work/alone
+    local folder=$work/$case_name
     rm -rf "$folder"
     mkdir "$folder"
     cp -a "$(library_dir)"/libimageacquisition.so.* "$folder"
@@ -136,11 +136,11 @@ tool_with_library_alone() {
 
 # The camera has its formats, and a single line tells what it lacks.
 opened_without_serial_controls() {
-    grep -q '"name": "YUYV"' "$work/alone/show.json" || fail "no formats"
-    ! grep -q '"Focus Strategy"' "$work/alone/show.json" || fail "there are controls of the link"
+    grep -q '"name": "YUYV"' "$work/$case_name/show.json" || fail "no formats"
+    ! grep -q '"Focus Strategy"' "$work/$case_name/show.json" || fail "there are controls of the link"
     local warning='^WARNING: /dev/video[0-9]+ is opened without the controls on its serial port: '
-    [ "$(grep -cE "$warning.*$1" "$work/alone/errors")" -eq 1 ] ||
-        fail "$(cat "$work/alone/errors")"
+    [ "$(grep -cE "$warning.*$1" "$work/$case_name/errors")" -eq 1 ] ||
+        fail "$(cat "$work/$case_name/errors")"
 }
 
 module_is_found_beside_the_library() {
@@ -152,37 +152,33 @@ module_is_found_beside_the_library() {
     [ "$controls" -eq 39 ] || fail "$controls controls"
 }
 
-# Opens the first camera from another folder than the one in which it was started, and prints how
-# many controls it has.
-build_wanderer() {
+# module_is_found LIBRARY_PATH: by a client with that path, which has changed its folder before it
+# opens the first camera.
+module_is_found() {
+    local client=$work/$case_name controls
     printf '%s\n' '#include <ImageAcquisition.h>' '#include <cstdio>' '#include <memory>' \
         '#include <unistd.h>' 'using namespace ImageAcquisition;' 'int main() {' \
         '    ICameraFactory& factory = ICameraFactory::getUniqueInstance();' \
         '    std::unique_ptr<IDeviceList> const list(factory.createDeviceList());' \
         '    if (chdir("/tmp") != 0) return 1;' \
         '    std::unique_ptr<IBlockingCamera> camera(factory.createBlockingCamera(list->at(0)));' \
-        '    std::printf("%d\n", camera ? camera->controlNumber() : -1);' '}' >"$work/wanderer.cpp"
-    g++ -std=c++17 -I"$prefix/include/imageacquisition" "$work/wanderer.cpp" -o "$work/wanderer" \
+        '    std::printf("%d\n", camera ? camera->controlNumber() : -1);' '}' >"$client.cpp"
+    g++ -std=c++17 -I"$prefix/include/imageacquisition" "$client.cpp" -o "$client" \
         -L"$(library_dir)" -limageacquisition
+    controls=$(LD_LIBRARY_PATH=$1 "$build/virtualcamera/with-virtual-camera" --model serial -- \
+        "$client" 2>"$client.errors")
+    [ "$controls" -eq 39 ] || fail "$controls controls: $(cat "$client.errors")"
 }
 
 module_is_found_from_another_folder() {
-    build_wanderer
     cd "$(library_dir)/.."
-    # The link tool is looked for where the program was started; here it finds nobody.
-    [ "$(LD_LIBRARY_PATH=./$(basename "$(library_dir)") "$build/virtualcamera/with-virtual-camera" \
-        --model serial -- "$work/wanderer" 2>"$work/errors" | tail -n 1)" -eq 39 ] ||
-        fail "$(cat "$work/errors")"
+    module_is_found "./$(basename "$(library_dir)")"
 }
 
 module_is_found_through_a_link() {
-    build_wanderer
-    rm -rf "$work/links"
-    mkdir "$work/links"
-    ln -s "$(library_dir)/libimageacquisition.so.${version%%.*}" "$work/links/"
-    [ "$(LD_LIBRARY_PATH=$work/links "$build/virtualcamera/with-virtual-camera" \
-        --model serial -- "$work/wanderer" 2>"$work/errors" | tail -n 1)" -eq 39 ] ||
-        fail "$(cat "$work/errors")"
+    mkdir -p "$work/links"
+    ln -sf "$(library_dir)/libimageacquisition.so.${version%%.*}" "$work/links/"
+    module_is_found "$work/links"
 }
 
 video_works_without_the_module() {
