@@ -17,6 +17,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 // What no call of a camera fails with, and what only a scripted one does.
 constexpr int earlierErrno = ENOTBLK;
@@ -64,6 +65,15 @@ struct OneMethodCamera
         }
         node.clearLog();
     }
+    OneMethodCamera(OneMethodCamera const&) = delete;
+    OneMethodCamera& operator=(OneMethodCamera const&) = delete;
+    ~OneMethodCamera()
+    {
+        // The read method gives its frames away.
+        if (method() == ImageAcquisition::InputMethod::Read && frame != nullptr) {
+            camera.releaseFrame(frame);
+        }
+    }
 
     ImageAcquisition::InputMethod::Type method() const { return camera.inputMethod()->type(); }
 
@@ -77,7 +87,7 @@ struct OneMethodCamera
         return camera.setup(buffers) == 0;
     }
     bool acquire() { return !(frame = camera.acquireFrame())->isInvalid(); }
-    bool release() { return camera.releaseFrame(frame) == 0; }
+    bool release() { return camera.releaseFrame(std::exchange(frame, nullptr)) == 0; }
     ImageAcquisition::ICameraControlNumeric<int>& gain()
     {
         return dynamic_cast<ImageAcquisition::ICameraControlNumeric<int>&>(*camera.gainControl());

@@ -11,12 +11,12 @@ namespace
 using namespace ImageAcquisition;
 using testing::HasSubstr;
 
-std::vector<Iacq::DevicePtr> camerasWith(std::vector<std::string> const& serials)
+std::vector<Iacq::DevicePtr> camerasWith(std::vector<char const*> const& serials)
 {
     std::vector<Iacq::DevicePtr> cameras;
-    for (std::string const& serial : serials) {
+    for (char const* const serial : serials) {
         auto device = std::make_unique<DeviceStub>();
-        device->serialNumber = serial.c_str();
+        device->serialNumber = serial;
         cameras.push_back(std::move(device));
     }
     return cameras;
