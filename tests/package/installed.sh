@@ -28,7 +28,7 @@ carries_version() {
     file="$(library_dir)/libimageacquisition.so"
     [ "$(readlink -f "$file")" = "$(library_dir)/libimageacquisition.so.$version" ] ||
         fail "libimageacquisition.so leads to $(readlink -f "$file")"
-    readelf -d "$file" | grep -q "SONAME.*\[libimageacquisition.so.${version%%.*}\]" ||
+    grep -q "SONAME.*\[libimageacquisition.so.${version%%.*}\]" <<<"$(readelf -d "$file")" ||
         fail "SONAME: $(readelf -d "$file" | grep SONAME)"
 }
 

@@ -33,9 +33,12 @@ PATH=$PATH:/usr/sbin:/sbin
 
 # starts_after_commands_of PAGE: the README's program finds its library then, and did not before.
 starts_after_commands_of() {
+    local linked
     commands_of_root "$1" | grep -v 'DIR' >"$work/commands"
     rm -f /etc/ld.so.cache
-    ldd "$work/readme" | grep -q 'libimageacquisition.*not found' ||
+    # Read to its end: a pipe that closes at the first match fails ldd.
+    linked=$(ldd "$work/readme")
+    grep -q 'libimageacquisition.*not found' <<<"$linked" ||
         fail "the program finds the library, whatever $1 says"
     sh -e "$work/commands"
     "$build/virtualcamera/with-virtual-camera" "$work/readme" | tee "$work/readme.log"
