@@ -13,8 +13,18 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/imageacquisition" COMPONENT development
   FILES_MATCHING PATTERN "*.h")
 
+# The session layer is a component of the package: find_package(ImageAcquisition COMPONENTS Session).
+install(TARGETS ImageAcquisitionSession EXPORT ImageAcquisitionSessionTargets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime
+  NAMELINK_COMPONENT development)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/session/include/"
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/imageacquisition" COMPONENT development
+  FILES_MATCHING PATTERN "*.h")
+
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/ImageAcquisition")
 install(EXPORT ImageAcquisitionTargets NAMESPACE ImageAcquisition::
+  DESTINATION "${package_dir}" COMPONENT development)
+install(EXPORT ImageAcquisitionSessionTargets NAMESPACE ImageAcquisition::
   DESTINATION "${package_dir}" COMPONENT development)
 configure_package_config_file(
   "${CMAKE_CURRENT_LIST_DIR}/ImageAcquisitionConfig.cmake.in"
@@ -40,7 +50,9 @@ foreach(folder IN ITEMS LIBDIR INCLUDEDIR)
   # An absolute folder replaces the prefix.
   cmake_path(APPEND IMAGEACQUISITION_PC_${folder} "${CMAKE_INSTALL_${folder}}")
 endforeach()
-configure_file("${CMAKE_CURRENT_LIST_DIR}/imageacquisition.pc.in"
-               "${PROJECT_BINARY_DIR}/imageacquisition.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/imageacquisition.pc"
-  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+foreach(module IN ITEMS imageacquisition imageacquisition-session)
+  configure_file("${CMAKE_CURRENT_LIST_DIR}/${module}.pc.in"
+                 "${PROJECT_BINARY_DIR}/${module}.pc" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/${module}.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+endforeach()

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "session/Bytes.h"
+#include "session/SessionExport.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ImageAcquisition::Session
+{
+
+class Frame;
+
+/// How the bytes of a picture lie.
+struct PictureLayout
+{
+    std::string format;            ///< Four-character code.
+    unsigned int width = 0;        ///< Pixels.
+    unsigned int height = 0;       ///< Lines.
+    unsigned int bytesPerLine = 0; ///< 0: without gaps.
+};
+
+/**
+ * @brief A picture of red, green and blue bytes, made from what cameras deliver.
+ *
+ * A value; kept from frame to frame it allocates only when the size grows. Formats: YUYV, UYVY,
+ * NV12, YU12, YV12, MJPG, GREY, RGB3, BGR3 and the 8-bit Bayer orders.
+ *
+ * Threads: as any value.
+ */
+class IMAGEACQUISITION_SESSION_EXPORT Picture
+{
+public:
+    Picture();
+    Picture(Picture const& other);
+    Picture(Picture&& other) noexcept;
+    Picture& operator=(Picture const& other);
+    Picture& operator=(Picture&& other) noexcept;
+    ~Picture();
+
+    /// Whether pictures of this format can be made.
+    static bool converts(std::string const& format) noexcept;
+
+    /**
+     * @brief Becomes the picture of a frame.
+     *
+     * What a cut frame lacks stays black. A compressed frame whose header claims another size than
+     * the selection is not decoded.
+     * @throws Error Unsupported for a format that is not converted; Refused for data that is no
+     * picture. The picture is empty then.
+     */
+    void convert(Frame const& frame);
+    void convert(Bytes bytes, PictureLayout const& layout);
+
+    unsigned int width() const noexcept { return m_width; }
+    unsigned int height() const noexcept { return m_height; }
+    bool empty() const noexcept { return m_width == 0; }
+    /// Red, green and blue of each pixel, line by line from the top, without gaps.
+    Bytes rgb() const noexcept;
+
+private:
+    struct Decoder;
+
+    unsigned int m_width = 0;
+    unsigned int m_height = 0;
+    std::vector<unsigned char> m_rgb;
+    std::unique_ptr<Decoder> m_decoder; ///< Made when it is first needed; never copied.
+};
+
+} // namespace ImageAcquisition::Session

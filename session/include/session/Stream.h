@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "session/Error.h"
+#include "session/Frame.h"
+#include "session/SessionExport.h"
+#include "session/Statistics.h"
+#include "session/StreamOptions.h"
+
+#include <chrono>
+#include <cstddef>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace ImageAcquisition::Session
+{
+
+class Capture;
+
+/**
+ * @brief A running stream of frames; it ends when this object goes.
+ *
+ * Made by Camera::stream(). Movable; it keeps the open camera alive, and frames outlive it.
+ *
+ * Threads: next(), iteration and destruction by one thread at a time; stop(), state(), error() and
+ * statistics() from any.
+ */
+class IMAGEACQUISITION_SESSION_EXPORT Stream
+{
+public:
+    class Iterator;
+
+    Stream(Stream&& other) noexcept;
+    Stream& operator=(Stream&& other) noexcept;
+    ~Stream();
+
+    /**
+     * @brief Waits for the next frame.
+     * @param timeout zero only looks; negative waits without limit.
+     * @return the frame. An empty one when the time was over, which leaves state() at Running or
+     * Away, or when the stream has ended, which state() and statistics() explain. It never throws
+     * for what the camera does.
+     */
+    Frame next(std::chrono::milliseconds timeout);
+
+    /// For `for (Frame& frame : stream)`: waits StreamOptions::timeout for each frame, ends when
+    /// the stream is stopped, and throws Error (TimedOut, Unplugged, or as the driver failed)
+    /// otherwise. A frame that is not moved out of the loop goes back at the next step.
+    Iterator begin();
+    Iterator end() noexcept;
+
+    /// Ends the stream, and with it a next() that waits on another thread. Does nothing when it has
+    /// ended.
+    void stop() noexcept;
+
+    StreamState state() const noexcept;
+    /// What the stream ended with; nothing while it runs and after stop().
+    std::optional<Error> error() const;
+    Statistics statistics() const;
+
+    /// A descriptor that is readable while next() has something to say at once: for `poll`. Not to
+    /// be read or closed.
+    int descriptor() const noexcept;
+
+private:
+    friend class Camera;
+
+    explicit Stream(std::shared_ptr<Capture> capture) noexcept;
+
+    std::shared_ptr<Capture> m_capture;
+};
+
+/// Walks over a stream once.
+class IMAGEACQUISITION_SESSION_EXPORT Stream::Iterator
+{
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = Frame;
+    using difference_type = std::ptrdiff_t;
+    using pointer = Frame*;
+    using reference = Frame&;
+
+    /// The end of any stream.
+    Iterator() noexcept = default;
+    /// Waits for the first frame.
+    explicit Iterator(Stream& stream);
+
+    Frame& operator*() noexcept { return m_frame; }
+    Frame* operator->() noexcept { return &m_frame; }
+    Iterator& operator++();
+    bool operator==(Iterator const& other) const noexcept { return m_stream == other.m_stream; }
+    bool operator!=(Iterator const& other) const noexcept { return m_stream != other.m_stream; }
+
+private:
+    Stream* m_stream = nullptr;
+    Frame m_frame;
+};
+
+/**
+ * @brief Waits until one of several streams has a frame, or has ended.
+ * @param streams none of them null, and no other thread in their next().
+ * @param timeout as of Stream::next().
+ * @return its position, taking turns where several have; nothing when the time was over.
+ */
+IMAGEACQUISITION_SESSION_EXPORT std::optional<std::size_t>
+waitAny(std::vector<Stream*> const& streams, std::chrono::milliseconds timeout);
+
+} // namespace ImageAcquisition::Session

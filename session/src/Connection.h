@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "session/Found.h"
+
+#include <IBlockingCamera.h>
+
+#include <memory>
+#include <string>
+
+namespace ImageAcquisition::Session
+{
+
+/**
+ * One opening of a camera: the record, and the library's camera that was made from it. A stream
+ * that stays on makes a new one when the camera comes back; who holds on to an old one, because of
+ * a control or a frame that was lent, keeps that alive until he lets go.
+ */
+class Connection
+{
+public:
+    /// @throws Error when the camera cannot be opened.
+    static std::shared_ptr<Connection> open(Found const& found);
+
+    Connection(Found found, std::unique_ptr<IBlockingCamera> camera);
+
+    Found const& found() const { return m_found; }
+    std::string node() const { return m_found.node(); }
+    IBlockingCamera& camera() const { return *m_camera; }
+
+private:
+    Found m_found;
+    std::unique_ptr<IBlockingCamera> m_camera;
+};
+
+} // namespace ImageAcquisition::Session
