@@ -16,8 +16,6 @@ constexpr char vendorsProductId[] = IMAGEACQUISITION_PRODUCT_ID;
 
 } // namespace
 
-IDevice::~IDevice() = default;
-
 Device::Device(int index) : m_index(index) {}
 
 Device::Device(IDevice const* other) : m_index(0)

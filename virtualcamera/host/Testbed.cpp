@@ -132,6 +132,19 @@ void Testbed::removeNodeFile(std::string const& path)
     std::filesystem::remove(m_rootDirectory + path, ignored);
 }
 
+namespace
+{
+
+/// A USB revision as sysfs prints it: 0x0200 is " 2.00".
+std::string versionText(std::uint16_t revision)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, "%2x.%02x", revision >> 8, revision & 0xffu);
+    return text;
+}
+
+} // namespace
+
 UsbDevice Testbed::plug(UsbDeviceScript const& script)
 {
     int const bus = std::atoi(script.port.c_str());
@@ -144,6 +157,7 @@ UsbDevice Testbed::plug(UsbDeviceScript const& script)
                         {"product", script.product},
                         {"serial", script.serial},
                         {"speed", script.speed},
+                        {"version", versionText(script.usbRevision)},
                         {"busnum", std::to_string(bus)},
                         {"devnum", std::to_string(number)},
                         {"bConfigurationValue", "1"},
