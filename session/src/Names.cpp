@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "Names.h"
 
+#include "session/Control.h"
+
 #include <algorithm>
 #include <cctype>
 
-namespace Iacq
+namespace ImageAcquisition::Session
 {
 
 std::string shortName(std::string const& name)
@@ -34,4 +36,4 @@ bool equalIgnoringCase(std::string const& a, std::string const& b)
     });
 }
 
-} // namespace Iacq
+} // namespace ImageAcquisition::Session

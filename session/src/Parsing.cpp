@@ -7,7 +7,7 @@
 #include <cmath>
 #include <system_error>
 
-namespace Iacq
+namespace ImageAcquisition::Session
 {
 
 namespace
@@ -95,4 +95,4 @@ std::optional<double> parseFrameRate(std::string const& text)
     return value;
 }
 
-} // namespace Iacq
+} // namespace ImageAcquisition::Session

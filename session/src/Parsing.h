@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-namespace Iacq
+namespace ImageAcquisition::Session
 {
 
 struct Size
@@ -27,4 +27,4 @@ std::optional<Size> parseSize(std::string const& text);          ///< 640x480
 std::optional<Interval> parseInterval(std::string const& text);  ///< 1/30, in seconds
 std::optional<double> parseFrameRate(std::string const& text);   ///< 30 or 29.97, above 0
 
-} // namespace Iacq
+} // namespace ImageAcquisition::Session

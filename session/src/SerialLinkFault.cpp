@@ -9,7 +9,7 @@
 #include <memory>
 #include <sstream>
 
-namespace Iacq
+namespace ImageAcquisition::Session
 {
 
 namespace
@@ -76,4 +76,4 @@ std::string serialLinkFault(std::string const& busInfo)
     return serialLinkFault(log, busInfo);
 }
 
-} // namespace Iacq
+} // namespace ImageAcquisition::Session

@@ -4,7 +4,7 @@
 #include <istream>
 #include <string>
 
-namespace Iacq
+namespace ImageAcquisition::Session
 {
 
 /// What stands in the way of a camera's serial link, as far as can be seen from outside. The port
@@ -15,4 +15,4 @@ std::string serialLinkFault(std::istream& kernelLog, std::string const& busInfo,
 /// The same, with the log as dmesg prints it now.
 std::string serialLinkFault(std::string const& busInfo);
 
-} // namespace Iacq
+} // namespace ImageAcquisition::Session

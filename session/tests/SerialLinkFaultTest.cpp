@@ -11,6 +11,8 @@
 namespace
 {
 
+using namespace ImageAcquisition::Session;
+
 namespace files = std::filesystem;
 
 class SerialLinkFaultTest : public testing::Test
@@ -19,7 +21,7 @@ protected:
     std::string fault(std::string const& log) const
     {
         std::istringstream lines(log);
-        return Iacq::serialLinkFault(lines, "usb-0000:00:14.0-2.3", m_folder);
+        return serialLinkFault(lines, "usb-0000:00:14.0-2.3", m_folder);
     }
 
     ScratchFolder const m_scratch;

@@ -16,6 +16,9 @@
 namespace Iacq
 {
 
+using ImageAcquisition::Session::parseCount;
+using ImageAcquisition::Session::serialLinkFault;
+
 namespace
 {
 

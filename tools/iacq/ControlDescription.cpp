@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ControlDescription.h"
 
-#include "Names.h"
 #include "TerminalText.h"
+#include <session/Control.h>
 
 #include <ICameraControlBitMask.h>
 #include <ICameraControlBoolean.h>
@@ -17,6 +17,8 @@
 
 namespace Iacq
 {
+
+using ImageAcquisition::Session::shortName;
 
 namespace
 {

@@ -5,6 +5,8 @@
 #include "Names.h"
 #include "Parsing.h"
 
+#include <session/Control.h>
+
 #include <ICameraControlBitMask.h>
 #include <ICameraControlBoolean.h>
 #include <ICameraControlButton.h>
@@ -21,6 +23,12 @@
 
 namespace Iacq
 {
+
+using ImageAcquisition::Session::equalIgnoringCase;
+using ImageAcquisition::Session::parseCount;
+using ImageAcquisition::Session::parseInteger;
+using ImageAcquisition::Session::parseSwitch;
+using ImageAcquisition::Session::shortName;
 
 namespace
 {

@@ -9,6 +9,8 @@
 namespace Iacq
 {
 
+using ImageAcquisition::Session::equalIgnoringCase;
+
 OutputFormat outputFormatOf(std::string const& named, std::string const& path)
 {
     auto const dot = path.find_last_of("./");

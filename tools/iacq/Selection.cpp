@@ -14,6 +14,12 @@
 namespace Iacq
 {
 
+using ImageAcquisition::Session::Interval;
+using ImageAcquisition::Session::parseFrameRate;
+using ImageAcquisition::Session::parseInterval;
+using ImageAcquisition::Session::parseSize;
+using ImageAcquisition::Session::Size;
+
 namespace
 {
 

@@ -52,19 +52,27 @@ public:
     std::string description() const;
 
 private:
-    struct Content;
-    friend class CameraFinder;
+    friend class NodeWalk;
 
-    explicit Found(std::shared_ptr<Content const> content);
+    Found(std::shared_ptr<IDevice const> record, std::string port);
 
-    std::shared_ptr<Content const> m_content;
+    std::shared_ptr<IDevice const> m_record;
+    std::string m_port;
 };
 
 /// A video node that is no camera to be opened here.
 struct LeftOut
 {
-    std::string node;    ///< Such as /dev/video1.
-    std::string reason;  ///< In words, such as "does not capture video".
+    /// What stands in the way.
+    enum class Why {
+        NotOpened,  ///< It cannot be opened, or does not answer.
+        NoCapture,  ///< It does not capture, or only in several planes.
+        NoUsbDevice ///< No USB device stands behind it, or one without ids.
+    };
+
+    std::string node;   ///< Such as /dev/video1.
+    std::string reason; ///< In words, such as "does not capture video".
+    Why why = Why::NotOpened;
     int systemError = 0; ///< `errno` where a system call failed; 0 otherwise.
 };
 
