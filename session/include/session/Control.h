@@ -75,8 +75,9 @@ struct ControlState
  * handle: `camera["gain"] = 3`.
  *
  * Not within its reach, because the library's interfaces have no such thing: the default of a
- * number, compound controls (arrays and structures), and the range of 64-bit numbers, which a
- * kernel reports as 0 to 0, so that only 0 can be set.
+ * number, compound controls (arrays and structures), the items of a menu of numbers, which is set
+ * by position, and the range of 64-bit numbers, which a kernel reports as 0 to 0, so that only 0
+ * can be set.
  *
  * Every call may throw Error: Unplugged, Refused (with the reason), BadRequest (a value that is
  * none for this type of control).
@@ -130,7 +131,7 @@ public:
     long long maximum() const;
     /// Distance between values of a number; 1 for others.
     long long step() const;
-    /// The labels of a menu by position; of a menu of numbers, the numbers. Empty for others.
+    /// The labels of a menu by position; empty for others, menus of numbers among them.
     std::vector<std::string> items() const;
 
     /// The library's interface, for what this class does not offer. It is good until the camera is

@@ -55,7 +55,8 @@ public:
      */
     std::optional<Event> next(std::chrono::milliseconds timeout);
 
-    /// Ends watching for good, and a next() that waits. No callback begins afterwards.
+    /// Ends watching for good, and a next() that waits. A callback that is about to begin may still
+    /// run; none does after destruction.
     void stop() noexcept;
 
     /// A descriptor that is readable when next() may have something to say at once: for `poll`. Not
@@ -65,7 +66,10 @@ public:
 private:
     class Watch;
 
+    void end() noexcept;
+
     std::shared_ptr<Watch> m_watch;
+    bool m_callsBack = false;
 };
 
 } // namespace ImageAcquisition::Session
