@@ -3,8 +3,33 @@
 
 #include "session/Error.h"
 
+#include <utility>
+
 namespace ImageAcquisition::Session
 {
+
+ControlValue::ControlValue(Sort<true> /*boolean*/, long long value)
+    : m_content(std::in_place_type<bool>, value != 0)
+{
+}
+
+ControlValue::ControlValue(Sort<false> /*number*/, long long value)
+    : m_content(std::in_place_type<long long>, value)
+{
+}
+
+ControlValue::ControlValue(std::string value) : m_content(std::move(value)) {}
+
+ControlValue::ControlValue(char const* value)
+    : m_content(std::string(value == nullptr ? "" : value))
+{
+}
+
+ControlValue::ControlValue(ControlValue const& other) = default;
+ControlValue::ControlValue(ControlValue&& other) noexcept = default;
+ControlValue& ControlValue::operator=(ControlValue const& other) = default;
+ControlValue& ControlValue::operator=(ControlValue&& other) noexcept = default;
+ControlValue::~ControlValue() = default;
 
 std::string ControlValue::text() const
 {

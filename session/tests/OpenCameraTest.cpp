@@ -3,9 +3,12 @@
 #include "ErrorOf.h"
 #include "Machine.h"
 #include "OpenedCamera.h"
+#include "ScratchFolder.h"
 
 #include <IBlockingCamera.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -16,6 +19,20 @@ using namespace ImageAcquisition::Session;
 using testing::HasSubstr;
 using VirtualCamera::aCamera;
 using VirtualCamera::aUsbDevice;
+
+/// While it lives, the process has no more rights than anybody.
+class OrdinaryUser
+{
+public:
+    OrdinaryUser() { EXPECT_TRUE(m_own != 0 || seteuid(nobody) == 0); }
+    OrdinaryUser(OrdinaryUser const&) = delete;
+    OrdinaryUser& operator=(OrdinaryUser const&) = delete;
+    ~OrdinaryUser() { EXPECT_EQ(seteuid(m_own), 0); }
+
+private:
+    static constexpr uid_t nobody = 65534;
+    uid_t m_own = geteuid();
+};
 
 class OpenCameraTest : public testing::Test
 {
@@ -65,6 +82,25 @@ TEST_F(OpenCameraTest, TellsWhoMayOpenTheNode)
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind(), ErrorKind::NoPermission);
     EXPECT_THAT(error->hint(), HasSubstr("/dev/video0 belongs to group "));
+}
+
+TEST_F(OpenCameraTest, TellsThatTheNodesRightsForbidIt)
+{
+    ScratchFolder const folder;
+    std::string const node = folder.write("video0", "");
+    ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(chmod(node.c_str(), 0), 0);
+    DeviceStub record;
+    record.node = node.c_str();
+    auto const error = [&record] {
+        OrdinaryUser const user;
+        return errorOf([&record] { Camera::open(Found(record)); });
+    }();
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->kind(), ErrorKind::NoPermission);
+    EXPECT_EQ(error->systemError(), EACCES);
+    EXPECT_THAT(error->what(), HasSubstr("open the camera: " + node + ": "));
+    EXPECT_THAT(error->hint(), HasSubstr(", which may not use it, and you are "));
 }
 
 TEST_F(OpenCameraTest, TellsWhatStandsInTheWayOfTheSerialLink)

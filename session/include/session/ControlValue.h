@@ -5,7 +5,6 @@
 
 #include <string>
 #include <type_traits>
-#include <utility>
 #include <variant>
 
 namespace ImageAcquisition::Session
@@ -22,20 +21,18 @@ public:
     /// A Boolean, or any whole number.
     /// @throws Error (BadRequest) when it does not fit a `long long`.
     template <typename T, std::enable_if_t<std::is_integral_v<T>, int> = 0>
-    ControlValue(T value)
+    ControlValue(T value) : ControlValue(Sort<std::is_same_v<T, bool>>(), checked(value))
     {
-        if constexpr (std::is_same_v<T, bool>) {
-            m_content = value;
-        } else {
-            m_content = static_cast<long long>(value);
-            if (std::is_unsigned_v<T> && std::get<long long>(m_content) < 0) {
-                throwTooLarge();
-            }
-        }
     }
-    ControlValue(std::string value) : m_content(std::move(value)) {}
+    ControlValue(std::string value);
     /// Null is the empty text.
-    ControlValue(char const* value) : m_content(std::string(value == nullptr ? "" : value)) {}
+    ControlValue(char const* value);
+
+    ControlValue(ControlValue const& other);
+    ControlValue(ControlValue&& other) noexcept;
+    ControlValue& operator=(ControlValue const& other);
+    ControlValue& operator=(ControlValue&& other) noexcept;
+    ~ControlValue();
 
     Content const& content() const noexcept { return m_content; }
 
@@ -43,6 +40,22 @@ public:
     std::string text() const;
 
 private:
+    /// Whether a number stands for a Boolean.
+    template <bool isBoolean>
+    using Sort = std::integral_constant<bool, isBoolean>;
+
+    ControlValue(Sort<true> boolean, long long value);
+    ControlValue(Sort<false> number, long long value);
+
+    template <typename T>
+    static long long checked(T value)
+    {
+        auto const number = static_cast<long long>(value);
+        if (std::is_unsigned_v<T> && number < 0) {
+            throwTooLarge();
+        }
+        return number;
+    }
     [[noreturn]] static void throwTooLarge();
 
     Content m_content;
