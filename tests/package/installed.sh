@@ -46,13 +46,65 @@ exports_public_names() {
 
 needs_no_foreign_header() {
     local header
-    for header in "$prefix"/include/imageacquisition/*.h; do
-        g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror -fsyntax-only -x c++ "$header" 2>&1 |
+    for header in "$prefix"/include/imageacquisition/{,session/}*.h; do
+        g++ -std=c++17 -I "$prefix/include/imageacquisition" -Wall -Wextra -Wpedantic -Werror \
+            -fsyntax-only -x c++ "$header" 2>&1 |
             grep -v 'pragma once in main file' | grep -E 'error|warning' && fail "$header"
-        g++ -std=c++17 -M -x c++ "$header" | tr ' \\' '\n\n' |
+        g++ -std=c++17 -I "$prefix/include/imageacquisition" -M -x c++ "$header" | tr ' \\' '\n\n' |
             grep -iE '/Q[A-Z]|qt5|libusb|libudev|libv4l|linux/videodev' && fail "$header"
     done
     return 0
+}
+
+# A client of the session layer, found with CMake as a component and with pkg-config, and run.
+serves_session() {
+    mkdir -p "$work/session"
+    cat >"$work/session/app.cpp" <<'END'
+#include <Session.h>
+
+#include <iostream>
+
+int main()
+{
+    namespace ia = ImageAcquisition::Session;
+    ia::Camera camera = ia::Camera::open("0");
+    std::cout << camera.found().node() << " " << camera.select("").text() << "\n";
+    try {
+        camera["no such control"];
+    } catch (ia::Error const& error) {
+        std::cout << toText(error.kind()) << "\n";
+    }
+}
+END
+    cat >"$work/session/CMakeLists.txt" <<'END'
+cmake_minimum_required(VERSION 3.25)
+project(app LANGUAGES CXX)
+find_package(ImageAcquisition 1 REQUIRED COMPONENTS Session)
+add_executable(app app.cpp)
+target_link_libraries(app PRIVATE ImageAcquisition::Session)
+END
+    rm -rf "$work/session/build"
+    cmake -S "$work/session" -B "$work/session/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix"
+    cmake --build "$work/session/build"
+    PKG_CONFIG_PATH="$(library_dir)/pkgconfig" pkg-config --cflags --libs imageacquisition-session |
+        xargs g++ -std=c++17 "$work/session/app.cpp" -o "$work/session/app"
+    local program
+    for program in "$work/session/build/app" "$work/session/app"; do
+        on_virtual_camera "$program" | tee "$work/session/log"
+        grep -qE '^/dev/video0 [A-Z0-9]+ [0-9]+x[0-9]+@' "$work/session/log" || fail "no camera"
+        grep -qx 'not found' "$work/session/log" || fail "no error was caught"
+    done
+}
+
+# Each exported name of the session layer is in its namespace.
+exports_session_names() {
+    local foreign
+    nm -D --defined-only -C "$(library_dir)/libimageacquisition-session.so" | cut -d' ' -f3- \
+        >"$work/session-exports"
+    grep -q 'ImageAcquisition::Session::Camera::open' "$work/session-exports" ||
+        fail "the camera is not exported"
+    foreign=$(grep -vE 'ImageAcquisition::Session::' "$work/session-exports" || true)
+    [ -z "$foreign" ] || fail "exported without being the layer's: $foreign"
 }
 
 serves_cmake() {
