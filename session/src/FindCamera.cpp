@@ -45,31 +45,42 @@ std::string operationOf(std::string const& text)
 
 [[noreturn]] void throwLeftOut(std::string const& text, LeftOut const& node)
 {
-    bool const isAbsent =
-        node.why == LeftOut::Why::NotOpened && kindOf(node.systemError) == ErrorKind::Unplugged;
-    ErrorKind const kind = node.why != LeftOut::Why::NotOpened || isAbsent
-                               ? ErrorKind::NotFound
-                               : kindOf(node.systemError);
+    ErrorKind const opening = kindOf(node.systemError);
+    bool const isThere = node.why == LeftOut::Why::NotOpened && opening != ErrorKind::Unplugged;
+    ErrorKind const kind = node.why == LeftOut::Why::NoUsbDevice ? ErrorKind::Unsupported
+                           : isThere                             ? opening
+                                                                 : ErrorKind::NotFound;
     throw Error({kind, operationOf(text), node.reason, node.node, node.systemError,
                  kind == ErrorKind::Busy ? holdersOf(node.node) : ""});
 }
 
-std::string listed(CameraList const& list)
+std::string listed(std::vector<Found> const& cameras)
 {
     std::string text;
-    for (Found const& camera : list.cameras) {
+    for (Found const& camera : cameras) {
         text += (text.empty() ? "" : ", ") + camera.description();
     }
-    for (LeftOut const& node : list.leftOut) {
-        text += (text.empty() ? "" : ", ") + node.node + " " + node.reason;
-    }
-    return text.empty() ? "there is no video node" : text;
+    return text;
 }
 
-[[noreturn]] void throwAmbiguous(std::string const& text, std::vector<Found> matches)
+/// Without the nodes that stand beside cameras and never capture: nobody means those.
+std::string listed(CameraList const& list)
 {
-    throw Error({ErrorKind::Ambiguous, operationOf(text),
-                 "several cameras fit: " + listed({std::move(matches), {}})});
+    std::string leftOut;
+    for (LeftOut const& node : list.leftOut) {
+        if (node.why != LeftOut::Why::NoCapture) {
+            leftOut += (leftOut.empty() ? "left out: " : ", ") + node.node + " " + node.reason;
+        }
+    }
+    std::string const cameras =
+        list.cameras.empty() ? "there is none" : "there are " + listed(list.cameras);
+    return leftOut.empty() ? cameras : cameras + "; " + leftOut;
+}
+
+[[noreturn]] void throwAmbiguous(std::string const& text, std::vector<Found> const& matches)
+{
+    throw Error(
+        {ErrorKind::Ambiguous, operationOf(text), "several cameras fit: " + listed(matches)});
 }
 
 std::vector<Found> matching(CameraList const& list, Feature const& feature, std::string const& text)
@@ -148,9 +159,9 @@ Found findCamera(std::string const& text, CameraList const& list)
     if (std::string const node = nodeName(text); !node.empty()) {
         return findNode(text, node, list);
     }
-    std::vector<Found> matches = matching(list, text);
+    std::vector<Found> const matches = matching(list, text);
     if (matches.size() > 1) {
-        throwAmbiguous(text, std::move(matches));
+        throwAmbiguous(text, matches);
     }
     if (matches.empty()) {
         throw Error(

@@ -118,8 +118,9 @@ TEST_F(FindCameraTest, TellsWhatThereIsWhenNothingFits)
     auto const error = errorOf([] { findCamera("serial:X"); });
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind(), ErrorKind::NotFound);
-    EXPECT_THAT(error->what(), HasSubstr("find camera 'serial:X': no camera fits (/dev/video0"));
-    EXPECT_THAT(error->hint(), HasSubstr("/dev/video5 has no USB device behind it"));
+    EXPECT_THAT(error->what(),
+                HasSubstr("find camera 'serial:X': no camera fits (there are /dev/video0"));
+    EXPECT_THAT(error->hint(), HasSubstr("; left out: /dev/video5 has no USB device behind it"));
 }
 
 TEST_F(FindCameraTest, TellsWhyTheNodeThatIsNamedIsNone)
@@ -127,7 +128,7 @@ TEST_F(FindCameraTest, TellsWhyTheNodeThatIsNamedIsNone)
     m_machine.addWithoutUsb(5);
     auto const error = errorOf([] { findCamera("video5"); });
     ASSERT_TRUE(error);
-    EXPECT_EQ(error->kind(), ErrorKind::NotFound);
+    EXPECT_EQ(error->kind(), ErrorKind::Unsupported);
     EXPECT_EQ(error->node(), "/dev/video5");
     EXPECT_EQ(error->reason(), "has no USB device behind it");
 }

@@ -98,7 +98,7 @@ _iacq_show()
                 print node
                 exit
             }
-            if (camera == field["\"serial\":"]) {
+            if (camera == field["\"serial\":"] || camera == "serial:" field["\"serial\":"]) {
                 serial = node
             }
         }

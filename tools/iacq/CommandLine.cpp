@@ -15,7 +15,8 @@ namespace
 {
 
 constexpr char cameraHelp[] =
-    "Index in the list, node (video0 or /dev/video0), or serial number; an index comes first";
+    "Index in the list, node (video0 or /dev/video0), serial:NUMBER, port:1-2.3, name:NAME or "
+    "id:7a76:ca01; another text is tried as a serial number first";
 
 CLI::App* addCommand(CLI::App& app, char const* name, char const* help)
 {

@@ -108,8 +108,8 @@ IMAGEACQUISITION_SESSION_EXPORT CameraList findCameras();
  * Any other text is tried as a serial number, then as a port, a name, and ids; the first of them
  * that fits any camera decides.
  * @throws Error NotFound, with the nodes that were left out; NoPermission when the node that is
- * meant may not be opened; Ambiguous when several fit, which it lists; BadRequest for an empty
- * text.
+ * meant may not be opened; Unsupported when it has no USB device behind it; Ambiguous when several
+ * fit, which it lists; BadRequest for an empty text.
  */
 IMAGEACQUISITION_SESSION_EXPORT Found findCamera(std::string const& text);
 

@@ -133,15 +133,16 @@ void capture(CaptureOptions const& options)
     OutputFormat const format = outputFormatOf(options.outputFormat, options.output);
     // Finds fault with the name before the camera is kept busy.
     FrameSink sink(options.output, options.count);
-    CameraPtr const camera = openCamera(options.camera);
-    demandFormats(*camera);
-    selectFor(options, *camera);
-    Encoder const encoder(viewOf(*camera), format);
+    auto const opened = openCamera(options.camera);
+    ImageAcquisition::IBlockingCamera& camera = opened.interface();
+    demandFormats(camera);
+    selectFor(options, camera);
+    Encoder const encoder(viewOf(camera), format);
     sink.open();
     LossCount losses;
     try {
         record(
-            *camera, options,
+            camera, options,
             [&](int number, std::vector<unsigned char> const& bytes) {
                 sink.write(number, encoder.encode(bytes));
             },

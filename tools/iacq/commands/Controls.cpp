@@ -14,11 +14,11 @@ namespace Iacq
 
 void get(std::string const& camera, std::vector<std::string> const& names, bool json)
 {
-    CameraPtr const opened = openCamera(camera);
+    auto const opened = openCamera(camera);
     nlohmann::ordered_json described = nlohmann::ordered_json::array();
     std::string text;
     for (std::string const& name : names) {
-        ImageAcquisition::ICameraControl& control = findControl(*opened, name);
+        ImageAcquisition::ICameraControl& control = findControl(opened.interface(), name);
         control.updateState();
         described.push_back(describeControl(control));
         text += printable(control.name()) + ": " + valueText(described.back().at("value")) + "\n";
@@ -28,18 +28,19 @@ void get(std::string const& camera, std::vector<std::string> const& names, bool 
 
 void set(std::string const& camera, std::vector<std::string> const& assignments)
 {
-    applyAll(*openCamera(camera), assignments);
+    applyAll(openCamera(camera).interface(), assignments);
 }
 
 void reset(std::string const& camera)
 {
-    CameraPtr const opened = openCamera(camera);
-    if (!opened->device()->isaZorvaneDevice()) {
-        throw Failure(CameraFailed, std::string(opened->device()->systemName()) +
+    auto const opened = openCamera(camera);
+    ImageAcquisition::ICamera& device = opened.interface();
+    if (!device.device()->isaZorvaneDevice()) {
+        throw Failure(CameraFailed, std::string(device.device()->systemName()) +
                                         " is no camera that can be reset");
     }
-    if (!opened->softwareReset()) {
-        throw Failure(CameraFailed, std::string(opened->device()->systemName()) +
+    if (!device.softwareReset()) {
+        throw Failure(CameraFailed, std::string(device.device()->systemName()) +
                                         " was not reset: its USB device cannot be opened");
     }
 }

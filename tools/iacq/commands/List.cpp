@@ -38,8 +38,8 @@ void list(bool json)
     CameraList const list = listCameras();
     nlohmann::ordered_json described = nlohmann::ordered_json::array();
     std::string text;
-    for (DevicePtr const& camera : list.cameras) {
-        described.push_back(describeDevice(*camera, static_cast<int>(described.size())));
+    for (auto const& camera : list.cameras) {
+        described.push_back(describeDevice(camera.device(), static_cast<int>(described.size())));
         text += lineOf(described.back());
     }
     if (json) {

@@ -137,13 +137,14 @@ std::string controlText(Json const& control)
 
 void show(std::string const& camera, bool json)
 {
-    SelectedDevice const selected = selectDevice(camera);
-    CameraPtr const opened = openCamera(*selected.device);
-    Json description = describeDevice(*opened->device(), selected.index);
-    Json const formats = describeFormats(*opened);
+    auto const selected = selectDevice(camera);
+    auto const opened = openCamera(selected);
+    ImageAcquisition::ICamera const& device = opened.interface();
+    Json description = describeDevice(*device.device(), selected.index());
+    Json const formats = describeFormats(device);
     Json controls = Json::array();
-    for (int position = 0; position < opened->controlNumber(); ++position) {
-        controls.push_back(describeControl(*opened->control(position)));
+    for (int position = 0; position < device.controlNumber(); ++position) {
+        controls.push_back(describeControl(*device.control(position)));
     }
     if (json) {
         description["current"] = formats.at("current");

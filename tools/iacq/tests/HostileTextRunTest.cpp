@@ -62,8 +62,8 @@ TEST(HostileTextRunTest, StayInTheLineOfAnError)
     EXPECT_EQ(runIacq({"set", "0", "me_nu=2"}, camera).errors,
               "iacq: Me?nu? was not set: no such item: '2'\n");
     EXPECT_EQ(runIacq({"show", "x\ny\xc2\x9bz"}, camera).errors,
-              "iacq: no camera 'x?y?z' among the 1 there are; give an index, a node or a serial "
-              "number\n");
+              "iacq: find camera 'x?y?z': no camera fits (there are /dev/video0 'Evil?1: Fake?2J?' "
+              "serial:S?7 port:1-1)\n");
     EXPECT_EQ(runIacq({"capture", "0", "-o", "a.raw", "--format", "ABCD"}, camera).errors,
               "iacq: the camera has no format 'ABCD'; it has YU?V\n");
 }

@@ -107,8 +107,10 @@ TEST_P(SerialRunTest, TellsTroubleInOneLine)
     ProgramRun const run = runOnOneCamera("cd " + folder.path("") + " && " +
                                           GetParam().arrangement + "; iacq get 0 focus");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.errors, "iacq: /dev/video0 could not be initialised; the camera was reset; " +
-                              std::string(GetParam().reason) + "\n");
+    EXPECT_EQ(run.errors,
+              "iacq: open the camera: /dev/video0: could not be initialised; the camera "
+              "was reset (" +
+                  std::string(GetParam().reason) + ")\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -33,11 +33,13 @@ TEST(ShowRunTest, SaysThatALoopbackIsNoneOfTheCameras)
 {
     ProgramRun run = runIacq({"show", "2"}, behindALoopback);
     EXPECT_EQ(run.status, 3);
-    EXPECT_EQ(run.errors, "iacq: no camera '2' among the 2 there are (left out: /dev/video0 has no "
-                          "USB device behind it); give an index, a node or a serial number\n");
+    EXPECT_EQ(run.errors,
+              "iacq: find camera '2': no camera fits (there are /dev/video2 'Virtual Webcam' "
+              "serial:VC1001 port:1-2, /dev/video4 'Virtual Vendor Camera' serial:VC1002 port:1-3; "
+              "left out: /dev/video0 has no USB device behind it)\n");
     run = runIacq({"show", "video0"}, behindALoopback);
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.errors, "iacq: /dev/video0 has no USB device behind it\n");
+    EXPECT_EQ(run.errors, "iacq: find camera 'video0': /dev/video0: has no USB device behind it\n");
 }
 
 TEST(ShowRunTest, StillFindsACameraByNodeBesideOneWithoutUsbDevice)
@@ -91,8 +93,18 @@ TEST(ShowRunTest, RefusesASerialNumberOfSeveralCameras)
         {"node": "/dev/video1", "usb": {"port": "1-2", "serial": "TWIN"}}]})")};
     ProgramRun const run = runIacq({"show", "TWIN"}, twins);
     EXPECT_EQ(run.status, 3);
-    EXPECT_EQ(run.errors, "iacq: several cameras have the serial number 'TWIN'; name one by its "
-                          "node\n");
+    EXPECT_EQ(run.errors, "iacq: find camera 'TWIN': several cameras fit: /dev/video0 'Virtual "
+                          "Camera' serial:TWIN port:1-1, /dev/video1 'Virtual Camera' serial:TWIN "
+                          "port:1-2\n");
+}
+
+TEST(ShowRunTest, TakesAPortANameAndIds)
+{
+    for (char const* const text : {"port:1-3", "name:Virtual Vendor Camera", "id:7A76:CA01"}) {
+        ProgramRun const run = runIacq({"show", text, "--json"}, behindALoopback);
+        ASSERT_EQ(run.status, 0) << run.errors;
+        EXPECT_EQ(Json::parse(run.output).at("node"), "/dev/video4") << text;
+    }
 }
 
 TEST(ShowRunTest, PrintsFormatsAndControlsForPeople)
