@@ -41,7 +41,7 @@ std::vector<FormatOffer> Camera::offers() const
 Selection Camera::selection() const
 {
     return m_camera->call([](auto const& present) {
-        Selection const selection = currentLayout(*present).selection;
+        Selection selection = currentLayout(*present).selection;
         if (int const error =
                 selection.format.empty() ? OwnNode(present->node()).openingError() : 0) {
             throw systemFailure("ask for the selection", present->found(), error);

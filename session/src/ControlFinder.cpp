@@ -131,6 +131,7 @@ std::vector<Control> ControlFinder::all() const
 {
     return m_camera->call([this](std::shared_ptr<Connection> const& present) {
         std::vector<Control> controls;
+        controls.reserve(static_cast<std::size_t>(present->camera().controlNumber()));
         for (int position = 0; position < present->camera().controlNumber(); ++position) {
             controls.push_back(handle(present, *present->camera().control(position)));
         }

@@ -111,6 +111,7 @@ struct Lister
     std::vector<std::string> operator()(ICameraControlStringMenu* menu) const
     {
         std::vector<std::string> items;
+        items.reserve(static_cast<std::size_t>(menu->count()));
         for (int i = 0; i < menu->count(); ++i) {
             items.emplace_back(menu->string(i));
         }

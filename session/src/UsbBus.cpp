@@ -27,7 +27,7 @@ std::string askForFirmware(libusb_device* device)
 
 UsbBus::~UsbBus()
 {
-    if (m_count >= 0) {
+    if (m_devices != nullptr) {
         libusb_free_device_list(m_devices, 1);
     }
 }
@@ -35,8 +35,12 @@ UsbBus::~UsbBus()
 void UsbBus::list()
 {
     m_context = createUsbContext();
-    if (m_context) {
-        m_count = libusb_get_device_list(m_context.get(), &m_devices);
+    ssize_t const count =
+        m_context ? libusb_get_device_list(m_context.get(), &m_devices) : ssize_t{0};
+    for (ssize_t i = 0; i < count; ++i) {
+        m_byAddress.emplace(std::pair<int, int>(libusb_get_bus_number(m_devices[i]),
+                                                libusb_get_device_address(m_devices[i])),
+                            m_devices[i]);
     }
 }
 
@@ -45,13 +49,8 @@ std::string UsbBus::firmwareRevision(int bus, int address)
     if (!m_context) {
         list();
     }
-    for (ssize_t i = 0; i < m_count; ++i) {
-        if (libusb_get_bus_number(m_devices[i]) == bus &&
-            libusb_get_device_address(m_devices[i]) == address) {
-            return askForFirmware(m_devices[i]);
-        }
-    }
-    return "";
+    auto const found = m_byAddress.find({bus, address});
+    return found == m_byAddress.end() ? "" : askForFirmware(found->second);
 }
 
 } // namespace ImageAcquisition::Session

@@ -3,7 +3,9 @@
 
 #include "system/UsbHandles.h"
 
+#include <map>
 #include <string>
+#include <utility>
 
 namespace ImageAcquisition::Session
 {
@@ -27,7 +29,7 @@ private:
 
     UsbContext m_context;
     libusb_device** m_devices = nullptr;
-    ssize_t m_count = -1;
+    std::map<std::pair<int, int>, libusb_device*> m_byAddress;
 };
 
 } // namespace ImageAcquisition::Session

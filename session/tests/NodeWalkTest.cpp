@@ -5,9 +5,12 @@
 #include "session/Found.h"
 
 #include <IDevice.h>
+#include <dlfcn.h>
 #include <gmock/gmock.h>
+#include <libusb.h>
 #include <linux/videodev2.h>
 
+#include <atomic>
 #include <cerrno>
 
 namespace
@@ -20,6 +23,22 @@ using testing::HasSubstr;
 using testing::StartsWith;
 using VirtualCamera::aCamera;
 using VirtualCamera::aUsbDevice;
+
+/// How many contexts of libusb were made: each costs a scan of every USB device.
+std::atomic<int> usbContexts{0};
+
+} // namespace
+
+extern "C" int libusb_init(libusb_context** context)
+{
+    static auto* const real =
+        reinterpret_cast<decltype(&libusb_init)>(dlsym(RTLD_NEXT, "libusb_init"));
+    ++usbContexts;
+    return real(context);
+}
+
+namespace
+{
 
 class NodeWalkTest : public testing::Test
 {
@@ -85,6 +104,25 @@ TEST_F(NodeWalkTest, TellsTwinsApart)
     EXPECT_EQ(list.cameras[1].device().usbRevision(), 0x0300);
     expectOneRequest(first, 0xB0, 32);
     expectOneRequest(second, 0xB0, 32);
+}
+
+TEST_F(NodeWalkTest, LooksAtTheBusOnceForAllCameras)
+{
+    for (int number = 0; number < 4; ++number) {
+        auto const usb = vendorUsbDevice("1-" + std::to_string(number + 1)).withFirmware("T");
+        m_machine.add(number, m_machine.plug(usb));
+    }
+    usbContexts = 0;
+    EXPECT_EQ(findCameras().cameras.size(), 4u);
+    EXPECT_EQ(usbContexts, 1);
+}
+
+TEST_F(NodeWalkTest, LooksAtNoBusWithoutTheVendorsCameras)
+{
+    m_machine.add(0, m_machine.plug(aUsbDevice()));
+    usbContexts = 0;
+    EXPECT_EQ(findCameras().cameras.size(), 1u);
+    EXPECT_EQ(usbContexts, 0);
 }
 
 TEST_F(NodeWalkTest, AsksOnlyTheVendorsCamerasForTheirFirmware)
