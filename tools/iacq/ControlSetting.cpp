@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "ControlSetting.h"
 
+#include "ControlFinder.h"
 #include "ControlWriting.h"
 #include "Failure.h"
-
-#include <session/Control.h>
 
 #include <ICameraControlBoolean.h>
 #include <ICameraControlInt64Menu.h>
 #include <ICameraControlStringMenu.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace Iacq
 {
@@ -20,7 +18,6 @@ using ImageAcquisition::Session::press;
 using ImageAcquisition::Session::Refusal;
 using ImageAcquisition::Session::refusalByNature;
 using ImageAcquisition::Session::refusalByState;
-using ImageAcquisition::Session::shortName;
 using ImageAcquisition::Session::Write;
 using ImageAcquisition::Session::writeValue;
 
@@ -88,25 +85,14 @@ void check(std::vector<Assignment> const& assignments, Refusals& refusals)
     }
 }
 
+/// The control of this name, short name or purpose; null when there is none.
 ICameraControl* lookUp(ICamera const& camera, std::string const& name)
 {
-    ICameraControl* const exact = camera.control(name.c_str());
-    if (exact != camera.invalidControl()) {
-        return exact;
+    try {
+        return Session::lookUpControl(camera, name);
+    } catch (Session::Error const& error) {
+        throw Failure(BadUsage, error.reason());
     }
-    ICameraControl* found = nullptr;
-    for (int position = 0; position < camera.controlNumber(); ++position) {
-        ICameraControl* const control = camera.control(position);
-        if (shortName(control->name()) != name) {
-            continue;
-        }
-        if (found != nullptr && std::strcmp(found->name(), control->name()) != 0) {
-            throw Failure(BadUsage, "'" + name + "' may be '" + found->name() + "' or '" +
-                                        control->name() + "'; give the full name");
-        }
-        found = found == nullptr ? control : found;
-    }
-    return found;
 }
 
 } // namespace

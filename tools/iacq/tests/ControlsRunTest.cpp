@@ -88,6 +88,13 @@ TEST(ControlsRunTest, GetPrintsValuesByNameAndByShortForm)
                           "Integer 64 Bits: 8589934592\n");
 }
 
+TEST(ControlsRunTest, GetKnowsControlsByTheirPurpose)
+{
+    ProgramRun const run = runIacq({"get", "0", "exposure"}, {"--model", "webcam"});
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.output.rfind("Exposure", 0), 0u) << run.output;
+}
+
 TEST(ControlsRunTest, GetDescribesControlsAsJson)
 {
     ProgramRun const run = runIacq({"get", "0", "menu", "--json"}, allControls);
