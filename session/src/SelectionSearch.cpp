@@ -346,6 +346,7 @@ std::vector<FormatOffer> offersOf(Connection const& connection)
 {
     OwnNode node(connection.node());
     std::vector<FormatOffer> offers;
+    offers.reserve(static_cast<std::size_t>(connection.camera().formatNumber()));
     for (int i = 0; i < connection.camera().formatNumber(); ++i) {
         offers.push_back(formatOffer(*connection.camera().format(i), node));
     }
@@ -354,7 +355,7 @@ std::vector<FormatOffer> offersOf(Connection const& connection)
 
 Selection selectOn(Connection const& connection, Selection const& wish, Match match)
 {
-    Selection const present = currentLayout(connection).selection;
+    Selection present = currentLayout(connection).selection;
     if (wish == Selection() && !present.format.empty()) {
         return present;
     }
@@ -366,7 +367,7 @@ Selection selectOn(Connection const& connection, Selection const& wish, Match ma
     if (!set(connection, offers, choice)) {
         throw systemFailure(operation, connection.found(), errno, "the camera refused " + chosen);
     }
-    Selection const actual = currentLayout(connection).selection;
+    Selection actual = currentLayout(connection).selection;
     if (match == Match::Exact && differs(actual, wish, choice, format)) {
         throw Error({ErrorKind::Refused, operation,
                      "asked for " + chosen + ", the driver set " + actual.text(),
