@@ -60,43 +60,43 @@ protected:
     }
     std::string refusalOf(std::string const& name, ControlValue const& value) const
     {
-        return refusal([&] { camera[name] = value; });
+        return refusal([&] { m_camera[name] = value; });
     }
 
     OpenedCamera m_opened{cameraWithControls()};
-    VirtualCamera::InstalledCamera& video = m_opened.video;
-    Camera& camera = m_opened.camera;
+    VirtualCamera::InstalledCamera& m_video = m_opened.video;
+    Camera& m_camera = m_opened.camera;
 };
 
 TEST_F(ControlHandleTest, IsFoundByTheDriversNameTheShortNameAndThePurpose)
 {
     for (char const* const name :
          {"Exposure Time, Absolute", "exposure_time_absolute", "exposure"}) {
-        EXPECT_EQ(camera[name].name(), "Exposure Time, Absolute") << name;
+        EXPECT_EQ(m_camera[name].name(), "Exposure Time, Absolute") << name;
     }
-    EXPECT_EQ(camera["auto_focus"].name(), "Focus, Automatic Continuous");
-    EXPECT_EQ(camera["gain"].shortName(), "gain");
-    EXPECT_EQ(camera["gain"].id(), static_cast<unsigned int>(V4L2_CID_GAIN));
+    EXPECT_EQ(m_camera["auto_focus"].name(), "Focus, Automatic Continuous");
+    EXPECT_EQ(m_camera["gain"].shortName(), "gain");
+    EXPECT_EQ(m_camera["gain"].id(), static_cast<unsigned int>(V4L2_CID_GAIN));
 }
 
 TEST_F(ControlHandleTest, IsSuggestedByNearbyNames)
 {
-    auto const error = errorOf([&] { camera["exposure_tme"]; });
+    auto const error = errorOf([&] { m_camera["exposure_tme"]; });
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind(), ErrorKind::NotFound);
     EXPECT_THAT(error->hint(), HasSubstr("nearest: "));
     EXPECT_THAT(error->hint(), HasSubstr("auto_exposure"));
-    EXPECT_THAT(errorOf([&] { camera["gian"]; })->hint(), HasSubstr("nearest: gain"));
-    EXPECT_THAT(errorOf([&] { camera["absolute"]; })->hint(),
+    EXPECT_THAT(errorOf([&] { m_camera["gian"]; })->hint(), HasSubstr("nearest: gain"));
+    EXPECT_THAT(errorOf([&] { m_camera["absolute"]; })->hint(),
                 HasSubstr("nearest: exposure_time_absolute"));
-    EXPECT_EQ(errorOf([&] { camera["hue"]; })->kind(), ErrorKind::NotFound)
+    EXPECT_EQ(errorOf([&] { m_camera["hue"]; })->kind(), ErrorKind::NotFound)
         << "a purpose that the camera has no control for";
 }
 
 TEST_F(ControlHandleTest, ListsAllOfThem)
 {
     std::vector<std::string> names;
-    for (Control const& control : camera.controls()) {
+    for (Control const& control : m_camera.controls()) {
         names.push_back(control.shortName());
     }
     EXPECT_EQ(names.size(), 10u);
@@ -105,53 +105,53 @@ TEST_F(ControlHandleTest, ListsAllOfThem)
 
 TEST_F(ControlHandleTest, TakesNumbersBooleansTextsAndLabels)
 {
-    camera["gain"] = 42;
-    EXPECT_EQ(video.controlValue(V4L2_CID_GAIN), 42);
-    camera["gain"] = "0x10";
-    EXPECT_EQ(video.controlValue(V4L2_CID_GAIN), 16);
-    camera["auto_focus"] = true;
-    EXPECT_EQ(video.controlValue(V4L2_CID_FOCUS_AUTO), 1);
-    camera["auto_focus"] = "off";
-    EXPECT_EQ(video.controlValue(V4L2_CID_FOCUS_AUTO), 0);
-    camera["auto_exposure"] = "manual mode";
-    EXPECT_EQ(video.controlValue(V4L2_CID_EXPOSURE_AUTO), 1);
-    camera["auto_exposure"] = 1;
-    EXPECT_EQ(video.controlValue(V4L2_CID_EXPOSURE_AUTO), 3) << "the item at position 1";
-    camera["label"] = "wxyz";
-    EXPECT_EQ(video.controlText(textId), "wxyz");
-    camera["bits"] = 0x81u;
-    EXPECT_EQ(video.controlValue(maskId), 0x81);
-    camera["link_frequency"] = 1;
-    EXPECT_EQ(video.controlValue(numbersId), 1);
+    m_camera["gain"] = 42;
+    EXPECT_EQ(m_video.controlValue(V4L2_CID_GAIN), 42);
+    m_camera["gain"] = "0x10";
+    EXPECT_EQ(m_video.controlValue(V4L2_CID_GAIN), 16);
+    m_camera["auto_focus"] = true;
+    EXPECT_EQ(m_video.controlValue(V4L2_CID_FOCUS_AUTO), 1);
+    m_camera["auto_focus"] = "off";
+    EXPECT_EQ(m_video.controlValue(V4L2_CID_FOCUS_AUTO), 0);
+    m_camera["auto_exposure"] = "manual mode";
+    EXPECT_EQ(m_video.controlValue(V4L2_CID_EXPOSURE_AUTO), 1);
+    m_camera["auto_exposure"] = 1;
+    EXPECT_EQ(m_video.controlValue(V4L2_CID_EXPOSURE_AUTO), 3) << "the item at position 1";
+    m_camera["label"] = "wxyz";
+    EXPECT_EQ(m_video.controlText(textId), "wxyz");
+    m_camera["bits"] = 0x81u;
+    EXPECT_EQ(m_video.controlValue(maskId), 0x81);
+    m_camera["link_frequency"] = 1;
+    EXPECT_EQ(m_video.controlValue(numbersId), 1);
 }
 
 TEST_F(ControlHandleTest, TellsTheValueInTheFormOfTheControl)
 {
-    EXPECT_EQ(camera["gain"].value(), ControlValue(10));
-    EXPECT_EQ(camera["auto_focus"].value(), ControlValue(false));
-    EXPECT_EQ(camera["auto_exposure"].value(), ControlValue("Aperture Priority Mode"));
-    EXPECT_EQ(camera["auto_exposure"].number(), 1);
-    EXPECT_EQ(camera["label"].value(), ControlValue("abc"));
-    EXPECT_EQ(camera["bits"].value(), ControlValue(5));
-    EXPECT_EQ(camera["gain"].value().text(), "10");
+    EXPECT_EQ(m_camera["gain"].value(), ControlValue(10));
+    EXPECT_EQ(m_camera["auto_focus"].value(), ControlValue(false));
+    EXPECT_EQ(m_camera["auto_exposure"].value(), ControlValue("Aperture Priority Mode"));
+    EXPECT_EQ(m_camera["auto_exposure"].number(), 1);
+    EXPECT_EQ(m_camera["label"].value(), ControlValue("abc"));
+    EXPECT_EQ(m_camera["bits"].value(), ControlValue(5));
+    EXPECT_EQ(m_camera["gain"].value().text(), "10");
 }
 
 TEST_F(ControlHandleTest, TellsTypeRangeAndItems)
 {
-    EXPECT_EQ(camera["gain"].type(), ControlType::Number);
-    EXPECT_EQ(camera["gain"].minimum(), 0);
-    EXPECT_EQ(camera["gain"].maximum(), 100);
-    EXPECT_EQ(camera["gain"].step(), 2);
-    EXPECT_EQ(camera["label"].type(), ControlType::Text);
-    EXPECT_EQ(camera["label"].maximum(), 4);
-    EXPECT_EQ(camera["auto_focus"].type(), ControlType::Switch);
-    EXPECT_EQ(camera["bits"].type(), ControlType::BitMask);
-    EXPECT_EQ(camera["reset_all"].type(), ControlType::Button);
-    EXPECT_THAT(camera["auto_exposure"].items(),
+    EXPECT_EQ(m_camera["gain"].type(), ControlType::Number);
+    EXPECT_EQ(m_camera["gain"].minimum(), 0);
+    EXPECT_EQ(m_camera["gain"].maximum(), 100);
+    EXPECT_EQ(m_camera["gain"].step(), 2);
+    EXPECT_EQ(m_camera["label"].type(), ControlType::Text);
+    EXPECT_EQ(m_camera["label"].maximum(), 4);
+    EXPECT_EQ(m_camera["auto_focus"].type(), ControlType::Switch);
+    EXPECT_EQ(m_camera["bits"].type(), ControlType::BitMask);
+    EXPECT_EQ(m_camera["reset_all"].type(), ControlType::Button);
+    EXPECT_THAT(m_camera["auto_exposure"].items(),
                 ElementsAre("Manual Mode", "Aperture Priority Mode"));
-    EXPECT_EQ(camera["link_frequency"].type(), ControlType::Menu);
-    EXPECT_THAT(camera["link_frequency"].items(), testing::IsEmpty());
-    EXPECT_THAT(camera["gain"].items(), testing::IsEmpty());
+    EXPECT_EQ(m_camera["link_frequency"].type(), ControlType::Menu);
+    EXPECT_THAT(m_camera["link_frequency"].items(), testing::IsEmpty());
+    EXPECT_THAT(m_camera["gain"].items(), testing::IsEmpty());
 }
 
 TEST_F(ControlHandleTest, RefusesValuesWithTheirReason)
@@ -161,40 +161,40 @@ TEST_F(ControlHandleTest, RefusesValuesWithTheirReason)
     EXPECT_EQ(refusalOf("gain", true), "bad request: 'on' is no number");
     EXPECT_EQ(refusalOf("auto_focus", 2), "bad request: '2' is neither on nor off");
     EXPECT_EQ(refusalOf("auto_exposure", "Auto"), "bad request: no such item: 'Auto'");
-    EXPECT_EQ(errorOf([&] { camera["auto_exposure"] = 2; })->hint(),
+    EXPECT_EQ(errorOf([&] { m_camera["auto_exposure"] = 2; })->hint(),
               "it has 'Manual Mode', 'Aperture Priority Mode'");
     EXPECT_EQ(refusalOf("label", "abcde"), "refused: its length 5 is outside 2..4");
     EXPECT_EQ(refusalOf("sharpness", 3), "refused: read-only");
     EXPECT_EQ(refusalOf("reset_all", 1), "bad request: it is a button: give its name alone");
-    EXPECT_EQ(refusal([&] { camera["gain"].press(); }),
+    EXPECT_EQ(refusal([&] { m_camera["gain"].press(); }),
               "bad request: it needs a value: NAME=VALUE");
-    EXPECT_EQ(video.controlValue(V4L2_CID_GAIN), 10);
+    EXPECT_EQ(m_video.controlValue(V4L2_CID_GAIN), 10);
 }
 
 TEST_F(ControlHandleTest, AsksForTheStateBeforeItSets)
 {
     EXPECT_EQ(refusalOf("exposure", 300), "refused: inactive");
-    EXPECT_EQ(camera["exposure"].refusal(300), "inactive");
-    EXPECT_TRUE(camera["exposure"].state().inactive);
-    Control const exposure = camera["exposure"];
-    camera["auto_exposure"] = "Manual Mode";
+    EXPECT_EQ(m_camera["exposure"].refusal(300), "inactive");
+    EXPECT_TRUE(m_camera["exposure"].state().inactive);
+    Control const exposure = m_camera["exposure"];
+    m_camera["auto_exposure"] = "Manual Mode";
     EXPECT_EQ(exposure.refusal(300), "");
     EXPECT_FALSE(exposure.state().inactive);
     exposure = 300;
-    EXPECT_EQ(video.controlValue(V4L2_CID_EXPOSURE_ABSOLUTE), 300);
+    EXPECT_EQ(m_video.controlValue(V4L2_CID_EXPOSURE_ABSOLUTE), 300);
 }
 
 TEST_F(ControlHandleTest, PressesButtons)
 {
-    camera["reset_all"].press();
-    EXPECT_EQ(video.controlWrites(buttonId), 1u);
-    EXPECT_EQ(refusal([&] { camera["reset_all"].value(); }), "refused: it is a button");
+    m_camera["reset_all"].press();
+    EXPECT_EQ(m_video.controlWrites(buttonId), 1u);
+    EXPECT_EQ(refusal([&] { m_camera["reset_all"].value(); }), "refused: it is a button");
 }
 
 TEST_F(ControlHandleTest, TellsWhatTheDriverRefused)
 {
-    video.fail(VIDIOC_S_CTRL, EIO);
-    auto const error = errorOf([&] { camera["gain"] = 20; });
+    m_video.fail(VIDIOC_S_CTRL, EIO);
+    auto const error = errorOf([&] { m_camera["gain"] = 20; });
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind(), ErrorKind::Refused);
     EXPECT_EQ(error->operation(), "set Gain to '20'");
@@ -205,16 +205,16 @@ TEST_F(ControlHandleTest, TellsWhatTheDriverRefused)
 
 TEST_F(ControlHandleTest, TellsAFailedReadingFromAZero)
 {
-    camera["gain"] = 0;
-    EXPECT_EQ(camera["gain"].value(), ControlValue(0));
-    video.failFrom(VIDIOC_G_CTRL, EIO);
-    EXPECT_EQ(refusal([&] { camera["gain"].value(); }), "refused: the camera did not answer");
+    m_camera["gain"] = 0;
+    EXPECT_EQ(m_camera["gain"].value(), ControlValue(0));
+    m_video.failFrom(VIDIOC_G_CTRL, EIO);
+    EXPECT_EQ(refusal([&] { m_camera["gain"].value(); }), "refused: the camera did not answer");
 }
 
 TEST_F(ControlHandleTest, TellsThatTheCameraIsGone)
 {
-    Control const gain = camera["gain"];
-    video.unplug();
+    Control const gain = m_camera["gain"];
+    m_video.unplug();
     EXPECT_EQ(errorOf([&] { gain.set(3); })->kind(), ErrorKind::Unplugged);
     EXPECT_EQ(errorOf([&] { gain.value(); })->kind(), ErrorKind::Unplugged);
 }
@@ -240,8 +240,8 @@ TEST_F(ControlHandleTest, MayBeUsedByManyThreads)
     for (int number = 0; number < 4; ++number) {
         threads.emplace_back([this, number] {
             for (int round = 0; round < 50; ++round) {
-                camera["gain"] = number;
-                EXPECT_LE(camera["gain"].number(), 4);
+                m_camera["gain"] = number;
+                EXPECT_LE(m_camera["gain"].number(), 4);
             }
         });
     }
@@ -262,9 +262,9 @@ TEST_F(ControlHandleTest, IsVisitedByItsTypedInterface)
             return "something else";
         }
     };
-    EXPECT_EQ(std::visit(describe, camera["gain"].typed()), "number up to 100");
-    EXPECT_EQ(std::visit(describe, camera["auto_focus"].typed()), "switch");
-    EXPECT_EQ(std::visit(describe, camera["label"].typed()), "something else");
+    EXPECT_EQ(std::visit(describe, m_camera["gain"].typed()), "number up to 100");
+    EXPECT_EQ(std::visit(describe, m_camera["auto_focus"].typed()), "switch");
+    EXPECT_EQ(std::visit(describe, m_camera["label"].typed()), "something else");
 }
 
 TEST_F(ControlHandleTest, IsAmbiguousWhereAShortFormFitsSeveral)
