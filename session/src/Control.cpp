@@ -165,6 +165,7 @@ void Control::set(ControlValue const& value) const
     locked([&](ICameraControl& control, Connection const& connection) {
         carryOut(preparedWrite(control, value), "set " + m_name + " to '" + value.text() + "'",
                  connection);
+        m_camera->noteSet(m_name, value);
     });
 }
 

@@ -3,11 +3,14 @@
 
 #include "Connection.h"
 
-#include "session/Selection.h"
+#include "session/ControlValue.h"
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace ImageAcquisition::Session
 {
@@ -47,6 +50,25 @@ public:
         m_connection = std::move(connection);
     }
 
+    /// A control was set, by a call().
+    void noteSet(std::string const& name, ControlValue const& value)
+    {
+        std::lock_guard<std::mutex> const lock(m_notes);
+        auto const known = std::find_if(m_setControls.begin(), m_setControls.end(),
+                                        [&](auto const& set) { return set.first == name; });
+        if (known == m_setControls.end()) {
+            m_setControls.emplace_back(name, value);
+        } else {
+            known->second = value;
+        }
+    }
+    /// What the controls were last set to that were set at all, by their names.
+    std::vector<std::pair<std::string, ControlValue>> setControls() const
+    {
+        std::lock_guard<std::mutex> const lock(m_notes);
+        return m_setControls;
+    }
+
     /// The stream that runs, if one does.
     std::shared_ptr<Capture> capture() const
     {
@@ -63,6 +85,9 @@ private:
     mutable std::mutex m_calls;
     std::shared_ptr<Connection> m_connection;
     std::weak_ptr<Capture> m_capture;
+
+    mutable std::mutex m_notes;
+    std::vector<std::pair<std::string, ControlValue>> m_setControls;
 };
 
 } // namespace ImageAcquisition::Session
