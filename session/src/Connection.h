@@ -5,6 +5,7 @@
 
 #include <IBlockingCamera.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -28,9 +29,15 @@ public:
     std::string node() const { return m_found.node(); }
     IBlockingCamera& camera() const { return *m_camera; }
 
+    /// The camera's buffers are one stream's at a time, as long as a frame of it is lent. False
+    /// while they are another's.
+    bool takeBuffers() { return !m_buffersTaken.exchange(true); }
+    void giveBuffersBack() { m_buffersTaken = false; }
+
 private:
     Found m_found;
     std::unique_ptr<IBlockingCamera> m_camera;
+    std::atomic<bool> m_buffersTaken{false};
 };
 
 } // namespace ImageAcquisition::Session

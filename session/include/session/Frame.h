@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <memory>
+#include <utility>
 
 namespace ImageAcquisition
 {
@@ -17,6 +18,7 @@ namespace ImageAcquisition::Session
 {
 
 class Capture;
+class Transfer;
 
 /**
  * @brief A lease of a captured picture: it goes back to the driver when this object goes.
@@ -34,10 +36,31 @@ public:
     using Clock = std::chrono::steady_clock;
 
     /// An empty frame.
-    Frame() noexcept;
-    Frame(Frame&& other) noexcept;
-    Frame& operator=(Frame&& other) noexcept;
-    ~Frame();
+    Frame() noexcept = default;
+    Frame(Frame&& other) noexcept
+        : m_transfer(std::move(other.m_transfer)), m_frame(std::exchange(other.m_frame, nullptr)),
+          m_captured(other.m_captured), m_lostBefore(other.m_lostBefore)
+    {
+    }
+    Frame& operator=(Frame&& other) noexcept
+    {
+        if (this != &other) {
+            release();
+            m_transfer = std::move(other.m_transfer);
+            m_frame = std::exchange(other.m_frame, nullptr);
+            m_captured = other.m_captured;
+            m_lostBefore = other.m_lostBefore;
+        }
+        return *this;
+    }
+    ~Frame() { release(); }
+    void swap(Frame& other) noexcept
+    {
+        m_transfer.swap(other.m_transfer);
+        std::swap(m_frame, other.m_frame);
+        std::swap(m_captured, other.m_captured);
+        std::swap(m_lostBefore, other.m_lostBefore);
+    }
 
     /// Whether there is a picture.
     explicit operator bool() const noexcept { return m_frame != nullptr; }
@@ -54,7 +77,8 @@ public:
     Clock::time_point captured() const noexcept;
     /// The driver's number of the frame.
     unsigned long long number() const noexcept;
-    /// Frames that the driver lost between the one before and this one.
+    /// Frames that the driver lost between the one handed out before and this one; those that the
+    /// stream threw away are not among them.
     unsigned long long lostBefore() const noexcept;
     /// Whether the driver found the data damaged.
     bool isDamaged() const noexcept;
@@ -62,14 +86,25 @@ public:
     bool isShort() const noexcept;
 
     /// Gives the picture back now; the frame is empty then.
-    void release() noexcept;
+    void release() noexcept
+    {
+        if (m_frame != nullptr) {
+            giveBack();
+        }
+    }
 
 private:
     friend class Capture;
 
-    Frame(std::shared_ptr<Capture> capture, IFrame& frame) noexcept;
+    Frame(std::shared_ptr<Transfer> const& transfer, IFrame& frame,
+          Clock::time_point captured) noexcept
+        : m_transfer(transfer), m_frame(&frame), m_captured(captured)
+    {
+    }
 
-    std::shared_ptr<Capture> m_capture;
+    void giveBack() noexcept;
+
+    std::shared_ptr<Transfer> m_transfer; ///< Keeps the memory and the camera alive.
     IFrame* m_frame = nullptr;
     Clock::time_point m_captured;
     unsigned long long m_lostBefore = 0;

@@ -18,11 +18,27 @@ namespace ImageAcquisition::Session
 {
 
 class Capture;
+class Stream;
+
+/**
+ * @brief Waits until one of several streams has a frame, or has ended.
+ * @param streams none of them null, and no other thread in their next().
+ * @param timeout as of Stream::next().
+ * @return its position, taking turns where several have; nothing when the time was over, or at once
+ * when there are no streams.
+ */
+IMAGEACQUISITION_SESSION_EXPORT std::optional<std::size_t>
+waitAny(std::vector<Stream*> const& streams, std::chrono::milliseconds timeout);
 
 /**
  * @brief A running stream of frames; it ends when this object goes.
  *
- * Made by Camera::stream(). Movable; it keeps the open camera alive, and frames outlive it.
+ * Made by Camera::stream(). Movable; it keeps the open camera alive, and frames outlive it. Ending
+ * waits neither for frames nor for whoever holds them; while frames are held, a new stream of the
+ * same camera is refused as Busy.
+ *
+ * In a child that was forked the stream is Stopped, and neither it nor a frame does anything to the
+ * parent's.
  *
  * Threads: next(), iteration and destruction by one thread at a time; stop(), state(), error() and
  * statistics() from any.
@@ -45,14 +61,15 @@ public:
      */
     Frame next(std::chrono::milliseconds timeout);
 
-    /// For `for (Frame& frame : stream)`: waits StreamOptions::timeout for each frame, ends when
-    /// the stream is stopped, and throws Error (TimedOut, Unplugged, or as the driver failed)
-    /// otherwise. A frame that is not moved out of the loop goes back at the next step.
+    /// For `for (Frame& frame : stream)`: waits StreamOptions::timeout for each frame, but as long
+    /// as need be while the stream is Away; ends when the stream is stopped, and throws Error
+    /// (TimedOut, Unplugged, or as the driver failed) otherwise. A frame that is not moved out of
+    /// the loop goes back at the next step.
     Iterator begin();
     Iterator end() noexcept;
 
-    /// Ends the stream, and with it a next() that waits on another thread. Does nothing when it has
-    /// ended.
+    /// Ends the stream, and with it a next() that waits on another thread. Frames that nobody took
+    /// go back. Does nothing when it has ended. Takes 10 ms at least.
     void stop() noexcept;
 
     StreamState state() const noexcept;
@@ -60,12 +77,15 @@ public:
     std::optional<Error> error() const;
     Statistics statistics() const;
 
-    /// A descriptor that is readable while next() has something to say at once: for `poll`. Not to
-    /// be read or closed.
+    /// A descriptor that is readable while next() has something to say at once: for `poll`. It may
+    /// once be readable for nothing, when next() was called without waiting for it. Not to be read
+    /// or closed.
     int descriptor() const noexcept;
 
 private:
     friend class Camera;
+    friend std::optional<std::size_t> waitAny(std::vector<Stream*> const& streams,
+                                              std::chrono::milliseconds timeout);
 
     explicit Stream(std::shared_ptr<Capture> capture) noexcept;
 
@@ -97,14 +117,5 @@ private:
     Stream* m_stream = nullptr;
     Frame m_frame;
 };
-
-/**
- * @brief Waits until one of several streams has a frame, or has ended.
- * @param streams none of them null, and no other thread in their next().
- * @param timeout as of Stream::next().
- * @return its position, taking turns where several have; nothing when the time was over.
- */
-IMAGEACQUISITION_SESSION_EXPORT std::optional<std::size_t>
-waitAny(std::vector<Stream*> const& streams, std::chrono::milliseconds timeout);
 
 } // namespace ImageAcquisition::Session

@@ -18,7 +18,7 @@ inline constexpr Delivery everyFrame = Delivery::EveryFrame;
 /// For `camera.stream(newest)`.
 inline constexpr Delivery newest = Delivery::NewestOnly;
 
-/// Where a stream is.
+/// Where a stream is. From Stopped on it has ended.
 enum class StreamState {
     Running,   ///< Frames come.
     Away,      ///< The camera is unplugged, and the stream waits for it to come back.
@@ -41,11 +41,13 @@ struct StreamOptions
 
     /// Whether the stream survives unplugging: it then waits for the same camera (its serial
     /// number, or else its port), opens it, sets selection and controls as they were, and goes on.
+    /// Controls are read when the stream begins, which takes its time over a serial link; what is
+    /// set to them later, by Control, is remembered.
     bool stayOn = false;
     /// How long it waits for the camera; then it ends as Unplugged. Zero: for ever.
     std::chrono::milliseconds patience{0};
-    /// Told of each change of state, on the stream's own thread; must not destroy the stream. May
-    /// be empty.
+    /// Told of each change of state, on the stream's own thread; must not destroy the stream. What
+    /// it throws ends the process, as on any thread. May be empty.
     std::function<void(StreamState)> onState = {};
 };
 
