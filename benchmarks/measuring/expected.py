@@ -2,9 +2,11 @@
 """What a frame may cost: the file that the test holds the library to."""
 import os
 
-from measuring.standin import FRAME_CASES
+from measuring.standin import FRAME_CASES, PACED
 
 TOLERANCE = 0.05
+# Of the library's instructions for a frame, what the session layer may take with them.
+MOST_TIMES_LIBRARY = 3
 HEAD = """# What a frame costs the program library-loop on the stand-in for libv4l2, with g++ 12 on Debian 12.
 # benchmarks/run --refresh writes this file; benchmarks/run --check and the test of that name hold the
 # library to it: instructions within 5 %, everything else exactly.
@@ -44,6 +46,17 @@ def refresh(source, standin):
             print(line_of(case, numbers))
 
 
+def session_is_thin(standin):
+    """Whether a lease of the session layer costs little more than the library's frame in it."""
+    library, session = (standin.per_frame(standin.instructions, standin.paced()[name], **PACED)
+                        for name in ("library", "session"))
+    allocations, copies = standin.allocations_and_copies(standin.paced()["session"], **PACED)
+    print(f"a paced frame: library {library:g}, session {session:g} instructions, "
+          f"{allocations:g} allocations, {copies:g} copies")
+    return (session <= MOST_TIMES_LIBRARY * (1 + TOLERANCE) * library
+            and allocations == 0 and copies == 0)
+
+
 def check(source, standin):
     """True when everything is as the file says; tells of what is not."""
     wanted, alike = expected(source), True
@@ -57,4 +70,8 @@ def check(source, standin):
             print(f"measured {line_of(case, numbers)}\nexpected {line_of(case, wanted[case])}")
     print("a frame costs what it should" if alike else
           "If that is meant: benchmarks/run --refresh")
+    if not session_is_thin(standin):
+        alike = False
+        print(f"The session layer may take {MOST_TIMES_LIBRARY} times the library's instructions, no "
+              "memory and no copy")
     return alike

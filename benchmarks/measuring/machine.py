@@ -16,7 +16,7 @@ SHORT, LONG = 25, 75
 FEW, MORE = 10, 30
 # Our own, which tell what they have mapped. Whether a frame is due at once or only after vivid's 40 ms
 # is chance, so that their first frame is awaited several times a round.
-OWN = ("bare loop", "loop with lists", "library")
+OWN = ("bare loop", "loop with lists", "library", "session")
 FIRSTS = 3
 
 
@@ -28,7 +28,7 @@ def contestants(source, build):
     """For each that is there, its command line for N frames, and for one that is announced."""
     folder = os.path.join(build, "benchmarks")
     found = {}
-    for name, program in {"bare loop": "bare-loop", "library": "library-loop"}.items():
+    for name, program in {"bare loop": "bare-loop", "library": "library-loop", "session": "session-loop"}.items():
         path = os.path.join(folder, program)
         found[name] = (lambda frames, path=path: [path, "--frames", str(frames), NODE],
                        [path, "--announce", "--frames", "1", NODE])

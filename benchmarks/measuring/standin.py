@@ -20,6 +20,11 @@ class Standin:
         return {"bare loop": [os.path.join(self.folder, "bare-loop")],
                 "library": [os.path.join(self.folder, "library-loop")]}
 
+    def paced(self):
+        """The same, and the session layer. It takes frames in a thread of its own, and would take many
+        that nobody asks for from a camera that always has one."""
+        return {**self.contestants(), "session": [os.path.join(self.folder, "session-loop")]}
+
     def run(self, command, settings=None, environment=None):
         """Runs a command on the stand-in and returns its standard error."""
         merged = {**os.environ, "LD_LIBRARY_PATH": os.path.join(self.folder, "standin"),
@@ -72,6 +77,10 @@ FRAME_CASES = {
 }
 
 
+# A camera as real ones are: between two frames there is time to give the first back.
+PACED = {"settings": {"STANDIN_PACED": 1}}
+
+
 def measure_frames(results, standin, rounds):
     contestants = standin.contestants()
     for case, given in FRAME_CASES.items():
@@ -84,6 +93,14 @@ def measure_frames(results, standin, rounds):
                 counted[name].append(standin.per_frame(standin.instructions, command, **given))
         for name, values in counted.items():
             results.add("stand-in", f"a frame, {case}", name, "instructions", values)
+    for name, command in standin.paced().items():
+        results.add("stand-in", "a frame, paced", name, "instructions",
+                    [standin.per_frame(standin.instructions, command, **PACED) for _ in range(rounds)])
+        allocations, copies = standin.allocations_and_copies(command, **PACED)
+        results.add("stand-in", "a frame, paced", name, "allocations", [allocations])
+        results.add("stand-in", "a frame, paced", name, "copies", [copies])
+        results.add("stand-in", "a frame, paced", name, "system calls",
+                    [standin.per_frame(standin.system_calls, command, **PACED)])
     for case in ("as usual", "descriptor 1500"):
         for name, command in contestants.items():
             if name == "bare loop" and case != "as usual":

@@ -4,6 +4,7 @@
 //   STANDIN_FORMATS, STANDIN_INTERVALS, STANDIN_CONTROLS   how many it has (1, 1, 1)
 //   STANDIN_DESCRIPTOR   the lowest descriptor that an opening gets (0)
 //   STANDIN_AGAIN        1: every second DQBUF says EAGAIN first (0)
+//   STANDIN_PACED        1: a frame comes only when all others were given back (0)
 #include <fcntl.h>
 #include <libv4l2.h>
 #include <linux/videodev2.h>
@@ -49,7 +50,9 @@ struct Camera
     unsigned int controls = setting("STANDIN_CONTROLS", 1);
     unsigned int descriptor = setting("STANDIN_DESCRIPTOR", 0);
     bool again = setting("STANDIN_AGAIN", 0) != 0;
+    bool paced = setting("STANDIN_PACED", 0) != 0;
     bool refusedLast = false;
+    int file = -1; ///< Who streams; a paced camera's is readable while there is a frame.
     unsigned int pixelFormat = V4L2_PIX_FMT_YUYV;
     unsigned int buffers = 0;
     unsigned int sequence = 0;
@@ -168,7 +171,7 @@ int describeControl(v4l2_queryctrl& query)
     return 0;
 }
 
-int requestBuffers(v4l2_requestbuffers& request)
+int requestBuffers(int file, v4l2_requestbuffers& request)
 {
     if (request.memory != V4L2_MEMORY_MMAP) {
         return failWith(EINVAL);
@@ -176,6 +179,7 @@ int requestBuffers(v4l2_requestbuffers& request)
     request.count = std::min(request.count, mostBuffers);
     camera.buffers = request.count;
     camera.queue = {};
+    camera.file = file;
     return 0;
 }
 
@@ -203,6 +207,9 @@ int queueBuffer(v4l2_buffer const& buffer)
     }
     queue.indices[(queue.first + queue.length) % mostBuffers] = buffer.index;
     ++queue.length;
+    if (camera.paced && queue.length == camera.buffers) {
+        eventfd_write(camera.file, 1);
+    }
     return 0;
 }
 
@@ -210,6 +217,12 @@ int dequeueBuffer(v4l2_buffer& buffer)
 {
     Camera& device = camera;
     Queue& queue = device.queue;
+    if (device.paced) {
+        eventfd_t count = 0;
+        if (eventfd_read(device.file, &count) == -1) {
+            return -1;
+        }
+    }
     device.refusedLast = device.again && !device.refusedLast;
     if (device.refusedLast || queue.length == 0) {
         return failWith(EAGAIN);
@@ -229,7 +242,7 @@ Record& as(void* argument)
     return *static_cast<Record*>(argument);
 }
 
-int answer(unsigned int request, void* argument)
+int answer(int file, unsigned int request, void* argument)
 {
     switch (request) {
     case VIDIOC_DQBUF:
@@ -254,7 +267,7 @@ int answer(unsigned int request, void* argument)
     case VIDIOC_QUERYCTRL:
         return describeControl(as<v4l2_queryctrl>(argument));
     case VIDIOC_REQBUFS:
-        return requestBuffers(as<v4l2_requestbuffers>(argument));
+        return requestBuffers(file, as<v4l2_requestbuffers>(argument));
     case VIDIOC_QUERYBUF:
         return queryBuffer(as<v4l2_buffer>(argument));
     case VIDIOC_STREAMON:
@@ -265,10 +278,10 @@ int answer(unsigned int request, void* argument)
     }
 }
 
-/// A descriptor that is always readable.
+/// A descriptor that is always readable, but for a paced camera.
 int openDescriptor(unsigned int lowest)
 {
-    int const descriptor = eventfd(1, EFD_NONBLOCK);
+    int const descriptor = eventfd(camera.paced ? 0 : 1, EFD_NONBLOCK);
     if (descriptor == -1 || lowest == 0) {
         return descriptor;
     }
@@ -305,14 +318,14 @@ STANDIN_EXPORT int v4l2_close(int fd)
     return close(fd);
 }
 
-STANDIN_EXPORT int v4l2_ioctl(int /*fd*/, unsigned long int request, ...)
+STANDIN_EXPORT int v4l2_ioctl(int fd, unsigned long int request, ...)
 {
     va_list arguments;
     va_start(arguments, request);
     void* const argument = va_arg(arguments, void*);
     va_end(arguments);
     // Some callers keep the request in an int and hand it over with its sign extended.
-    return answer(static_cast<unsigned int>(request), argument);
+    return answer(fd, static_cast<unsigned int>(request), argument);
 }
 
 STANDIN_EXPORT ssize_t v4l2_read(int /*fd*/, void* /*buffer*/, size_t /*n*/)

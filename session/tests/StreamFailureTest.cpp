@@ -31,13 +31,13 @@ struct StreamRun
     StreamRun(StreamedCamera& device, Found const& found)
     {
         error = errorOf([&] { run(device, found); });
-        ends[static_cast<std::size_t>(Step::End)] = device->calls().size();
+        m_ends[static_cast<std::size_t>(Step::End)] = device->calls().size();
     }
 
     Step stepOf(std::size_t position) const
     {
         std::size_t step = 0;
-        while (position >= ends[step]) {
+        while (position >= m_ends[step]) {
             ++step;
         }
         return static_cast<Step>(step);
@@ -74,10 +74,10 @@ private:
     }
     void reach(Step step, StreamedCamera& device)
     {
-        ends[static_cast<std::size_t>(step)] = device->calls().size();
+        m_ends[static_cast<std::size_t>(step)] = device->calls().size();
     }
 
-    std::size_t ends[4] = {};
+    std::size_t m_ends[4] = {};
 };
 
 /// How often the call at a position had been made by then.
