@@ -28,7 +28,8 @@ def contestants(source, build):
     """For each that is there, its command line for N frames, and for one that is announced."""
     folder = os.path.join(build, "benchmarks")
     found = {}
-    for name, program in {"bare loop": "bare-loop", "library": "library-loop", "session": "session-loop"}.items():
+    for name, program in {"bare loop": "bare-loop", "library": "library-loop",
+                          "session": "session-loop"}.items():
         path = os.path.join(folder, program)
         found[name] = (lambda frames, path=path: [path, "--frames", str(frames), NODE],
                        [path, "--announce", "--frames", "1", NODE])

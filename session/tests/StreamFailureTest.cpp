@@ -140,6 +140,17 @@ void expectNamedResult(Step step, CallId const& call, int error, StreamRun const
     }
 }
 
+/// The descriptors of the kinds that a stream uses besides the node, which the camera counts. The
+/// simulated machine opens others whenever its own threads get to it.
+int pipesAndEvents()
+{
+    int count = 0;
+    for (std::string const& target : descriptorTargets()) {
+        count += target.rfind("pipe:", 0) == 0 || target == "anon_inode:[eventfd]" ? 1 : 0;
+    }
+    return count;
+}
+
 class FailingCamera : public testing::Test
 {
 protected:
@@ -154,7 +165,7 @@ protected:
     void count()
     {
         m_threads = threadCount();
-        m_descriptors = openDescriptors();
+        m_descriptors = pipesAndEvents();
     }
 
     void expectNothingLeft(int refusedUnmaps)
@@ -165,7 +176,7 @@ protected:
         EXPECT_EQ(account.allocatedBuffers, 0);
         EXPECT_FALSE(account.streaming);
         EXPECT_TRUE(awaitThreadCount(m_threads));
-        EXPECT_EQ(openDescriptors(), m_descriptors);
+        EXPECT_TRUE(await([&] { return pipesAndEvents() <= m_descriptors; }));
     }
 
     /// The same camera as if just plugged in, with a log of its own.
