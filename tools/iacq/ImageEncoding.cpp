@@ -10,6 +10,7 @@ namespace Iacq
 {
 
 using ImageAcquisition::Session::equalIgnoringCase;
+using ImageAcquisition::Session::Picture;
 
 OutputFormat outputFormatOf(std::string const& named, std::string const& path)
 {
@@ -34,18 +35,18 @@ OutputFormat outputFormatOf(std::string const& named, std::string const& path)
                                 "'; use --output-format png, ppm or raw");
 }
 
-std::vector<unsigned char> encodePng(RgbImage const& image)
+std::vector<unsigned char> encodePng(Picture const& picture)
 {
     png_image png{};
     png.version = PNG_IMAGE_VERSION;
-    png.width = image.width;
-    png.height = image.height;
+    png.width = picture.width();
+    png.height = picture.height();
     png.format = PNG_FORMAT_RGB;
     png_alloc_size_t size = 0;
     std::vector<unsigned char> bytes;
-    if (png_image_write_to_memory(&png, nullptr, &size, 0, image.pixels.data(), 0, nullptr) != 0) {
+    if (png_image_write_to_memory(&png, nullptr, &size, 0, picture.rgb().data(), 0, nullptr) != 0) {
         bytes.resize(size);
-        if (png_image_write_to_memory(&png, bytes.data(), &size, 0, image.pixels.data(), 0,
+        if (png_image_write_to_memory(&png, bytes.data(), &size, 0, picture.rgb().data(), 0,
                                       nullptr) != 0) {
             bytes.resize(size);
             return bytes;
@@ -54,12 +55,12 @@ std::vector<unsigned char> encodePng(RgbImage const& image)
     throw Failure(CameraFailed, std::string("cannot make a PNG picture: ") + png.message);
 }
 
-std::vector<unsigned char> encodePpm(RgbImage const& image)
+std::vector<unsigned char> encodePpm(Picture const& picture)
 {
-    std::string const header =
-        "P6\n" + std::to_string(image.width) + " " + std::to_string(image.height) + "\n255\n";
+    std::string const header = "P6\n" + std::to_string(picture.width()) + " " +
+                               std::to_string(picture.height()) + "\n255\n";
     std::vector<unsigned char> bytes(header.begin(), header.end());
-    bytes.insert(bytes.end(), image.pixels.begin(), image.pixels.end());
+    bytes.insert(bytes.end(), picture.rgb().begin(), picture.rgb().end());
     return bytes;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "PixelConversion.h"
+#include <session/Picture.h>
 
 #include <string>
 #include <vector>
@@ -15,7 +15,7 @@ enum class OutputFormat { Png, Ppm, Raw };
 /// @throws Failure when neither tells.
 OutputFormat outputFormatOf(std::string const& named, std::string const& path);
 
-std::vector<unsigned char> encodePng(RgbImage const& image);
-std::vector<unsigned char> encodePpm(RgbImage const& image);
+std::vector<unsigned char> encodePng(ImageAcquisition::Session::Picture const& picture);
+std::vector<unsigned char> encodePpm(ImageAcquisition::Session::Picture const& picture);
 
 } // namespace Iacq

@@ -23,11 +23,17 @@ struct PictureLayout
     unsigned int bytesPerLine = 0; ///< 0: without gaps.
 };
 
+/// The fewest bytes that hold a whole picture: the last line need not be padded. 0 for formats that
+/// are compressed or not converted; more than any frame has where the numbers are absurd.
+IMAGEACQUISITION_SESSION_EXPORT unsigned long long bytesOf(PictureLayout const& layout) noexcept;
+
 /**
  * @brief A picture of red, green and blue bytes, made from what cameras deliver.
  *
- * A value; kept from frame to frame it allocates only when the size grows. Formats: YUYV, UYVY,
- * NV12, YU12, YV12, MJPG, GREY, RGB3, BGR3 and the 8-bit Bayer orders.
+ * A value; kept from frame to frame it allocates only when the size grows, but for what the JPEG
+ * decoder takes. Formats: YUYV, UYVY, NV12, YU12, YV12, MJPG, GREY, RGB3, BGR3 and the 8-bit Bayer
+ * orders BA81, GBRG, GRBG and RGGB. YUV is taken for BT.601 of limited range, as cameras send it,
+ * and MJPG for what its header says.
  *
  * Threads: as any value.
  */
@@ -47,10 +53,13 @@ public:
     /**
      * @brief Becomes the picture of a frame.
      *
-     * What a cut frame lacks stays black. A compressed frame whose header claims another size than
-     * the selection is not decoded.
+     * What a cut frame lacks stays black, and of a compressed one is what the decoder makes of it.
+     * A compressed frame whose header claims to be larger than the selection is not decoded; a
+     * smaller one decides about the size. Where the selection has no size, the number of its bytes
+     * tells how large it may be.
      * @throws Error Unsupported for a format that is not converted; Refused for data that is no
-     * picture. The picture is empty then.
+     * picture, for numbers that no camera has, and for Bayer pictures below 4x4 pixels. The picture
+     * is empty then.
      */
     void convert(Frame const& frame);
     void convert(Bytes bytes, PictureLayout const& layout);

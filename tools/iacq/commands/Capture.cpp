@@ -3,9 +3,9 @@
 #include "../CaptureStream.h"
 #include "../CurrentSelection.h"
 #include "../Failure.h"
+#include "../FrameEncoder.h"
 #include "../FrameSink.h"
 #include "../FrameWorker.h"
-#include "../ImageEncoding.h"
 #include "../Progress.h"
 #include "../Selection.h"
 #include "../TerminalText.h"
@@ -14,7 +14,7 @@
 #include <IDevice.h>
 #include <IFrame.h>
 
-#include <utility>
+#include <string>
 
 namespace Iacq
 {
@@ -27,17 +27,13 @@ using namespace ImageAcquisition;
 /// Some seconds of most cameras, and less than any machine has to spare.
 constexpr std::size_t mostBytesWaiting = std::size_t(128) << 20;
 
-/// What every frame of the stream has in common; the frame's own bytes are filled in later.
-FrameView viewOf(ICamera const& camera)
+/// What every frame of the stream has in common.
+Session::PictureLayout layoutOf(ICamera const& camera)
 {
     CurrentSelection const current = currentSelection(camera);
     int const bytesPerLine = current.size->isInvalid() ? 0 : current.size->bytesPerLine();
-    return {current.format->name(),
-            current.size->width(),
-            current.size->height(),
-            static_cast<unsigned int>(bytesPerLine < 0 ? 0 : bytesPerLine),
-            nullptr,
-            0};
+    return {current.format->name(), current.size->width(), current.size->height(),
+            static_cast<unsigned int>(bytesPerLine < 0 ? 0 : bytesPerLine)};
 }
 
 void demandFormats(IBlockingCamera const& camera)
@@ -60,39 +56,6 @@ void selectFor(CaptureOptions const& options, IBlockingCamera& camera)
         throw;
     }
 }
-
-/// Makes of a frame's bytes what is to be written.
-class Encoder
-{
-public:
-    Encoder(FrameView common, OutputFormat format) : m_common(std::move(common)), m_format(format)
-    {
-        if (format != OutputFormat::Raw && !canConvert(m_common.format)) {
-            throw Failure(BadUsage, "cannot convert " + m_common.format +
-                                        " to a picture; use --output-format raw");
-        }
-    }
-
-    std::vector<unsigned char> encode(std::vector<unsigned char> const& bytes) const
-    {
-        FrameView view = m_common;
-        view.data = bytes.data();
-        view.size = bytes.size();
-        switch (m_format) {
-        case OutputFormat::Png:
-            return encodePng(toRgb(view));
-        case OutputFormat::Ppm:
-            return encodePpm(toRgb(view));
-        case OutputFormat::Raw:
-            break;
-        }
-        return bytes;
-    }
-
-private:
-    FrameView m_common;
-    OutputFormat m_format;
-};
 
 /// Captures on this thread, while another does the work on what was captured.
 void record(IBlockingCamera& camera, CaptureOptions const& options, FrameWorker::Work const& work,
@@ -137,7 +100,7 @@ void capture(CaptureOptions const& options)
     ImageAcquisition::IBlockingCamera& camera = opened.interface();
     demandFormats(camera);
     selectFor(options, camera);
-    Encoder const encoder(viewOf(camera), format);
+    FrameEncoder encoder(layoutOf(camera), format);
     sink.open();
     LossCount losses;
     try {
