@@ -28,8 +28,9 @@ struct ControlOutcome
     std::string name; ///< The driver's name.
     Result result;
     ControlValue wanted;
-    std::string actual; ///< The camera's value as a text; empty when it was not read.
+    std::string actual; ///< The camera's value as a text; empty when it could not be read.
     std::string reason; ///< Why it was rounded, skipped or refused.
+    bool isMet;         ///< Whether the camera has what is wanted now.
 };
 
 /// "same", "set", "rounded", "skipped" or "refused".
@@ -45,7 +46,7 @@ struct IMAGEACQUISITION_SESSION_EXPORT ProfileReport
 
     /// Whether the camera is as the profile has it, but for what was skipped.
     bool isMet() const noexcept;
-    /// A line for each control that is not the same, for a person.
+    /// A line for the selection, when it differs, and for each control that is not the same.
     std::string text() const;
 };
 
@@ -57,17 +58,20 @@ struct IMAGEACQUISITION_SESSION_EXPORT ProfileReport
 class IMAGEACQUISITION_SESSION_EXPORT Profile
 {
 public:
-    /// What a camera has now: its selection, and every control that can be read and written.
+    /// What a camera has now: its selection, and every control that can be read and set. Left out
+    /// is what cannot be set to the value that it has: what is read-only, held by another program,
+    /// or inactive, for then an automatic has chosen the value; and of controls with the same name
+    /// all but the first.
     /// @throws Error (Unplugged, Refused).
     static Profile take(Camera const& camera);
 
-    /// Reads json().
+    /// Reads json(), or what a person wrote.
     /// @throws Error (BadRequest) with the place in the text.
     static Profile fromJson(std::string const& text);
-    /// As JSON, with its version; docs/session.md has the schema.
+    /// As JSON, with its version; docs/profiles.md has the schema.
     std::string json() const;
 
-    /// Reads, or writes, a file of json().
+    /// Reads a file of json(), or replaces it as a whole.
     /// @throws Error: BadRequest for its contents; NotFound, NoPermission or Refused for the file.
     static Profile load(std::string const& path);
     void save(std::string const& path) const;
@@ -75,17 +79,22 @@ public:
     /// Which camera it was taken from, as Found::text(): "serial:VC1001".
     std::string const& camera() const noexcept { return m_camera; }
     Selection const& selection() const noexcept { return m_selection; }
-    /// Names and values in the order in which they are applied.
+    /// Names and values; of a profile that was taken, automatics first.
     std::vector<std::pair<std::string, ControlValue>> const& controls() const noexcept
     {
         return m_controls;
     }
 
-    /// Holds a camera against the profile, and changes nothing.
+    /// Holds a camera against the profile, and changes nothing. What cannot be set as the camera is
+    /// now is skipped or refused, also where apply() would release it.
     ProfileReport compare(Camera const& camera) const;
-    /// Sets the selection and every control, automatics before what they govern, and reads back.
-    /// What is refused is in the report, and does not keep the rest from being set.
-    /// @throws Error (Unplugged), and Busy when the selection differs while the camera streams.
+    /**
+     * Sets the selection and every control that is not as wanted, automatics before what they
+     * govern, and reads back. What was inactive or refused is tried again when others were set, and
+     * what others changed is set once more. What is refused is in the report, in the order in which
+     * it was tried, and does not keep the rest from being set.
+     * @throws Error (Unplugged), and Busy when the selection differs while the camera streams.
+     */
     ProfileReport apply(Camera& camera) const;
 
 private:
