@@ -112,8 +112,8 @@ TEST(ProfileTest, HasTheSelectionAndWhatCanBeSet)
                 UnorderedElementsAre("White Balance, Automatic", "Auto Exposure",
                                      "Focus, Automatic Continuous"));
     EXPECT_THAT(std::vector(names.begin() + 3, names.end()),
-                UnorderedElementsAre("Brightness", "Contrast", "Saturation",
-                            "Hue", "Gamma", "Gain", "Power Line Frequency", "Sharpness"));
+                UnorderedElementsAre("Brightness", "Contrast", "Saturation", "Hue", "Gamma", "Gain",
+                                     "Power Line Frequency", "Sharpness"));
     EXPECT_THAT(profile.controls(),
                 Contains(Pair("Auto Exposure", ControlValue("Aperture Priority Mode"))));
 }
