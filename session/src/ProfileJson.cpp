@@ -2,13 +2,9 @@
 #include "session/Error.h"
 #include "session/Profile.h"
 
-#include <fcntl.h>
 #include <nlohmann/json.hpp>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <cstdio>
+#include <algorithm>
 #include <initializer_list>
 #include <limits>
 
@@ -22,9 +18,6 @@ namespace
 using Json = nlohmann::ordered_json;
 
 constexpr int version = 1;
-
-/// No camera has so many controls; a device that never ends does.
-constexpr std::size_t mostBytes = std::size_t{16} << 20;
 
 [[noreturn]] void failAt(std::string const& place, std::string const& reason)
 {
@@ -160,49 +153,6 @@ Json toJson(Selection const& selection)
     return json;
 }
 
-[[noreturn]] void failWithFile(std::string const& operation, std::string const& path, int error)
-{
-    ErrorKind const kind = error == ENOENT                     ? ErrorKind::NotFound
-                           : error == EACCES || error == EPERM ? ErrorKind::NoPermission
-                                                               : ErrorKind::Refused;
-    throw Error({kind, operation + " " + path, toText(kind), {}, error});
-}
-
-/// A descriptor of a file, closed at the end.
-class File
-{
-public:
-    File(std::string const& path, int flags) : m_fd(::open(path.c_str(), flags | O_CLOEXEC, 0666))
-    {
-    }
-    File(File const&) = delete;
-    File& operator=(File const&) = delete;
-    ~File() { close(); }
-
-    int descriptor() const { return m_fd; }
-    bool close()
-    {
-        int const fd = m_fd;
-        m_fd = -1;
-        return fd == -1 || ::close(fd) == 0;
-    }
-
-private:
-    int m_fd;
-};
-
-bool writeAll(int descriptor, std::string const& text)
-{
-    for (std::size_t written = 0; written < text.size();) {
-        ssize_t const now = ::write(descriptor, text.data() + written, text.size() - written);
-        if (now < 0 && errno != EINTR) {
-            return false;
-        }
-        written += now < 0 ? 0 : static_cast<std::size_t>(now);
-    }
-    return true;
-}
-
 } // namespace
 
 Profile Profile::fromJson(std::string const& text)
@@ -245,48 +195,6 @@ std::string Profile::json() const
     json["controls"] = std::move(controls);
     // A driver's text may be no UTF-8; what is none of it becomes a mark.
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
-Profile Profile::load(std::string const& path)
-{
-    std::string const operation = "load";
-    File const file(path, O_RDONLY);
-    std::string text;
-    char part[4096];
-    for (;;) {
-        ssize_t const size =
-            file.descriptor() == -1 ? -1 : ::read(file.descriptor(), part, sizeof part);
-        if (size < 0 && errno == EINTR) {
-            continue;
-        }
-        if (size < 0) {
-            failWithFile(operation, path, errno);
-        }
-        text.append(part, static_cast<std::size_t>(size));
-        if (text.size() > mostBytes) {
-            throw Error({ErrorKind::BadRequest, operation + " " + path, "too large for a profile"});
-        }
-        if (size == 0) {
-            return fromJson(text);
-        }
-    }
-}
-
-void Profile::save(std::string const& path) const
-{
-    // Beside the file, for a full disk must not cost the profile that was there.
-    std::string const beside = path + ".new";
-    std::string const text = json();
-    File file(beside, O_WRONLY | O_CREAT | O_TRUNC);
-    if (file.descriptor() == -1) {
-        failWithFile("save", path, errno);
-    }
-    if (!writeAll(file.descriptor(), text) || !file.close() ||
-        std::rename(beside.c_str(), path.c_str()) != 0) {
-        int const error = errno;
-        ::unlink(beside.c_str());
-        failWithFile("save", path, error);
-    }
 }
 
 } // namespace ImageAcquisition::Session
