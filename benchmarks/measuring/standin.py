@@ -25,15 +25,22 @@ class Standin:
         that nobody asks for from a camera that always has one."""
         return {**self.contestants(), "session": [os.path.join(self.folder, "session-loop")]}
 
-    def run(self, command, settings=None, environment=None):
-        """Runs a command on the stand-in and returns its standard error."""
+    def complete(self, command, settings=None, environment=None):
+        """Runs a command on the stand-in."""
         merged = {**os.environ, "LD_LIBRARY_PATH": os.path.join(self.folder, "standin"),
                   **{name: str(value) for name, value in (settings or {}).items()},
                   **(environment or {})}
         done = subprocess.run(command, env=merged, capture_output=True, text=True, check=False)
         if done.returncode != 0:
             raise RuntimeError(f"{' '.join(command)}: status {done.returncode}\n{done.stderr}")
-        return done.stderr
+        return done
+
+    def run(self, command, settings=None, environment=None):
+        """Its standard error."""
+        return self.complete(command, settings, environment).stderr
+
+    def output(self, command, settings=None):
+        return self.complete(command, settings).stdout
 
     def instructions(self, command, settings=None):
         """All user-space instructions of a run, the dynamic linker's included."""
@@ -123,6 +130,24 @@ def measure_start(results, standin, rounds):
     for name, (starts, rests) in counted.items():
         results.add("stand-in", "start, to STREAMON", name, "instructions", starts)
         results.add("stand-in", "one frame and stop", name, "instructions", rests)
+
+
+# A camera of 30 frames a second has none before its first interval is over.
+FIRST_AFTER = {"STANDIN_FIRST_AFTER": 33}
+FIRSTS = 21
+
+
+def measure_first_frames(results, standin):
+    """On this machine's processor, from the start of the program on."""
+    measured = [os.path.join(standin.folder, "run-measured"), "--first-byte"]
+    seconds = {name: [] for name in standin.contestants()}
+    for _ in range(FIRSTS):
+        for name, command in standin.contestants().items():
+            answer = standin.output([*measured, *command, "--announce", "--frames", "1"], FIRST_AFTER)
+            seconds[name].append(float(answer.split()[2]))
+    for name, values in seconds.items():
+        results.add("stand-in", "time to the first frame", name, "ms",
+                    [1000 * value for value in values])
 
 
 def measure_memory(results, standin, rounds):

@@ -5,12 +5,14 @@
 //   STANDIN_DESCRIPTOR   the lowest descriptor that an opening gets (0)
 //   STANDIN_AGAIN        1: every second DQBUF says EAGAIN first (0)
 //   STANDIN_PACED        1: a frame comes only when all others were given back (0)
+//   STANDIN_FIRST_AFTER  milliseconds from STREAMON to the first frame (0)
 #include <fcntl.h>
 #include <libv4l2.h>
 #include <linux/videodev2.h>
 #include <sys/eventfd.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
+#include <sys/timerfd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -51,8 +53,9 @@ struct Camera
     unsigned int descriptor = setting("STANDIN_DESCRIPTOR", 0);
     bool again = setting("STANDIN_AGAIN", 0) != 0;
     bool paced = setting("STANDIN_PACED", 0) != 0;
+    unsigned int firstAfter = setting("STANDIN_FIRST_AFTER", 0);
     bool refusedLast = false;
-    int file = -1; ///< Who streams; a paced camera's is readable while there is a frame.
+    int file = -1; ///< Who streams; readable while there is a frame.
     unsigned int pixelFormat = V4L2_PIX_FMT_YUYV;
     unsigned int buffers = 0;
     unsigned int sequence = 0;
@@ -236,6 +239,14 @@ int dequeueBuffer(v4l2_buffer& buffer)
     return 0;
 }
 
+int awaitFirstFrame(int file)
+{
+    itimerspec time{};
+    time.it_value.tv_sec = camera.firstAfter / 1000;
+    time.it_value.tv_nsec = camera.firstAfter % 1000 * 1000000L;
+    return camera.firstAfter == 0 ? 0 : timerfd_settime(file, 0, &time, nullptr);
+}
+
 template <typename Record>
 Record& as(void* argument)
 {
@@ -271,6 +282,7 @@ int answer(int file, unsigned int request, void* argument)
     case VIDIOC_QUERYBUF:
         return queryBuffer(as<v4l2_buffer>(argument));
     case VIDIOC_STREAMON:
+        return awaitFirstFrame(file);
     case VIDIOC_STREAMOFF:
         return 0;
     default:
@@ -278,10 +290,12 @@ int answer(int file, unsigned int request, void* argument)
     }
 }
 
-/// A descriptor that is always readable, but for a paced camera.
+/// A descriptor that is always readable, but for a paced camera, and from the first frame on for
+/// one that takes its time.
 int openDescriptor(unsigned int lowest)
 {
-    int const descriptor = eventfd(camera.paced ? 0 : 1, EFD_NONBLOCK);
+    int const descriptor = camera.firstAfter != 0 ? timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK)
+                                                  : eventfd(camera.paced ? 0 : 1, EFD_NONBLOCK);
     if (descriptor == -1 || lowest == 0) {
         return descriptor;
     }
