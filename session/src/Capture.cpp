@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Capture.h"
 
+#include "session/Camera.h"
+
 #include <IFrame.h>
 
 #include <algorithm>
@@ -41,7 +43,7 @@ Capture::Capture(std::shared_ptr<OpenCamera> camera, StreamOptions options)
         throw Error({ErrorKind::Busy, operation, "the camera is streaming already", node()});
     }
     if (m_options.stayOn) {
-        m_settings.emplace(m_camera);
+        m_settings = Profile::take(Camera(m_camera));
     }
     begin(std::make_shared<Transfer>(m_camera, m_camera->connection(), m_options.buffers));
     startThread();

@@ -5,11 +5,11 @@
 #include "FrameQueue.h"
 #include "Measure.h"
 #include "OpenCamera.h"
-#include "Settings.h"
 #include "Signal.h"
 #include "Transfer.h"
 
 #include "session/Error.h"
+#include "session/Profile.h"
 #include "session/Statistics.h"
 #include "session/StreamOptions.h"
 
@@ -85,6 +85,7 @@ private:
     /// Waits for the camera and starts anew; false when the stream is to end.
     bool comeBack(Found const& lost);
     bool startAgain(CameraReturn& camera);
+    void putSettingsBack();
     void tell() noexcept;
 
     void begin(std::shared_ptr<Transfer> transfer);
@@ -94,7 +95,7 @@ private:
     ForkGuard const m_process;
     std::shared_ptr<OpenCamera> const m_camera;
     StreamOptions const m_options;
-    std::optional<Settings> m_settings; ///< Of a stream that stays on.
+    std::optional<Profile> m_settings; ///< Of a stream that stays on.
     Signal m_ready;                     ///< There are frames, or the stream has ended.
     Signal m_ended;
     Error const m_outOfMemory;

@@ -4,6 +4,7 @@
 #include "Capture.h"
 #include "CaptureTime.h"
 #include "SystemFailure.h"
+#include "session/Camera.h"
 
 #include <IFrame.h>
 #include <unistd.h>
@@ -183,7 +184,7 @@ bool Capture::startAgain(CameraReturn& camera)
     try {
         std::shared_ptr<Connection> const connection = camera.open();
         m_camera->reconnect(connection);
-        m_settings->putBack();
+        putSettingsBack();
         begin(std::make_shared<Transfer>(m_camera, connection, m_options.buffers));
     } catch (Error const& error) {
         // Neither time nor another try makes it offer what was selected.
@@ -199,6 +200,20 @@ bool Capture::startAgain(CameraReturn& camera)
         m_state.store(StreamState::Running, std::memory_order_relaxed);
     }
     return true;
+}
+
+/// As they were at first, and as they were set since. Controls that refuse are left as they are.
+void Capture::putSettingsBack()
+{
+    Profile settings = *m_settings;
+    for (auto const& [name, value] : m_camera->setControls()) {
+        settings.set(name, value);
+    }
+    Camera camera(m_camera);
+    if (!settings.selection().format.empty()) {
+        camera.select(settings.selection());
+    }
+    settings.apply(camera);
 }
 
 void Capture::tell() noexcept

@@ -5,12 +5,11 @@
 
 #include "session/ControlValue.h"
 
-#include <algorithm>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace ImageAcquisition::Session
 {
@@ -50,23 +49,15 @@ public:
         m_connection = std::move(connection);
     }
 
-    /// A control was set, by a call().
+    /// A control was set: only within a call().
     void noteSet(std::string const& name, ControlValue const& value)
     {
-        std::lock_guard<std::mutex> const lock(m_notes);
-        auto const known = std::find_if(m_setControls.begin(), m_setControls.end(),
-                                        [&](auto const& set) { return set.first == name; });
-        if (known == m_setControls.end()) {
-            m_setControls.emplace_back(name, value);
-        } else {
-            known->second = value;
-        }
+        m_setControls.insert_or_assign(name, value);
     }
     /// What the controls were last set to that were set at all, by their names.
-    std::vector<std::pair<std::string, ControlValue>> setControls() const
+    std::map<std::string, ControlValue> setControls() const
     {
-        std::lock_guard<std::mutex> const lock(m_notes);
-        return m_setControls;
+        return call([this](auto const&) { return m_setControls; });
     }
 
     /// The stream that runs, if one does.
@@ -85,9 +76,7 @@ private:
     mutable std::mutex m_calls;
     std::shared_ptr<Connection> m_connection;
     std::weak_ptr<Capture> m_capture;
-
-    mutable std::mutex m_notes;
-    std::vector<std::pair<std::string, ControlValue>> m_setControls;
+    std::map<std::string, ControlValue> m_setControls;
 };
 
 } // namespace ImageAcquisition::Session

@@ -63,4 +63,15 @@ Profile Profile::take(Camera const& camera)
     return profile;
 }
 
+void Profile::set(std::string const& name, ControlValue const& value)
+{
+    auto const known = std::find_if(m_controls.begin(), m_controls.end(),
+                                    [&](auto const& control) { return control.first == name; });
+    if (known == m_controls.end()) {
+        m_controls.emplace_back(name, value);
+    } else {
+        known->second = value;
+    }
+}
+
 } // namespace ImageAcquisition::Session

@@ -157,6 +157,15 @@ TEST(ProfileJsonTest, TellsWhatIsNoSelection)
     EXPECT_EQ(faultOf(withSelection(R"({"rate": 30})")), "/selection/rate: must be a text");
 }
 
+TEST(ProfileJsonTest, GetsControlsOneByOne)
+{
+    Profile profile = Profile::fromJson(withControl("1"));
+    profile.set("Hue", "on");
+    profile.set("Gain", 2);
+    EXPECT_THAT(profile.controls(),
+                ElementsAre(Pair("Gain", ControlValue(2)), Pair("Hue", ControlValue("on"))));
+}
+
 TEST(ProfileJsonTest, IsKeptInAFile)
 {
     ScratchFolder const folder;
@@ -179,6 +188,11 @@ TEST(ProfileJsonTest, TellsWhyAFileCannotBeReadOrWritten)
     EXPECT_EQ(errorOf([] { Profile::load("/dev/zero"); })->kind(), ErrorKind::BadRequest);
     EXPECT_EQ(errorOf([&] { Profile::load(folder.write("bad", "{")); })->kind(),
               ErrorKind::BadRequest);
+    EXPECT_EQ(errorOf([&] { Profile::load(folder.path(".")); })->systemError(), EISDIR);
+    // A device is written to, never replaced.
+    error = errorOf([] { Profile::fromJson(whole).save("/dev/full"); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->systemError(), ENOSPC);
     error = errorOf([&] { Profile::fromJson(whole).save(folder.path("none/profile.json")); });
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind(), ErrorKind::NotFound);

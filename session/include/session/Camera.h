@@ -21,6 +21,7 @@ class IBlockingCamera;
 namespace ImageAcquisition::Session
 {
 
+class Capture;
 class OpenCamera;
 
 /**
@@ -103,7 +104,7 @@ public:
     IBlockingCamera& interface() const;
 
 private:
-    friend class Profile;
+    friend class Capture;
 
     explicit Camera(std::shared_ptr<OpenCamera> camera) noexcept;
 

@@ -71,7 +71,8 @@ public:
     /// As JSON, with its version; docs/profiles.md has the schema.
     std::string json() const;
 
-    /// Reads a file of json(), or replaces it as a whole.
+    /// Reads a file of json(), or replaces it as a whole; what is no file, such as /dev/stdout, is
+    /// written to.
     /// @throws Error: BadRequest for its contents; NotFound, NoPermission or Refused for the file.
     static Profile load(std::string const& path);
     void save(std::string const& path) const;
@@ -84,6 +85,8 @@ public:
     {
         return m_controls;
     }
+    /// Adds a control at the end, or gives one that is there another value.
+    void set(std::string const& name, ControlValue const& value);
 
     /// Holds a camera against the profile, and changes nothing. What cannot be set as the camera is
     /// now is skipped or refused, also where apply() would release it.
