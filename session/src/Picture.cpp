@@ -65,44 +65,36 @@ struct Picture::Decoder
         return m_jpeg->decode(bytes, {layout.width, layout.height}, rgb);
     }
 
-    /// Converts as much as there is.
-    void convert(Bytes bytes, PictureLayout const& layout, PictureShape const& shape,
-                 Present const& present, unsigned char* rgb)
+    void convert(Bytes bytes, PictureLayout const& layout, PictureShape shape, unsigned char* rgb)
     {
-        unsigned int const lines = std::min(layout.height, present.lines * shape.sampleLines);
-        if (isBayer(layout.format)) {
-            convertBayer(bytes, layout, shape, lines, rgb);
-            return;
+        if (bytes.size() < shape.size()) {
+            complete(bytes, shape, m_copy);
+            bytes = Bytes(m_copy.data(), m_copy.size());
         }
-        PictureArea const whole = {0, lines, layout.width};
-        PictureArea const rest = {lines, std::min(layout.height - lines, shape.sampleLines),
-                                  std::min(layout.width, present.samples * shape.samplePixels)};
-        for (PictureArea const& area : {whole, rest}) {
-            if (area.lines != 0 && area.pixels != 0 &&
-                !convertWithLibyuv(layout, shape, bytes.data(), area, rgb, m_scratch)) {
-                fail(ErrorKind::Refused, layout, "the frame cannot be converted");
-            }
+        bool const isConverted =
+            isBayer(layout.format) ? convertBayer(bytes, layout, shape, rgb)
+                                   : convertWithLibyuv(layout, shape, bytes.data(), rgb, m_scratch);
+        if (!isConverted) {
+            fail(ErrorKind::Refused, layout,
+                 "pictures of " + sizeText(layout) + " are not converted");
         }
     }
 
 private:
-    /// Of a line that is cut, the colours cannot be told.
-    void convertBayer(Bytes bytes, PictureLayout const& layout, PictureShape const& shape,
-                      unsigned int lines, unsigned char* rgb)
+    bool convertBayer(Bytes bytes, PictureLayout const& layout, PictureShape const& shape,
+                      unsigned char* rgb)
     {
         if (!m_bayer) {
             m_bayer.emplace();
         }
-        if (layout.width < BayerConverter::leastWidth || lines < BayerConverter::leastLines ||
-            !m_bayer->convert({codeOf(layout.format), layout.width, lines,
-                               static_cast<unsigned int>(shape.first.stride), bytes.data()},
-                              rgb)) {
-            fail(ErrorKind::Refused, layout,
-                 "the colours of " + std::to_string(layout.width) + "x" + std::to_string(lines) +
-                     " Bayer pixels cannot be told");
-        }
+        return layout.width >= BayerConverter::leastWidth &&
+               layout.height >= BayerConverter::leastLines &&
+               m_bayer->convert({codeOf(layout.format), layout.width, layout.height,
+                                 static_cast<unsigned int>(shape.planes[0].stride), bytes.data()},
+                                rgb);
     }
 
+    std::vector<unsigned char> m_copy; ///< Of frames that were cut.
     std::vector<unsigned char> m_scratch;
     std::optional<JpegDecoder> m_jpeg;
     std::optional<BayerConverter> m_bayer;
@@ -114,7 +106,7 @@ unsigned long long bytesOf(PictureLayout const& layout) noexcept
         return 0;
     }
     std::optional<PictureShape> const shape = shapeOf(layout);
-    return shape ? shape->last().end() : std::numeric_limits<unsigned long long>::max();
+    return shape ? shape->size() : std::numeric_limits<unsigned long long>::max();
 }
 
 Picture::Picture() = default;
@@ -175,18 +167,11 @@ void Picture::convert(Bytes bytes, PictureLayout const& layout)
         return;
     }
     PictureShape const shape = demandShape(layout);
-    Present const present = shape.presentIn(bytes.size());
-    if (present.lines == 0 && present.samples == 0) {
-        fail(ErrorKind::Refused, layout,
-             "the frame has " + std::to_string(bytes.size()) + " bytes, but " + sizeText(layout) +
-                 " needs " + std::to_string(bytesOf(layout)));
+    if (bytes.empty()) {
+        fail(ErrorKind::Refused, layout, "the frame is empty");
     }
-    std::size_t const size = std::size_t{3} * layout.width * layout.height;
-    m_rgb.resize(std::max(m_rgb.size(), size));
-    if (present.lines < shape.last().lines) {
-        std::fill_n(m_rgb.data(), size, static_cast<unsigned char>(0));
-    }
-    m_decoder->convert(bytes, layout, shape, present, m_rgb.data());
+    m_rgb.resize(std::max(m_rgb.size(), std::size_t{3} * layout.width * layout.height));
+    m_decoder->convert(bytes, layout, shape, m_rgb.data());
     m_width = layout.width;
     m_height = layout.height;
 }

@@ -74,36 +74,29 @@ bool convertPacked(std::string const& format, Lines const& lines,
                                                   lines.toStride, lines.width, lines.height) == 0;
 }
 
-bool convertPlanar(PictureShape const& shape, unsigned char const* data, unsigned int firstLine,
-                   Lines const& lines)
+bool convertPlanar(PictureShape const& shape, unsigned char const* data, Lines const& lines)
 {
-    Count const chromaLine = firstLine / shape.sampleLines;
-    unsigned char const* const u = data + shape.u.start + shape.u.stride * chromaLine;
-    unsigned char const* const v = data + shape.v.start + shape.v.stride * chromaLine;
-    auto const stride = static_cast<int>(shape.u.stride);
-    if (u == v) {
-        return libyuv::NV12ToRAW(lines.from, lines.fromStride, u, stride, lines.to, lines.toStride,
-                                 lines.width, lines.height) == 0;
+    auto const& [luma, u, v] = shape.planes;
+    auto const stride = static_cast<int>(u.stride);
+    if (v.lines == 0) {
+        return libyuv::NV12ToRAW(lines.from, lines.fromStride, data + u.start, stride, lines.to,
+                                 lines.toStride, lines.width, lines.height) == 0;
     }
-    return libyuv::I420ToRAW(lines.from, lines.fromStride, u, stride, v, stride, lines.to,
-                             lines.toStride, lines.width, lines.height) == 0;
+    return libyuv::I420ToRAW(lines.from, lines.fromStride, data + u.start, stride, data + v.start,
+                             stride, lines.to, lines.toStride, lines.width, lines.height) == 0;
 }
 
 } // namespace
 
 bool convertWithLibyuv(PictureLayout const& layout, PictureShape const& shape,
-                       unsigned char const* data, PictureArea const& area, unsigned char* rgb,
+                       unsigned char const* data, unsigned char* rgb,
                        std::vector<unsigned char>& scratch)
 {
-    Count const lineBytes = Count{3} * layout.width;
-    Lines const lines = {data + shape.first.stride * area.firstLine,
-                         static_cast<int>(shape.first.stride),
-                         rgb + lineBytes * area.firstLine,
-                         static_cast<int>(lineBytes),
-                         static_cast<int>(area.pixels),
-                         static_cast<int>(area.lines)};
-    return shape.isPlanar ? convertPlanar(shape, data, area.firstLine, lines)
-                          : convertPacked(layout.format, lines, scratch);
+    auto const width = static_cast<int>(layout.width);
+    Lines const lines{data,  static_cast<int>(shape.planes[0].stride), rgb, 3 * width,
+                      width, static_cast<int>(layout.height)};
+    return shape.planes[1].lines != 0 ? convertPlanar(shape, data, lines)
+                                      : convertPacked(layout.format, lines, scratch);
 }
 
 } // namespace ImageAcquisition::Session

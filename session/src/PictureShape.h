@@ -3,8 +3,10 @@
 
 #include "session/Picture.h"
 
+#include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace ImageAcquisition::Session
 {
@@ -17,41 +19,32 @@ struct Plane
 {
     Count start;
     Count stride;
-    Count bytesPerSample;
-    Count samples; ///< In a line.
-    Count lines;
+    Count lineBytes; ///< Without the gap to the next line; no more than `stride`.
+    Count lines;     ///< 0: there is no such plane.
+    std::array<unsigned char, 2> black; ///< What its even and odd bytes are where it is black.
 
-    /// Up to the last sample; the last line need not be padded.
-    Count end() const { return start + stride * (lines - 1) + samples * bytesPerSample; }
+    /// The last line need not be padded.
+    Count end() const { return lines == 0 ? 0 : start + stride * (lines - 1) + lineBytes; }
 };
 
-/// How much of a plane there is.
-struct Present
-{
-    unsigned int lines;   ///< That are whole.
-    unsigned int samples; ///< Of the line behind them.
-};
-
-/// Where the parts of an uncompressed picture lie.
+/// Where the parts of an uncompressed picture lie: all of it, or luma, blue and red. Where chroma
+/// is paired, the second has both.
 struct PictureShape
 {
-    Plane first;
-    Plane u, v;                ///< Only of 4:2:0 pictures; the same one where they are paired.
-    unsigned int samplePixels; ///< Pixels next to each other that a sample of last() is for.
-    unsigned int sampleLines;  ///< Lines below each other that it is for.
-    bool isPlanar;
+    std::array<Plane, 3> planes;
 
-    /// The plane whose bytes come last: where they are, those of the others are too.
-    Plane const& last() const;
-    Present presentIn(Count bytes) const;
+    /// The fewest bytes that hold it.
+    Count size() const;
 };
 
-/// The shape of a picture whose numbers are beyond suspicion; nothing where isPlausible() is not
-/// true, and for formats that are compressed or not known.
+/// The shape of a picture whose numbers are beyond suspicion: a camera may have such a one, and an
+/// `int` can count its bytes. Nothing for others, and for formats that are compressed or not known.
 std::optional<PictureShape> shapeOf(PictureLayout const& layout);
 
-/// Whether a camera may have such a picture, and an `int` can count its bytes.
-bool isPlausible(PictureLayout const& layout) noexcept;
+/// A copy of a picture of which bytes are missing: without gaps between its lines, and black where
+/// nothing is.
+/// @param shape becomes the copy's.
+void complete(Bytes bytes, PictureShape& shape, std::vector<unsigned char>& copy);
 
 bool isUncompressed(std::string const& format) noexcept;
 bool isJpeg(std::string const& format) noexcept;

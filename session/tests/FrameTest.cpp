@@ -3,6 +3,8 @@
 
 #include "StreamedCamera.h"
 
+#include "session/Picture.h"
+
 #include <gtest/gtest.h>
 #include <linux/videodev2.h>
 
@@ -41,6 +43,27 @@ TEST(FrameTest, IsEmptyWithoutAPicture)
     EXPECT_EQ(frame.captured(), Frame::Clock::time_point());
     EXPECT_FALSE(frame.isDamaged());
     EXPECT_FALSE(frame.isShort());
+}
+
+TEST(FrameTest, BecomesAPicture)
+{
+    StreamedCamera device(StreamedCamera::onDemand());
+    Camera camera = device.open();
+    Stream stream = camera.stream();
+    device->deliverFrames(1);
+    Frame const frame = stream.next(5s);
+    ASSERT_TRUE(frame);
+    Picture picture;
+    picture.convert(frame);
+    Picture alone;
+    alone.convert(frame.bytes(), {"YUYV", 64, 48, frame.bytesPerLine()});
+    EXPECT_EQ(picture.width(), 64u);
+    EXPECT_EQ(picture.height(), 48u);
+    EXPECT_TRUE(std::equal(picture.rgb().begin(), picture.rgb().end(), alone.rgb().begin(),
+                           alone.rgb().end()));
+    EXPECT_GT(sumOf(picture.rgb()), 0u);
+    EXPECT_THROW(picture.convert(Frame()), Error);
+    EXPECT_TRUE(picture.empty());
 }
 
 TEST(FrameTest, GoesBackWhenItGoes)

@@ -160,7 +160,7 @@ TEST(PictureTest, RefusesWhatIsNone)
 {
     EXPECT_EQ(faultOf({"GREY", 0, 0, 0}, {1}).reason(),
               "the camera does not tell the size of its frames");
-    EXPECT_EQ(faultOf({"YUYV", 4, 4, 0}, {}).reason(), "the frame has 0 bytes, but 4x4 needs 32");
+    EXPECT_EQ(faultOf({"YUYV", 4, 4, 0}, {}).reason(), "the frame is empty");
     EXPECT_EQ(faultOf({"MJPG", 1, 1, 0}, {1, 2, 3, 4}).reason(), "the frame is no JPEG picture");
     EXPECT_EQ(faultOf({"MJPG", 1, 1, 0}, {}).kind(), ErrorKind::Refused);
 }
