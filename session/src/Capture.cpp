@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "Capture.h"
 
+#include "BlockedSignals.h"
 #include "session/Camera.h"
 
 #include <IFrame.h>
 
 #include <algorithm>
-#include <csignal>
 #include <utility>
 
 namespace ImageAcquisition::Session
@@ -61,13 +61,8 @@ Capture::~Capture()
 
 void Capture::startThread()
 {
-    // Signals are for the client's threads.
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
+    BlockedSignals const blocked;
     int const error = pthread_create(&m_thread, nullptr, &Capture::runThread, this);
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (error != 0) {
         throw Error({ErrorKind::Refused, operation, "there is no thread to be had", node(), error});
     }

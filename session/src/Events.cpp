@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "session/Events.h"
 
+#include "BlockedSignals.h"
+#include "ForkGuard.h"
 #include "NodeWalk.h"
 #include "Parsing.h"
+#include "Signal.h"
 #include "session/Error.h"
 
 #include <poll.h>
 #include <sys/epoll.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
@@ -25,28 +26,7 @@ namespace ImageAcquisition::Session
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
-
-/// Owns a descriptor.
-class Descriptor
-{
-public:
-    explicit Descriptor(int number) : m_number(number) {}
-    Descriptor(Descriptor const&) = delete;
-    Descriptor& operator=(Descriptor const&) = delete;
-    ~Descriptor()
-    {
-        if (m_number != -1) {
-            close(m_number);
-        }
-    }
-
-    int number() const { return m_number; }
-
-private:
-    int m_number;
-};
 
 Event::Action actionOf(char const* word)
 {
@@ -88,16 +68,16 @@ public:
     void join();
 
 private:
-    bool waitUntil(std::optional<Clock::time_point> end) const;
+    bool waitFor(Deadline const& end) const;
     std::optional<Event> receive();
     std::optional<Event> judge(Event::Action action, unsigned int number);
     std::optional<Event> appeared(unsigned int number);
 
-    NodeWalk m_walk;
+    ForkGuard const m_process; ///< In a child, thread and events are the parent's.
     UdevContext m_udev;
     UdevMonitor m_monitor;
-    Descriptor m_stop{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
-    Descriptor m_either{epoll_create1(EPOLL_CLOEXEC)};
+    Signal m_stop;
+    Descriptor const m_either{epoll_create1(EPOLL_CLOEXEC)};
     std::map<unsigned int, Found> m_known; ///< By the number of the node.
     std::atomic<bool> m_stopped{false};
     std::thread m_thread;
@@ -113,7 +93,7 @@ Events::Watch::Watch()
                            udev_monitor_enable_receiving(m_monitor.get()) >= 0;
     bool watched = receiving;
     for (int const source :
-         {receiving ? udev_monitor_get_fd(m_monitor.get()) : -1, m_stop.number()}) {
+         {receiving ? udev_monitor_get_fd(m_monitor.get()) : -1, m_stop.descriptor()}) {
         epoll_event interest{};
         interest.events = EPOLLIN;
         watched = watched && epoll_ctl(m_either.number(), EPOLL_CTL_ADD, source, &interest) == 0;
@@ -122,7 +102,7 @@ Events::Watch::Watch()
         throw Error({ErrorKind::Refused, "watch for cameras", "udev cannot be reached", "", errno});
     }
     // Looked at after receiving began, so that none is missed in between.
-    for (Found const& camera : m_walk.all().cameras) {
+    for (Found const& camera : findCameras().cameras) {
         if (auto const number = nodeNumber(camera.node().c_str() + std::strlen("/dev/"))) {
             m_known.emplace(*number, camera);
         }
@@ -131,16 +111,16 @@ Events::Watch::Watch()
 
 void Events::Watch::stop() noexcept
 {
-    m_stopped = true;
-    eventfd_write(m_stop.number(), 1);
+    if (!m_process.isForked()) {
+        m_stopped = true;
+        m_stop.set();
+    }
 }
 
 std::optional<Event> Events::Watch::next(milliseconds timeout)
 {
-    // Far times would overflow the clock.
-    bool const isLimited = timeout >= milliseconds::zero() && timeout < std::chrono::hours(1 << 20);
-    auto const end = isLimited ? std::optional(Clock::now() + timeout) : std::nullopt;
-    while (waitUntil(end)) {
+    Deadline const end(timeout);
+    while (waitFor(end)) {
         if (auto event = receive()) {
             return event;
         }
@@ -148,23 +128,14 @@ std::optional<Event> Events::Watch::next(milliseconds timeout)
     return std::nullopt;
 }
 
-bool Events::Watch::waitUntil(std::optional<Clock::time_point> end) const
+bool Events::Watch::waitFor(Deadline const& end) const
 {
-    for (;;) {
-        auto const left = end ? std::chrono::ceil<milliseconds>(*end - Clock::now()).count() : -1;
-        auto const limited = static_cast<int>(std::min<long long>(left, 1 << 30));
-        pollfd either{m_either.number(), POLLIN, 0};
-        int const ready = poll(&either, 1, end ? std::max(limited, 0) : -1);
-        if (m_stopped || (ready == -1 && errno != EINTR)) {
-            return false;
-        }
-        if (ready == 1) {
-            return true;
-        }
-        if (end && Clock::now() >= *end) {
-            return false;
-        }
-    }
+    pollfd either{m_either.number(), POLLIN, 0};
+    int ready = -1;
+    do {
+        ready = m_process.isForked() ? 0 : poll(&either, 1, end.left());
+    } while (ready == -1 && errno == EINTR);
+    return ready == 1 && !m_stopped;
 }
 
 std::optional<Event> Events::Watch::receive()
@@ -193,7 +164,7 @@ std::optional<Event> Events::Watch::appeared(unsigned int number)
 {
     auto const behind = std::distance(m_known.begin(), m_known.lower_bound(number));
     auto const described =
-        m_walk.describe("video" + std::to_string(number), static_cast<int>(behind));
+        NodeWalk().describe("video" + std::to_string(number), static_cast<int>(behind));
     auto const* const camera = std::get_if<Found>(&described);
     if (camera == nullptr) {
         return std::nullopt;
@@ -204,6 +175,7 @@ std::optional<Event> Events::Watch::appeared(unsigned int number)
 
 void Events::Watch::callBack(std::shared_ptr<Watch> const& self, Callback callback)
 {
+    BlockedSignals const blocked;
     m_thread = std::thread([self, callback = std::move(callback)] {
         while (auto const event = self->next(milliseconds(-1))) {
             callback(*event);
@@ -213,9 +185,12 @@ void Events::Watch::callBack(std::shared_ptr<Watch> const& self, Callback callba
 
 void Events::Watch::join()
 {
-    if (m_thread.get_id() == std::this_thread::get_id()) {
+    if (!m_thread.joinable()) {
+        return;
+    }
+    if (m_process.isForked() || m_thread.get_id() == std::this_thread::get_id()) {
         m_thread.detach();
-    } else if (m_thread.joinable()) {
+    } else {
         m_thread.join();
     }
 }

@@ -52,41 +52,54 @@ private:
     Clock::time_point m_begin;
 };
 
+/// Owns a descriptor.
+class Descriptor
+{
+public:
+    /// @throws Error when there is none left, which is -1.
+    explicit Descriptor(int number) : m_number(number)
+    {
+        if (m_number == -1) {
+            throw Error({ErrorKind::Refused, "open an event descriptor", "", "", errno});
+        }
+    }
+    Descriptor(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor const&) = delete;
+    ~Descriptor() { close(m_number); }
+
+    int number() const noexcept { return m_number; }
+
+private:
+    int const m_number;
+};
+
 /// A flag that can be waited for, also together with other descriptors.
 class Signal
 {
 public:
     /// @throws Error when there is no descriptor left.
-    Signal() : m_descriptor(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
-    {
-        if (m_descriptor == -1) {
-            throw Error({ErrorKind::Refused, "open an event descriptor", "", "", errno});
-        }
-    }
-    Signal(Signal const&) = delete;
-    Signal& operator=(Signal const&) = delete;
-    ~Signal() { close(m_descriptor); }
+    Signal() : m_descriptor(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
 
-    int descriptor() const noexcept { return m_descriptor; }
+    int descriptor() const noexcept { return m_descriptor.number(); }
 
     // By the bare system calls: those of the C library are points of cancellation, and cost twice
     // as much.
     void set() noexcept
     {
         std::uint64_t const one = 1;
-        syscall(SYS_write, m_descriptor, &one, sizeof one);
+        syscall(SYS_write, descriptor(), &one, sizeof one);
     }
     void clear() noexcept
     {
         std::uint64_t count = 0;
-        syscall(SYS_read, m_descriptor, &count, sizeof count);
+        syscall(SYS_read, descriptor(), &count, sizeof count);
     }
 
     /// Whether it is set before the time is over.
     /// @param isFirst the deadline was only just made.
     bool wait(Deadline const& deadline, bool isFirst = false) const noexcept
     {
-        pollfd entry{m_descriptor, POLLIN, 0};
+        pollfd entry{descriptor(), POLLIN, 0};
         int const left = isFirst ? deadline.whole() : deadline.left();
         int ready = poll(&entry, 1, left);
         while (ready == -1 && errno == EINTR) {
@@ -96,7 +109,7 @@ public:
     }
 
 private:
-    int const m_descriptor;
+    Descriptor const m_descriptor;
 };
 
 } // namespace ImageAcquisition::Session

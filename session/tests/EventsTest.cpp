@@ -6,9 +6,12 @@
 #include "Machine.h"
 #include "Stopwatch.h"
 
+#include <IDevice.h>
 #include <gmock/gmock.h>
 #include <linux/videodev2.h>
 #include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <mutex>
@@ -164,6 +167,41 @@ TEST_F(EventsTest, MayGoFromWithinTheirCallback)
     });
     plug(0, "1-1", "S0");
     EXPECT_TRUE(await([&] { return gone.load(); }));
+}
+
+TEST_F(EventsTest, AskEachOfTheVendorsCamerasForItsFirmware)
+{
+    Events events;
+    for (int number = 0; number < 2; ++number) {
+        std::string const text = std::to_string(number);
+        auto const usb =
+            m_machine.plug(vendorUsbDevice("1-" + text).withFirmware(("TJ8-1.2." + text).c_str()));
+        m_videos.push_back(aCamera(Machine::nodeOf(number)).install());
+        m_machine.testbed.addVideoNode("video" + text, usb);
+        auto const event = events.next(5s);
+        ASSERT_TRUE(event);
+        EXPECT_EQ(event->camera.device().firmwareVersion(), "TJ8-1.2." + text);
+    }
+}
+
+TEST_F(EventsTest, LeaveAChildNothingToWaitFor)
+{
+    std::optional<Events> events(std::in_place);
+    std::optional<Events> calling([](Event const&) {});
+    plug(0, "1-1", "S0");
+    pid_t const child = fork();
+    if (child == 0) {
+        alarm(20);
+        bool const isTold = events->next(-1ms).has_value();
+        events.reset();
+        calling.reset();
+        _exit(isTold ? 1 : 0);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status)) << "signal " << WTERMSIG(status);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(textOf(events->next(5s)), "added serial:S0");
 }
 
 TEST_F(EventsTest, LeaveNoDescriptorBehind)

@@ -15,7 +15,7 @@ namespace
 using namespace ImageAcquisition::Session;
 
 /// Runs in the child; the number of the first thing that is wrong, or 0.
-int faultInChild(Stream& stream, Frame& frame, std::atomic<int> const& calls)
+int faultInChild(Camera& camera, Stream& stream, Frame& frame, std::atomic<int> const& calls)
 {
     int const before = calls;
     if (stream.next(-1ms)) {
@@ -29,6 +29,7 @@ int faultInChild(Stream& stream, Frame& frame, std::atomic<int> const& calls)
     }
     stream.stop();
     {
+        Camera const gone(std::move(camera));
         Stream const end(std::move(stream));
         frame.release();
     }
@@ -51,7 +52,7 @@ TEST(StreamForkTest, LeavesTheParentsStreamAlone)
     pid_t const child = fork();
     if (child == 0) {
         alarm(20);
-        _exit(faultInChild(stream, frame, calls));
+        _exit(faultInChild(camera, stream, frame, calls));
     }
     int status = -1;
     ASSERT_EQ(waitpid(child, &status, 0), child);
