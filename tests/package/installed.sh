@@ -122,7 +122,7 @@ example_lists() {
 
 # Ten frames, and the last one's bytes in a file.
 example_captures() {
-    on_virtual_camera "$work/cmake/capture-frames" "$work/frame.raw" | tee "$work/capture.log"
+    on_virtual_camera "$work/cmake/capture-by-interfaces" "$work/frame.raw" | tee "$work/capture.log"
     [ "$(grep -c '^frame ' "$work/capture.log")" -eq 10 ] || fail "not ten frames"
     local bytes
     bytes=$(sed -nE '$ s/^frame [0-9]+: ([0-9]+) bytes.*/\1/p' "$work/capture.log")
@@ -137,7 +137,7 @@ example_believes_no_overstated_frame() {
                    "sizes": [ { "width": 64, "height": 48, "intervals": [ "1/30" ] } ] } ],
     "frameFaults": [ { "fromThenOn": true, "claimedBytes": 100000000 } ] } ] }
 END
-    on_virtual_camera --config "$work/overstated.json" "$work/cmake/capture-frames" \
+    on_virtual_camera --config "$work/overstated.json" "$work/cmake/capture-by-interfaces" \
         "$work/overstated.raw" | tee "$work/overstated.log"
     [ "$(grep -c '100000000 bytes' "$work/overstated.log")" -eq 10 ] || fail "no frame claims too much"
     [ "$(stat -c %s "$work/overstated.raw")" -eq $((64 * 48 * 2)) ] || fail "not the buffer's bytes"

@@ -25,7 +25,7 @@ pkg_config_builds_an_example() {
 
 lists() { "$@" | tee list.log; grep 'node     /dev/video0' list.log; }
 captures() {
-    with-virtual-camera build/capture-frames frame.raw && [ "$(stat -c %s frame.raw)" -gt 100000 ]
+    with-virtual-camera build/capture-by-interfaces frame.raw && [ "$(stat -c %s frame.raw)" -gt 100000 ]
 }
 walks_controls() { with-virtual-camera build/walk-controls | grep '^Brightness, Int32'; }
 tool_captures() {

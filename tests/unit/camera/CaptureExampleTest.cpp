@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The example that captures, on a driver that lies.
-#define main captureFrames
-#include "../../../examples/capture-frames.cpp"
+#define main captureByInterfaces
+#include "../../../examples/capture-by-interfaces.cpp"
 #undef main
 
 #include "Machine.h"
@@ -32,11 +32,11 @@ TEST(CaptureExampleTest, WritesNoMoreThanTheBufferOfAFrameThatClaimsMore)
     });
     ScratchFolder const folder;
     std::string const file = folder.path("frame.raw");
-    std::string program = "capture-frames";
+    std::string program = "capture-by-interfaces";
     std::string path = file;
     char* arguments[] = {program.data(), path.data(), nullptr};
     testing::internal::CaptureStdout();
-    EXPECT_EQ(captureFrames(2, arguments), 0);
+    EXPECT_EQ(captureByInterfaces(2, arguments), 0);
     EXPECT_NE(testing::internal::GetCapturedStdout().find("frame 9:"), std::string::npos);
     EXPECT_EQ(std::filesystem::file_size(file), smallImageSize);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Captures ten frames from the first camera and writes the last one, as the driver delivers it:
-//   capture-frames FILE
+//   capture-by-interfaces FILE
 #include <IBlockingCamera.h>
 #include <ICameraFactory.h>
 #include <IDeviceList.h>
@@ -20,7 +20,7 @@ namespace
 
 int fail(char const* what)
 {
-    std::cerr << "capture-frames: " << what << "\n";
+    std::cerr << "capture-by-interfaces: " << what << "\n";
     return 1;
 }
 
@@ -31,17 +31,13 @@ bool takeFrame(IBlockingCamera& camera, std::ostream* file)
     IFrame* const frame = camera.acquireFrame();
     bool const good = !frame->isInvalid() && !frame->isCorrupted();
     if (good) {
-        {
-            std::cout << "frame " << frame->counter() << ": " << frame->bytesUsed() << " bytes at "
-                      << frame->timeStamp().seconds << " s\n";
-        }
+        std::cout << "frame " << frame->counter() << ": " << frame->bytesUsed() << " bytes at "
+                  << frame->timeStamp().seconds << " s\n";
     }
     // What is used is the driver's word, and a broken driver may claim more than there is to read.
     if (good && file != nullptr) {
-        {
-            file->write(reinterpret_cast<char const*>(frame->bytePtr()),
-                        std::min(frame->bytesUsed(), frame->allocSize()));
-        }
+        file->write(reinterpret_cast<char const*>(frame->bytePtr()),
+                    std::min(frame->bytesUsed(), frame->allocSize()));
     }
     camera.releaseFrame(frame);
     return good;
@@ -52,24 +48,18 @@ bool takeFrame(IBlockingCamera& camera, std::ostream* file)
 int main(int count, char** arguments)
 {
     if (count != 2) {
-        {
-            return fail("usage: capture-frames FILE");
-        }
+        return fail("usage: capture-by-interfaces FILE");
     }
     ICameraFactory& factory = ICameraFactory::getUniqueInstance();
     std::unique_ptr<IDeviceList> const list(factory.createDeviceList());
     std::unique_ptr<IBlockingCamera> const camera(factory.createBlockingCamera(list->at(0)));
     if (!camera) {
-        {
-            return fail("no camera that can be opened");
-        }
+        return fail("no camera that can be opened");
     }
 
     // The first format, its first size and that size's first interval; then the buffers for them.
     if (!camera->setCurrentImageFormat(0, 0, 0)) {
-        {
-            return fail("the camera refused its first format");
-        }
+        return fail("the camera refused its first format");
     }
     IImageFormat const* const format = camera->currentImageFormat();
     IFrameSize const* const size = camera->currentFrameSize();
@@ -78,9 +68,7 @@ int main(int count, char** arguments)
     std::ofstream file(arguments[1], std::ios::binary);
     bool good = camera->setup(4) == 0 && camera->startCapture() == 0;
     for (int number = 1; good && number <= 10; ++number) {
-        {
-            good = takeFrame(*camera, number == 10 ? &file : nullptr);
-        }
+        good = takeFrame(*camera, number == 10 ? &file : nullptr);
     }
     camera->stopCapture();
     camera->cleanup();
