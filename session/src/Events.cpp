@@ -53,7 +53,7 @@ std::optional<unsigned int> nodeNumber(char const* name)
 } // namespace
 
 /// Receives udev's events and knows which cameras there are.
-class Events::Watch
+class __attribute__((visibility("hidden"))) Events::Watch // else as visible as the class around it
 {
 public:
     Watch();
