@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Captures ten frames from the first camera and writes the last one, as the driver delivers it:
 //   capture-by-interfaces FILE
+// On the bare interfaces; capture-frames does it on the session layer.
 #include <IBlockingCamera.h>
 #include <ICameraFactory.h>
 #include <IDeviceList.h>

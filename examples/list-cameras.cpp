@@ -1,27 +1,26 @@
 // SPDX-License-Identifier: MIT
-// Prints the cameras of this machine.
-#include <ICameraFactory.h>
+// Prints the cameras of this machine, and the video nodes that are none.
 #include <IDevice.h>
-#include <IDeviceList.h>
+#include <Session.h>
 
-#include <exception>
 #include <iostream>
-#include <memory>
 
-using namespace ImageAcquisition;
+namespace ia = ImageAcquisition::Session;
 
 namespace
 {
 
-void print(IDevice const& device)
+void print(ia::Found const& camera)
 {
-    std::cout << device.index() << ": " << device.name() << "\n"
-              << "   node     " << device.systemName() << " (" << device.driverName() << " "
+    // The record tells the usual; the library's interface to it tells all.
+    ImageAcquisition::IDevice const& device = camera.device();
+    std::cout << camera.index() << ": " << camera.name() << "\n"
+              << "   open by  " << camera.text() << "\n"
+              << "   node     " << camera.node() << " (" << device.driverName() << " "
               << device.driverVersion() << ")\n"
-              << "   USB      " << device.vendorId() << ":" << device.productId() << " at "
-              << device.busInfo() << ", speed " << device.usbSpeed() << "\n"
-              << "   maker    " << device.manufacturer() << "\n"
-              << "   serial   " << device.serial() << "\n";
+              << "   USB      " << camera.id() << " at " << camera.port() << ", speed "
+              << device.usbSpeed() << "\n"
+              << "   maker    " << device.manufacturer() << "\n";
     if (device.isaZorvaneDevice()) {
         std::cout << "   firmware " << device.firmwareVersion() << "\n";
     }
@@ -31,18 +30,14 @@ void print(IDevice const& device)
 
 int main()
 try {
-    // What the factory creates is the caller's to delete; the records belong to the list.
-    std::unique_ptr<IDeviceList> const cameras(
-        ICameraFactory::getUniqueInstance().createDeviceList());
-    for (int position = 0; position < cameras->size(); ++position) {
-        print(*cameras->at(position));
+    ia::CameraList const list = ia::findCameras();
+    for (ia::Found const& camera : list.cameras) {
+        print(camera);
     }
-    if (cameras->size() == 0) {
-        std::cout << "No camera is attached.\n";
+    for (ia::LeftOut const& node : list.leftOut) {
+        std::cout << node.node << " " << node.reason << "\n";
     }
-    return 0;
-} catch (std::exception const& error) {
-    // A capture device that is not on USB, such as the kernel's vivid, cannot be described.
-    std::cerr << "list-cameras: " << error.what() << ": a video node has no USB device behind it\n";
+} catch (ia::Error const& error) {
+    std::cerr << "list-cameras: " << error.what() << "\n";
     return 1;
 }

@@ -20,16 +20,19 @@ install_tree() {
     cmake --install "$build" --prefix "$work/first" >"$work/install.log"
     mv "$work/first" "$prefix"
     [ -f "$prefix/include/imageacquisition/ICameraFactory.h" ] || fail "no headers"
-    [ -z "$(find "$prefix" -name 'libimageacquisition.a')" ] || fail "the static library is installed"
+    [ -f "$prefix/include/imageacquisition/Session.h" ] || fail "no headers of the session layer"
+    [ -z "$(find "$prefix" -name '*.a')" ] || fail "a static library is installed"
 }
 
 carries_version() {
-    local file
-    file="$(library_dir)/libimageacquisition.so"
-    [ "$(readlink -f "$file")" = "$(library_dir)/libimageacquisition.so.$version" ] ||
-        fail "libimageacquisition.so leads to $(readlink -f "$file")"
-    grep -q "SONAME.*\[libimageacquisition.so.${version%%.*}\]" <<<"$(readelf -d "$file")" ||
-        fail "SONAME: $(readelf -d "$file" | grep SONAME)"
+    local name file
+    for name in libimageacquisition.so libimageacquisition-session.so; do
+        file="$(library_dir)/$name"
+        [ "$(readlink -f "$file")" = "$(library_dir)/$name.$version" ] ||
+            fail "$name leads to $(readlink -f "$file")"
+        grep -q "SONAME.*\[$name.${version%%.*}\]" <<<"$(readelf -d "$file")" ||
+            fail "SONAME: $(readelf -d "$file" | grep SONAME)"
+    done
 }
 
 # Each exported name is a member, vtable or typeinfo of a public class.
@@ -51,60 +54,26 @@ needs_no_foreign_header() {
             -fsyntax-only -x c++ "$header" 2>&1 |
             grep -v 'pragma once in main file' | grep -E 'error|warning' && fail "$header"
         g++ -std=c++17 -I "$prefix/include/imageacquisition" -M -x c++ "$header" | tr ' \\' '\n\n' |
-            grep -iE '/Q[A-Z]|qt5|libusb|libudev|libv4l|linux/videodev' && fail "$header"
+            grep -iE '/Q[A-Z]|qt5|libusb|libudev|libv4l|linux/videodev|libyuv|jpeg|nlohmann' && fail "$header"
     done
     return 0
 }
 
-# A client of the session layer, found with CMake as a component and with pkg-config, and run.
-serves_session() {
-    mkdir -p "$work/session"
-    cat >"$work/session/app.cpp" <<'END'
-#include <Session.h>
-
-#include <iostream>
-
-int main()
-{
-    namespace ia = ImageAcquisition::Session;
-    ia::Camera camera = ia::Camera::open("0");
-    std::cout << camera.found().node() << " " << camera.select("").text() << "\n";
-    try {
-        camera["no such control"];
-    } catch (ia::Error const& error) {
-        std::cout << toText(error.kind()) << "\n";
-    }
-}
-END
-    cat >"$work/session/CMakeLists.txt" <<'END'
-cmake_minimum_required(VERSION 3.25)
-project(app LANGUAGES CXX)
-find_package(ImageAcquisition 1 REQUIRED COMPONENTS Session)
-add_executable(app app.cpp)
-target_link_libraries(app PRIVATE ImageAcquisition::Session)
-END
-    rm -rf "$work/session/build"
-    cmake -S "$work/session" -B "$work/session/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix"
-    cmake --build "$work/session/build"
-    PKG_CONFIG_PATH="$(library_dir)/pkgconfig" pkg-config --cflags --libs imageacquisition-session |
-        xargs g++ -std=c++17 "$work/session/app.cpp" -o "$work/session/app"
-    local program
-    for program in "$work/session/build/app" "$work/session/app"; do
-        on_virtual_camera "$program" | tee "$work/session/log"
-        grep -qE '^/dev/video0 [A-Z0-9]+ [0-9]+x[0-9]+@' "$work/session/log" || fail "no camera"
-        grep -qx 'not found' "$work/session/log" || fail "no error was caught"
-    done
-}
-
-# Each exported name of the session layer is in its namespace.
+# Each exported name of the session layer is a member, vtable or typeinfo of a class that its
+# headers mark, or a function that they mark.
 exports_session_names() {
-    local foreign
-    nm -D --defined-only -C "$(library_dir)/libimageacquisition-session.so" | cut -d' ' -f3- \
-        >"$work/session-exports"
-    grep -q 'ImageAcquisition::Session::Camera::open' "$work/session-exports" ||
+    local marked='IMAGEACQUISITION_SESSION_EXPORT' headers classes functions foreign
+    headers=$(cat "$prefix"/include/imageacquisition/session/*.h | tr '\n' ' ')
+    classes=$(grep -oE "(class|struct) $marked [A-Za-z:]+" <<<"$headers" | sed 's/.* //' | paste -sd '|')
+    functions=$(grep -oE "$marked [^({;]*\(" <<<"$headers" | sed -E 's/.* ([^ ]+)\($/\1/' | paste -sd '|')
+    nm -D --defined-only -C "$(library_dir)/libimageacquisition-session.so" | cut -d' ' -f3- |
+        sed -E 's/^(vtable|typeinfo|typeinfo name) for (.*)/\2::/; s/\(.*//; s/\[abi:[^]]*\]//' |
+        sort -u >"$work/session-exports"
+    grep -qx 'ImageAcquisition::Session::Camera::open' "$work/session-exports" ||
         fail "the camera is not exported"
-    foreign=$(grep -vE 'ImageAcquisition::Session::' "$work/session-exports" || true)
-    [ -z "$foreign" ] || fail "exported without being the layer's: $foreign"
+    foreign=$(grep -vxE "ImageAcquisition::Session::(($classes)::[^:]*|$functions)" \
+        "$work/session-exports" || true)
+    [ -z "$foreign" ] || fail "exported without being public: $foreign"
 }
 
 serves_cmake() {
@@ -117,19 +86,42 @@ serves_cmake() {
 example_lists() {
     on_virtual_camera "$work/cmake/list-cameras" | tee "$work/list.log"
     grep -q 'node     /dev/video0' "$work/list.log" || fail "no camera was listed"
+    grep -q 'open by  serial:VC1000' "$work/list.log" || fail "it does not say how to open it"
+    grep -q '^/dev/video1 does not capture' "$work/list.log" || fail "nothing was left out"
     grep -q 'firmware TJ8-' "$work/list.log" || fail "no firmware of the vendor's camera"
 }
 
-# Ten frames, and the last one's bytes in a file.
+# check_picture FILE SIZE: it is a picture of this size, WIDTH HEIGHT, and shows something.
+check_picture() {
+    local header="P6 $2 255" bytes
+    [ "$(head -n 3 "$1" | tr '\n' ' ')" = "$header " ] || fail "no picture of $2"
+    bytes=$((${2% *} * ${2#* } * 3))
+    [ "$(stat -c %s "$1")" -eq $((${#header} + 1 + bytes)) ] || fail "not the picture's bytes"
+    [ "$(tail -c "$bytes" "$1" | od -An -v -tx1 -w3 | sort -u | wc -l)" -gt 5 ] ||
+        fail "an empty picture"
+}
+
+# Ten frames of the camera and the selection that are asked for, and the last one as a picture.
 example_captures() {
-    on_virtual_camera "$work/cmake/capture-by-interfaces" "$work/frame.raw" | tee "$work/capture.log"
-    [ "$(grep -c '^frame ' "$work/capture.log")" -eq 10 ] || fail "not ten frames"
+    on_virtual_camera "$work/cmake/capture-frames" "$work/frame.ppm" serial:VC1001 320x240@30 |
+        tee "$work/capture.log"
+    [ "$(head -n 1 "$work/capture.log")" = "YUYV 320x240@30" ] || fail "another selection"
+    [ "$(grep -c '^frame [0-9]*: 153600 bytes$' "$work/capture.log")" -eq 10 ] || fail "not ten frames"
+    grep -q '^10 frames, ' "$work/capture.log" || fail "no statistics"
+    check_picture "$work/frame.ppm" "320 240"
+}
+
+# Ten frames, and the last one's bytes in a file.
+example_captures_by_interfaces() {
+    on_virtual_camera "$work/cmake/capture-by-interfaces" "$work/frame.raw" |
+        tee "$work/interfaces.log"
+    [ "$(grep -c '^frame ' "$work/interfaces.log")" -eq 10 ] || fail "not ten frames"
     local bytes
-    bytes=$(sed -nE '$ s/^frame [0-9]+: ([0-9]+) bytes.*/\1/p' "$work/capture.log")
+    bytes=$(sed -nE '$ s/^frame [0-9]+: ([0-9]+) bytes.*/\1/p' "$work/interfaces.log")
     [ "$(stat -c %s "$work/frame.raw")" -eq "$bytes" ] || fail "the file is not the last frame"
 }
 
-# Of a frame that claims more bytes than its buffer has, the file gets those of the buffer.
+# Of a frame that claims more bytes than its buffer has, the files get those of the buffer.
 example_believes_no_overstated_frame() {
     cat >"$work/overstated.json" <<'END'
 { "cameras": [ { "usb": { "port": "1-1" },
@@ -141,12 +133,24 @@ END
         "$work/overstated.raw" | tee "$work/overstated.log"
     [ "$(grep -c '100000000 bytes' "$work/overstated.log")" -eq 10 ] || fail "no frame claims too much"
     [ "$(stat -c %s "$work/overstated.raw")" -eq $((64 * 48 * 2)) ] || fail "not the buffer's bytes"
+    on_virtual_camera --config "$work/overstated.json" "$work/cmake/capture-frames" \
+        "$work/overstated.ppm" | tee "$work/overstated.log"
+    [ "$(grep -c ": $((64 * 48 * 2)) bytes" "$work/overstated.log")" -eq 10 ] ||
+        fail "frames are not as long as their buffer"
+    check_picture "$work/overstated.ppm" "64 48"
 }
 
 example_walks_controls() {
-    on_virtual_camera "$work/cmake/walk-controls" | tee "$work/controls.log"
-    grep -qE '^Brightness, Int32: -?[0-9]+ \(' "$work/controls.log" || fail "no brightness"
-    grep -qE '^[^,]+, StringMenu:.*\[[^]]+\]' "$work/controls.log" || fail "no menu"
+    on_virtual_camera "$work/cmake/walk-controls" name:"Virtual Vendor Camera" | tee "$work/controls.log"
+    grep -qx 'Brightness: 0, from -64 to 64 by 1' "$work/controls.log" || fail "no brightness"
+    grep -qx 'Power Line Frequency: 50 Hz, one of Disabled | 50 Hz | 60 Hz' "$work/controls.log" ||
+        fail "no menu"
+    grep -q '^Focus, Absolute: .*, inactive$' "$work/controls.log" || fail "none is inactive"
+    on_virtual_camera --model all-controls "$work/cmake/walk-controls" >"$work/controls.log"
+    grep -qE '^[^:]+: \(it is a button\)$' "$work/controls.log" || fail "no button"
+    ! on_virtual_camera "$work/cmake/walk-controls" serial:none 2>"$work/controls.log" ||
+        fail "a camera was found"
+    grep -q '^walk-controls: find camera .serial:none.' "$work/controls.log" || fail "it says not why"
 }
 
 # The camera goes well after the program has begun to listen, and the program ends when told so.
@@ -157,13 +161,14 @@ example_watches() {
     on_virtual_camera --plug-after 1500 --unplug-after 4000 "$work/cmake/watch-cameras" \
         <"$work/keys" >"$work/watch.log" 3>&- &
     local program=$! tries=0
-    until grep -q '^/dev/video[0-9]*: removed$' "$work/watch.log"; do
+    until grep -q "^removed /dev/video2 'Virtual Vendor Camera'" "$work/watch.log"; do
         tries=$((tries + 1))
         [ "$tries" -lt 300 ] || { kill "$program"; fail "no event: $(cat "$work/watch.log")"; }
         sleep 0.1
     done
     echo >&3
     wait "$program" || fail "it ended with $?"
+    grep -q "^added /dev/video2 " "$work/watch.log" || fail "it did not tell that the camera came"
 }
 
 # Installed programs find the installed libraries by themselves.
@@ -254,48 +259,77 @@ a_module_of_another_release_is_refused() {
     opened_without_serial_controls "version .IMAGEACQUISITION_MODULE_9"
 }
 
+# finds WORDS...: whether find_package(ImageAcquisition WORDS...) succeeds.
+finds() {
+    mkdir -p "$work/$case_name"
+    printf 'cmake_minimum_required(VERSION 3.25)\nproject(p LANGUAGES CXX)\n%s\n' \
+        "find_package(ImageAcquisition $*)" >"$work/$case_name/CMakeLists.txt"
+    rm -rf "$work/$case_name/build"
+    cmake -S "$work/$case_name" -B "$work/$case_name/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+        >"$work/$case_name/log" 2>&1
+}
+
 # A client that asks for another major version, or for a newer minor one, is not served.
 refuses_other_versions() {
-    local wanted major=${version%%.*}
-    mkdir -p "$work/version"
-    for wanted in "$major" "$((major + 1))" "$major.99"; do
-        printf 'cmake_minimum_required(VERSION 3.25)\nproject(p LANGUAGES CXX)\n%s\n' \
-            "find_package(ImageAcquisition $wanted REQUIRED)" >"$work/version/CMakeLists.txt"
-        rm -rf "$work/version/build"
-        if cmake -S "$work/version" -B "$work/version/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
-            >"$work/version/log" 2>&1; then
-            [ "$wanted" = "$major" ] || fail "version $wanted was found"
-        else
-            [ "$wanted" != "$major" ] || fail "$(cat "$work/version/log")"
-        fi
-    done
+    local major=${version%%.*}
+    finds "$major" REQUIRED || fail "$(cat "$work/$case_name/log")"
+    ! finds "$((major + 1))" REQUIRED || fail "version $((major + 1)) was found"
+    ! finds "$major.99" REQUIRED || fail "version $major.99 was found"
 }
 
-pkg_config() {
-    PKG_CONFIG_PATH="$(library_dir)/pkgconfig" pkg-config "$@" imageacquisition
+refuses_other_components() {
+    finds REQUIRED COMPONENTS Session || fail "$(cat "$work/$case_name/log")"
+    ! finds REQUIRED COMPONENTS Nonsense || fail "a component Nonsense was found"
+    grep -q 'Nonsense' "$work/$case_name/log" || fail "it is not named: $(cat "$work/$case_name/log")"
 }
 
-# compile SOURCE PROGRAM, with nothing but what pkg-config says.
-compile() {
+# compile_with MODULE SOURCE PROGRAM: with nothing but what pkg-config says of the module.
+compile_with() {
     local flags
-    read -ra flags <<<"$(pkg_config --cflags --libs)"
-    g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror "$1" -o "$2" "${flags[@]}"
+    read -ra flags <<<"$(PKG_CONFIG_PATH="$(library_dir)/pkgconfig" pkg-config --cflags --libs "$1")"
+    g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror "$2" -o "$3" "${flags[@]}"
 }
 
 serves_pkg_config() {
-    [ "$(pkg_config --modversion)" = "$version" ] || fail "version $(pkg_config --modversion)"
-    compile "$source/examples/list-cameras.cpp" "$work/list-cameras"
+    local module told
+    for module in imageacquisition imageacquisition-session; do
+        told=$(PKG_CONFIG_PATH="$(library_dir)/pkgconfig" pkg-config --modversion "$module")
+        [ "$told" = "$version" ] || fail "$module has the version $told"
+    done
+    compile_with imageacquisition-session "$source/examples/list-cameras.cpp" "$work/list-cameras"
     on_virtual_camera "$work/list-cameras" | grep '/dev/video0'
+    compile_with imageacquisition "$source/examples/capture-by-interfaces.cpp" "$work/capture"
+    on_virtual_camera "$work/capture" "$work/frame-of-client.raw" | grep '^frame 9: '
 }
 
-readme_program_runs() {
-    awk '/^```cpp$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/README.md" \
-        >"$work/readme.cpp"
-    grep -q 'int main' "$work/readme.cpp" || fail "README.md has no program"
-    compile "$work/readme.cpp" "$work/readme"
-    on_virtual_camera "$work/readme" | tee "$work/readme.log"
-    grep -qE '[0-9]+ bytes' "$work/readme.log" || fail "it captured nothing"
+# programs_run PAGE COUNT: each program of the page, built as CMake and the compiler are told there,
+# captures.
+programs_run() {
+    local folder="$work/programs/$1" made count=0
+    rm -rf "$folder"
+    awk -v folder="$folder" -f "$source/tests/package/programs.awk" "$source/$1"
+    for made in "$folder"/*; do
+        (cd "$made" && PKG_CONFIG_PATH="$(library_dir)/pkgconfig" sh -ex command)
+        cmake -S "$made" -B "$made/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix"
+        cmake --build "$made/build"
+        for program in "$made/app" "$made/build/app"; do
+            on_virtual_camera "$program" >"$made/log" || fail "$program ends with $?"
+            grep -qE '[0-9]+ bytes' "$made/log" || fail "$program captured nothing: $(cat "$made/log")"
+        done
+        count=$((count + 1))
+    done
+    [ "$count" -eq "$2" ] || fail "$1 has $count programs"
 }
+
+# The session layer comes first.
+readme_programs_run() {
+    programs_run README.md 2
+    grep -q '<Session.h>' "$work/programs/README.md/1/app.cpp" || fail "another program is the first"
+    grep -q '^30 frames, ' "$work/programs/README.md/1/log" || fail "it has no statistics"
+    grep -q '<ImageAcquisition.h>' "$work/programs/README.md/2/app.cpp" || fail "no second program"
+}
+
+session_pages_program_runs() { programs_run docs/session.md 1; }
 
 version=$(sed -nE 's/^project\(ImageAcquisition VERSION ([0-9.]+).*/\1/p' "$source/CMakeLists.txt")
 [ "$(type -t "$case_name")" = function ] || { echo "no such case: $case_name" >&2; exit 2; }

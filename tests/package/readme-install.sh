@@ -31,29 +31,33 @@ mount -t tmpfs tmpfs /run
 [ ! -d /var/cache/ldconfig ] || mount -t tmpfs tmpfs /var/cache/ldconfig
 PATH=$PATH:/usr/sbin:/sbin
 
-# starts_after_commands_of PAGE: the README's program finds its library then, and did not before.
-starts_after_commands_of() {
-    local linked
+# start_after_commands_of PAGE: the README's programs find their libraries then, and did not before.
+start_after_commands_of() {
+    local linked program
     commands_of_root "$1" | grep -v 'DIR' >"$work/commands"
     rm -f /etc/ld.so.cache
-    # Read to its end: a pipe that closes at the first match fails ldd.
-    linked=$(ldd "$work/readme")
-    grep -q 'libimageacquisition.*not found' <<<"$linked" ||
-        fail "the program finds the library, whatever $1 says"
+    for program in "$work"/programs/*/app; do
+        # Read to its end: a pipe that closes at the first match fails ldd.
+        linked=$(ldd "$program")
+        grep -q 'libimageacquisition.*not found' <<<"$linked" ||
+            fail "$program finds the library, whatever $1 says"
+    done
     sh -e "$work/commands"
-    "$build/virtualcamera/with-virtual-camera" "$work/readme" | tee "$work/readme.log"
-    grep -qE '[0-9]+ bytes' "$work/readme.log" || fail "it captured nothing after what $1 says"
+    for program in "$work"/programs/*/app; do
+        "$build/virtualcamera/with-virtual-camera" "$program" >"$program.log"
+        grep -qE '[0-9]+ bytes' "$program.log" || fail "$program captured nothing after what $1 says"
+    done
 }
 
-program_starts_under_usr_local() {
-    local flags
+programs_start_under_usr_local() {
+    local made
     mount --bind "$stage" /usr/local
-    awk '/^```cpp$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/README.md" \
-        >"$work/readme.cpp"
-    read -ra flags <<<"$(pkg-config --cflags --libs imageacquisition)"
-    g++ -std=c++17 "$work/readme.cpp" -o "$work/readme" "${flags[@]}"
-    starts_after_commands_of README.md
-    starts_after_commands_of INSTALL.md
+    awk -v folder="$work/programs" -f "$source/tests/package/programs.awk" "$source/README.md"
+    for made in "$work"/programs/{1,2}; do
+        (cd "$made" && sh -e command)
+    done
+    start_after_commands_of README.md
+    start_after_commands_of INSTALL.md
 }
 
 reads_rules_of() {

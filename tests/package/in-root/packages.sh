@@ -11,23 +11,26 @@ installs() { apt_get update && apt_get install --no-install-recommends ./*.deb; 
 installs_compilers() { apt_get install --no-install-recommends g++ cmake make pkg-config; }
 
 has_nothing_of_the_dependencies() {
-    ! dpkg-query -W -f '${Package}\n' | grep -E '^(qtbase5-dev|libusb-1.0-0-dev|libudev-dev|libv4l-dev)$'
+    ! dpkg-query -W -f '${Package}\n' |
+        grep -E '^(qtbase5|libusb-1.0-0|libudev|libv4l|libyuv|libturbojpeg0|nlohmann-json3)-dev$'
 }
 
 examples=/usr/share/doc/libimageacquisition-doc/examples
 cmake_builds_examples() { cmake -S $examples -B build && cmake --build build; }
-pkg_config_builds_an_example() {
+pkg_config_builds() {
     # Unquoted: the words are to be split.
     # shellcheck disable=SC2046
-    g++ -std=c++17 -Wall -Wextra -Werror $examples/list-cameras.cpp -o list-cameras \
-        $(pkg-config --cflags --libs imageacquisition)
+    g++ -std=c++17 -Wall -Wextra -Werror "$examples/$1.cpp" -o "$1" \
+        $(pkg-config --cflags --libs "$2")
 }
 
 lists() { "$@" | tee list.log; grep 'node     /dev/video0' list.log; }
-captures() {
-    with-virtual-camera build/capture-by-interfaces frame.raw && [ "$(stat -c %s frame.raw)" -gt 100000 ]
+captures() { with-virtual-camera "$1" frame.raw && [ "$(stat -c %s frame.raw)" -gt 100000 ]; }
+captures_a_picture() {
+    with-virtual-camera build/capture-frames frame.ppm serial:VC1001 "YUYV 640x480@30" &&
+        [ "$(stat -c %s frame.ppm)" -eq $((15 + 640 * 480 * 3)) ]
 }
-walks_controls() { with-virtual-camera build/walk-controls | grep '^Brightness, Int32'; }
+walks_controls() { with-virtual-camera build/walk-controls | grep '^Brightness: 0, from -64'; }
 tool_captures() {
     with-virtual-camera iacq capture 0 -o frame.png &&
         [ "$(head -c 4 frame.png | tail -c 3)" = PNG ]
@@ -55,10 +58,13 @@ check "the packages install in a clean root" installs
 check "a compiler, CMake and pkg-config install" installs_compilers
 check "no headers of the library's dependencies come with them" has_nothing_of_the_dependencies
 check "CMake finds the library and builds the examples" cmake_builds_examples
-check "pkg-config finds the library" pkg_config_builds_an_example
+check "pkg-config finds the library" pkg_config_builds capture-by-interfaces imageacquisition
+check "pkg-config finds the session layer" pkg_config_builds list-cameras imageacquisition-session
 check "the example that CMake built runs on the virtual camera" lists with-virtual-camera build/list-cameras
 check "the example that pkg-config built runs on the virtual camera" lists with-virtual-camera ./list-cameras
-check "an example captures frames" captures
+check "an example of the session layer captures a picture" captures_a_picture
+check "an example of the interfaces captures frames" captures build/capture-by-interfaces
+check "the one that pkg-config built does so too" captures ./capture-by-interfaces
 check "an example walks the controls" walks_controls
 check "the installed tool captures a picture" tool_captures
 check "the installed tool lists an ordinary camera and one of the vendor's" tool_lists_both_kinds
