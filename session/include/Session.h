@@ -4,6 +4,14 @@
 /// @file
 /// Everything that the session layer offers, in one header.
 
+/**
+ * @namespace ImageAcquisition::Session
+ * @brief The session layer: what programs write on top of the interfaces, written once.
+ *
+ * The page @ref md_docs_session "The session layer" (docs/session.md) tells which layer one wants,
+ * and shows this one by example. It begins with Camera.
+ */
+
 #include "session/Bytes.h"
 #include "session/Camera.h"
 #include "session/Control.h"

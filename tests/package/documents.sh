@@ -85,6 +85,22 @@ reference_shows_its_pictures() {
     [ "$shown" -ge 1 ] || complain "no page shows a picture: the check sees too little"
 }
 
+reference_has_both_layers() {
+    local html="$build/docs/test/html" class classes
+    classes=$(grep -ohE '(class|struct) IMAGEACQUISITION_SESSION_EXPORT [A-Za-z]+$' \
+                  "$source"/session/include/session/*.h | awk '{ print $3 }')
+    [ "$(wc -w <<<"$classes")" -ge 10 ] || complain "only these classes: $classes"
+    for class in $classes; do
+        compgen -G "$html/*ImageAcquisition_1_1Session_1_1$class.html" >/dev/null ||
+            complain "the reference lacks the session layer's $class"
+    done
+    [ -s "$html/classImageAcquisition_1_1ICamera.html" ] || complain "the reference lacks ICamera"
+    grep -q 'href="md_docs_session.html">which layer do I want' "$html/index.html" ||
+        complain "the first page does not lead to the choice between the layers"
+    grep -q 'href="md_docs_session.html"' "$html/namespaceImageAcquisition_1_1Session.html" ||
+        complain "the session layer's name space does not lead to its page"
+}
+
 # complete_words WORD...: what the completion offers for the last word.
 complete_words() {
     COMP_WORDS=(iacq "$@")

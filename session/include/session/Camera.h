@@ -50,7 +50,9 @@ public:
      */
     static Camera open(Found const& found);
 
+    /// A camera that was moved from can only be assigned to or destroyed.
     Camera(Camera&& other) noexcept;
+    /// Lets go of the camera that was held.
     Camera& operator=(Camera&& other) noexcept;
     ~Camera();
 
@@ -79,6 +81,7 @@ public:
      * something else, which is then in effect.
      */
     Selection select(std::string const& text, Match match = Match::Exact);
+    /// As select(std::string const&, Match).
     Selection select(Selection const& wish, Match match = Match::Exact);
 
     /// Every control, in the library's order.
@@ -93,6 +96,7 @@ public:
      * @throws Error NotFound, with the nearest names; Ambiguous when a short form fits several.
      */
     Control control(std::string const& name) const;
+    /// As control().
     Control operator[](std::string const& name) const { return control(name); }
 
     /// Starts streaming what is selected.

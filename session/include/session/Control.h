@@ -58,8 +58,8 @@ enum class ControlType {
 /// A control's state, asked from the camera.
 struct ControlState
 {
-    bool readOnly = false;
-    bool writeOnly = false;
+    bool readOnly = false;      ///< Cannot be set.
+    bool writeOnly = false;     ///< Cannot be read.
     bool inactive = false;      ///< Without effect because of another control.
     bool disabled = false;      ///< Out of use for good.
     bool grabbed = false;       ///< Held by another program.
@@ -87,7 +87,9 @@ struct ControlState
 class IMAGEACQUISITION_SESSION_EXPORT Control
 {
 public:
+    /// Means the same control.
     Control(Control const&);
+    /// A handle that was moved from can only be destroyed.
     Control(Control&&) noexcept;
     ~Control();
     /// Would set the handle where a reader expects the camera to be set.
@@ -100,6 +102,7 @@ public:
     std::string shortName() const;
     /// The V4L2 control id; over the serial link the UVC control selector.
     unsigned int id() const;
+    /// What kind of value it takes.
     ControlType type() const;
     /// Asked from the camera now.
     ControlState state() const;
@@ -114,6 +117,7 @@ public:
     /// Sets the value. The control's state is asked first, so that a refusal tells its reason.
     /// @throws Error (Refused or BadRequest), and nothing was set.
     void set(ControlValue const& value) const;
+    /// As set().
     Control const& operator=(ControlValue const& value) const
     {
         set(value);

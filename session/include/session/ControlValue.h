@@ -16,6 +16,7 @@ namespace ImageAcquisition::Session
 class IMAGEACQUISITION_SESSION_EXPORT ControlValue
 {
 public:
+    /// A number, a Boolean or a text.
     using Content = std::variant<long long, bool, std::string>;
 
     /// A Boolean, or any whole number.
@@ -24,16 +25,22 @@ public:
     ControlValue(T value) : ControlValue(Sort<std::is_same_v<T, bool>>(), checked(value))
     {
     }
+    /// A text.
     ControlValue(std::string value);
     /// Null is the empty text.
     ControlValue(char const* value);
 
+    /// Copies the content.
     ControlValue(ControlValue const& other);
+    /// Leaves @p other with some content.
     ControlValue(ControlValue&& other) noexcept;
+    /// Copies the content.
     ControlValue& operator=(ControlValue const& other);
+    /// Leaves @p other with some content.
     ControlValue& operator=(ControlValue&& other) noexcept;
     ~ControlValue();
 
+    /// What it was made of.
     Content const& content() const noexcept { return m_content; }
 
     /// As a text: "200", "on", "Manual Mode".
@@ -61,7 +68,9 @@ private:
     Content m_content;
 };
 
+/// Whether sort and content are equal: the number 1 is not `true`.
 IMAGEACQUISITION_SESSION_EXPORT bool operator==(ControlValue const& a, ControlValue const& b);
+/// Whether they are not.
 IMAGEACQUISITION_SESSION_EXPORT bool operator!=(ControlValue const& a, ControlValue const& b);
 
 } // namespace ImageAcquisition::Session

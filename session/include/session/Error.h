@@ -30,10 +30,10 @@ IMAGEACQUISITION_SESSION_EXPORT char const* toText(ErrorKind kind) noexcept;
 /// What an Error tells. Texts that do not apply are empty.
 struct ErrorDetails
 {
-    ErrorKind kind = ErrorKind::Refused;
-    std::string operation; ///< What was tried, such as "select YUYV 640x480".
-    std::string reason;    ///< Why it failed, in words.
-    std::string node = {}; ///< The camera's node, such as /dev/video0.
+    ErrorKind kind = ErrorKind::Refused; ///< Why, for the program.
+    std::string operation;               ///< What was tried, such as "select YUYV 640x480".
+    std::string reason;                  ///< Why it failed, in words.
+    std::string node = {};               ///< The camera's node, such as /dev/video0.
     int systemError = 0;   ///< `errno` of the system call that failed; 0 when none did.
     std::string hint = {}; ///< What to do or to look at: who holds the node, which group may.
 };
@@ -49,15 +49,23 @@ struct ErrorDetails
 class IMAGEACQUISITION_SESSION_EXPORT Error : public std::runtime_error
 {
 public:
+    /// Makes what() of the details.
     explicit Error(ErrorDetails details);
+    /// Shares the details.
     Error(Error const&) noexcept;
+    /// Shares the details.
     Error& operator=(Error const&) noexcept;
     ~Error() override;
 
+    /// Why the call failed.
     ErrorKind kind() const noexcept { return m_details->kind; }
+    /// What was tried.
     std::string const& operation() const noexcept { return m_details->operation; }
+    /// Why it failed, in words.
     std::string const& reason() const noexcept { return m_details->reason; }
+    /// The camera's node; may be empty.
     std::string const& node() const noexcept { return m_details->node; }
+    /// What to do or to look at; may be empty.
     std::string const& hint() const noexcept { return m_details->hint; }
 
     /// `errno` of the system call that failed; 0 when none did.

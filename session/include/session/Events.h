@@ -15,10 +15,11 @@ namespace ImageAcquisition::Session
 /// A camera came, went or changed.
 struct Event
 {
+    /// What udev calls it.
     enum class Action { Added, Removed, Changed, Moved, Other };
 
-    Action action;
-    Found camera; ///< Of a camera that is gone, what was known of it.
+    Action action; ///< What happened.
+    Found camera;  ///< Of a camera that is gone, what was known of it.
 };
 
 /// "added", "removed", "changed", "moved" or "other".
@@ -35,6 +36,7 @@ IMAGEACQUISITION_SESSION_EXPORT char const* toText(Event::Action action) noexcep
 class IMAGEACQUISITION_SESSION_EXPORT Events
 {
 public:
+    /// Is told of each event.
     using Callback = std::function<void(Event const&)>;
 
     /// Begins to watch; events wait for next().
@@ -43,7 +45,9 @@ public:
     /// Begins to watch and calls back on a thread of its own, one call at a time. What the callback
     /// throws ends the process, as on any thread.
     explicit Events(Callback callback);
+    /// What was moved from tells nothing any more.
     Events(Events&& other) noexcept;
+    /// Ends its own watch first, as the destructor does.
     Events& operator=(Events&& other) noexcept;
     /// Ends watching; waits for a callback that is running, unless it is called from within.
     ~Events();

@@ -70,17 +70,17 @@ struct LeftOut
         NoUsbDevice ///< No USB device stands behind it, or one without ids.
     };
 
-    std::string node;   ///< Such as /dev/video1.
-    std::string reason; ///< In words, such as "does not capture video".
-    Why why = Why::NotOpened;
-    int systemError = 0; ///< `errno` where a system call failed; 0 otherwise.
+    std::string node;         ///< Such as /dev/video1.
+    std::string reason;       ///< In words, such as "does not capture video".
+    Why why = Why::NotOpened; ///< The same for the program.
+    int systemError = 0;      ///< `errno` where a system call failed; 0 otherwise.
 };
 
 /// Every video node of the machine, sorted by its number.
 struct CameraList
 {
-    std::vector<Found> cameras;
-    std::vector<LeftOut> leftOut;
+    std::vector<Found> cameras;   ///< Those that can be opened here.
+    std::vector<LeftOut> leftOut; ///< All other nodes.
 };
 
 /**

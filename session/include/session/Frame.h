@@ -33,15 +33,18 @@ class Transfer;
 class IMAGEACQUISITION_SESSION_EXPORT Frame
 {
 public:
+    /// The clock of captured().
     using Clock = std::chrono::steady_clock;
 
     /// An empty frame.
     Frame() noexcept = default;
+    /// Takes the lease over; @p other is empty then.
     Frame(Frame&& other) noexcept
         : m_transfer(std::move(other.m_transfer)), m_frame(std::exchange(other.m_frame, nullptr)),
           m_captured(other.m_captured), m_lostBefore(other.m_lostBefore)
     {
     }
+    /// Gives its own picture back first.
     Frame& operator=(Frame&& other) noexcept
     {
         if (this != &other) {
@@ -54,6 +57,7 @@ public:
         return *this;
     }
     ~Frame() { release(); }
+    /// Exchanges the leases.
     void swap(Frame& other) noexcept
     {
         m_transfer.swap(other.m_transfer);

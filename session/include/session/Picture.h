@@ -41,9 +41,13 @@ class IMAGEACQUISITION_SESSION_EXPORT Picture
 {
 public:
     Picture();
+    /// Copies the pixels.
     Picture(Picture const& other);
+    /// Takes the pixels over.
     Picture(Picture&& other) noexcept;
+    /// Copies the pixels.
     Picture& operator=(Picture const& other);
+    /// Takes the pixels over.
     Picture& operator=(Picture&& other) noexcept;
     ~Picture();
 
@@ -62,10 +66,14 @@ public:
      * is empty then.
      */
     void convert(Frame const& frame);
+    /// The same of bytes that lie as @p layout says.
     void convert(Bytes bytes, PictureLayout const& layout);
 
+    /// In pixels.
     unsigned int width() const noexcept { return m_width; }
+    /// In pixels.
     unsigned int height() const noexcept { return m_height; }
+    /// Whether there is no picture.
     bool empty() const noexcept { return m_width == 0; }
     /// Red, green and blue of each pixel, line by line from the top, without gaps.
     Bytes rgb() const noexcept;

@@ -17,6 +17,7 @@ class Camera;
 /// What became of one control of a profile.
 struct ControlOutcome
 {
+    /// What became of a control.
     enum class Result {
         Same,    ///< The camera has the value.
         Set,     ///< It has it now, or when compared: it would have to be set.
@@ -25,12 +26,12 @@ struct ControlOutcome
         Refused  ///< Tried in vain.
     };
 
-    std::string name; ///< The driver's name.
-    Result result;
-    ControlValue wanted;
-    std::string actual; ///< The camera's value as a text; empty when it could not be read.
-    std::string reason; ///< Why it was rounded, skipped or refused.
-    bool isMet;         ///< Whether the camera has what is wanted now.
+    std::string name;    ///< The driver's name.
+    Result result;       ///< What became of it.
+    ControlValue wanted; ///< The profile's value.
+    std::string actual;  ///< The camera's value as a text; empty when it could not be read.
+    std::string reason;  ///< Why it was rounded, skipped or refused.
+    bool isMet;          ///< Whether the camera has what is wanted now.
 };
 
 /// "same", "set", "rounded", "skipped" or "refused".
@@ -39,10 +40,10 @@ IMAGEACQUISITION_SESSION_EXPORT char const* toText(ControlOutcome::Result result
 /// What became of a profile.
 struct IMAGEACQUISITION_SESSION_EXPORT ProfileReport
 {
-    Selection wanted;            ///< The profile's selection.
-    Selection actual;            ///< What the camera has.
-    std::string selectionReason; ///< Why they differ; empty when they do not.
-    std::vector<ControlOutcome> controls;
+    Selection wanted;                     ///< The profile's selection.
+    Selection actual;                     ///< What the camera has.
+    std::string selectionReason;          ///< Why they differ; empty when they do not.
+    std::vector<ControlOutcome> controls; ///< Each control of the profile.
 
     /// Whether the camera is as the profile has it, but for what was skipped.
     bool isMet() const noexcept;
@@ -75,10 +76,12 @@ public:
     /// written to.
     /// @throws Error: BadRequest for its contents; NotFound, NoPermission or Refused for the file.
     static Profile load(std::string const& path);
+    /// Writes json() in place of the file; errors as of load().
     void save(std::string const& path) const;
 
     /// Which camera it was taken from, as Found::text(): "serial:VC1001".
     std::string const& camera() const noexcept { return m_camera; }
+    /// What frames are to be.
     Selection const& selection() const noexcept { return m_selection; }
     /// Names and values; of a profile that was taken, automatics first.
     std::vector<std::pair<std::string, ControlValue>> const& controls() const noexcept

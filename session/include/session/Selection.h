@@ -17,6 +17,7 @@ struct IMAGEACQUISITION_SESSION_EXPORT FrameRate
 
     /// Frames in one second.
     double perSecond() const noexcept { return static_cast<double>(frames) / seconds; }
+    /// Whether there is a rate.
     bool isSaid() const noexcept { return frames != 0; }
 
     /// "30", or "29.97": with three digits after the point at most, enough to be found again by.
@@ -25,6 +26,7 @@ struct IMAGEACQUISITION_SESSION_EXPORT FrameRate
 
 /// Equal as fractions: 60/2 is 30/1.
 IMAGEACQUISITION_SESSION_EXPORT bool operator==(FrameRate a, FrameRate b) noexcept;
+/// Different as fractions.
 IMAGEACQUISITION_SESSION_EXPORT bool operator!=(FrameRate a, FrameRate b) noexcept;
 
 /// Whether a wish must be met, or only be come near to.
@@ -55,22 +57,24 @@ struct IMAGEACQUISITION_SESSION_EXPORT Selection
     std::string text() const;
 };
 
+/// Whether all parts are equal.
 IMAGEACQUISITION_SESSION_EXPORT bool operator==(Selection const& a, Selection const& b) noexcept;
+/// Whether a part is not.
 IMAGEACQUISITION_SESSION_EXPORT bool operator!=(Selection const& a, Selection const& b) noexcept;
 
 /// Lengths in pixels: all from `minimum` to `maximum` that are `step` apart.
 struct LengthRange
 {
-    unsigned int minimum = 0;
-    unsigned int maximum = 0;
-    unsigned int step = 1; ///< Never 0.
+    unsigned int minimum = 0; ///< The shortest.
+    unsigned int maximum = 0; ///< The longest.
+    unsigned int step = 1;    ///< Never 0.
 };
 
 /// A picture size that a camera offers, or a range of sizes, with its frame rates.
 struct SizeOffer
 {
-    LengthRange width;
-    LengthRange height;
+    LengthRange width;  ///< One width, or a range.
+    LengthRange height; ///< One height, or a range.
     /// In the driver's order; the slowest and the fastest where `anyRate` is set. Empty when the
     /// driver tells none.
     std::vector<FrameRate> rates;
@@ -86,11 +90,11 @@ struct SizeOffer
 /// A pixel format that a camera offers.
 struct FormatOffer
 {
-    std::string format;      ///< Four-character code.
-    std::string description; ///< The driver's words.
-    bool compressed = false; ///< Pictures vary in their number of bytes.
-    bool emulated = false;   ///< Converted in software; not the camera's own.
-    std::vector<SizeOffer> sizes;
+    std::string format;           ///< Four-character code.
+    std::string description;      ///< The driver's words.
+    bool compressed = false;      ///< Pictures vary in their number of bytes.
+    bool emulated = false;        ///< Converted in software; not the camera's own.
+    std::vector<SizeOffer> sizes; ///< In the driver's order.
 };
 
 } // namespace ImageAcquisition::Session

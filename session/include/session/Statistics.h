@@ -14,6 +14,7 @@ namespace ImageAcquisition::Session
 /// What became of a stream's frames since it began. A snapshot.
 struct IMAGEACQUISITION_SESSION_EXPORT Statistics
 {
+    /// Milliseconds.
     using Duration = std::chrono::duration<double, std::milli>;
 
     unsigned long long received = 0;   ///< Had from the driver, damaged and short ones included.

@@ -48,7 +48,9 @@ class IMAGEACQUISITION_SESSION_EXPORT Stream
 public:
     class Iterator;
 
+    /// A stream that was moved from can only be assigned to or destroyed.
     Stream(Stream&& other) noexcept;
+    /// Ends its own stream first.
     Stream& operator=(Stream&& other) noexcept;
     ~Stream();
 
@@ -66,15 +68,18 @@ public:
     /// (TimedOut, Unplugged, or as the driver failed) otherwise. A frame that is not moved out of
     /// the loop goes back at the next step.
     Iterator begin();
+    /// Where the `for` ends.
     Iterator end() noexcept;
 
     /// Ends the stream, and with it a next() that waits on another thread. Frames that nobody took
     /// go back. Does nothing when it has ended. Takes 10 ms at least.
     void stop() noexcept;
 
+    /// Whether it runs, and why not.
     StreamState state() const noexcept;
     /// What the stream ended with; nothing while it runs and after stop().
     std::optional<Error> error() const;
+    /// What became of its frames until now.
     Statistics statistics() const;
 
     /// A descriptor that is readable while next() has something to say at once: for `poll`. It may
@@ -96,21 +101,26 @@ private:
 class IMAGEACQUISITION_SESSION_EXPORT Stream::Iterator
 {
 public:
-    using iterator_category = std::input_iterator_tag;
-    using value_type = Frame;
-    using difference_type = std::ptrdiff_t;
-    using pointer = Frame*;
-    using reference = Frame&;
+    using iterator_category = std::input_iterator_tag; ///< Walks once, forward.
+    using value_type = Frame;                          ///< What it walks over.
+    using difference_type = std::ptrdiff_t;            ///< Of no use.
+    using pointer = Frame*;                            ///< To the frame at hand.
+    using reference = Frame&;                          ///< To the frame at hand.
 
     /// The end of any stream.
     Iterator() noexcept = default;
     /// Waits for the first frame.
     explicit Iterator(Stream& stream);
 
+    /// The frame at hand.
     Frame& operator*() noexcept { return m_frame; }
+    /// The frame at hand.
     Frame* operator->() noexcept { return &m_frame; }
+    /// Gives the frame back and waits for the next one.
     Iterator& operator++();
+    /// Whether both are at the end, or in the same stream.
     bool operator==(Iterator const& other) const noexcept { return m_stream == other.m_stream; }
+    /// Whether they are not.
     bool operator!=(Iterator const& other) const noexcept { return m_stream != other.m_stream; }
 
 private:

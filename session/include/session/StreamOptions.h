@@ -30,9 +30,10 @@ enum class StreamState {
 /// How a stream is to run. Made from a Delivery where nothing else is wanted.
 struct StreamOptions
 {
+    /// Everything else as it usually is.
     StreamOptions(Delivery which = everyFrame) : delivery(which) {}
 
-    Delivery delivery;
+    Delivery delivery; ///< Which frames are handed out.
     /// Buffers to ask the driver for, at least 2; it may grant more or fewer. Frames that the
     /// client holds are missing from them.
     int buffers = 4;
