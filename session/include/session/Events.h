@@ -45,7 +45,7 @@ public:
     /// Begins to watch and calls back on a thread of its own, one call at a time. What the callback
     /// throws ends the process, as on any thread.
     explicit Events(Callback callback);
-    /// What was moved from tells nothing any more.
+    /// What was moved from can only be assigned to or destroyed.
     Events(Events&& other) noexcept;
     /// Ends its own watch first, as the destructor does.
     Events& operator=(Events&& other) noexcept;
