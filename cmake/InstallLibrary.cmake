@@ -14,6 +14,8 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/"
   FILES_MATCHING PATTERN "*.h")
 
 # The session layer is a component of the package: find_package(ImageAcquisition COMPONENTS Session).
+# It finds the library beside it, whoever needs it.
+set_target_properties(ImageAcquisitionSession PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(TARGETS ImageAcquisitionSession EXPORT ImageAcquisitionSessionTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime
   NAMELINK_COMPONENT development)
