@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Victim.h"
 
-#include "ProcessCensus.h"
-#include "ThreadCount.h"
-
 #include <ICameraControl.h>
 #include <ICameraControlNumeric.h>
 #include <ICameraFactory.h>
@@ -16,18 +13,6 @@ using namespace ImageAcquisition;
 
 namespace KernelTest
 {
-
-namespace
-{
-
-std::vector<std::string> sortedDescriptors()
-{
-    std::vector<std::string> targets = descriptorTargets();
-    std::sort(targets.begin(), targets.end());
-    return targets;
-}
-
-} // namespace
 
 Victim::Victim(std::string const& model) : m_device({model}) {}
 
@@ -86,19 +71,6 @@ void Victim::replug()
 {
     EXPECT_TRUE(m_device.waitUntilGone());
     m_device.plug();
-}
-
-RemainsCheck::RemainsCheck()
-    : m_descriptors(sortedDescriptors()), m_threads(threadCount()),
-      m_children(childrenOfThisProcess())
-{
-}
-
-RemainsCheck::~RemainsCheck()
-{
-    EXPECT_EQ(sortedDescriptors(), m_descriptors);
-    EXPECT_TRUE(awaitThreadCount(m_threads));
-    EXPECT_EQ(childrenOfThisProcess(), m_children);
 }
 
 } // namespace KernelTest

@@ -3,33 +3,17 @@
 
 #include "EmulatedCameras.h"
 #include "LibraryCamera.h"
+#include "RemainsCheck.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 namespace KernelTest
 {
 
 /// Within this time, in seconds, every call on a camera that is unplugged has to return.
 constexpr double patience = 2.5;
-
-/// At its end the process must have as many descriptors open, threads and children as at its
-/// beginning.
-class RemainsCheck
-{
-public:
-    RemainsCheck();
-    ~RemainsCheck();
-    RemainsCheck(RemainsCheck const&) = delete;
-    RemainsCheck& operator=(RemainsCheck const&) = delete;
-
-private:
-    std::vector<std::string> m_descriptors;
-    int m_threads;
-    int m_children;
-};
 
 /// One emulated camera that is unplugged and plugged in again, and the library's camera on it.
 class Victim
