@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "FuserFolder.h"
 #include "OrdinaryUser.h"
+#include "SeenCamera.h"
 
 #include <gtest/gtest.h>
 

@@ -19,9 +19,6 @@ constexpr unsigned nobody = 65534;
 /// Throws nlohmann::json's exception when it returns nothing.
 nlohmann::json asUser(unsigned user, std::function<nlohmann::json()> const& work);
 
-/// What the library makes of the camera at a node.
-nlohmann::json describeCamera(std::string const& node);
-
 /// Runs iacq as such a user.
 CommandResult runToolAsUser(unsigned user, std::string const& arguments);
 
