@@ -42,6 +42,9 @@ Capture::Capture(std::shared_ptr<OpenCamera> camera, StreamOptions options)
     if (other && !other->hasEnded()) {
         throw Error({ErrorKind::Busy, operation, "the camera is streaming already", node()});
     }
+    if (other) {
+        other->awaitRelease();
+    }
     if (m_options.stayOn) {
         m_settings = Profile::take(Camera(m_camera));
     }
@@ -189,6 +192,15 @@ void Capture::begin(std::shared_ptr<Transfer> transfer)
         m_lostUntold = 0;
     }
     setTransfer(std::move(transfer));
+}
+
+void Capture::awaitRelease()
+{
+    if (m_process.isForked() || pthread_equal(pthread_self(), m_thread) != 0) {
+        return;
+    }
+    std::unique_lock<std::mutex> lock(m_transferMutex);
+    m_released.wait(lock, [this] { return m_isReleased; });
 }
 
 void Capture::setTransfer(std::shared_ptr<Transfer> transfer)

@@ -16,6 +16,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -49,6 +50,10 @@ public:
     Statistics statistics() const;
     int descriptor() const noexcept { return m_ready.descriptor(); }
     StreamOptions const& options() const noexcept { return m_options; }
+
+    /// Returns when the thread has let go of the camera, which it does soon after the end; at once
+    /// on that thread itself.
+    void awaitRelease();
 
     bool hasEnded() const noexcept { return !isAlive(m_state.load(std::memory_order_relaxed)); }
     std::string node() const { return m_camera->connection()->node(); }
@@ -114,6 +119,8 @@ private:
 
     std::mutex m_transferMutex; ///< Held while streaming is stopped, which takes its time.
     std::shared_ptr<Transfer> m_transfer;
+    bool m_isReleased = false; ///< By the thread, for good.
+    std::condition_variable m_released;
 };
 
 } // namespace ImageAcquisition::Session

@@ -51,6 +51,11 @@ void Capture::run() noexcept
         enter(StreamState::Failed, m_outOfMemory);
     }
     setTransfer(nullptr);
+    {
+        std::lock_guard<std::mutex> const lock(m_transferMutex);
+        m_isReleased = true;
+    }
+    m_released.notify_all();
     tell();
 }
 

@@ -369,6 +369,27 @@ TEST(StreamTest, RefusesASecondOneWhileItRuns)
     EXPECT_TRUE(stream.next(5s));
 }
 
+// Its thread lets go of the camera a moment after the end.
+TEST(StreamTest, IsFollowedByAnotherAsSoonAsItHasEnded)
+{
+    StreamedCamera device;
+    Camera camera = device.open();
+    Stream stream = camera.stream();
+    for (int round = 0; round < 50; ++round) {
+        EXPECT_TRUE(stream.next(5s));
+        if (round % 2 == 0) {
+            stream.stop();
+        } else {
+            device->fail(VIDIOC_DQBUF, EIO);
+            while (stream.next(5s)) {
+            }
+        }
+        auto const error = errorOf([&] { stream = camera.stream(); });
+        ASSERT_FALSE(error) << round << ": " << error->what();
+        device->stopFailing();
+    }
+}
+
 TEST(StreamTest, RefusesASecondOneWhileFramesAreHeld)
 {
     StreamedCamera device;
