@@ -405,6 +405,23 @@ TEST(StreamTest, RefusesASecondOneWhileFramesAreHeld)
     EXPECT_TRUE(camera.stream().next(5s));
 }
 
+TEST(StreamTest, IsRefusedOnABusWithoutRoomWithWhatElseIsThere)
+{
+    StreamedCamera device(smallCamera(), StreamedCamera::numbered().withSpeed("12"));
+    auto const other =
+        device.machine().plug(VirtualCamera::aUsbDevice("1-3").withProduct("Other Cam"));
+    device->fail(VIDIOC_STREAMON, ENOSPC);
+    Camera camera = device.open();
+    auto const error = errorOf([&] { camera.stream(); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->kind(), ErrorKind::NoBandwidth);
+    EXPECT_EQ(error->systemError(), ENOSPC);
+    EXPECT_EQ(error->reason(),
+              "the bus has no room for YUYV 64x48@30; the link is full speed, 12 Mbit/s");
+    EXPECT_EQ(error->hint(), "also on the bus: 1-3 'Other Cam'");
+    EXPECT_TRUE(camera.stream().next(5s));
+}
+
 TEST(StreamTest, RefusesTooFewBuffers)
 {
     StreamedCamera device;
