@@ -89,6 +89,8 @@ std::map<std::string, Setter> const& setters()
          [](Model& model, Text const& text) { model.hasSerialPort = parseSwitch(text); }},
         {"vendor-requests",
          [](Model& model, Text const& text) { model.answersVendorRequests = parseSwitch(text); }},
+        {"interval-ranges",
+         [](Model& model, Text const& text) { model.hasIntervalRanges = parseSwitch(text); }},
         {"reset-delay",
          [](Model& model, Text const& text) {
              model.resetDelay = std::chrono::milliseconds(parseNumber(text, 10, 60000));

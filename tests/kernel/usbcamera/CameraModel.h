@@ -27,7 +27,8 @@ struct CameraModel
     bool hasExtensionUnit = false;
     bool hasSerialPort = false;
     bool answersVendorRequests = false;
-    Bytes firmware; ///< the whole reply to the firmware request
+    bool hasIntervalRanges = false; ///< every interval between the shortest and the longest
+    Bytes firmware;                 ///< the whole reply to the firmware request
     std::chrono::milliseconds resetDelay{300};
 };
 

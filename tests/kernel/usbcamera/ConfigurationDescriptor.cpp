@@ -109,7 +109,18 @@ Bytes makeVideoControl(CameraModel const& model)
     return bytes;
 }
 
-Bytes makeSize(VideoFormat const& format, VideoSize const& size, std::uint8_t index)
+Bytes makeIntervals(CameraModel const& model, VideoSize const& size)
+{
+    Bytes bytes{static_cast<std::uint8_t>(model.hasIntervalRanges ? 0 : size.intervals.size())};
+    std::vector<std::uint32_t> const range{size.intervals.front(), size.intervals.back(), 1};
+    for (std::uint32_t const number : model.hasIntervalRanges ? range : size.intervals) {
+        appendLittle(bytes, number, 4);
+    }
+    return bytes;
+}
+
+Bytes makeSize(CameraModel const& model, VideoFormat const& format, VideoSize const& size,
+               std::uint8_t index)
 {
     bool const isMjpeg = format.kind == VideoFormat::Kind::Mjpeg;
     Bytes bytes{0x24, static_cast<std::uint8_t>(isMjpeg ? 7 : 5), index, 0};
@@ -120,14 +131,11 @@ Bytes makeSize(VideoFormat const& format, VideoSize const& size, std::uint8_t in
     appendLittle(bytes, bitsPerFrame * 10000000 / size.intervals.front(), 4);
     appendLittle(bytes, frameBytes(size), 4);
     appendLittle(bytes, size.intervals.front(), 4);
-    bytes.push_back(static_cast<std::uint8_t>(size.intervals.size()));
-    for (std::uint32_t const interval : size.intervals) {
-        appendLittle(bytes, interval, 4);
-    }
+    append(bytes, makeIntervals(model, size));
     return withLength(bytes);
 }
 
-Bytes makeFormat(VideoFormat const& format, std::uint8_t index)
+Bytes makeFormat(CameraModel const& model, VideoFormat const& format, std::uint8_t index)
 {
     auto const sizes = static_cast<std::uint8_t>(format.sizes.size());
     Bytes bytes;
@@ -139,7 +147,7 @@ Bytes makeFormat(VideoFormat const& format, std::uint8_t index)
     }
     std::uint8_t sizeIndex = 0;
     for (VideoSize const& size : format.sizes) {
-        append(bytes, makeSize(format, size, ++sizeIndex));
+        append(bytes, makeSize(model, format, size, ++sizeIndex));
     }
     append(bytes, {6, 0x24, 13, 1, 1, 4});
     return bytes;
@@ -150,7 +158,7 @@ Bytes makeVideoStreaming(CameraModel const& model)
     Bytes formats;
     std::uint8_t count = 0;
     for (VideoFormat const& format : videoFormats()) {
-        append(formats, makeFormat(format, ++count));
+        append(formats, makeFormat(model, format, ++count));
     }
     Bytes bytes = makeInterface(videoStreamingInterface, 1, videoClass, 2, 0);
     auto const headerSize = static_cast<std::uint8_t>(13 + count);

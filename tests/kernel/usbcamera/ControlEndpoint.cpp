@@ -52,7 +52,8 @@ ControlReply answer(Bytes data)
 } // namespace
 
 ControlEndpoint::ControlEndpoint(CameraModel const& model, ControlSet& controls, Faults& faults)
-    : m_model(model), m_controls(controls), m_faults(faults), m_negotiation(model.speed)
+    : m_model(model), m_controls(controls), m_faults(faults),
+      m_negotiation(model.speed, model.hasIntervalRanges)
 {
 }
 

@@ -37,23 +37,27 @@ std::uint32_t nearestInterval(VideoSize const& size, std::uint32_t wanted)
                              });
 }
 
-StreamChoice choiceFrom(Bytes const& record)
+} // namespace
+
+StreamNegotiation::StreamNegotiation(Speed speed, bool hasIntervalRanges)
+    : m_hasIntervalRanges(hasIntervalRanges),
+      m_payloadSize(packetsPerPayload * bulkPacketSize(speed))
+{
+    m_probed.interval = m_probed.videoSize().intervals.front();
+    m_committed = m_probed;
+}
+
+StreamChoice StreamNegotiation::choiceFrom(Bytes const& record) const
 {
     StreamChoice choice;
     choice.format = choose(readLittle(record, 2, 1), videoFormats().size());
     choice.size = choose(readLittle(record, 3, 1), choice.videoFormat().sizes.size());
-    choice.interval =
-        nearestInterval(choice.videoSize(), static_cast<std::uint32_t>(readLittle(record, 4, 4)));
+    auto const wanted = static_cast<std::uint32_t>(readLittle(record, 4, 4));
+    auto const& intervals = choice.videoSize().intervals;
+    choice.interval = m_hasIntervalRanges && wanted != 0
+                          ? std::clamp(wanted, intervals.front(), intervals.back())
+                          : nearestInterval(choice.videoSize(), wanted);
     return choice;
-}
-
-} // namespace
-
-StreamNegotiation::StreamNegotiation(Speed speed)
-    : m_payloadSize(packetsPerPayload * bulkPacketSize(speed))
-{
-    m_probed.interval = m_probed.videoSize().intervals.front();
-    m_committed = m_probed;
 }
 
 Bytes StreamNegotiation::describe(StreamChoice const& choice) const

@@ -25,7 +25,7 @@ struct StreamChoice
 class StreamNegotiation
 {
 public:
-    explicit StreamNegotiation(Speed speed);
+    StreamNegotiation(Speed speed, bool hasIntervalRanges);
 
     /// The reply's data to a get request; nothing when it is to stall.
     std::optional<Bytes> read(std::uint8_t selector, std::uint8_t code) const;
@@ -38,7 +38,9 @@ public:
 
 private:
     Bytes describe(StreamChoice const& choice) const;
+    StreamChoice choiceFrom(Bytes const& record) const;
 
+    bool m_hasIntervalRanges;
     std::size_t m_payloadSize;
     StreamChoice m_probed;
     StreamChoice m_committed;
