@@ -313,18 +313,44 @@ bool setListed(IBlockingCamera& camera, Choice const& choice)
                                         static_cast<int>(choice.rateItem.value_or(0)));
 }
 
-/// Sets what was chosen; false, and `errno`, when the driver refused.
-bool set(Connection const& connection, std::vector<FormatOffer> const& offers, Choice const& choice)
+/// Drivers such as uvcvideo let only one descriptor choose formats, the first that did, until it
+/// gives its buffers back. Has the library's do that; false while a stream has need of them.
+bool letGoOfFormats(Connection& connection)
+{
+    if (!connection.takeBuffers()) {
+        return false;
+    }
+    connection.camera().setup(2);
+    connection.camera().cleanup();
+    connection.giveBuffersBack();
+    return true;
+}
+
+/// Sets what was chosen; false, and `errno`, when the driver refused. What the library has no words
+/// for is set by a descriptor of our own.
+bool set(Connection& connection, std::vector<FormatOffer> const& offers, Choice const& choice)
 {
     FormatOffer const& format = offers[choice.format];
-    SizeOffer const& size = format.sizes[choice.size];
-    OwnNode node(connection.node());
     bool const isListed = connection.camera().format(static_cast<int>(choice.format))->sizeNumber();
     errno = 0;
-    bool const done = isListed ? setListed(connection.camera(), choice)
-                               : node.setFormat(format.format, choice.width, choice.height);
-    bool const rateIsOpen = choice.rate.isSaid() && (!isListed || size.anyRate);
-    return done && (!rateIsOpen || node.setRate(choice.rate));
+    if (isListed && !setListed(connection.camera(), choice)) {
+        return false;
+    }
+    bool const rateIsOpen =
+        choice.rate.isSaid() && (!isListed || format.sizes[choice.size].anyRate);
+    auto const setRest = [&] {
+        OwnNode node(connection.node());
+        bool const done =
+            (isListed || node.setFormat(format.format, choice.width, choice.height)) &&
+            (!rateIsOpen || node.setRate(choice.rate));
+        return done ? 0 : errno;
+    };
+    int error = setRest();
+    if (error == EBUSY && letGoOfFormats(connection)) {
+        error = setRest();
+    }
+    errno = error;
+    return error == 0;
 }
 
 /// Whether a camera that tells what it has set has something else than the wish.
@@ -353,7 +379,7 @@ std::vector<FormatOffer> offersOf(Connection const& connection)
     return offers;
 }
 
-Selection selectOn(Connection const& connection, Selection const& wish, Match match)
+Selection selectOn(Connection& connection, Selection const& wish, Match match)
 {
     Selection present = currentLayout(connection).selection;
     if (wish == Selection() && !present.format.empty()) {

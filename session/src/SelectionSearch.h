@@ -15,6 +15,6 @@ std::vector<FormatOffer> offersOf(Connection const& connection);
 
 /// Sets what fits the wish and reads it back; as Camera::select().
 /// @throws Error
-Selection selectOn(Connection const& connection, Selection const& wish, Match match);
+Selection selectOn(Connection& connection, Selection const& wish, Match match);
 
 } // namespace ImageAcquisition::Session

@@ -198,6 +198,24 @@ TEST_F(SelectTest, IsBusyWhileSomebodyStreams)
     opened.camera.interface().cleanup();
 }
 
+// The library's descriptor may be the one that a driver lets choose formats.
+TEST_F(SelectTest, HasARangeSetByADescriptorThatMayNotYet)
+{
+    OpenedCamera opened(rangedCamera());
+    opened.video.fail(VIDIOC_S_PARM, EBUSY);
+    opened.video.clearLog();
+    EXPECT_EQ(opened.camera.select("640x480@25").text(), "YUYV 640x480@25");
+    EXPECT_GT(opened.video.countOf(VIDIOC_REQBUFS), 0U);
+
+    Stream stream = opened.camera.stream();
+    opened.video.clearLog();
+    opened.video.fail(VIDIOC_S_FMT, EBUSY);
+    auto const error = errorOf([&] { opened.camera.select("320x240"); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->kind(), ErrorKind::Busy);
+    EXPECT_EQ(opened.video.countOf(VIDIOC_REQBUFS), 0U) << "the stream has need of its buffers";
+}
+
 TEST_F(SelectTest, TellsThatTheCameraIsGone)
 {
     OpenedCamera opened(listedCamera());
