@@ -50,6 +50,24 @@ TEST(SessionSelectTest, OnAnEmulatedCameraSetsWhatItReturns)
     EXPECT_TRUE(pictures.areIn(frame));
 }
 
+TEST(SessionSelectTest, OnACameraWithRangesOfRatesSetsAnyOfThem)
+{
+    EmulatedCameras const device({"ordinary,interval-ranges=yes"});
+    ia::Camera camera = openEmulated(device);
+    expectSelected(camera, {{"YUYV 160x120@40", "YUYV 160x120@40"},
+                            {"@59.94", "YUYV 160x120@59.94"},
+                            {"@29.97", "YUYV 640x480@29.97"},
+                            {"@12.5", "YUYV 640x480@12.5"},
+                            {"MJPG @20", "MJPG 640x480@20"},
+                            {"@25", "MJPG 640x480@25"}});
+    Pictures pictures(camera.selection());
+    for (int round = 0; round < 2; ++round) {
+        ia::Frame const frame = camera.stream().next(20s);
+        ASSERT_TRUE(frame);
+        EXPECT_TRUE(pictures.areIn(frame));
+    }
+}
+
 TEST(SessionSelectTest, OnVividsWebcamSetsWhatItReturns)
 {
     ia::Camera camera = openVivid(vividNode());
