@@ -3,6 +3,7 @@
 #include "JpegFrames.h"
 #include "OrdinaryCamera.h"
 #include "PaintedFrames.h"
+#include "Shell.h"
 
 #include <algorithm>
 #include <tuple>

@@ -3,6 +3,7 @@
 
 #include "FramePainter.h"
 #include "LibraryCamera.h"
+#include "Shell.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,6 @@
 #include "V4l2Ctl.h"
 
 #include <algorithm>
-#include <chrono>
 #include <regex>
 
 namespace KernelTest
@@ -74,23 +73,6 @@ std::vector<unsigned long long> takeAll(ia::Stream& stream, Pictures& pictures)
         }
     }
     return numbers;
-}
-
-double unplugSeconds(EmulatedCameras const& cameras)
-{
-    double seconds = 0;
-    for (EmulatedCameras::Json const& line : cameras.requests()) {
-        if (line["kind"] == "event" && line["event"] == "unplug") {
-            seconds = line["time"];
-        }
-    }
-    return seconds;
-}
-
-double steadySeconds()
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
 }
 
 std::string selectedByV4l2Ctl(std::string const& node)

@@ -51,12 +51,6 @@ private:
 /// @return the numbers of those whose bytes are right.
 std::vector<unsigned long long> takeAll(ia::Stream& stream, Pictures& pictures);
 
-/// When the camera left the bus last, on the steady clock, in seconds; 0 while it has not.
-double unplugSeconds(EmulatedCameras const& cameras);
-
-/// Now, on the same clock.
-double steadySeconds();
-
 /// What v4l2-ctl says is selected, as Selection::text() writes it: "YUYV 640x480@30".
 std::string selectedByV4l2Ctl(std::string const& node);
 

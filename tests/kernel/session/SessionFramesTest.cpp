@@ -66,7 +66,7 @@ TEST_F(SessionFramesTest, AreStampedAsTheStatisticsSay)
     while (ia::Frame const frame = stream.next(3s)) {
         std::chrono::duration<double> const captured = frame.captured().time_since_epoch();
         stamps.push_back(captured.count());
-        oldest = std::max(oldest, steadySeconds() - captured.count());
+        oldest = std::max(oldest, monotonicSeconds() - captured.count());
     }
     ASSERT_EQ(stamps.size(), 60U);
     EXPECT_TRUE(std::is_sorted(stamps.begin(), stamps.end()));

@@ -230,6 +230,17 @@ std::vector<EmulatedCameras::Json> EmulatedCameras::requests(std::string const& 
     return found;
 }
 
+double EmulatedCameras::unplugSeconds() const
+{
+    double seconds = 0;
+    for (Json const& line : requests()) {
+        if (line["kind"] == "event" && line["event"] == "unplug") {
+            seconds = line["time"];
+        }
+    }
+    return seconds;
+}
+
 void EmulatedCameras::mark(unsigned camera) const
 {
     command("mark here", camera);

@@ -44,6 +44,8 @@ public:
     /// The unit and serial requests with this name since the last mark, from any way.
     std::vector<Json> requests(std::string const& name) const;
     void mark(unsigned camera = 1) const;
+    /// When a camera left the bus last, by monotonicSeconds(); 0 while none has.
+    double unplugSeconds() const;
 
 private:
     void start(Texts const& models, Texts const& commands);

@@ -5,7 +5,6 @@
 
 #include <ICameraFactory.h>
 
-#include <ctime>
 #include <stdexcept>
 
 using namespace ImageAcquisition;
@@ -45,13 +44,6 @@ Bytes fileBytes(std::string const& name)
 {
     std::string const content = wholeFile(name);
     return Bytes(content.begin(), content.end());
-}
-
-double monotonicSeconds()
-{
-    timespec now{};
-    ::clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
 }
 
 double stampSeconds(IFrame const& frame)

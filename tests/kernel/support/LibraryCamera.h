@@ -33,7 +33,6 @@ Bytes bytesOf(ImageAcquisition::IFrame const& frame);
 Bytes fileBytes(std::string const& name);
 
 /// Seconds of the clock that stamps frames.
-double monotonicSeconds();
 double stampSeconds(ImageAcquisition::IFrame const& frame);
 
 /// A capture that is stopped and cleaned up at the end; throws std::runtime_error when it does not

@@ -4,6 +4,7 @@
 #include "Await.h"
 #include "WholeFile.h"
 
+#include <ctime>
 #include <sstream>
 
 namespace KernelTest
@@ -32,6 +33,13 @@ std::string readFile(std::string const& path)
         content.pop_back();
     }
     return content;
+}
+
+double monotonicSeconds()
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
 }
 
 bool waitFor(std::function<bool()> const& condition, std::chrono::milliseconds limit)

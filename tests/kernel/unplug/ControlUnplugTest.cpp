@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "Shell.h"
 #include "Victim.h"
 
 #include <ICameraControlNumeric.h>

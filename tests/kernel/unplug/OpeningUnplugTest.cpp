@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "FuserFolder.h"
+#include "Shell.h"
 #include "Victim.h"
 
 #include <ICameraControl.h>
@@ -13,18 +14,6 @@ using namespace KernelTest;
 namespace
 {
 
-/// When the camera left the bus, on the clock of the tests; 0 while it has not.
-double unplugSeconds(EmulatedCameras const& cameras)
-{
-    double seconds = 0;
-    for (EmulatedCameras::Json const& line : cameras.requests()) {
-        if (line["kind"] == "event" && line["event"] == "unplug") {
-            seconds = line["time"];
-        }
-    }
-    return seconds;
-}
-
 /// Opens a camera that leaves the bus meanwhile; the result is null or one that can do nothing.
 CameraPointer openWhileUnplugged(EmulatedCameras const& cameras, std::string const& when)
 {
@@ -36,8 +25,8 @@ CameraPointer openWhileUnplugged(EmulatedCameras const& cameras, std::string con
     CameraPointer camera(ICameraFactory::getUniqueInstance().createBlockingCamera(record));
     double const end = monotonicSeconds();
     EXPECT_EQ(cameras.status()["plugged"], false);
-    EXPECT_GT(unplugSeconds(cameras), begin);
-    EXPECT_LT(end - unplugSeconds(cameras), patience);
+    EXPECT_GT(cameras.unplugSeconds(), begin);
+    EXPECT_LT(end - cameras.unplugSeconds(), patience);
     return camera;
 }
 

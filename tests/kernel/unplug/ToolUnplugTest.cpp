@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "EmulatedCameras.h"
 #include "LibraryCamera.h"
+#include "Shell.h"
 #include "Tool.h"
 
 #include <gtest/gtest.h>

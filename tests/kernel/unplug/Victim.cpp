@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Victim.h"
 
+#include "Shell.h"
+
 #include <ICameraControl.h>
 #include <ICameraControlNumeric.h>
 #include <ICameraFactory.h>

@@ -4,6 +4,7 @@
 #include "FuserFolder.h"
 #include "LibraryCamera.h"
 #include "ProcessCensus.h"
+#include "Shell.h"
 #include "Tool.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "Shell.h"
 #include "ThreadState.h"
 #include "V4l2Ctl.h"
 #include "VividCamera.h"

@@ -2,6 +2,7 @@
 #include "Shell.h"
 #include "ThreadState.h"
 #include "V4l2Ctl.h"
+#include "VividBinding.h"
 #include "VividCamera.h"
 
 #include <ICameraControlButton.h>
@@ -17,13 +18,6 @@ using namespace KernelTest;
 namespace
 {
 
-void bindDriver(char const* action)
-{
-    CommandResult const result =
-        runShell(std::string("echo vivid.0 > /sys/bus/platform/drivers/vivid/") + action);
-    ASSERT_EQ(result.status, 0) << result.output;
-}
-
 bool nodeExists()
 {
     return ::access(firstNode, F_OK) == 0;
@@ -37,7 +31,7 @@ public:
     Unplugged() { unplug(); }
     ~Unplugged()
     {
-        bindDriver("bind");
+        bindVivid("bind");
         EXPECT_TRUE(waitFor([] { return nodeExists(); }));
         EXPECT_EQ(runShell("udevadm settle").status, 0);
     }
@@ -47,7 +41,7 @@ public:
 private:
     static void unplug()
     {
-        bindDriver("unbind");
+        bindVivid("unbind");
         EXPECT_TRUE(waitFor([] { return !nodeExists(); }));
     }
 };

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "PassThrough.h"
+#include "Shell.h"
 #include "ThreadState.h"
 #include "VividTransfer.h"
 
