@@ -59,8 +59,8 @@ ControlType typeOf(ICameraControl const& control)
                                std::string const& hint = {})
 {
     bool const isGone = kindOf(systemError) == ErrorKind::Unplugged;
-    throw Error({isGone ? ErrorKind::Unplugged : kind, operation, reason, connection.node(),
-                 systemError, hint});
+    throw Error({isGone ? ErrorKind::Unplugged : kind, operation,
+                 isGone ? "the camera is gone" : reason, connection.node(), systemError, hint});
 }
 
 Write preparedWrite(ICameraControl& control, ControlValue const& value)

@@ -140,14 +140,15 @@ Error systemFailure(std::string const& operation, Found const& camera, int syste
                     std::string const& reason)
 {
     ErrorKind const kind = kindOf(systemError);
-    return Error({kind, operation, reason, camera.node(), systemError, hintFor(kind, camera)});
+    return Error({kind, operation, kind == ErrorKind::Unplugged ? "the camera is gone" : reason,
+                  camera.node(), systemError, hintFor(kind, camera)});
 }
 
 Error streamingFailure(std::string const& operation, Found const& camera, int systemError,
-                       std::string const& wanted)
+                       std::string const& wanted, std::string const& reason)
 {
     if (systemError != ENOSPC) {
-        return systemFailure(operation, camera, systemError);
+        return systemFailure(operation, camera, systemError, reason);
     }
     std::string const neighbours = usbNeighboursOf(camera.port());
     return Error(

@@ -15,6 +15,8 @@ namespace ImageAcquisition::Session
 namespace
 {
 
+constexpr char operation[] = "start streaming";
+
 /// Bytes of a picture in halves of those that its lines have in the first plane.
 std::size_t halvesOf(std::string_view format)
 {
@@ -38,8 +40,8 @@ BufferClaim::BufferClaim(std::shared_ptr<Connection> connection)
     : m_connection(std::move(connection))
 {
     if (!m_connection->takeBuffers()) {
-        throw Error({ErrorKind::Busy, "start streaming",
-                     "frames of an earlier stream are still held", m_connection->node()});
+        throw Error({ErrorKind::Busy, operation, "frames of an earlier stream are still held",
+                     m_connection->node()});
     }
 }
 
@@ -58,11 +60,11 @@ void Transfer::begin(int buffers)
     try {
         errno = 0;
         if (m_camera.setup(buffers) != 0) {
-            fail("set up buffers", errno);
+            fail("the camera grants no buffers", errno);
         }
         errno = 0;
         if (m_camera.startCapture() != 0) {
-            fail("start streaming", errno);
+            fail("the camera does not start", errno);
         }
     } catch (...) {
         m_camera.cleanup();
@@ -70,9 +72,9 @@ void Transfer::begin(int buffers)
     }
 }
 
-void Transfer::fail(char const* operation, int error)
+void Transfer::fail(char const* reason, int error)
 {
-    throw streamingFailure(operation, found(), error, m_layout.selection.text());
+    throw streamingFailure(operation, found(), error, m_layout.selection.text(), reason);
 }
 
 Transfer::~Transfer()

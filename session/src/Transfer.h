@@ -77,7 +77,7 @@ public:
 
 private:
     void begin(int buffers);
-    [[noreturn]] void fail(char const* operation, int error);
+    [[noreturn]] void fail(char const* reason, int error);
 
     ForkGuard const m_process;
     std::shared_ptr<OpenCamera> const m_owner;

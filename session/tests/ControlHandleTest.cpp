@@ -216,6 +216,7 @@ TEST_F(ControlHandleTest, TellsThatTheCameraIsGone)
     Control const gain = m_camera["gain"];
     m_video.unplug();
     EXPECT_EQ(errorOf([&] { gain.set(3); })->kind(), ErrorKind::Unplugged);
+    EXPECT_EQ(errorOf([&] { gain.set(3); })->reason(), "the camera is gone");
     EXPECT_EQ(errorOf([&] { gain.value(); })->kind(), ErrorKind::Unplugged);
 }
 

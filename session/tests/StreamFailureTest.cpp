@@ -281,6 +281,18 @@ TEST_F(StreamEndTest, OfEveryBufferEndsTheStream)
     EXPECT_EQ(stream.error()->systemError(), EIO);
 }
 
+TEST_F(StreamEndTest, BeforeItsBeginningTellsWhatTheCameraDidNotDo)
+{
+    Camera camera = Camera::open(m_found);
+    m_device->fail(VIDIOC_STREAMON, EIO);
+    EXPECT_STREQ(errorOf([&] { camera.stream(); })->what(),
+                 "start streaming: /dev/video0: the camera does not start: Input/output error");
+    m_device->fail(VIDIOC_REQBUFS, ENOMEM);
+    EXPECT_STREQ(errorOf([&] { camera.stream(); })->what(),
+                 "start streaming: /dev/video0: the camera grants no buffers: Cannot allocate "
+                 "memory");
+}
+
 TEST_F(StreamEndTest, OfTheClientInTheMiddleLeavesNothing)
 {
     EXPECT_THROW(

@@ -93,6 +93,15 @@ TEST(SystemFailureTest, TellsTheBandwidthThatTheBusLacks)
     EXPECT_EQ(error.hint(), "also on the bus: 1-2 'Other Cam'");
 }
 
+TEST(SystemFailureTest, TellsThatTheCameraIsGoneInPlaceOfWhatWasRefused)
+{
+    Found const camera = cameraAt("/nowhere/video0");
+    EXPECT_STREQ(systemFailure("x", camera, ENODEV, "it refused").what(),
+                 "x: /nowhere/video0: the camera is gone: No such device");
+    EXPECT_STREQ(streamingFailure("x", camera, EIO, "", "it refused").what(),
+                 "x: /nowhere/video0: it refused: Input/output error");
+}
+
 TEST(SystemFailureTest, TellsTheKindThatAnErrorStandsFor)
 {
     Found const camera = cameraAt("/nowhere/video0");
