@@ -63,11 +63,21 @@ ControlType typeOf(ICameraControl const& control)
                  isGone ? "the camera is gone" : reason, connection.node(), systemError, hint});
 }
 
-Write preparedWrite(ICameraControl& control, ControlValue const& value)
+std::string operationOf(std::string const& name, std::optional<ControlValue> const& value)
+{
+    return value ? "set " + name + " to '" + value->text() + "'" : "press " + name;
+}
+
+/// Setting a value, or pressing where there is none.
+Write preparedWrite(ICameraControl& control, std::optional<ControlValue> const& value,
+                    bool mayBeInactive = false)
 {
     control.updateState();
-    Refusal const byState = refusalByState(control);
-    return byState.empty() ? writeValue(control, value) : Write{byState, {}, ErrorKind::Refused};
+    Refusal const byState = mayBeInactive ? refusalByNature(control) : refusalByState(control);
+    if (!byState.empty()) {
+        return {byState, {}, ErrorKind::Refused, {}};
+    }
+    return value ? writeValue(control, *value) : press(control);
 }
 
 void carryOut(Write const& write, std::string const& operation, Connection const& connection)
@@ -163,8 +173,7 @@ long long Control::number() const
 void Control::set(ControlValue const& value) const
 {
     locked([&](ICameraControl& control, Connection const& connection) {
-        carryOut(preparedWrite(control, value), "set " + m_name + " to '" + value.text() + "'",
-                 connection);
+        carryOut(preparedWrite(control, value), operationOf(m_name, value), connection);
         m_camera->noteSet(m_name, value);
     });
 }
@@ -172,10 +181,18 @@ void Control::set(ControlValue const& value) const
 void Control::press() const
 {
     locked([this](ICameraControl& control, Connection const& connection) {
-        control.updateState();
-        Refusal const byState = refusalByState(control);
-        carryOut(byState.empty() ? Session::press(control) : Write{byState, {}, ErrorKind::Refused},
-                 "press " + m_name, connection);
+        carryOut(preparedWrite(control, {}), operationOf(m_name, {}), connection);
+    });
+}
+
+std::optional<Error> Control::objection(std::optional<ControlValue> const& value,
+                                        bool mayBeInactive) const
+{
+    return locked([&](ICameraControl& control, Connection const& connection) {
+        Write const write = preparedWrite(control, value, mayBeInactive);
+        return write.refusal.empty() ? std::optional<Error>()
+                                     : Error({write.kind, operationOf(m_name, value), write.refusal,
+                                              connection.node(), 0, write.hint});
     });
 }
 
@@ -184,6 +201,14 @@ std::string Control::refusal(ControlValue const& value) const
     return locked([&](ICameraControl& control, Connection const&) {
         return preparedWrite(control, value).refusal;
     });
+}
+
+/// What lets a camera choose by itself is a switch or a menu, or the driver says so.
+bool Control::mayActivateOthers() const
+{
+    ControlType const type = this->type();
+    return type == ControlType::Switch || type == ControlType::Menu ||
+           m_control->needsClassUpdate();
 }
 
 long long Control::minimum() const

@@ -99,6 +99,17 @@ public:
     /// As control().
     Control operator[](std::string const& name) const { return control(name); }
 
+    /**
+     * @brief Sets several controls, in their order, once nothing is found against any of them.
+     *
+     * Names, values and states are judged first. That a control is inactive counts only where no
+     * switch or menu before it can have activated it.
+     * @throws Error: that of control(), set() or press(), or where several assignments are wrong
+     * one that tells all of it, as NotFound or Ambiguous when a name is; then nothing was set. What
+     * only the camera refuses ends it, and what comes before that stays set.
+     */
+    void set(std::vector<Assignment> const& assignments) const;
+
     /// Starts streaming what is selected.
     /// @throws Error Busy, NoBandwidth, Unplugged, NoPermission or Refused; nothing is then held.
     Stream stream(StreamOptions const& options = {});

@@ -5,6 +5,7 @@
 #include "session/SessionExport.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -25,7 +26,9 @@ class ICameraControlStringMenu;
 namespace ImageAcquisition::Session
 {
 
+class Camera;
 class Connection;
+class Error;
 class OpenCamera;
 
 /// A control by its typed interface, for `std::visit`. It holds the bare interface for a control
@@ -53,6 +56,14 @@ enum class ControlType {
     BitMask, ///< 32 bits, as a number.
     Text,    ///< minimum() to maximum() characters.
     Other    ///< None that can be read or written here.
+};
+
+/// What Camera::set() is to do: a control by its name, and its value, without which it is a button
+/// to be pressed.
+struct Assignment
+{
+    std::string name;
+    std::optional<ControlValue> value = {};
 };
 
 /// A control's state, asked from the camera.
@@ -143,10 +154,18 @@ public:
     TypedControl typed() const;
 
 private:
+    friend class Camera;
     friend class ControlFinder;
 
     Control(std::shared_ptr<OpenCamera> camera, std::shared_ptr<Connection> connection,
             ICameraControl& control);
+
+    /// What set(), or press() without a value, would throw now; nothing when only the camera itself
+    /// can still refuse.
+    std::optional<Error> objection(std::optional<ControlValue> const& value,
+                                   bool mayBeInactive) const;
+    /// Whether others can be active once this one is set, and inactive before.
+    bool mayActivateOthers() const;
 
     template <typename Action>
     auto locked(Action action) const;
