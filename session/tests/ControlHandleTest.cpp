@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <linux/videodev2.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <thread>
 
@@ -266,6 +267,22 @@ TEST_F(ControlHandleTest, IsVisitedByItsTypedInterface)
     EXPECT_EQ(std::visit(describe, m_camera["gain"].typed()), "number up to 100");
     EXPECT_EQ(std::visit(describe, m_camera["auto_focus"].typed()), "switch");
     EXPECT_EQ(std::visit(describe, m_camera["label"].typed()), "something else");
+}
+
+TEST_F(ControlHandleTest, IsTheFirstOfThoseWithOneName)
+{
+    OpenedCamera const opened(
+        aCamera()
+            .withControl(VirtualCamera::integerControl(V4L2_CID_PAN_ABSOLUTE, "Pan").range(0, 9))
+            .withControl(VirtualCamera::integerControl(V4L2_CID_PAN_SPEED, "Pan").range(0, 9)));
+    std::vector<unsigned int> ids;
+    for (Control const& control : opened.camera.controls()) {
+        ids.push_back(control.name() == "Pan" ? control.id() : 0);
+    }
+    ids.erase(std::remove(ids.begin(), ids.end(), 0u), ids.end());
+    ASSERT_EQ(ids.size(), 2u);
+    EXPECT_EQ(opened.camera["Pan"].id(), ids.front());
+    EXPECT_EQ(opened.camera["pan"].id(), ids.front());
 }
 
 TEST_F(ControlHandleTest, IsAmbiguousWhereAShortFormFitsSeveral)

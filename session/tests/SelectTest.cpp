@@ -101,6 +101,38 @@ TEST_F(SelectTest, TellsTelevisionsRatesFromWholeOnes)
     EXPECT_THAT(refusal(opened.camera, "1280x720@29.9"), HasSubstr("has no frame rate 29.9"));
 }
 
+TEST_F(SelectTest, TakesTheNearestRateWithinItsTolerance)
+{
+    // 30; 29.97 rounded down to units of 100 ns, and exactly; 23.976; 59.94; 119.88; 8.333
+    OpenedCamera opened(aCamera()
+                            .withFormat("YUYV")
+                            .withSize(640, 480)
+                            .withInterval(1, 30)
+                            .withInterval(333666, 10000000)
+                            .withInterval(1001, 30000)
+                            .withInterval(1001, 24000)
+                            .withInterval(1001, 60000)
+                            .withInterval(1001, 120000)
+                            .withInterval(3, 25));
+    for (auto const& [wanted, found] : {std::pair<char const*, FrameRate>{"@30", {30, 1}},
+                                        {"@29.97", {30000, 1001}},
+                                        {"@29.97003", {30000, 1001}},
+                                        {"@2997007/100000", {10000000, 333666}},
+                                        {"@29.98", {10000000, 333666}},
+                                        {"@23.976", {24000, 1001}},
+                                        {"@23.98", {24000, 1001}},
+                                        {"@59.94", {60000, 1001}},
+                                        {"@119.9", {120000, 1001}},
+                                        {"@8.33", {25, 3}}}) {
+        EXPECT_EQ(opened.camera.select(wanted).rate, found) << wanted;
+    }
+    for (char const* const absent : {"24", "60", "120", "29.95", "8.3"}) {
+        EXPECT_EQ(refusal(opened.camera, std::string("@") + absent),
+                  std::string("unsupported: the camera has no frame rate ") + absent +
+                      "; it has 30 29.97 23.976 59.94 119.88 8.333 frames a second");
+    }
+}
+
 TEST_F(SelectTest, SaysWhatThereIs)
 {
     OpenedCamera opened(listedCamera());
