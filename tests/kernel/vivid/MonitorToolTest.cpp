@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "BackgroundCommand.h"
+#include "EmulatedCameras.h"
 #include "Tool.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 
 using namespace KernelTest;
@@ -12,7 +14,7 @@ using Json = nlohmann::json;
 namespace
 {
 
-/// `iacq monitor` while vivid comes and goes.
+/// `iacq monitor` while a camera comes and goes, which has a node for metadata too.
 class MonitorToolTest : public testing::Test
 {
 protected:
@@ -24,13 +26,21 @@ protected:
 
     static void comeAndGo()
     {
-        ASSERT_EQ(
-            runShell("modprobe vivid n_devs=1 node_types=0x1 num_inputs=1 input_types=0").status,
-            0);
-        ASSERT_TRUE(waitFor([] { return runShell("rmmod vivid").status == 0; }));
+        EmulatedCameras const cameras({"ordinary"});
+        cameras.command("unplug");
+        ASSERT_TRUE(cameras.waitUntilGone());
     }
 
-    std::vector<std::string> lines() const { return splitLines(m_command->output()); }
+    /// What it printed. libv4l2 tells on standard error when a node goes that is being looked at.
+    std::vector<std::string> lines() const
+    {
+        std::vector<std::string> printed = splitLines(m_command->output());
+        auto const isOther = [](std::string const& line) {
+            return line.find("video4linux") == std::string::npos;
+        };
+        printed.erase(std::remove_if(printed.begin(), printed.end(), isOther), printed.end());
+        return printed;
+    }
 
     std::unique_ptr<BackgroundCommand> m_command;
 };
@@ -58,6 +68,19 @@ TEST_F(MonitorToolTest, PrintsObjectsAndEndsWithCtrlC)
     m_command->signal(SIGINT);
     EXPECT_EQ(m_command->wait(), 0);
     EXPECT_EQ(lines().size(), 2U);
+}
+
+TEST_F(MonitorToolTest, PassesOverNodesThatAreNoCameras)
+{
+    start("--count 1 --timeout 120");
+    ASSERT_EQ(runShell("modprobe vivid n_devs=1 node_types=0x1 num_inputs=1 input_types=0").status,
+              0);
+    ASSERT_TRUE(waitFor([] { return runShell("rmmod vivid").status == 0; }));
+    EmulatedCameras const cameras({"ordinary"});
+    EXPECT_EQ(m_command->wait(), 0);
+    ASSERT_EQ(lines().size(), 1U) << m_command->output();
+    EXPECT_NE(lines()[0].find(" add " + cameras.videoNode() + " "), std::string::npos)
+        << lines()[0];
 }
 
 TEST_F(MonitorToolTest, EndsInTimeWhenNothingHappens)

@@ -1,25 +1,24 @@
 // SPDX-License-Identifier: MIT
-#include "../Failure.h"
 #include "../Output.h"
 #include "../TerminalText.h"
 #include "Commands.h"
 
-#include <ICameraEvent.h>
-#include <ICameraFactory.h>
-#include <IContinuousCameraMonitor.h>
+#include <session/Error.h>
+#include <session/Events.h>
 
 #include <nlohmann/json.hpp>
 
+#include <poll.h>
+#include <sys/signalfd.h>
 #include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <ctime>
-#include <memory>
+#include <optional>
 
 namespace Iacq
 {
@@ -27,7 +26,8 @@ namespace Iacq
 namespace
 {
 
-using namespace ImageAcquisition;
+using namespace ImageAcquisition::Session;
+using Clock = std::chrono::steady_clock;
 
 /// Now, in local time with milliseconds and the offset from UTC.
 std::string timeText()
@@ -46,87 +46,84 @@ std::string timeText()
     return text;
 }
 
-char const* actionName(int type)
+struct ActionWord
 {
-    static constexpr char const* names[] = {"other", "add", "remove", "change", "move"};
-    return type >= 0 && type <= 4 ? names[type] : names[0];
+    char const* word; ///< As udev calls it.
+    int type;         ///< As ICameraEvent numbers it.
+};
+
+ActionWord wordOf(Event::Action action)
+{
+    switch (action) {
+    case Event::Action::Added:
+        return {"add", 1};
+    case Event::Action::Removed:
+        return {"remove", 2};
+    case Event::Action::Changed:
+        return {"change", 3};
+    case Event::Action::Moved:
+        return {"move", 4};
+    default:
+        return {"other", 0};
+    }
 }
 
-std::string eventLine(ICameraEvent const& event, bool json)
+std::string eventLine(Event const& event, bool json)
 {
+    constexpr char subsystem[] = "video4linux";
+    auto const [word, type] = wordOf(event.action);
     if (!json) {
-        return timeText() + " " + actionName(event.type()) + " " +
-               printable(event.deviceSystemName()) + " " + printable(event.subSystemName()) + "\n";
+        return timeText() + " " + word + " " + printable(event.camera.node()) + " " + subsystem +
+               "\n";
     }
     nlohmann::ordered_json const object = {{"time", timeText()},
-                                           {"action", actionName(event.type())},
-                                           {"type", event.type()},
-                                           {"node", event.deviceSystemName()},
-                                           {"subsystem", event.subSystemName()}};
+                                           {"action", word},
+                                           {"type", type},
+                                           {"node", event.camera.node()},
+                                           {"subsystem", subsystem}};
     return jsonText(object) + "\n";
 }
 
-/// Prints events, and tells the main thread by a signal when it has seen enough.
-class Printer : public IContinuousCameraMonitor::IClient
+/// The signals that end the tool, as a descriptor to wait for. They stay blocked.
+class EndingSignals
 {
 public:
-    explicit Printer(MonitorOptions const& options) : m_options(options) {}
-
-    void cameraEventReceived(ICameraEvent* received) override
+    EndingSignals()
     {
-        std::unique_ptr<ICameraEvent> const event(received);
-        if (m_failed || (m_options.count > 0 && m_printed == m_options.count)) {
-            return;
+        sigset_t signals;
+        sigemptyset(&signals);
+        for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
+            sigaddset(&signals, number);
         }
-        try {
-            print(eventLine(*event, m_options.json));
-            ++m_printed;
-        } catch (Failure const&) {
-            m_failed = true;
-        }
-        if (m_failed || m_printed == m_options.count) {
-            ::kill(::getpid(), SIGUSR1);
-        }
+        pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+        m_descriptor = ::signalfd(-1, &signals, SFD_CLOEXEC);
     }
+    EndingSignals(EndingSignals const&) = delete;
+    EndingSignals& operator=(EndingSignals const&) = delete;
+    ~EndingSignals() { ::close(m_descriptor); }
 
-    bool failed() const { return m_failed; }
+    int descriptor() const { return m_descriptor; }
 
 private:
-    MonitorOptions const& m_options;
-    std::atomic<int> m_printed{0};
-    std::atomic<bool> m_failed{false};
+    int m_descriptor;
 };
 
-/// The signals that end the tool, blocked in every thread so that one wait can take them.
-sigset_t blockedSignals()
+/// Waits for an event; false when a signal came or the time was over.
+bool waitForEvent(Events const& events, EndingSignals const& signals,
+                  std::optional<Clock::time_point> end)
 {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (int const number : {SIGINT, SIGTERM, SIGHUP, SIGUSR1}) {
-        sigaddset(&signals, number);
-    }
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    return signals;
-}
-
-void waitForSignal(sigset_t const& signals, double seconds)
-{
-    using Clock = std::chrono::steady_clock;
-    auto const end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                                        std::chrono::duration<double>(seconds));
+    constexpr long long mostMilliseconds = 1 << 30;
     for (;;) {
-        if (seconds <= 0) {
-            if (sigwaitinfo(&signals, nullptr) != -1 || errno != EINTR) {
-                return;
-            }
-            continue;
+        pollfd entries[] = {{events.descriptor(), POLLIN, 0}, {signals.descriptor(), POLLIN, 0}};
+        long long const left =
+            end ? std::chrono::ceil<std::chrono::milliseconds>(*end - Clock::now()).count() : -1;
+        int const ready = ::poll(
+            entries, 2, end ? static_cast<int>(std::clamp(left, 0LL, mostMilliseconds)) : -1);
+        if (ready > 0) {
+            return entries[1].revents == 0;
         }
-        auto const left =
-            std::chrono::duration_cast<std::chrono::nanoseconds>(end - Clock::now()).count();
-        timespec const timeout{static_cast<time_t>(std::max<long long>(left, 0) / 1000000000),
-                               static_cast<long>(std::max<long long>(left, 0) % 1000000000)};
-        if (sigtimedwait(&signals, nullptr, &timeout) != -1 || errno != EINTR) {
-            return;
+        if ((ready == -1 && errno != EINTR) || (end && Clock::now() >= *end)) {
+            return false;
         }
     }
 }
@@ -135,20 +132,21 @@ void waitForSignal(sigset_t const& signals, double seconds)
 
 void monitor(MonitorOptions const& options)
 {
-    sigset_t const signals = blockedSignals();
-    Printer printer(options);
-    std::unique_ptr<IContinuousCameraMonitor> const monitor(
-        ICameraFactory::getUniqueInstance().createContinuousCameraMonitor());
-    bool const started = monitor->startMonitoring(printer);
-    if (started) {
-        waitForSignal(signals, options.timeout);
+    EndingSignals const signals;
+    Events events;
+    std::optional<Clock::time_point> end;
+    if (options.timeout > 0) {
+        end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                 std::chrono::duration<double>(options.timeout));
     }
-    monitor->stopMonitoring();
-    if (!started) {
-        throw Failure(CameraFailed, "udev does not tell about devices");
-    }
-    if (printer.failed()) {
-        throw Failure(CameraFailed, "cannot write standard output");
+    for (int printed = 0; options.count == 0 || printed < options.count;) {
+        if (!waitForEvent(events, signals, end)) {
+            return;
+        }
+        if (auto const event = events.next(std::chrono::milliseconds(0))) {
+            print(eventLine(*event, options.json));
+            ++printed;
+        }
     }
 }
 
