@@ -7,6 +7,9 @@
 namespace Iacq
 {
 
+using ImageAcquisition::Session::Bytes;
+using ImageAcquisition::Session::PictureLayout;
+
 FrameWorker::FrameWorker(std::size_t mostBytes, Work work)
     : m_mostBytes(mostBytes), m_work(std::move(work))
 {
@@ -24,23 +27,23 @@ FrameWorker::~FrameWorker()
     join();
 }
 
-bool FrameWorker::take(unsigned char const* bytes, std::size_t size)
+bool FrameWorker::take(Bytes bytes, PictureLayout const& layout)
 {
     {
         std::lock_guard<std::mutex> const lock(m_mutex);
         if (m_failure) {
             std::rethrow_exception(m_failure);
         }
-        if (m_bytes != 0 && size > m_mostBytes - std::min(m_bytes, m_mostBytes)) {
+        if (m_bytes != 0 && bytes.size() > m_mostBytes - std::min(m_bytes, m_mostBytes)) {
             return false;
         }
     }
     // Nobody else adds any, so there is still room after copying.
-    std::vector<unsigned char> copy(bytes, bytes + size);
+    FrameCopy copy{{bytes.begin(), bytes.end()}, layout};
     {
         std::lock_guard<std::mutex> const lock(m_mutex);
         m_waiting.push_back(std::move(copy));
-        m_bytes += size;
+        m_bytes += bytes.size();
     }
     m_changed.notify_one();
     return true;
@@ -70,30 +73,30 @@ void FrameWorker::run()
 {
     sigset_t ownMask;
     pthread_sigmask(SIG_SETMASK, nullptr, &ownMask);
-    for (std::vector<unsigned char> bytes; waitForFrame(bytes);) {
-        workOn(bytes);
+    for (FrameCopy frame; waitForFrame(frame);) {
+        workOn(frame);
         // Libraries that block signals in calls of their own, as umockdev does, may now and
         // then give this thread the other's mask; then nothing could end the tool.
         pthread_sigmask(SIG_SETMASK, &ownMask, nullptr);
         std::lock_guard<std::mutex> const lock(m_mutex);
-        m_bytes -= bytes.size();
+        m_bytes -= frame.bytes.size();
     }
 }
 
-bool FrameWorker::waitForFrame(std::vector<unsigned char>& bytes)
+bool FrameWorker::waitForFrame(FrameCopy& frame)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     m_changed.wait(lock, [this] { return m_ending || !m_waiting.empty(); });
     if (m_waiting.empty()) {
         return false;
     }
-    bytes = std::move(m_waiting.front());
+    frame = std::move(m_waiting.front());
     m_waiting.pop_front();
     return true;
 }
 
 /// Once it failed, the thread only waits for its end: signals are still its own.
-void FrameWorker::workOn(std::vector<unsigned char> const& bytes)
+void FrameWorker::workOn(FrameCopy const& frame)
 {
     {
         std::lock_guard<std::mutex> const lock(m_mutex);
@@ -102,7 +105,7 @@ void FrameWorker::workOn(std::vector<unsigned char> const& bytes)
         }
     }
     try {
-        m_work(++m_number, bytes);
+        m_work(++m_number, frame);
     } catch (...) {
         std::lock_guard<std::mutex> const lock(m_mutex);
         m_failure = std::current_exception();

@@ -3,6 +3,9 @@
 
 #include "FileWriting.h"
 
+#include <session/Bytes.h>
+#include <session/Picture.h>
+
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -16,8 +19,16 @@
 namespace Iacq
 {
 
+/// What is kept of a frame.
+struct FrameCopy
+{
+    std::vector<unsigned char> bytes;
+    ImageAcquisition::Session::PictureLayout layout;
+};
+
 /// Works on frames, one after the other, in a thread of its own, so that the next can be captured
-/// meanwhile. It copies them: the frames themselves go back to the camera at once.
+/// meanwhile. It copies them: the frames themselves go back to the camera at once, whose buffers
+/// are few.
 ///
 /// As long as it lives, the signals that end the tool reach only this thread, which knows when a
 /// file is incomplete.
@@ -25,7 +36,7 @@ class FrameWorker
 {
 public:
     /// @param number of the frame among those that were taken, counted from 1.
-    using Work = std::function<void(int number, std::vector<unsigned char> const& bytes)>;
+    using Work = std::function<void(int number, FrameCopy const& frame)>;
 
     /// @param mostBytes how much may wait; a single frame may be larger.
     FrameWorker(std::size_t mostBytes, Work work);
@@ -36,7 +47,8 @@ public:
 
     /// Takes a frame, unless too much waits already.
     /// @throws what the work on an earlier frame threw.
-    bool take(unsigned char const* bytes, std::size_t size);
+    bool take(ImageAcquisition::Session::Bytes bytes,
+              ImageAcquisition::Session::PictureLayout const& layout);
 
     /// Waits until all is done; nothing can be taken afterwards.
     /// @throws what the work threw.
@@ -44,8 +56,8 @@ public:
 
 private:
     void run();
-    bool waitForFrame(std::vector<unsigned char>& bytes);
-    void workOn(std::vector<unsigned char> const& bytes);
+    bool waitForFrame(FrameCopy& frame);
+    void workOn(FrameCopy const& frame);
     void join();
 
     std::size_t const m_mostBytes;
@@ -53,7 +65,7 @@ private:
     int m_number = 0; ///< The thread's own.
     std::mutex m_mutex;
     std::condition_variable m_changed;
-    std::deque<std::vector<unsigned char>> m_waiting;
+    std::deque<FrameCopy> m_waiting;
     std::size_t m_bytes = 0; ///< Of what waits and of what is being worked on.
     bool m_ending = false;
     std::exception_ptr m_failure;

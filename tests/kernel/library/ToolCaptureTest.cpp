@@ -82,6 +82,7 @@ TEST_F(ToolCaptureTest, FailWhileAnotherProgramStreamsAndLeaveNoFile)
     Stream const stream(*other, 4);
     CommandResult const result = runTool("capture 0 -o /tmp/none.raw");
     EXPECT_EQ(result.status, 1) << result.output;
+    EXPECT_NE(result.output.find("held by "), std::string::npos) << result.output;
     EXPECT_EQ(runShell("test -e /tmp/none.raw").status, 1);
     EXPECT_FALSE(other->acquireFrame()->isInvalid());
 }

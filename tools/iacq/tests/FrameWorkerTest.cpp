@@ -20,7 +20,8 @@ constexpr std::size_t plenty = 1000;
 
 bool take(Iacq::FrameWorker& worker, std::string const& text)
 {
-    return worker.take(reinterpret_cast<unsigned char const*>(text.data()), text.size());
+    return worker.take({reinterpret_cast<unsigned char const*>(text.data()), text.size()},
+                       {"GREY", static_cast<unsigned int>(text.size()), 1, 0});
 }
 
 /// Notes what it is given. The first piece of work takes until it is let go.
@@ -29,12 +30,13 @@ class Notes
 public:
     Iacq::FrameWorker::Work work()
     {
-        return [this](int number, std::vector<unsigned char> const& bytes) {
+        return [this](int number, Iacq::FrameCopy const& frame) {
             if (number == 1) {
                 m_begun.set_value();
                 m_letGo.get_future().wait();
             }
-            seen.emplace_back(number, std::string(bytes.begin(), bytes.end()));
+            EXPECT_EQ(frame.layout.width, frame.bytes.size());
+            seen.emplace_back(number, std::string(frame.bytes.begin(), frame.bytes.end()));
         };
     }
     void waitForTheFirst() { m_begun.get_future().wait(); }
@@ -96,7 +98,7 @@ TEST(FrameWorkerTest, TakesASingleFrameOfAnySize)
 TEST(FrameWorkerTest, HandsOnWhatWentWrongAndWorksOnNothingMore)
 {
     int calls = 0;
-    Iacq::FrameWorker worker(plenty, [&calls](int, std::vector<unsigned char> const&) {
+    Iacq::FrameWorker worker(plenty, [&calls](int, Iacq::FrameCopy const&) {
         ++calls;
         throw Iacq::Failure(Iacq::NoFrame, "broken");
     });
@@ -131,7 +133,7 @@ TEST(FrameWorkerTest, LeavesTheSignalsThatEndTheToolToItsThread)
 {
     std::vector<bool> heldByThread;
     {
-        Iacq::FrameWorker worker(plenty, [&](int, std::vector<unsigned char> const&) {
+        Iacq::FrameWorker worker(plenty, [&](int, Iacq::FrameCopy const&) {
             heldByThread.push_back(holdsBack(SIGTERM));
             // As if it had got the other thread's mask.
             sigset_t all;

@@ -65,7 +65,7 @@ TEST(HostileTextRunTest, StayInTheLineOfAnError)
               "iacq: find camera 'x?y?z': no camera fits (there are /dev/video0 'Evil?1: Fake?2J?' "
               "serial:S?7 port:1-1)\n");
     EXPECT_EQ(runIacq({"capture", "0", "-o", "a.raw", "--format", "ABCD"}, camera).errors,
-              "iacq: the camera has no format 'ABCD'; it has YU?V\n");
+              "iacq: select ABCD: the camera has no format 'ABCD'; it has YU?V\n");
 }
 
 TEST(HostileTextRunTest, AreKeptInJsonEscaped)

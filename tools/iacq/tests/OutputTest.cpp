@@ -2,7 +2,7 @@
 #include "Output.h"
 
 #include "Failure.h"
-#include "ImageEncoding.h"
+#include "FrameEncoder.h"
 
 #include <gmock/gmock.h>
 
