@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "CameraDescription.h"
 
-#include "CurrentSelection.h"
-
-#include <IFramePeriod.h>
-#include <IFrameSize.h>
-#include <IImageFormat.h>
+#include <IDevice.h>
 
 #include <nlohmann/json.hpp>
 
@@ -33,34 +29,39 @@ std::string revisionText(unsigned short revision)
     return text;
 }
 
-Json describeSize(IFrameSize const& size)
+Json describeInterval(Session::FrameRate rate)
 {
-    Json intervals = Json::array();
-    for (int i = 0; i < size.periodNumber(); ++i) {
-        intervals.push_back({{"numerator", size.period(i)->numerator()},
-                             {"denominator", size.period(i)->denominator()}});
-    }
-    return {{"width", size.width()}, {"height", size.height()}, {"intervals", intervals}};
+    return {{"numerator", rate.seconds}, {"denominator", rate.frames}};
 }
 
-Json describeFormat(IImageFormat const& format)
+Json describeFormat(Session::FormatOffer const& format)
 {
     Json sizes = Json::array();
-    for (int i = 0; i < format.sizeNumber(); ++i) {
-        sizes.push_back(describeSize(*format.frameSize(i)));
+    for (Session::SizeOffer const& size : format.sizes) {
+        Json intervals = Json::array();
+        for (Session::FrameRate const rate : size.rates) {
+            intervals.push_back(describeInterval(rate));
+        }
+        // What is listed. Of ranges, a selection that they do not hold is told what they are.
+        if (!size.isRange()) {
+            sizes.push_back({{"width", size.width.minimum},
+                             {"height", size.height.minimum},
+                             {"intervals", size.anyRate ? Json::array() : intervals}});
+        }
     }
-    return {{"name", format.name()},
-            {"description", format.description()},
-            {"compressed", format.isCompressed()},
-            {"emulated", format.isEmulated()},
+    return {{"name", format.format},
+            {"description", format.description},
+            {"compressed", format.compressed},
+            {"emulated", format.emulated},
             {"sizes", sizes}};
 }
 
 } // namespace
 
-Json describeDevice(IDevice const& device, int index)
+Json describeDevice(Session::Found const& camera)
 {
-    return {{"index", index},
+    IDevice const& device = camera.device();
+    return {{"index", camera.index()},
             {"node", device.systemName()},
             {"name", device.name()},
             {"driver", device.driverName()},
@@ -82,25 +83,22 @@ Json describeDevice(IDevice const& device, int index)
               {"asynchIO", device.supportsAsynchIO()}}}};
 }
 
-Json describeFormats(ICamera const& camera)
+Json describeFormats(Session::Camera const& camera)
 {
     Json formats = Json::array();
-    for (int i = 0; i < camera.formatNumber(); ++i) {
-        formats.push_back(describeFormat(*camera.format(i)));
+    for (Session::FormatOffer const& format : camera.offers()) {
+        formats.push_back(describeFormat(format));
     }
-    CurrentSelection const current = currentSelection(camera);
-    Json selection = {{"format", nullptr}, {"size", nullptr}, {"interval", nullptr}};
-    if (!current.format->isInvalid()) {
-        selection["format"] = current.format->name();
+    Session::Selection const set = camera.selection();
+    Json current = {{"format", nullptr}, {"size", nullptr}, {"interval", nullptr}};
+    if (!set.format.empty()) {
+        current["format"] = set.format;
+        current["size"] = {{"width", set.width}, {"height", set.height}};
     }
-    if (!current.size->isInvalid()) {
-        selection["size"] = {{"width", current.size->width()}, {"height", current.size->height()}};
+    if (set.rate.isSaid()) {
+        current["interval"] = describeInterval(set.rate);
     }
-    if (!current.period->isInvalid()) {
-        selection["interval"] = {{"numerator", current.period->numerator()},
-                                 {"denominator", current.period->denominator()}};
-    }
-    return {{"current", selection}, {"formats", formats}};
+    return {{"current", current}, {"formats", formats}};
 }
 
 } // namespace Iacq

@@ -4,56 +4,31 @@
 #include "Failure.h"
 #include "Progress.h"
 
-#include <session/Error.h>
-
-#include <utility>
-
 namespace Iacq
 {
 
-using ImageAcquisition::Session::Camera;
-using ImageAcquisition::Session::Error;
-using ImageAcquisition::Session::ErrorKind;
-using ImageAcquisition::Session::Found;
-using ImageAcquisition::Session::LeftOut;
+using namespace ImageAcquisition::Session;
 
-CameraList listCameras()
+namespace
 {
-    CameraList list;
-    auto found = ImageAcquisition::Session::findCameras();
-    list.cameras = std::move(found.cameras);
-    for (LeftOut const& node : found.leftOut) {
-        // Metadata nodes stand beside every camera; they are none that anybody misses.
-        if (node.why == LeftOut::Why::NoUsbDevice) {
-            list.leftOut.push_back(node.node + " " + node.reason);
-        }
-    }
-    return list;
-}
 
-Found selectDevice(std::string const& camera)
+Found find(std::string const& camera)
 {
     try {
-        return ImageAcquisition::Session::findCamera(camera);
+        return findCamera(camera);
     } catch (Error const& error) {
         bool const isOther = error.kind() == ErrorKind::Unsupported;
         throw Failure(isOther ? CameraFailed : NoSuchCamera, error.what());
     }
 }
 
-Camera openCamera(Found const& found)
-{
-    Progress const progress("opening " + found.node());
-    try {
-        return Camera::open(found);
-    } catch (Error const& error) {
-        throw Failure(CameraFailed, error.what());
-    }
-}
+} // namespace
 
 Camera openCamera(std::string const& camera)
 {
-    return openCamera(selectDevice(camera));
+    Found const found = find(camera);
+    Progress const progress("opening " + found.node());
+    return Camera::open(found);
 }
 
 } // namespace Iacq

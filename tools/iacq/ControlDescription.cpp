@@ -2,10 +2,12 @@
 #include "ControlDescription.h"
 
 #include "TerminalText.h"
-#include <session/Control.h>
+
+#include <session/Error.h>
 
 #include <ICameraControlBitMask.h>
 #include <ICameraControlBoolean.h>
+#include <ICameraControlButton.h>
 #include <ICameraControlInt64Menu.h>
 #include <ICameraControlNumeric.h>
 #include <ICameraControlString.h>
@@ -13,23 +15,13 @@
 
 #include <nlohmann/json.hpp>
 
-#include <vector>
-
 namespace Iacq
 {
-
-using ImageAcquisition::Session::shortName;
 
 namespace
 {
 
-using ImageAcquisition::ICameraControl;
-using ImageAcquisition::ICameraControlBitMask;
-using ImageAcquisition::ICameraControlBoolean;
-using ImageAcquisition::ICameraControlInt64Menu;
-using ImageAcquisition::ICameraControlNumeric;
-using ImageAcquisition::ICameraControlString;
-using ImageAcquisition::ICameraControlStringMenu;
+using namespace ImageAcquisition;
 using Json = nlohmann::ordered_json;
 
 Json flagsOf(ICameraControl const& control)
@@ -60,82 +52,63 @@ Json flagsOf(ICameraControl const& control)
     return names;
 }
 
-template <typename T>
-bool describeNumeric(ICameraControl const& control, Json& json)
+/// Adds what only controls of one type have.
+struct TypeDescription
 {
-    auto const* const numeric = dynamic_cast<ICameraControlNumeric<T> const*>(&control);
-    if (numeric == nullptr) {
-        return false;
+    template <typename T>
+    void operator()(ICameraControlNumeric<T>* numeric) const
+    {
+        json["minimum"] = numeric->minimum();
+        json["maximum"] = numeric->maximum();
+        json["step"] = numeric->step();
     }
-    json["minimum"] = numeric->minimum();
-    json["maximum"] = numeric->maximum();
-    json["step"] = numeric->step();
-    return true;
-}
-
-void describeMenu(ICameraControlStringMenu const& menu, Json& json)
-{
-    Json items = Json::array();
-    for (int position = 0; position < menu.count(); ++position) {
-        items.push_back(menu.string(position));
-    }
-    json["items"] = items;
-    json["default"] = menu.defaultIndex();
-}
-
-void describeType(ICameraControl const& control, Json& json)
-{
-    if (describeNumeric<int>(control, json) || describeNumeric<long long>(control, json) ||
-        describeNumeric<unsigned char>(control, json) ||
-        describeNumeric<unsigned short>(control, json) ||
-        describeNumeric<unsigned int>(control, json)) {
-        return;
-    }
-    if (auto const* const boolean = dynamic_cast<ICameraControlBoolean const*>(&control)) {
+    void operator()(ICameraControlBoolean* boolean) const
+    {
         json["default"] = boolean->defaultValue();
-    } else if (auto const* const mask = dynamic_cast<ICameraControlBitMask const*>(&control)) {
-        json["default"] = mask->defaultValue();
-    } else if (auto const* const menu = dynamic_cast<ICameraControlStringMenu const*>(&control)) {
-        describeMenu(*menu, json);
-    } else if (auto const* const numbers = dynamic_cast<ICameraControlInt64Menu const*>(&control)) {
-        json["default"] = numbers->defaultIndex();
-    } else if (auto const* const string = dynamic_cast<ICameraControlString const*>(&control)) {
+    }
+    void operator()(ICameraControlBitMask* mask) const { json["default"] = mask->defaultValue(); }
+    void operator()(ICameraControlStringMenu* menu) const
+    {
+        json["items"] = control.items();
+        json["default"] = menu->defaultIndex();
+    }
+    void operator()(ICameraControlInt64Menu* menu) const { json["default"] = menu->defaultIndex(); }
+    void operator()(ICameraControlString* string) const
+    {
         json["minimumLength"] = string->minLength();
         json["maximumLength"] = string->maxLength();
     }
-}
+    void operator()(void* /*other*/) const {}
 
-template <typename T>
-bool numericValue(ICameraControl const& control, Json& value)
-{
-    auto const* const numeric = dynamic_cast<ICameraControlNumeric<T> const*>(&control);
-    if (numeric != nullptr) {
-        value = numeric->value();
-    }
-    return numeric != nullptr;
-}
+    Session::Control const& control;
+    Json& json;
+};
 
-Json stringValue(ICameraControlString const& control)
+/// Of a menu the item by position and label; -1 for a value that is no item of the list.
+Json valueOf(Session::Control const& control)
 {
-    std::vector<char> buffer(std::size_t(control.stringSize()) + 1);
-    if (!control.getValue(buffer.data(), static_cast<int>(buffer.size() - 1))) {
-        return nullptr;
+    bool const isMenu = control.type() == Session::ControlType::Menu;
+    try {
+        auto const content = control.value().content();
+        Json const value = std::visit([](auto const& plain) { return Json(plain); }, content);
+        return isMenu ? Json{{"position", control.number()},
+                             {"label", value.is_string() ? value : Json()}}
+                      : value;
+    } catch (Session::Error const& error) {
+        if (error.kind() == Session::ErrorKind::Unplugged) {
+            throw;
+        }
+        bool const isReadable = isMenu && !interfaceOf(control).isWriteOnly();
+        return isReadable ? Json{{"position", -1}, {"label", nullptr}} : Json();
     }
-    return std::string(buffer.data());
-}
-
-/// An item by position and label; a value that is no item of the list has position -1.
-Json menuValue(ICameraControlStringMenu const& menu)
-{
-    int const position = menu.currentIndex();
-    Json value = {{"position", position}, {"label", nullptr}};
-    if (position >= 0) {
-        value["label"] = menu.string(position);
-    }
-    return value;
 }
 
 } // namespace
+
+ICameraControl& interfaceOf(Session::Control const& control)
+{
+    return *std::visit([](auto* typed) -> ICameraControl* { return typed; }, control.typed());
+}
 
 char const* familyName(ICameraControl::Family family)
 {
@@ -164,40 +137,18 @@ char const* familyName(ICameraControl::Family family)
     return "unknown";
 }
 
-Json controlValue(ICameraControl const& control)
+Json describeControl(Session::Control const& control)
 {
-    Json value = nullptr;
-    if (control.isWriteOnly() || numericValue<int>(control, value) ||
-        numericValue<long long>(control, value) || numericValue<unsigned char>(control, value) ||
-        numericValue<unsigned short>(control, value) ||
-        numericValue<unsigned int>(control, value)) {
-        return value;
-    }
-    if (auto const* const boolean = dynamic_cast<ICameraControlBoolean const*>(&control)) {
-        value = boolean->value();
-    } else if (auto const* const mask = dynamic_cast<ICameraControlBitMask const*>(&control)) {
-        value = mask->value();
-    } else if (auto const* const menu = dynamic_cast<ICameraControlStringMenu const*>(&control)) {
-        value = menuValue(*menu);
-    } else if (auto const* const numbers = dynamic_cast<ICameraControlInt64Menu const*>(&control)) {
-        value = {{"position", numbers->currentIndex()}, {"label", nullptr}};
-    } else if (auto const* const string = dynamic_cast<ICameraControlString const*>(&control)) {
-        value = stringValue(*string);
-    }
-    return value;
-}
-
-Json describeControl(ICameraControl const& control)
-{
+    ICameraControl const& interface = interfaceOf(control);
     Json json = {{"name", control.name()},
-                 {"shortName", shortName(control.name())},
+                 {"shortName", control.shortName()},
                  {"id", control.id()},
-                 {"type", control.typeString()},
-                 {"family", familyName(control.family())},
-                 {"familyText", control.familyString()},
-                 {"flags", flagsOf(control)}};
-    describeType(control, json);
-    json["value"] = controlValue(control);
+                 {"type", interface.typeString()},
+                 {"family", familyName(interface.family())},
+                 {"familyText", interface.familyString()},
+                 {"flags", flagsOf(interface)}};
+    std::visit(TypeDescription{control, json}, control.typed());
+    json["value"] = valueOf(control);
     return json;
 }
 

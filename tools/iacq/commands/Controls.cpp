@@ -7,21 +7,44 @@
 #include "../TerminalText.h"
 #include "Commands.h"
 
+#include <IBlockingCamera.h>
+#include <ICameraControl.h>
+#include <IDevice.h>
+
 #include <nlohmann/json.hpp>
 
 namespace Iacq
 {
 
+namespace
+{
+
+using namespace ImageAcquisition::Session;
+
+/// That a name is wrong is the user's fault, everything else the camera's.
+Failure failureOf(Error const& error)
+{
+    bool const isName = error.kind() == ErrorKind::NotFound || error.kind() == ErrorKind::Ambiguous;
+    return {isName ? BadUsage : CameraFailed, error.what()};
+}
+
+} // namespace
+
 void get(std::string const& camera, std::vector<std::string> const& names, bool json)
 {
-    auto const opened = openCamera(camera);
+    Camera const opened = openCamera(camera);
     nlohmann::ordered_json described = nlohmann::ordered_json::array();
     std::string text;
-    for (std::string const& name : names) {
-        ImageAcquisition::ICameraControl& control = findControl(opened.interface(), name);
-        control.updateState();
-        described.push_back(describeControl(control));
-        text += printable(control.name()) + ": " + valueText(described.back().at("value")) + "\n";
+    try {
+        for (std::string const& name : names) {
+            Control const control = opened.control(name);
+            interfaceOf(control).updateState();
+            described.push_back(describeControl(control));
+            text +=
+                printable(control.name()) + ": " + valueText(described.back().at("value")) + "\n";
+        }
+    } catch (Error const& error) {
+        throw failureOf(error);
     }
     print(json ? jsonText(described, 2) + "\n" : text);
 }
@@ -33,15 +56,13 @@ void set(std::string const& camera, std::vector<std::string> const& assignments)
 
 void reset(std::string const& camera)
 {
-    auto const opened = openCamera(camera);
-    ImageAcquisition::ICamera& device = opened.interface();
-    if (!device.device()->isaZorvaneDevice()) {
-        throw Failure(CameraFailed, std::string(device.device()->systemName()) +
-                                        " is no camera that can be reset");
+    Camera const opened = openCamera(camera);
+    std::string const node = opened.found().node();
+    if (!opened.found().device().isaZorvaneDevice()) {
+        throw Failure(CameraFailed, node + " is no camera that can be reset");
     }
-    if (!device.softwareReset()) {
-        throw Failure(CameraFailed, std::string(device.device()->systemName()) +
-                                        " was not reset: its USB device cannot be opened");
+    if (!opened.interface().softwareReset()) {
+        throw Failure(CameraFailed, node + " was not reset: its USB device cannot be opened");
     }
 }
 

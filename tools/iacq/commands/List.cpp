@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "../CameraDescription.h"
-#include "../CameraSelection.h"
 #include "../Output.h"
 #include "../TerminalText.h"
 #include "Commands.h"
+
+#include <session/Found.h>
 
 #include <nlohmann/json.hpp>
 
@@ -35,19 +36,23 @@ std::string lineOf(nlohmann::ordered_json const& device)
 
 void list(bool json)
 {
-    CameraList const list = listCameras();
+    using namespace ImageAcquisition::Session;
+    CameraList const list = findCameras();
     nlohmann::ordered_json described = nlohmann::ordered_json::array();
     std::string text;
-    for (auto const& camera : list.cameras) {
-        described.push_back(describeDevice(camera.device(), static_cast<int>(described.size())));
+    for (Found const& camera : list.cameras) {
+        described.push_back(describeDevice(camera));
         text += lineOf(described.back());
     }
     if (json) {
         text = jsonText(described, 2) + "\n";
     }
     print(text.empty() ? "No camera.\n" : text);
-    for (std::string const& node : list.leftOut) {
-        tell("left out: " + node);
+    for (LeftOut const& node : list.leftOut) {
+        // Metadata nodes stand beside every camera; they are none that anybody misses.
+        if (node.why == LeftOut::Why::NoUsbDevice) {
+            tell("left out: " + node.node + " " + node.reason);
+        }
     }
 }
 

@@ -137,14 +137,12 @@ std::string controlText(Json const& control)
 
 void show(std::string const& camera, bool json)
 {
-    auto const selected = selectDevice(camera);
-    auto const opened = openCamera(selected);
-    ImageAcquisition::ICamera const& device = opened.interface();
-    Json description = describeDevice(*device.device(), selected.index());
-    Json const formats = describeFormats(device);
+    auto const opened = openCamera(camera);
+    Json description = describeDevice(opened.found());
+    Json const formats = describeFormats(opened);
     Json controls = Json::array();
-    for (int position = 0; position < device.controlNumber(); ++position) {
-        controls.push_back(describeControl(*device.control(position)));
+    for (auto const& control : opened.controls()) {
+        controls.push_back(describeControl(control));
     }
     if (json) {
         description["current"] = formats.at("current");

@@ -113,11 +113,26 @@ TEST(ControlsRunTest, GetKnowsTheVendorsPrivateControls)
     EXPECT_THAT(run.output, HasSubstr("Light Mode: 0 (Off)"));
 }
 
+TEST(ControlsRunTest, GetTellsNoValueThatCannotBeRead)
+{
+    ScratchFolder const folder;
+    Words const camera = {"--config", folder.write("camera.json", R"({"cameras": [{
+        "node": "/dev/video0", "usb": {"port": "1-1"},
+        "formats": [{"pixelFormat": "YUYV", "sizes": [{"width": 64, "height": 48}]}],
+        "controls": [
+            {"type": "integer", "id": "0x00980900", "name": "A", "maximum": 9, "readError": "EIO"},
+            {"type": "integer", "id": "0x00980901", "name": "B", "maximum": 9}]}]})")};
+    ProgramRun const run = runIacq({"get", "0", "a", "b"}, camera);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.output, "A: -\nB: 0\n");
+}
+
 TEST(ControlsRunTest, GetRefusesAnUnknownName)
 {
     ProgramRun const run = runIacq({"get", "0", "no_such"}, allControls);
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.errors, "iacq: the camera has no control 'no_such'\n");
+    EXPECT_EQ(run.errors, "iacq: find control 'no_such': /dev/video0: the camera has no such "
+                          "control (nearest: boolean, hue, menu)\n");
 }
 
 TEST(ControlsRunTest, ResetWorksOnTheVendorsCamerasOnly)
