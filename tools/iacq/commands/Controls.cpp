@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "../CameraSelection.h"
 #include "../ControlDescription.h"
-#include "../ControlSetting.h"
 #include "../Failure.h"
 #include "../Output.h"
 #include "../TerminalText.h"
@@ -28,6 +27,31 @@ Failure failureOf(Error const& error)
     return {isName ? BadUsage : CameraFailed, error.what()};
 }
 
+bool isControl(Camera const& camera, std::string const& name)
+{
+    try {
+        camera.control(name);
+        return true;
+    } catch (Error const& error) {
+        return error.kind() == ErrorKind::Ambiguous;
+    }
+}
+
+/// Takes "NAME=VALUE" or "NAME" apart. A control's name may itself hold a "=".
+Assignment assignmentOf(Camera const& camera, std::string const& text)
+{
+    auto const first = text.find('=');
+    if (first == std::string::npos || isControl(camera, text)) {
+        return {text};
+    }
+    for (auto equals = first; equals != std::string::npos; equals = text.find('=', equals + 1)) {
+        if (isControl(camera, text.substr(0, equals))) {
+            return {text.substr(0, equals), text.substr(equals + 1)};
+        }
+    }
+    return {text.substr(0, first), text.substr(first + 1)};
+}
+
 } // namespace
 
 void get(std::string const& camera, std::vector<std::string> const& names, bool json)
@@ -51,7 +75,17 @@ void get(std::string const& camera, std::vector<std::string> const& names, bool 
 
 void set(std::string const& camera, std::vector<std::string> const& assignments)
 {
-    applyAll(openCamera(camera).interface(), assignments);
+    Camera const opened = openCamera(camera);
+    std::vector<Assignment> wanted;
+    wanted.reserve(assignments.size());
+    for (std::string const& text : assignments) {
+        wanted.push_back(assignmentOf(opened, text));
+    }
+    try {
+        opened.set(wanted);
+    } catch (Error const& error) {
+        throw failureOf(error);
+    }
 }
 
 void reset(std::string const& camera)

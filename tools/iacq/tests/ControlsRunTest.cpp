@@ -35,7 +35,7 @@ TEST(ControlsRunTest, SetReachesTheDriver)
 {
     ProgramRun run = runIacq({"set", "0", "exposure_time_absolute=200"}, allControls);
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.errors, "iacq: Exposure Time, Absolute was not set: inactive\n");
+    EXPECT_EQ(run.errors, "iacq: set Exposure Time, Absolute to '200': /dev/video0: inactive\n");
     run = runIacq({"set", "0", "Auto Exposure=Manual Mode", "exposure_time_absolute=200"},
                   allControls);
     EXPECT_EQ(run.status, 0) << run.errors;
@@ -51,14 +51,15 @@ TEST(ControlsRunTest, SetSaysThatTheDriverRefused)
                       "maximum": 9, "writeError": "EIO"}]}]})")};
     ProgramRun const run = runIacq({"set", "0", "Gain=High=3"}, camera);
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.errors, "iacq: Gain=High was not set: refused by the driver\n");
+    EXPECT_EQ(run.errors, "iacq: set Gain=High to '3': /dev/video0: refused by the driver: "
+                          "Input/output error\n");
 }
 
 TEST(ControlsRunTest, SetChangesNothingWhenANameIsWrong)
 {
     ProgramRun const run = runIacq({"set", "0", "button", "nonsense=1"}, allControls);
     EXPECT_EQ(run.status, 2);
-    EXPECT_THAT(run.errors, HasSubstr("no control 'nonsense'"));
+    EXPECT_THAT(run.errors, HasSubstr("find control 'nonsense': "));
 }
 
 TEST(ControlsRunTest, SetWritesNothingWhenOneOfSeveralIsRefused)
@@ -72,11 +73,12 @@ TEST(ControlsRunTest, SetWritesNothingWhenOneOfSeveralIsRefused)
             {"type": "integer", "id": "0x00980900", "name": "A", "maximum": 9, "writeError": "EIO"},
             {"type": "integer", "id": "0x00980901", "name": "B", "maximum": 9}]}]})")};
     EXPECT_EQ(runIacq({"set", "0", "a=1", "b=2"}, camera).errors,
-              "iacq: A was not set: refused by the driver\n");
+              "iacq: set A to '1': /dev/video0: refused by the driver: Input/output error\n");
     ProgramRun const run = runIacq({"set", "0", "a=1", "b=999", "c=3"}, camera);
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.errors,
-              "iacq: the camera has no control 'c'; B was not set: 999 is outside 0..9\n");
+              "iacq: set controls: /dev/video0: set B to '999': 999 is outside 0..9; find control "
+              "'c': the camera has no such control (nearest: a, b)\n");
 }
 
 TEST(ControlsRunTest, GetPrintsValuesByNameAndByShortForm)

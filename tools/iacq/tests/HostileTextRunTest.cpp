@@ -60,7 +60,7 @@ TEST(HostileTextRunTest, StayInTheLineOfAnError)
     ScratchFolder const folder;
     Words const camera = hostileCamera(folder);
     EXPECT_EQ(runIacq({"set", "0", "me_nu=2"}, camera).errors,
-              "iacq: Me?nu? was not set: no such item: '2'\n");
+              "iacq: set Me?nu? to '2': /dev/video0: no such item: '2' (it has 'A?9: B', 'C?')\n");
     EXPECT_EQ(runIacq({"show", "x\ny\xc2\x9bz"}, camera).errors,
               "iacq: find camera 'x?y?z': no camera fits (there are /dev/video0 'Evil?1: Fake?2J?' "
               "serial:S?7 port:1-1)\n");

@@ -52,6 +52,6 @@ INSTANTIATE_TEST_SUITE_P(
                     Refused{"string=much too long for it", "its length 20 is outside 2..8", 1},
                     Refused{"bitmask=-1", "no mask", 1}, Refused{"integer", "needs a value", 1},
                     Refused{"button=1", "give its name alone", 1},
-                    Refused{"no_such=1", "the camera has no control 'no_such'", 2}));
+                    Refused{"no_such=1", "find control 'no_such': ", 2}));
 
 } // namespace

@@ -54,10 +54,11 @@ TEST(SerialRunTest, SaysWhyAValueIsRefused)
 {
     ProgramRun run = runIacq({"set", "0", "temperature_c=20"}, serialCamera);
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.errors, HasSubstr("iacq: Temperature (C) was not set: read-only\n"));
+    EXPECT_THAT(run.errors,
+                HasSubstr("iacq: set Temperature (C) to '20': /dev/video0: read-only\n"));
     run = runIacq({"set", "0", "focus_strategy=Guess"}, serialCamera);
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.errors, HasSubstr("no such item: 'Guess'\n"));
+    EXPECT_THAT(run.errors, HasSubstr("no such item: 'Guess' (it has "));
 }
 
 TEST(SerialRunTest, LetsTheCameraBeResetAndCapturedFrom)

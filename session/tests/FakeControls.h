@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "FakeCamera.h"
-
+#include <ICameraControl.h>
 #include <ICameraControlBitMask.h>
 #include <ICameraControlBoolean.h>
 #include <ICameraControlButton.h>
@@ -14,6 +13,40 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+/// A control's state, to be mixed into one of the typed interfaces.
+template <typename Interface>
+class FakeControl : public virtual Interface
+{
+public:
+    using Type = ImageAcquisition::ICameraControl::Type;
+
+    unsigned int id() const override { return 0; }
+    Type type() const override { return Type::Invalid; }
+    ImageAcquisition::ICameraControl::Family family() const override
+    {
+        return ImageAcquisition::ICameraControl::Unknown;
+    }
+    char const* name() const override { return "Fake"; }
+    char const* typeString() const override { return ""; }
+    char const* familyString() const override { return ""; }
+    bool isDisabled() const override { return disabled; }
+    bool isGrabbed() const override { return grabbed; }
+    bool isReadOnly() const override { return readOnly; }
+    bool needsClassUpdate() const override { return false; }
+    bool isInactive() const override { return inactive; }
+    bool bestAsSlider() const override { return false; }
+    bool isWriteOnly() const override { return false; }
+    bool isVolatile() const override { return false; }
+    bool hasPayload() const override { return false; }
+    bool executesOnWrite() const override { return false; }
+    bool updateState() override { return true; }
+
+    bool disabled = false;
+    bool grabbed = false;
+    bool readOnly = false;
+    bool inactive = false;
+};
 
 /// What all that can be written do with a write: note it, and take it unless they refuse.
 template <typename Interface, typename Value>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ControlSetting.h"
+// What is made of a value for each type of control, on controls of any range.
+#include "ControlWriting.h"
 
-#include "Failure.h"
 #include "FakeControls.h"
 
 #include <gmock/gmock.h>
@@ -15,19 +15,14 @@ using namespace ImageAcquisition;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::string outcome(ICameraControl& control, std::optional<std::string> const& value)
+std::string outcome(ICameraControl& control, std::string const& value)
 {
-    try {
-        Iacq::apply({&control, value});
-    } catch (Iacq::Failure const& failure) {
-        EXPECT_EQ(failure.status(), Iacq::CameraFailed);
-        std::string const text = failure.what();
-        return text.substr(text.find(": ") + 2);
-    }
-    return "set";
+    Session::Write const write = Session::writeValue(control, value);
+    Session::Refusal const refusal = write.refusal.empty() ? write.carryOut() : write.refusal;
+    return refusal.empty() ? "set" : refusal;
 }
 
-TEST(ControlSettingTest, SendsTheNumberThatIsMeant)
+TEST(ControlWritingTest, SendsTheNumberThatIsMeant)
 {
     FakeNumber<int> control;
     control.lowest = -100;
@@ -37,14 +32,14 @@ TEST(ControlSettingTest, SendsTheNumberThatIsMeant)
 }
 
 template <typename T>
-class ControlSettingTest : public testing::Test
+class ControlWritingTest : public testing::Test
 {
 };
 
 using Numbers = testing::Types<int, long long, unsigned char, unsigned short, unsigned int>;
-TYPED_TEST_SUITE(ControlSettingTest, Numbers);
+TYPED_TEST_SUITE(ControlWritingTest, Numbers);
 
-TYPED_TEST(ControlSettingTest, ReachesBothEndsAndGoesNoFurther)
+TYPED_TEST(ControlWritingTest, ReachesBothEndsAndGoesNoFurther)
 {
     using Limits = std::numeric_limits<TypeParam>;
     FakeNumber<TypeParam> control;
@@ -59,7 +54,7 @@ TYPED_TEST(ControlSettingTest, ReachesBothEndsAndGoesNoFurther)
     EXPECT_EQ(control.written.size(), 2u);
 }
 
-TEST(ControlSettingTest, DoesNotWrapANumberThatIsTooWide)
+TEST(ControlWritingTest, DoesNotWrapANumberThatIsTooWide)
 {
     FakeNumber<unsigned char> control;
     EXPECT_EQ(outcome(control, "261"), "261 is outside 0..100");
@@ -67,7 +62,7 @@ TEST(ControlSettingTest, DoesNotWrapANumberThatIsTooWide)
     EXPECT_THAT(control.written, IsEmpty());
 }
 
-TEST(ControlSettingTest, SwitchesBooleans)
+TEST(ControlWritingTest, SwitchesBooleans)
 {
     FakeBoolean control;
     EXPECT_EQ(outcome(control, "on"), "set");
@@ -76,7 +71,7 @@ TEST(ControlSettingTest, SwitchesBooleans)
     EXPECT_THAT(control.written, ElementsAre(true, false));
 }
 
-TEST(ControlSettingTest, SetsAllBitsOfAMask)
+TEST(ControlWritingTest, SetsAllBitsOfAMask)
 {
     FakeBitMask control;
     EXPECT_EQ(outcome(control, "0xffffffff"), "set");
@@ -84,15 +79,15 @@ TEST(ControlSettingTest, SetsAllBitsOfAMask)
     EXPECT_THAT(control.written, ElementsAre(0xffffffffu));
 }
 
-TEST(ControlSettingTest, PressesAButtonByItsNameAlone)
+TEST(ControlWritingTest, PressesButtonsAndGivesThemNoValue)
 {
     FakeButton control;
-    EXPECT_EQ(outcome(control, std::nullopt), "set");
+    EXPECT_EQ(Session::press(control).carryOut(), "");
     EXPECT_EQ(outcome(control, "1"), "it is a button: give its name alone");
     EXPECT_EQ(control.written.size(), 1u);
 }
 
-TEST(ControlSettingTest, WritesTextsAsTheyAre)
+TEST(ControlWritingTest, WritesTextsAsTheyAre)
 {
     FakeString control;
     EXPECT_EQ(outcome(control, "a = b"), "set");
@@ -102,7 +97,7 @@ TEST(ControlSettingTest, WritesTextsAsTheyAre)
     EXPECT_EQ(outcome(control, "fits"), "refused by the driver");
 }
 
-TEST(ControlSettingTest, TakesAMenusLabelBeforeItsPosition)
+TEST(ControlWritingTest, TakesAMenusLabelBeforeItsPosition)
 {
     FakeMenu control;
     for (char const* const text : {"On", "on", "OFF", "2", "3"}) {
@@ -114,7 +109,7 @@ TEST(ControlSettingTest, TakesAMenusLabelBeforeItsPosition)
     EXPECT_EQ(control.written.size(), 5u);
 }
 
-TEST(ControlSettingTest, TakesPositionsOfAMenuOfNumbers)
+TEST(ControlWritingTest, TakesPositionsOfAMenuOfNumbers)
 {
     FakeNumberMenu control;
     EXPECT_EQ(outcome(control, "2"), "set");
@@ -124,45 +119,21 @@ TEST(ControlSettingTest, TakesPositionsOfAMenuOfNumbers)
     EXPECT_THAT(control.written, ElementsAre(2, 9));
 }
 
-TEST(ControlSettingTest, SendsNothingToAControlThatCannotBeWritten)
+TEST(ControlWritingTest, IsForbiddenByTheStateWhateverTheValue)
 {
-    struct Case
-    {
-        bool FakeControl<ICameraControlBoolean>::*flag;
-        char const* reason;
-    };
     using Fake = FakeControl<ICameraControlBoolean>;
-    for (auto const& [flag, reason] :
-         {Case{&Fake::readOnly, "read-only"}, Case{&Fake::disabled, "disabled"},
-          Case{&Fake::inactive, "inactive"}, Case{&Fake::grabbed, "grabbed by another program"}}) {
+    for (auto const& [flag, reason] : {std::pair{&Fake::readOnly, "read-only"},
+                                       {&Fake::disabled, "disabled"},
+                                       {&Fake::grabbed, "grabbed by another program"}}) {
         FakeBoolean control;
         control.*flag = true;
-        EXPECT_EQ(outcome(control, "on"), reason);
-        EXPECT_THAT(control.written, IsEmpty());
+        EXPECT_EQ(Session::refusalByState(control), reason);
+        EXPECT_EQ(Session::refusalByNature(control), reason);
     }
-}
-
-TEST(ControlSettingTest, JudgesByTheStateAsItIsNow)
-{
     FakeBoolean control;
     control.inactive = true;
-    control.inactiveByNow = false;
-    EXPECT_EQ(outcome(control, "on"), "set");
-    control.inactiveByNow = true;
-    EXPECT_EQ(outcome(control, "on"), "inactive");
-}
-
-TEST(ControlSettingTest, SaysWhichControlWasNotSet)
-{
-    FakeBoolean control;
-    control.controlName = "Light";
-    control.refusing = true;
-    try {
-        Iacq::apply({&control, "on"});
-        FAIL();
-    } catch (Iacq::Failure const& failure) {
-        EXPECT_STREQ(failure.what(), "Light was not set: refused by the driver");
-    }
+    EXPECT_EQ(Session::refusalByState(control), "inactive");
+    EXPECT_EQ(Session::refusalByNature(control), "");
 }
 
 /// As one behind the serial link, which does not look at the range.
@@ -176,7 +147,7 @@ public:
     bool setValue(int value) override { return write(value); }
 };
 
-TEST(ControlSettingTest, SendsWhatIsOutsideARangeOfOneValue)
+TEST(ControlWritingTest, SendsWhatIsOutsideARangeOfOneValue)
 {
     FakeSerialNumber control;
     EXPECT_EQ(outcome(control, "7"), "set");
