@@ -235,19 +235,6 @@ TEST(StreamTest, IsWalkedOverWithTwoBuffersOnly)
     EXPECT_EQ(count, 10u);
 }
 
-TEST(StreamTest, TellsWhatTheBusHasNoRoomFor)
-{
-    StreamedCamera device;
-    device->fail(VIDIOC_STREAMON, ENOSPC, 1);
-    Camera camera = device.open();
-    auto const error = errorOf([&] { camera.stream(); });
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->kind(), ErrorKind::NoBandwidth);
-    EXPECT_EQ(error->systemError(), ENOSPC);
-    EXPECT_THAT(error->what(), HasSubstr("the bus has no room for YUYV 64x48@30; the link is"));
-    EXPECT_TRUE(camera.stream().next(5s)) << "nothing is held";
-}
-
 TEST(StreamTest, EndsALoopWithTheReason)
 {
     StreamedCamera device(StreamedCamera::onDemand());

@@ -62,8 +62,8 @@ enum class ControlType {
 /// to be pressed.
 struct Assignment
 {
-    std::string name;
-    std::optional<ControlValue> value = {};
+    std::string name;                       ///< As Camera::control() takes it.
+    std::optional<ControlValue> value = {}; ///< Without it a button is pressed.
 };
 
 /// A control's state, asked from the camera.

@@ -25,7 +25,7 @@ std::string firmwareAnswer()
 
 std::string printedRevision(unsigned revision)
 {
-    char text[8];
+    char text[16];
     std::snprintf(text, sizeof text, "%x.%02x", revision >> 8U, revision & 0xffU);
     return text;
 }
