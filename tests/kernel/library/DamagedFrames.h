@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "DriversHabit.h"
 #include "EmulatedCameras.h"
 #include "FramePainter.h"
 #include "LibraryCamera.h"
@@ -10,30 +11,12 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 
 namespace KernelTest
 {
 
 constexpr unsigned wholeFrame = 160 * 120 * 2;
-
-/// The driver throws damaged frames away unless it was told not to when the camera was plugged in.
-class DriversHabit
-{
-public:
-    explicit DriversHabit(bool keepsDamaged) { set(keepsDamaged); }
-    ~DriversHabit() { set(false); }
-    DriversHabit(DriversHabit const&) = delete;
-    DriversHabit& operator=(DriversHabit const&) = delete;
-
-private:
-    static void set(bool keepsDamaged)
-    {
-        std::ofstream("/sys/module/uvcvideo/parameters/nodrop") << (keepsDamaged ? "1" : "0");
-        EXPECT_EQ(readFile("/sys/module/uvcvideo/parameters/nodrop"), keepsDamaged ? "1" : "0");
-    }
-};
 
 /// A camera whose frames 1 and 3 are damaged.
 class DamagedFrames : public testing::Test
