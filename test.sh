@@ -107,7 +107,7 @@ else
     build_and_test tsan
     say "kernel: test"
     tests/kernel/fetch-kernel build/kernel
-    tests/kernel/run --build build/release --jobs "$((jobs < 4 ? jobs + 1 : 4))" 2>&1 | tee build/kernel-tests.log || true
+    tests/kernel/run --build build/release --jobs "$((jobs < 4 ? jobs : 4))" 2>&1 | tee build/kernel-tests.log || true
     count "$(cat build/kernel-tests.log)"
 fi
 

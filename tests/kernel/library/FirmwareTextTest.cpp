@@ -50,7 +50,9 @@ TEST(FirmwareTextTest, IsWhatTheCameraSendsUpToAZeroWhenItIsFourBytesOrMore)
     std::string const first = cameras.videoNode(1);
     for (auto camera = static_cast<unsigned>(replies.size()); camera > 0; --camera) {
         Reply const& reply = replies[camera - 1];
-        EXPECT_EQ(describe(first)->firmwareVersion(), reply.text) << reply.bytes;
+        auto const record = describe(first);
+        ASSERT_NE(record, nullptr) << reply.bytes;
+        EXPECT_EQ(record->firmwareVersion(), reply.text) << reply.bytes;
         cameras.command("unplug", camera);
         ASSERT_TRUE(cameras.waitUntilGone(camera));
     }

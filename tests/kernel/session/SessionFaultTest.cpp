@@ -24,8 +24,9 @@ unsigned takenFrom(ia::Stream& stream)
 class SessionFaultTest : public testing::Test
 {
 protected:
-    explicit SessionFaultTest(std::vector<std::string> const& commands = {})
-        : m_device({"ordinary"}, commands)
+    explicit SessionFaultTest(bool driverKeepsDamaged = false,
+                              std::vector<std::string> const& commands = {})
+        : m_habit(driverKeepsDamaged), m_device({"ordinary"}, commands)
     {
     }
 
@@ -35,6 +36,7 @@ protected:
         return m_camera.stream(unhurried());
     }
 
+    DriversHabit const m_habit; ///< From before the camera is plugged in.
     EmulatedCameras const m_device;
     ia::Camera m_camera = openEmulated(m_device);
 };
@@ -42,10 +44,9 @@ protected:
 class SessionKeptFrameTest : public SessionFaultTest
 {
 protected:
-    SessionKeptFrameTest() : SessionFaultTest({"1 corrupt 1", "1 cut 3 10000", "1 hold 10"}) {}
-
-private:
-    DriversHabit const m_habit{true};
+    SessionKeptFrameTest() : SessionFaultTest(true, {"1 corrupt 1", "1 cut 3 10000", "1 hold 10"})
+    {
+    }
 };
 
 TEST_F(SessionFaultTest, OfFramesThatTheDriverDropsIsALoss)
@@ -82,18 +83,6 @@ TEST_F(SessionFaultTest, OfAControlIsToldAndLeavesItAsItWas)
     EXPECT_EQ(brightness.number(), before);
     brightness.set(before + 1);
     EXPECT_EQ(brightness.number(), before + 1);
-}
-
-TEST_F(SessionFaultTest, OfTheNegotiationIsToldBeforeTheStream)
-{
-    m_camera.select("YUYV 160x120@30");
-    m_device.command("stall any any any");
-    auto const refused = errorOf([&] { m_camera.select("YUYV 320x240@30"); });
-    auto const notBegun = errorOf([&] { m_camera.stream(); });
-    EXPECT_TRUE(refused || notBegun);
-    m_device.command("clear");
-    m_camera.select("YUYV 320x240@30");
-    EXPECT_TRUE(m_camera.stream().next(20s));
 }
 
 TEST_F(SessionFaultTest, InPlaceOfAControlsAnswerIsUnplugging)
