@@ -3,25 +3,16 @@
 
 #include "session/Error.h"
 
-#include <IBlockingCamera.h>
-#include <ICameraControl.h>
-
 namespace ImageAcquisition::Session
 {
 
 namespace
 {
 
-using Getter = ICameraControl* (ICamera::*)() const;
-
-constexpr Getter automatics[] = {&ICamera::autoContrastBrightnessControl,
-                                 &ICamera::autoExposureControl,
-                                 &ICamera::autoFocusControl,
-                                 &ICamera::autoGammaControl,
-                                 &ICamera::autoHueControl,
-                                 &ICamera::autoSaturationControl,
-                                 &ICamera::autoSharpnessControl,
-                                 &ICamera::autoWhiteBalanceControl};
+/// What each camera has them for, whatever their names.
+constexpr char const* automatics[] = {
+    "auto_contrast_brightness", "auto_exposure",  "auto_focus",        "auto_gamma", "auto_hue",
+    "auto_saturation",          "auto_sharpness", "auto_white_balance"};
 
 /// Whether the driver says that setting it may change others; of a silent one, that is not known.
 bool changesOthers(Control const& control)
@@ -40,11 +31,11 @@ bool changesOthers(Control const& control)
 
 ProfileOrder::ProfileOrder(Camera const& camera)
 {
-    ICamera const& interface = camera.interface();
-    for (Getter const getter : automatics) {
-        ICameraControl const* const control = (interface.*getter)();
-        if (control != interface.invalidControl()) {
-            m_automatics.insert(control->name());
+    for (char const* const purpose : automatics) {
+        try {
+            m_automatics.insert(camera.control(purpose).name());
+        } catch (Error const&) {
+            // The camera has none.
         }
     }
 }
