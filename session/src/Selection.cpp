@@ -4,7 +4,6 @@
 #include "Parsing.h"
 #include "session/Error.h"
 
-#include <cstdio>
 #include <limits>
 #include <numeric>
 #include <sstream>
@@ -48,11 +47,14 @@ std::string lowerX(std::string text)
 
 std::string FrameRate::text() const
 {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.3f", perSecond());
-    std::string const digits = text;
-    auto const last = digits.find_last_not_of('0');
-    return digits.substr(0, digits[last] == '.' ? last : last + 1);
+    // By whole numbers, for a program's locale may have another sign than a point.
+    unsigned long long const thousandths = (2000ULL * frames / seconds + 1) / 2;
+    std::string text = std::to_string(thousandths / 1000);
+    if (thousandths % 1000 != 0) {
+        std::string const digits = std::to_string(1000 + thousandths % 1000).substr(1);
+        text += "." + digits.substr(0, digits.find_last_not_of('0') + 1);
+    }
+    return text;
 }
 
 bool operator==(FrameRate a, FrameRate b) noexcept
