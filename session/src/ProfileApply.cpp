@@ -2,6 +2,7 @@
 #include "Names.h"
 #include "Parsing.h"
 #include "ProfileOrder.h"
+#include "SelectionSearch.h"
 
 #include "session/Camera.h"
 #include "session/Error.h"
@@ -215,10 +216,10 @@ std::string differenceOf(Selection const& wanted, Selection const& actual)
     auto const add = [&parts](bool differs, char const* name) {
         parts += differs ? (parts.empty() ? "" : ", ") + std::string(name) : "";
     };
-    add(!wanted.format.empty() && wanted.format != actual.format, "the format");
+    add(!wanted.format.empty() && !isSameFormat(wanted.format, actual.format), "the format");
     add(wanted.width != 0 && (wanted.width != actual.width || wanted.height != actual.height),
         "the size");
-    add(wanted.rate.isSaid() && wanted.rate != actual.rate, "the rate");
+    add(wanted.rate.isSaid() && !isSameRate(wanted.rate, actual.rate), "the rate");
     return parts.empty() ? parts : parts + " differs";
 }
 

@@ -2,6 +2,8 @@
 #include "session/Error.h"
 #include "session/Profile.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -16,8 +18,8 @@ namespace ImageAcquisition::Session
 namespace
 {
 
-/// No camera has so many controls; a device that never ends does.
-constexpr std::size_t mostBytes = std::size_t{16} << 20;
+/// More than a profile may have, for a device that never ends.
+constexpr std::size_t mostBytes = std::size_t{1} << 20;
 
 [[noreturn]] void failWithFile(std::string const& operation)
 {
@@ -26,6 +28,38 @@ constexpr std::size_t mostBytes = std::size_t{16} << 20;
                            : error == EACCES || error == EPERM ? ErrorKind::NoPermission
                                                                : ErrorKind::Refused;
     throw Error({kind, operation, toText(kind), {}, error});
+}
+
+void write(std::string const& operation, std::ofstream file, std::string const& text)
+{
+    if (!file.is_open() || !(file << text) || !file.flush()) {
+        failWithFile(operation);
+    }
+}
+
+/// Makes a new file, with the rights of the one whose place it is to take, if that is there.
+/// @return its path.
+std::string makeBeside(std::string const& file, std::string const& operation)
+{
+    struct stat there
+    {
+    };
+    bool const isThere = stat(file.c_str(), &there) == 0;
+    std::string const start = file + "." + std::to_string(getpid()) + ".";
+    for (int number = 0;; ++number) {
+        std::string path = start + std::to_string(number);
+        int const descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (descriptor != -1) {
+            if (isThere) {
+                fchmod(descriptor, there.st_mode & 0777U);
+            }
+            close(descriptor);
+            return path;
+        }
+        if (errno != EEXIST) {
+            failWithFile(operation);
+        }
+    }
 }
 
 } // namespace
@@ -40,10 +74,7 @@ Profile Profile::load(std::string const& path)
         file.read(part, sizeof part);
         text.append(part, static_cast<std::size_t>(file.gcount()));
     }
-    if (text.size() > mostBytes) {
-        throw Error({ErrorKind::BadRequest, operation, "too large for a profile"});
-    }
-    if (!file.eof()) {
+    if (!file.eof() && text.size() <= mostBytes) {
         failWithFile(operation);
     }
     return fromJson(text);
@@ -51,24 +82,27 @@ Profile Profile::load(std::string const& path)
 
 void Profile::save(std::string const& path) const
 {
-    // Beside the file, for a full disk must not cost the profile that was there. What is no file, such
-    // as /dev/stdout, is not replaced by one.
-    std::error_code ignored;
-    bool const isReplaced = !std::filesystem::is_other(path, ignored);
-    std::string const written = isReplaced ? path + ".new" : path;
-    std::string const text = json();
-    errno = 0;
-    std::ofstream file(written, std::ios::binary | std::ios::trunc);
-    bool const isWritten = file.is_open() && file << text && file.flush();
-    if (isWritten && (!isReplaced || std::rename(written.c_str(), path.c_str()) == 0)) {
+    std::string const operation = "save " + path;
+    std::error_code error;
+    // What is no file, such as /dev/stdout, is not replaced by one.
+    if (std::filesystem::is_other(path, error)) {
+        write(operation, std::ofstream(path), json());
         return;
     }
-    int const error = errno;
-    if (isReplaced && file.is_open()) {
-        unlink(written.c_str());
+    std::string const file = std::filesystem::is_symlink(path, error)
+                                 ? std::filesystem::weakly_canonical(path, error).string()
+                                 : path;
+    // Beside the file, for a full disk must not cost the profile that was there.
+    std::string const beside = makeBeside(file, operation);
+    try {
+        write(operation, std::ofstream(beside), json());
+        if (std::rename(beside.c_str(), file.c_str()) != 0) {
+            failWithFile(operation);
+        }
+    } catch (...) {
+        unlink(beside.c_str());
+        throw;
     }
-    errno = error;
-    failWithFile("save " + path);
 }
 
 } // namespace ImageAcquisition::Session

@@ -19,6 +19,9 @@ using Json = nlohmann::ordered_json;
 
 constexpr int version = 1;
 
+/// No camera has so many controls; and each name is looked for among all others.
+constexpr std::size_t mostBytes = std::size_t{128} << 10;
+
 [[noreturn]] void failAt(std::string const& place, std::string const& reason)
 {
     throw Error({ErrorKind::BadRequest, "read the profile", place + ": " + reason});
@@ -26,6 +29,9 @@ constexpr int version = 1;
 
 Json parse(std::string const& text)
 {
+    if (text.size() > mostBytes) {
+        throw Error({ErrorKind::BadRequest, "read the profile", "too large for a profile"});
+    }
     try {
         return Json::parse(text);
     } catch (Json::exception const& error) {

@@ -68,14 +68,6 @@ unsigned int nearestLength(LengthRange const& range, unsigned int wanted)
     return upward ? below + range.step : below;
 }
 
-/// The rates of television are a thousandth below whole numbers (30000/1001, written 29.97), and
-/// half of that tells them apart from those; others are written with two digits (8.33).
-bool isSameRate(FrameRate a, FrameRate b)
-{
-    double const wanted = b.perSecond();
-    return std::abs(a.perSecond() - wanted) < std::max(0.005, wanted / 2002);
-}
-
 std::string sizeText(SizeOffer const& size)
 {
     std::string const least =
@@ -151,7 +143,7 @@ private:
         std::vector<Position> positions;
         for (Position i = 0; i < m_offers.size(); ++i) {
             std::string const& name = m_offers[i].format;
-            if (!m_wish.format.empty() && isFormat(name)) {
+            if (!m_wish.format.empty() && isSameFormat(m_wish.format, name)) {
                 return {i};
             }
             offered.add(name);
@@ -162,13 +154,6 @@ private:
                              offered.text());
         }
         return positions;
-    }
-
-    /// Codes of three letters end in a space, which a text need not have.
-    bool isFormat(std::string const& name) const
-    {
-        return equalIgnoringCase(name.substr(0, name.find(' ')), m_wish.format) ||
-               equalIgnoringCase(name, m_wish.format);
     }
 
     std::vector<Position> sizes(FormatOffer const& format) const
@@ -367,6 +352,20 @@ bool differs(Selection const& actual, Selection const& wish, Choice const& choic
 }
 
 } // namespace
+
+// The rates of television are a thousandth below whole numbers (30000/1001, written 29.97), and
+// half of that tells them apart from those; others are written with two digits (8.33).
+bool isSameRate(FrameRate a, FrameRate b)
+{
+    double const wanted = b.perSecond();
+    return std::abs(a.perSecond() - wanted) < std::max(0.005, wanted / 2002);
+}
+
+bool isSameFormat(std::string const& written, std::string const& format)
+{
+    return equalIgnoringCase(format.substr(0, format.find(' ')), written) ||
+           equalIgnoringCase(format, written);
+}
 
 std::vector<FormatOffer> offersOf(Connection const& connection)
 {

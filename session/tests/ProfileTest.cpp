@@ -318,6 +318,9 @@ TEST(ProfileTest, KeepsARateAsTheFractionThatItIs)
     opened.camera.select("@29.97");
     Profile const profile = Profile::fromJson(Profile::take(opened.camera).json());
     EXPECT_EQ(profile.selection().rate, (FrameRate{30000, 1001}));
+    std::string const byHand =
+        R"({"version": 1, "selection": {"format": "yuyv", "rate": "29.97"}})";
+    EXPECT_EQ(Profile::fromJson(byHand).compare(opened.camera).selectionReason, "");
     opened.camera.select("@30");
     EXPECT_EQ(profile.compare(opened.camera).selectionReason, "the rate differs");
     EXPECT_TRUE(profile.apply(opened.camera).isMet());
