@@ -17,6 +17,7 @@
 #include <cstring>
 #include <iterator>
 #include <map>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -27,6 +28,8 @@ namespace
 {
 
 using std::chrono::milliseconds;
+
+constexpr char operation[] = "watch for cameras";
 
 Event::Action actionOf(char const* word)
 {
@@ -71,7 +74,7 @@ private:
     bool waitFor(Deadline const& end) const;
     std::optional<Event> receive();
     std::optional<Event> judge(Event::Action action, unsigned int number);
-    std::optional<Event> appeared(unsigned int number);
+    std::optional<Event> appeared(unsigned int number, Event::Action action);
 
     ForkGuard const m_process; ///< In a child, thread and events are the parent's.
     UdevContext m_udev;
@@ -99,7 +102,7 @@ Events::Watch::Watch()
         watched = watched && epoll_ctl(m_either.number(), EPOLL_CTL_ADD, source, &interest) == 0;
     }
     if (!watched) {
-        throw Error({ErrorKind::Refused, "watch for cameras", "udev cannot be reached", "", errno});
+        throw Error({ErrorKind::Refused, operation, "udev cannot be reached", "", errno});
     }
     // Looked at after receiving began, so that none is missed in between.
     for (Found const& camera : findCameras().cameras) {
@@ -148,19 +151,27 @@ std::optional<Event> Events::Watch::receive()
 std::optional<Event> Events::Watch::judge(Event::Action action, unsigned int number)
 {
     auto const known = m_known.find(number);
+    bool const isGone = action == Event::Action::Removed;
     if (known == m_known.end()) {
         // One that could not be opened at first may have got its rights by a later change.
-        return action == Event::Action::Removed ? std::nullopt : appeared(number);
+        return isGone ? std::nullopt : appeared(number, Event::Action::Added);
     }
+    // What appeared while the machine was looked at is known already; another one may stand at its
+    // node, when events were lost, or it at another port.
     Found const camera = known->second;
-    if (action == Event::Action::Removed) {
+    if (action == Event::Action::Added || action == Event::Action::Moved) {
+        auto event = appeared(number, action);
+        bool const isNews = action == Event::Action::Moved ||
+                            (event && event->camera.description() != camera.description());
+        return isNews ? event : std::nullopt;
+    }
+    if (isGone) {
         m_known.erase(known);
     }
-    // What appeared while the machine was looked at is known already.
-    return action == Event::Action::Added ? std::nullopt : std::optional<Event>({action, camera});
+    return Event{action, camera};
 }
 
-std::optional<Event> Events::Watch::appeared(unsigned int number)
+std::optional<Event> Events::Watch::appeared(unsigned int number, Event::Action action)
 {
     auto const behind = std::distance(m_known.begin(), m_known.lower_bound(number));
     auto const described =
@@ -169,18 +180,23 @@ std::optional<Event> Events::Watch::appeared(unsigned int number)
     if (camera == nullptr) {
         return std::nullopt;
     }
-    m_known.emplace(number, *camera);
-    return Event{Event::Action::Added, *camera};
+    m_known.insert_or_assign(number, *camera);
+    return Event{action, *camera};
 }
 
 void Events::Watch::callBack(std::shared_ptr<Watch> const& self, Callback callback)
 {
     BlockedSignals const blocked;
-    m_thread = std::thread([self, callback = std::move(callback)] {
-        while (auto const event = self->next(milliseconds(-1))) {
-            callback(*event);
-        }
-    });
+    try {
+        m_thread = std::thread([self, callback = std::move(callback)] {
+            while (auto const event = self->next(milliseconds(-1))) {
+                callback(*event);
+            }
+        });
+    } catch (std::system_error const& error) {
+        throw Error({ErrorKind::Refused, operation, "there is no thread to be had", "",
+                     error.code().value()});
+    }
 }
 
 void Events::Watch::join()

@@ -78,6 +78,14 @@ TEST_F(EventsTest, TellOfChanges)
     EXPECT_EQ(textOf(events.next(5s)), "other serial:S0");
 }
 
+TEST_F(EventsTest, PassOverACameraThatIsKnown)
+{
+    plug(0, "1-1", "S0");
+    Events events;
+    m_machine.testbed.sendEvent("video0", "add");
+    EXPECT_EQ(textOf(events.next(100ms)), "nothing") << "it is known";
+}
+
 TEST_F(EventsTest, PassOverWhatIsNoCamera)
 {
     Events events;
