@@ -208,7 +208,9 @@ bool Control::mayActivateOthers() const
 {
     ControlType const type = this->type();
     return type == ControlType::Switch || type == ControlType::Menu ||
-           m_control->needsClassUpdate();
+           locked([](ICameraControl& control, Connection const&) {
+               return control.needsClassUpdate();
+           });
 }
 
 long long Control::minimum() const

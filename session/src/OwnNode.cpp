@@ -35,8 +35,10 @@ std::optional<SizeOffer> OwnNode::sizeRange(std::string const& format)
         return std::nullopt;
     }
     v4l2_frmsize_stepwise const& range = size.stepwise;
-    return SizeOffer{{range.min_width, range.max_width, std::max(range.step_width, 1U)},
-                     {range.min_height, range.max_height, std::max(range.step_height, 1U)},
+    return SizeOffer{{range.min_width, std::max(range.min_width, range.max_width),
+                      std::max(range.step_width, 1U)},
+                     {range.min_height, std::max(range.min_height, range.max_height),
+                      std::max(range.step_height, 1U)},
                      {},
                      false};
 }

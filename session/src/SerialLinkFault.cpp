@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <sstream>
+#include <system_error>
 
 namespace ImageAcquisition::Session
 {
@@ -65,7 +66,8 @@ std::string serialLinkFault(std::istream& kernelLog, std::string const& busInfo,
     std::string const path = devDirectory + "/" + port;
     // By now the reset may have taken the port away.
     if (access(path.c_str(), R_OK | W_OK) != 0 && errno != ENOENT) {
-        return "its serial port " + path + " cannot be opened: " + std::strerror(errno);
+        return "its serial port " + path +
+               " cannot be opened: " + std::generic_category().message(errno);
     }
     return "its serial port " + path + " is gone or in use, or the camera does not answer there";
 }

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <vector>
@@ -44,15 +45,19 @@ bool isSame(struct stat const& a, struct stat const& b)
                                                     : a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-bool holds(std::string const& process, struct stat const& node)
+bool holds(std::string const& process, struct stat const& node, std::string const& name)
 {
     std::string const descriptors = "/proc/" + process + "/fd/";
     std::vector<std::string> const entries = entriesOf(descriptors);
     return std::any_of(entries.begin(), entries.end(), [&](std::string const& entry) {
+        // Others are not even asked for: they may lie on a disk that does not answer.
+        std::filesystem::path const descriptor = descriptors + entry;
+        std::error_code error;
+        bool const isDevice = std::filesystem::read_symlink(descriptor, error).filename() == name;
         struct stat target
         {
         };
-        return stat((descriptors + entry).c_str(), &target) == 0 && isSame(target, node);
+        return isDevice && stat(descriptor.c_str(), &target) == 0 && isSame(target, node);
     });
 }
 
@@ -66,7 +71,7 @@ std::string commandOf(std::string const& process)
 
 std::string groupName(gid_t group)
 {
-    std::vector<char> buffer(4096);
+    std::vector<char> buffer(1U << 16);
     struct group entry
     {
     };
@@ -165,12 +170,13 @@ std::string holdersOf(std::string const& node)
     {
     };
     std::string holders;
+    std::string const name = std::filesystem::path(node).filename();
     if (stat(node.c_str(), &file) != 0) {
         return holders;
     }
     for (std::string const& process : entriesOf("/proc")) {
         bool const isProcess = process.find_first_not_of("0123456789") == std::string::npos;
-        if (isProcess && holds(process, file)) {
+        if (isProcess && holds(process, file, name)) {
             holders += (holders.empty() ? "held by " : ", ") + process + " (" +
                        (process == std::to_string(getpid()) ? "this program" : commandOf(process)) +
                        ")";
