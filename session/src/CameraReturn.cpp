@@ -14,6 +14,8 @@ namespace
 {
 
 constexpr int msBetweenAttempts = 500;
+/// After an event: the camera may get its node, or one's right to it, a moment later.
+constexpr int mostAttempts = 10;
 
 int shorter(int a, int b)
 {
@@ -38,13 +40,20 @@ bool CameraReturn::await(Signal const& end, Deadline const& patience)
                                   pollfd{m_events ? m_events->descriptor() : -1, POLLIN, 0}};
     poll(entries.data(), entries.size(), shorter(m_pause, left));
     if (entries[1].revents != 0) {
-        m_events->next(std::chrono::milliseconds(0));
+        m_attempts = mostAttempts;
+        auto const event = m_events->next(std::chrono::milliseconds(0));
+        bool const isOurs = event && event->action != Event::Action::Removed &&
+                            event->camera.text() == m_lost.text();
+        m_candidate = isOurs ? std::optional(event->camera) : std::nullopt;
     }
     return entries[0].revents == 0 && left != 0;
 }
 
-std::shared_ptr<Connection> CameraReturn::open() const
+std::shared_ptr<Connection> CameraReturn::open()
 {
+    if (m_candidate) {
+        return Connection::open(*std::exchange(m_candidate, std::nullopt));
+    }
     try {
         return Connection::open(findCamera(m_lost.text()));
     } catch (Error const& error) {
@@ -57,7 +66,8 @@ std::shared_ptr<Connection> CameraReturn::open() const
 
 void CameraReturn::refused(Error const& error)
 {
-    bool const isAway = error.kind() == ErrorKind::NotFound && m_events;
+    m_attempts -= m_attempts > 0 ? 1 : 0;
+    bool const isAway = error.kind() == ErrorKind::NotFound && m_events && m_attempts == 0;
     m_pause = isAway ? -1 : msBetweenAttempts;
 }
 

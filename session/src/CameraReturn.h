@@ -27,15 +27,17 @@ public:
     bool await(Signal const& end, Deadline const& patience);
 
     /// @throws Error when the camera is not there, or cannot be opened.
-    std::shared_ptr<Connection> open() const;
+    std::shared_ptr<Connection> open();
 
     /// What was made of the open camera failed.
     void refused(Error const& error);
 
 private:
     Found const m_lost;
-    std::optional<Events> m_events; ///< None where udev cannot be reached: then time has to do.
-    int m_pause = 0;                ///< Milliseconds; -1: until something is plugged in.
+    std::optional<Events> m_events;   ///< None where udev cannot be reached: then time has to do.
+    std::optional<Found> m_candidate; ///< The camera, as an event told of it.
+    int m_attempts = 0;               ///< That are worth it, without another event.
+    int m_pause = 0;                  ///< Milliseconds; -1: until something is plugged in.
 };
 
 } // namespace ImageAcquisition::Session

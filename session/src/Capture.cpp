@@ -38,14 +38,9 @@ Capture::Capture(std::shared_ptr<OpenCamera> camera, StreamOptions options)
     : m_camera(std::move(camera)), m_options(std::move(options)), m_outOfMemory(outOfMemory()),
       m_queue(roomFor(m_options.buffers))
 {
-    std::shared_ptr<Capture> const other = m_camera->capture();
-    if (other && !other->hasEnded()) {
-        throw Error({ErrorKind::Busy, operation, "the camera is streaming already", node()});
-    }
-    if (other) {
-        other->awaitRelease();
-    }
+    awaitEarlier();
     if (m_options.stayOn) {
+        m_camera->forgetSetControls();
         m_settings = Profile::take(Camera(m_camera));
     }
     begin(std::make_shared<Transfer>(m_camera, m_camera->connection(), m_options.buffers));
@@ -194,11 +189,25 @@ void Capture::begin(std::shared_ptr<Transfer> transfer)
     setTransfer(std::move(transfer));
 }
 
+thread_local Capture const* Capture::ofThisThread = nullptr;
+
+void Capture::awaitEarlier() const
+{
+    // Who is told of a stream's end on its own thread may start another. This thread must not come
+    // to be the last that holds the stream: it could not wait for itself.
+    bool const isItsOwn = ofThisThread != nullptr && ofThisThread->m_camera == m_camera;
+    std::shared_ptr<Capture> const held = isItsOwn ? nullptr : m_camera->capture();
+    Capture const* const other = isItsOwn ? ofThisThread : held.get();
+    if (other != nullptr && (other->m_process.isForked() || !other->hasEnded())) {
+        throw Error({ErrorKind::Busy, operation, "the camera is streaming already", node()});
+    }
+    if (held) {
+        held->awaitRelease();
+    }
+}
+
 void Capture::awaitRelease()
 {
-    if (m_process.isForked() || pthread_equal(pthread_self(), m_thread) != 0) {
-        return;
-    }
     std::unique_lock<std::mutex> lock(m_transferMutex);
     m_released.wait(lock, [this] { return m_isReleased; });
 }

@@ -51,11 +51,17 @@ public:
     int descriptor() const noexcept { return m_ready.descriptor(); }
     StreamOptions const& options() const noexcept { return m_options; }
 
-    /// Returns when the thread has let go of the camera, which it does soon after the end; at once
-    /// on that thread itself.
+    /// Returns when the thread has let go of the camera, which it does soon after the end. Not for
+    /// that thread itself.
     void awaitRelease();
 
-    bool hasEnded() const noexcept { return !isAlive(m_state.load(std::memory_order_relaxed)); }
+    /// In a child that was forked it has, for the thread is the parent's.
+    bool hasEnded() const noexcept
+    {
+        return m_process.isForked() || !isAlive(m_state.load(std::memory_order_relaxed));
+    }
+    /// How often the camera came back.
+    unsigned returns() const noexcept { return m_returns.load(std::memory_order_relaxed); }
     std::string node() const { return m_camera->connection()->node(); }
 
     /// When waitAny() chose it last, as a number that grows.
@@ -69,7 +75,11 @@ private:
     using Clock = std::chrono::steady_clock;
 
     static bool isAlive(StreamState state) noexcept { return state <= StreamState::Away; }
+    /// The stream whose thread this is, if it is one's.
+    static thread_local Capture const* ofThisThread;
+
     static void* runThread(void* capture);
+    void awaitEarlier() const;
 
     // The client's side.
     bool take(Frame& frame);
@@ -101,11 +111,12 @@ private:
     std::shared_ptr<OpenCamera> const m_camera;
     StreamOptions const m_options;
     std::optional<Profile> m_settings; ///< Of a stream that stays on.
-    Signal m_ready;                     ///< There are frames, or the stream has ended.
+    Signal m_ready;                    ///< There are frames, or the stream has ended.
     Signal m_ended;
     Error const m_outOfMemory;
     pthread_t m_thread{};
     std::atomic<unsigned long long> m_turn{0};
+    std::atomic<unsigned> m_returns{0};
 
     mutable std::mutex m_mutex; ///< Of all that follows, but not of the transfer.
     FrameQueue m_queue;

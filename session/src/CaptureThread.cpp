@@ -37,6 +37,7 @@ bool isNoFailure(int error)
 
 void* Capture::runThread(void* capture)
 {
+    ofThisThread = static_cast<Capture*>(capture);
     static_cast<Capture*>(capture)->run();
     return nullptr;
 }
@@ -201,6 +202,7 @@ bool Capture::startAgain(CameraReturn& camera)
     }
     std::lock_guard<std::mutex> const lock(m_mutex);
     m_measure.cameBack();
+    m_returns.fetch_add(1, std::memory_order_relaxed);
     if (!hasEnded()) {
         m_state.store(StreamState::Running, std::memory_order_relaxed);
     }

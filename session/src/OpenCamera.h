@@ -54,6 +54,11 @@ public:
     {
         m_setControls.insert_or_assign(name, value);
     }
+    void forgetSetControls()
+    {
+        std::lock_guard<std::mutex> const lock(m_calls);
+        m_setControls.clear();
+    }
     /// What the controls were last set to that were set at all, by their names.
     std::map<std::string, ControlValue> setControls() const
     {

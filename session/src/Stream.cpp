@@ -72,10 +72,12 @@ Stream::Iterator& Stream::Iterator::operator++()
     Capture& capture = *m_stream->m_capture;
     // First, for the driver may have no buffer besides this one.
     m_frame.release();
+    unsigned returns = 0;
     do {
+        returns = capture.returns();
         m_frame = capture.next(capture.options().timeout);
-        // A stream that stays on has its own patience.
-    } while (!m_frame && capture.state() == StreamState::Away);
+        // A stream that stays on has its own patience, and begins anew when the camera is back.
+    } while (!m_frame && (capture.state() == StreamState::Away || capture.returns() != returns));
     if (m_frame) {
         return *this;
     }

@@ -72,9 +72,21 @@ void Transfer::begin(int buffers)
     }
 }
 
+std::string Transfer::needed() const
+{
+    Selection const& selection = m_layout.selection;
+    unsigned long long const bytes = m_pictureSize * selection.rate.frames;
+    if (bytes == 0) {
+        return selection.text();
+    }
+    unsigned long long const tenths = bytes / selection.rate.seconds / 100'000;
+    return selection.text() + ", " + std::to_string(tenths / 10) + "." +
+           std::to_string(tenths % 10) + " MB a second";
+}
+
 void Transfer::fail(char const* reason, int error)
 {
-    throw streamingFailure(operation, found(), error, m_layout.selection.text(), reason);
+    throw streamingFailure(operation, found(), error, needed(), reason);
 }
 
 Transfer::~Transfer()

@@ -63,12 +63,14 @@ public:
             return nullptr;
         }
         m_lent.fetch_add(1, std::memory_order_relaxed);
+        m_refusal.store(0, std::memory_order_relaxed);
         return frame;
     }
     void release(IFrame& frame) noexcept;
     /// Frames that are out of the driver's hands.
     int lent() const noexcept { return m_lent.load(std::memory_order_relaxed); }
-    /// `errno` of the last frame that the driver did not take back; 0 when it took all.
+    /// `errno` of the last frame that the driver did not take back since one came; 0 when it took
+    /// all.
     int refusal() const noexcept { return m_refusal.load(std::memory_order_relaxed); }
 
     /// Ends streaming, and an acquire() that waits. Frames stay good.
@@ -77,6 +79,8 @@ public:
 
 private:
     void begin(int buffers);
+    /// What the stream would take, in words.
+    std::string needed() const;
     [[noreturn]] void fail(char const* reason, int error);
 
     ForkGuard const m_process;

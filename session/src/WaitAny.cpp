@@ -5,6 +5,7 @@
 
 #include <poll.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 
@@ -37,13 +38,16 @@ std::optional<std::size_t> waitAny(std::vector<Stream*> const& streams,
     }
     Deadline const deadline(timeout);
     std::vector<pollfd>& entries = entriesFor(streams);
+    // Of a stream that has ended, the descriptor may be the parent process's.
+    auto const hasEnded = [](Stream const* stream) { return stream->m_capture->hasEnded(); };
+    bool const mustWait = std::none_of(streams.begin(), streams.end(), hasEnded);
     int ready = 0;
     do {
-        ready = poll(entries.data(), entries.size(), deadline.left());
+        ready = poll(entries.data(), entries.size(), mustWait ? deadline.left() : 0);
     } while (ready == -1 && errno == EINTR);
     std::optional<std::size_t> chosen;
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        bool const isReady = ready > 0 && entries[i].revents != 0;
+        bool const isReady = hasEnded(streams[i]) || (ready > 0 && entries[i].revents != 0);
         bool const isNext =
             !chosen || streams[i]->m_capture->turn() < streams[*chosen]->m_capture->turn();
         if (isReady && isNext) {

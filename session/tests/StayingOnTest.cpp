@@ -3,12 +3,15 @@
 #include "ErrorOf.h"
 #include "StreamedCamera.h"
 #include "ThreadCount.h"
+#include "session/Profile.h"
 
 #include <gmock/gmock.h>
 #include <linux/videodev2.h>
 
+#include <atomic>
 #include <cerrno>
 #include <mutex>
+#include <thread>
 
 namespace
 {
@@ -127,6 +130,58 @@ TEST_F(StayingOnTest, IsWhatALoopNeedNotKnowOf)
     }
     other.join();
     EXPECT_EQ(stream.state(), StreamState::Stopped);
+}
+
+// The camera is back before the loop's time is over, and its first frame comes after that.
+TEST_F(StayingOnTest, GivesALoopItsWholeTimeOnceMoreAfterAReturn)
+{
+    m_device.unplug();
+    m_device.become(StreamedCamera::onDemand(), StreamedCamera::numbered());
+    m_device.plug();
+    m_options.timeout = 500ms;
+    Camera camera = m_device.open();
+    Stream stream = camera.stream(m_options);
+    std::thread other([&] {
+        unplug(stream);
+        m_device.plug();
+        EXPECT_TRUE(isBack(stream));
+        std::this_thread::sleep_for(450ms);
+        m_device->deliverFrames(1);
+    });
+    std::this_thread::sleep_for(100ms);
+    EXPECT_NO_THROW(stream.begin());
+    other.join();
+}
+
+TEST_F(StayingOnTest, OpensANodeThatCannotBeOpenedAtFirst)
+{
+    Camera camera = m_device.open();
+    Stream stream = camera.stream(m_options);
+    unplug(stream);
+    m_device.become(smallCamera()
+                        .failing(VirtualCamera::Call::Open, EIO, 1)
+                        .failing(VirtualCamera::Call::Open, EIO, 2),
+                    StreamedCamera::numbered());
+    m_device.plug();
+    EXPECT_TRUE(isBack(stream));
+}
+
+TEST_F(StayingOnTest, MayBeFollowedByAnotherWhenItTellsOfItsEnd)
+{
+    std::optional<Stream> next;
+    std::atomic<bool> isFollowed{false};
+    Camera camera = m_device.open();
+    StreamOptions options;
+    options.onState = [&](StreamState) {
+        next.emplace(camera.stream());
+        isFollowed = true;
+    };
+    {
+        Stream stream = camera.stream(options);
+        stream.stop();
+        EXPECT_TRUE(await([&] { return isFollowed.load(); }));
+    }
+    EXPECT_TRUE(next->next(5s));
 }
 
 TEST_F(StayingOnTest, KeepsFramesOfTheCameraThatWas)
@@ -283,6 +338,43 @@ TEST_F(AdjustedStayingOnTest, PutsControlsBackAsTheyWereAndAsTheyWereSet)
     ASSERT_TRUE(isBack(stream));
     EXPECT_EQ(m_device->controlValue(V4L2_CID_GAIN), 3);
     EXPECT_EQ(m_device->controlValue(V4L2_CID_CONTRAST), 7);
+}
+
+TEST_F(AdjustedStayingOnTest, PutsControlsBackAsTheyWereWhenItBegan)
+{
+    Camera camera = m_device.open();
+    camera["gain"] = 3;
+    m_device->setControlValue(V4L2_CID_GAIN, 8);
+    Stream stream = camera.stream(m_options);
+    unplug(stream);
+    m_device.plug();
+    ASSERT_TRUE(isBack(stream));
+    EXPECT_EQ(m_device->controlValue(V4L2_CID_GAIN), 8);
+}
+
+// Valgrind and the sanitizers see what it would read of the camera that was.
+TEST_F(AdjustedStayingOnTest, LetsProfilesBeComparedWhileTheCameraIsOpenedAnew)
+{
+    Camera camera = m_device.open();
+    Profile const profile = Profile::take(camera);
+    Stream stream = camera.stream(m_options);
+    std::atomic<bool> isOver{false};
+    std::thread other([&] {
+        while (!isOver) {
+            try {
+                profile.compare(camera);
+            } catch (Error const&) {
+                // It is away.
+            }
+        }
+    });
+    for (int round = 0; round < 5; ++round) {
+        unplug(stream);
+        m_device.plug();
+        ASSERT_TRUE(isBack(stream));
+    }
+    isOver = true;
+    other.join();
 }
 
 TEST_F(AdjustedStayingOnTest, PutsControlsBackThatAnotherGoverns)

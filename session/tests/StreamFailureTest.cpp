@@ -281,6 +281,19 @@ TEST_F(StreamEndTest, OfEveryBufferEndsTheStream)
     EXPECT_EQ(stream.error()->systemError(), EIO);
 }
 
+TEST_F(StreamEndTest, IsNotOfOneBufferLongAgo)
+{
+    Camera camera = Camera::open(m_found);
+    Stream stream = camera.stream();
+    m_device->fail(VIDIOC_QBUF, EIO);
+    for (int i = 0; i < 5; ++i) {
+        m_device->deliverFrames(1);
+        EXPECT_TRUE(stream.next(5s));
+    }
+    EXPECT_FALSE(stream.next(3s)) << "longer than the interfaces wait";
+    EXPECT_EQ(stream.state(), StreamState::Running);
+}
+
 TEST_F(StreamEndTest, BeforeItsBeginningTellsWhatTheCameraDidNotDo)
 {
     Camera camera = Camera::open(m_found);

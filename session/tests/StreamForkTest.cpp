@@ -27,6 +27,17 @@ int faultInChild(Camera& camera, Stream& stream, Frame& frame, std::atomic<int> 
     if (stream.statistics().reason.empty()) {
         return 3;
     }
+    if (waitAny({&stream}, -1ms) != 0) {
+        return 5;
+    }
+    for (Frame const& taken : stream) {
+        return taken ? 6 : 7;
+    }
+    try {
+        camera.stream();
+        return 8;
+    } catch (Error const&) {
+    }
     stream.stop();
     {
         Camera const gone(std::move(camera));

@@ -404,7 +404,8 @@ TEST(StreamTest, IsRefusedOnABusWithoutRoomWithWhatElseIsThere)
     EXPECT_EQ(error->kind(), ErrorKind::NoBandwidth);
     EXPECT_EQ(error->systemError(), ENOSPC);
     EXPECT_EQ(error->reason(),
-              "the bus has no room for YUYV 64x48@30; the link is full speed, 12 Mbit/s");
+              "the bus has no room for YUYV 64x48@30, 0.1 MB a second; the link is full speed, 12 "
+              "Mbit/s");
     EXPECT_EQ(error->hint(), "also on the bus: 1-3 'Other Cam'");
     EXPECT_TRUE(camera.stream().next(5s));
 }
