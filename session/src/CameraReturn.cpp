@@ -15,7 +15,7 @@ namespace
 
 constexpr int msBetweenAttempts = 500;
 /// After an event: the camera may get its node, or one's right to it, a moment later.
-constexpr int mostAttempts = 10;
+constexpr int mostAttempts = 4;
 
 int shorter(int a, int b)
 {
@@ -35,18 +35,33 @@ CameraReturn::CameraReturn(Found lost) : m_lost(std::move(lost))
 
 bool CameraReturn::await(Signal const& end, Deadline const& patience)
 {
-    int const left = patience.left();
-    std::array<pollfd, 2> entries{pollfd{end.descriptor(), POLLIN, 0},
-                                  pollfd{m_events ? m_events->descriptor() : -1, POLLIN, 0}};
-    poll(entries.data(), entries.size(), shorter(m_pause, left));
-    if (entries[1].revents != 0) {
+    for (;;) {
+        int const left = patience.left();
+        std::array<pollfd, 2> entries{pollfd{end.descriptor(), POLLIN, 0},
+                                      pollfd{m_events ? m_events->descriptor() : -1, POLLIN, 0}};
+        poll(entries.data(), entries.size(), shorter(m_pause, left));
+        if (entries[0].revents != 0 || left == 0) {
+            return false;
+        }
+        if (entries[1].revents == 0 || isToldOf()) {
+            return true;
+        }
+        // Of something else, or of a node that cannot be opened yet.
         m_attempts = mostAttempts;
-        auto const event = m_events->next(std::chrono::milliseconds(0));
-        bool const isOurs = event && event->action != Event::Action::Removed &&
-                            event->camera.text() == m_lost.text();
-        m_candidate = isOurs ? std::optional(event->camera) : std::nullopt;
+        m_pause = msBetweenAttempts;
     }
-    return entries[0].revents == 0 && left != 0;
+}
+
+bool CameraReturn::isToldOf()
+{
+    auto const event = m_events->next(std::chrono::milliseconds(0));
+    bool const isBack =
+        event && event->action != Event::Action::Removed && event->camera.text() == m_lost.text();
+    if (isBack) {
+        m_candidate = event->camera;
+        m_attempts = mostAttempts;
+    }
+    return isBack;
 }
 
 std::shared_ptr<Connection> CameraReturn::open()

@@ -33,6 +33,9 @@ public:
     void refused(Error const& error);
 
 private:
+    /// Whether an event tells of the camera, which then is the candidate.
+    bool isToldOf();
+
     Found const m_lost;
     std::optional<Events> m_events;   ///< None where udev cannot be reached: then time has to do.
     std::optional<Found> m_candidate; ///< The camera, as an event told of it.

@@ -22,11 +22,13 @@
 extern "C" char const* __tsan_default_suppressions();
 // umockdev serves its clients from a thread of its own, and GLib's locks are built on futexes,
 // which the sanitizer cannot see. libudev keeps one random hash key for all its threads, which the
-// first of them draw at the same time. Qt's handler for ended children runs on whichever thread the
-// signal reaches, and writes to a pipe that another one made before the fork.
+// first of them draw at the same time. umockdev's preload writes each path that it turns aside into
+// a buffer of all threads. Qt's handler for ended children runs on whichever thread the signal
+// reaches, and writes to a pipe that another one made before the fork.
 extern "C" char const* __tsan_default_suppressions()
 {
     return "called_from_lib:libumockdev.so.0\n"
+           "race:libumockdev-preload.so.0\n"
            "called_from_lib:libglib-2.0.so.0\n"
            "called_from_lib:libgobject-2.0.so.0\n"
            "called_from_lib:libgio-2.0.so.0\n"
