@@ -48,7 +48,8 @@ struct StreamOptions
     /// How long it waits for the camera; then it ends as Unplugged. Zero: for ever.
     std::chrono::milliseconds patience{0};
     /// Told of each change of state, on the stream's own thread; must not destroy the stream,
-    /// nor wait for who does, for ending a stream waits for this call. What it throws ends the process, as on any thread. May be empty.
+    /// nor wait for who does, for ending a stream waits for this call. What it throws ends the
+    /// process, as on any thread. May be empty.
     std::function<void(StreamState)> onState = {};
 };
 
