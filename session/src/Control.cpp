@@ -9,7 +9,6 @@
 #include <ICameraControl.h>
 
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 namespace ImageAcquisition::Session

@@ -33,11 +33,6 @@ Feature const features[] = {
          return equalIgnoringCase(camera.id(), text);
      }}};
 
-bool startsWith(std::string const& text, std::string const& beginning)
-{
-    return text.compare(0, beginning.size(), beginning) == 0;
-}
-
 std::string operationOf(std::string const& text)
 {
     return "find camera '" + text + "'";

@@ -36,4 +36,9 @@ bool equalIgnoringCase(std::string const& a, std::string const& b)
     });
 }
 
+bool startsWith(std::string const& text, std::string const& beginning)
+{
+    return text.compare(0, beginning.size(), beginning) == 0;
+}
+
 } // namespace ImageAcquisition::Session

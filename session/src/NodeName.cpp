@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "NodeName.h"
 
+#include "Names.h"
 #include "Parsing.h"
 
 #include <stdlib.h>
@@ -14,11 +15,6 @@ namespace
 {
 
 constexpr char devDirectory[] = "/dev/";
-
-bool startsWith(std::string const& text, char const* beginning)
-{
-    return text.rfind(beginning, 0) == 0;
-}
 
 /// Resolves the links that udev makes in /dev/v4l.
 std::string resolved(std::string const& path)
